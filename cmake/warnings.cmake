@@ -1,0 +1,6 @@
+# qv_warnings: the warnings that every target of ours is compiled with; each one is an error.
+add_library(qv_warnings INTERFACE)
+target_compile_options(qv_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  $<$<COMPILE_LANG_AND_ID:CXX,Clang>:-Wno-sign-conversion -Wno-implicit-int-float-conversion>
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
