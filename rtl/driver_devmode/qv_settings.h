@@ -1,0 +1,22 @@
+// TQVSettings, a value type that the driver's other modules pass around. This library only gives it
+// its layout and its copying; what the members mean is theirs.
+#pragma once
+
+#include <cstdint>
+
+#include "mox_classes/unicode_string.h"
+#include "qv_api.h"
+
+struct QV_API TQVSettings {
+    std::int64_t First = 0;
+    std::int64_t Second = 0;
+    UnicodeString Name;
+    std::int32_t Number = 0;
+    UnicodeString Texts[5];
+    std::uint8_t Flags[3] = {};
+    UnicodeString Comment;
+    std::int32_t Count = 0;
+    std::int32_t Values[8] = {};
+    std::uint8_t Data[52] = {};
+    std::int32_t Last = 0;
+};
