@@ -9,6 +9,7 @@ inline const HKEY HKEY_CLASSES_ROOT =
 inline const HKEY HKEY_CURRENT_USER = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(-2147483647));
 inline const HKEY HKEY_LOCAL_MACHINE = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(-2147483646));
 inline const HKEY HKEY_USERS = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(-2147483645));
+inline const HKEY HKEY_CURRENT_CONFIG = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(-2147483643));
 
 #define REG_NONE 0u
 #define REG_SZ 1u

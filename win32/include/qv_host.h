@@ -1,0 +1,20 @@
+// What only this host has: where its state lies, and its registry as text. For tools and tests; the
+// toolkit itself keeps to the Win32 names.
+#pragma once
+
+#include "minwindef.h"
+
+// The host root's folder, a name of this host's file system. Returns the characters written without
+// the terminator, or the size that is needed with it when `size` is too small.
+QV_HOST_API DWORD QvHostRoot(LPWSTR buffer, DWORD size);
+
+// Applies a .reg file (a name of this host's file system) to the registry: what the Windows
+// registry editor exports, or UTF-8. The file is read whole first; one that is malformed changes
+// nothing. On failure `message` receives a text of at most `size` characters with terminator: file,
+// line, reason; the last error is set.
+QV_HOST_API BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size);
+
+// Writes a key with all below it as UTF-8 .reg text to `file`, or to standard output when `file` is
+// null. `key` begins with a root's name, whole or short ("HKLM\Software"); null means every root.
+// Failure as in QvHostImport.
+QV_HOST_API BOOL QvHostExport(LPCWSTR key, LPCWSTR file, LPWSTR message, DWORD size);
