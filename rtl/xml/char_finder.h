@@ -1,0 +1,84 @@
+// The scanner under the XML parser: finds the next byte of a class and knows how many bytes each
+// character takes in the input's encoding.
+#pragma once
+
+#include "mox_classes/unicode_string.h"
+#include "qv_api.h"
+
+using System::TCodePage;
+
+// A set of byte values: a non-zero entry makes the byte a member. Plain value.
+class TSearchSet {
+  public:
+    unsigned char& operator[](int i) { return members_[i]; }
+    bool Contains(unsigned char byte) const { return members_[byte] != 0; }
+    // Bytes 33 to 126 and the UTF-8 lead bytes: what is neither blank nor control.
+    void NoneControl(unsigned char v);
+    void Number(unsigned char v) { Fill('0', '9', v); }
+    void Alpha(unsigned char v);
+    void UpperAlpha(unsigned char v) { Fill('A', 'Z', v); }
+    void LowerAlpha(unsigned char v) { Fill('a', 'z', v); }
+    // The lead bytes of multi-byte characters, 192 to 247.
+    void Utf8NonAnsi(unsigned char v) { Fill(192, 247, v); }
+
+  private:
+    void Fill(int first, int last, unsigned char v) {
+        for (int i = first; i <= last; ++i) members_[i] = v;
+    }
+
+    unsigned char members_[256] = {};
+};
+
+// Scans a buffer that it does not own; positions are bytes from the buffer's start. Never reads
+// outside the buffer, and no position passes its end. Spans are always decoded as UTF-8.
+class QV_API TAsciiCharFinder {
+  public:
+    TAsciiCharFinder();
+    // `size` below 0 counts as 0.
+    TAsciiCharFinder(const void* buffer, int size);
+
+    // Skips a byte-order mark at the position and settles code page and character lengths: a mark
+    // wins over `wanted` (0 = none), and without either the content decides.
+    void CheckCodePage(TCodePage wanted);
+    // Advances to the next member of the set and returns it; 255 at the end. A byte that cannot
+    // start a character throws "Invalid char found" and stays at the position.
+    unsigned char Find(const TSearchSet* set);
+    // The same for UTF-16 input; 65535 at the end, and at once for any other code page.
+    unsigned short FindW(const TSearchSet* set);
+    // A span from the position plus offset ...
+    void BeginRead(int offset) { FMark = FPos + offset; }
+    // ... to the position plus offset.
+    UnicodeString EndRead(int offset) const { return Read(FMark, FPos + offset); }
+    // The bytes from `from` up to `to`, clipped to the buffer, decoded; null when there are none.
+    UnicodeString Read(int from, int to) const;
+    unsigned char Current() const { return b(0); }
+    unsigned char Next() const { return b(1); }
+    unsigned char Prev() const { return b(-1); }
+    // The byte at position plus offset, 0 outside the buffer.
+    char c(int offset) const { return static_cast<char>(b(offset)); }
+    unsigned char b(int offset) const {
+        const long long at = static_cast<long long>(FPos) + offset;
+        return at < 0 || at >= FSize ? static_cast<unsigned char>(0) : FBuffer[at];
+    }
+    bool Eof() const { return FPos >= FSize; }
+
+    int Position() const { return FPos; }
+    // Moves on by `count` bytes, at most to the end.
+    void Skip(int count) { FPos = count < FSize - FPos ? FPos + count : FSize; }
+    TCodePage CodePage() const { return FCodePage; }
+    const unsigned char* Bytes() const { return FBuffer; }
+
+  protected:
+    int FMark = 0;
+    const unsigned char* FBuffer = nullptr;
+    int FSize = 0;
+    int FPos = 0;
+    TCodePage FCodePage = System::kCodePageAnsi;
+    unsigned char FStep[256];  // bytes of a character that starts with this byte; 0 = none does
+
+  private:
+    unsigned short FindUnit(const TSearchSet* set, int low_byte);
+    TCodePage GuessFromContent() const;
+    void StepByAnsi();
+    void StepByUtf8();
+};

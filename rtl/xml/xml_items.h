@@ -1,0 +1,93 @@
+// The item lists of an XML element: attributes (name, value pairs) and child elements, in insertion
+// order, with a hash index over the item names.
+//
+// Two indices serve two needs. FSlots is the exact table: as many slots as items, rebuilt whole at
+// the first lookup after an addition. Adding attributes one by one asks for the name before each
+// addition; that question goes to TXmlNameIndex, which grows with the list, so that a million
+// additions stay linear. The same index answers what the exact table could answer only by a long
+// scan.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "mox_classes/unicode_string.h"
+#include "qv_api.h"
+#include "xml/xml_name_index.h"
+
+using System::TCodePage;
+
+// A name and a value: an attribute, and what an element shares with it. Pairs and elements come
+// from the process heap, so that a module may hand one that it made to a list of another module.
+class QV_API TXmlPair {
+  public:
+    UnicodeString FName;
+    UnicodeString FValue;
+
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block) noexcept;
+};
+
+// One slot of the exact table. Plain value.
+class THashSlot {
+  public:
+    THashSlot() = default;
+    THashSlot(ULONG hash, int index) : Hash(hash), Index(index) {}
+
+    std::uint32_t Hash = 0;
+    std::int32_t Index = -1;  // position in the list; -1 marks a free slot
+};
+
+// Owns its items. One thread at a time. Names compare exactly, code unit by code unit; the code
+// page arguments have no effect. Renaming an item that stands in the list does not mark the table
+// stale: lookups of the new name can miss until the next addition.
+class QV_API TXmlItems {
+  public:
+    // What the list holds, and so how it deletes its items: a list of nodes deletes each with its
+    // subtree.
+    enum class TKind : unsigned char { Pairs, Nodes };
+
+    TXmlItems() : TXmlItems(TKind::Pairs) {}
+    explicit TXmlItems(TKind kind) : kind_(kind) {}
+    ~TXmlItems();
+    TXmlItems(const TXmlItems&) = delete;
+    TXmlItems& operator=(const TXmlItems&) = delete;
+
+    // Takes ownership, appends, marks the table stale; the position of the item. A list that is
+    // full (2147483647 items) throws "Out of length".
+    int AddItem(TXmlPair* item);
+    int GetCount() const { return FCount < 0 ? -FCount : FCount; }
+    // Null outside 0 .. count - 1.
+    TXmlPair* Items(int i) const;
+    // Position of the first item of that name in insertion order, -1 when there is none.
+    int IndexOf(const UnicodeString& name, TCodePage);
+    // Stores the first `max` positions of the items of that name; how many there are in all.
+    int EnumIndexOf(int* indices, int max, const UnicodeString& name, TCodePage);
+    TXmlPair* Find(const UnicodeString& name, TCodePage code_page);
+    // As IndexOf, without the exact table: the question that comes before an addition.
+    int FirstOf(const UnicodeString& name);
+
+  protected:
+    // Rebuilds the exact table: item i lies in the first slot, from its home (hash modulo count)
+    // upwards and around, that the items before it left free.
+    void Build(TCodePage);
+    // The first free slot from `start` upwards and around; -1 when the table is full.
+    int FindEmptySlot(int start) const;
+
+    std::unique_ptr<THashSlot[]> FSlots;  // null before the first rebuild
+    std::unique_ptr<TXmlPair*[]> FList;
+    std::int32_t FCount = 0;  // -count while the table is stale, count once it has been rebuilt
+
+  private:
+    friend class TXmlNode;
+
+    int Scan(const UnicodeString& name) const;
+    const TXmlNameIndex& Names();
+
+    std::int32_t capacity_ = 0;  // entries of FList
+    TKind kind_;
+    TXmlNameIndex names_;
+};
