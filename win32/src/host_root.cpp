@@ -1,0 +1,37 @@
+#include "host_root.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace host {
+namespace {
+
+std::string AbsoluteFromEnvironment(const char* name) {
+    const char* const value = std::getenv(name);
+    std::string path = value != nullptr && value[0] == '/' ? value : "";
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path;
+}
+
+std::string Home() {
+    const std::string home = AbsoluteFromEnvironment("HOME");
+    if (!home.empty()) return home;
+    char buffer[4096];
+    passwd entry;
+    passwd* found = nullptr;
+    getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &found);
+    return found == nullptr ? "/tmp" : entry.pw_dir;
+}
+
+}  // namespace
+
+std::string HostRoot() {
+    const std::string chosen = AbsoluteFromEnvironment("QV_HOST_ROOT");
+    if (!chosen.empty()) return chosen;
+    const std::string state = AbsoluteFromEnvironment("XDG_STATE_HOME");
+    return (state.empty() ? Home() + "/.local/state" : state) + "/qv_rtl";
+}
+
+}  // namespace host

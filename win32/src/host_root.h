@@ -1,0 +1,13 @@
+// The folder that holds this host's state: drive C, registry, spooler, shared names.
+#pragma once
+
+#include <string>
+
+namespace host {
+
+// QV_HOST_ROOT, else qv_rtl under XDG_STATE_HOME, else under ~/.local/state; absolute, without a
+// separator at its end. Read from the environment on each call; the folder may not exist yet.
+// Relative names in these variables are ignored.
+std::string HostRoot();
+
+}  // namespace host
