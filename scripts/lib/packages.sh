@@ -1,0 +1,36 @@
+# Debian packages that the builds and tests need, by purpose, and their installation.
+
+packages_for() {
+    case $1 in
+        native) echo cmake ninja-build g++ googletest ;;
+        clang) echo cmake ninja-build clang g++ googletest ;;
+        windows) echo cmake ninja-build g++ googletest g++-mingw-w64-x86-64-posix wine wine64 ;;
+        style) echo clang-format git ;;
+        *) echo "unknown purpose '$1'" >&2; return 2 ;;
+    esac
+}
+
+package_installed() {
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# Installs what is missing for the given purposes; silent when nothing is.
+require_packages() {
+    local purpose package names missing=()
+    command -v dpkg-query >/dev/null || return 0
+    for purpose in "$@"; do
+        names=$(packages_for "$purpose") || return
+        for package in $names; do
+            package_installed "$package" || missing+=("$package")
+        done
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "installing: ${missing[*]}"
+    as_root apt-get -q update >/dev/null &&
+        DEBIAN_FRONTEND=noninteractive as_root apt-get -q install -y --no-install-recommends \
+            "${missing[@]}" >/dev/null
+}
