@@ -1,0 +1,23 @@
+// Start and stop of the library for one module ("unit") of the product. Each module calls one init
+// at its start and the matching uninit at its end; the library does so for itself when it is
+// loaded.
+//
+// No step fails the start: a missing resource file leaves the resources empty, a log file that does
+// not open leaves the recorder that is installed, if any.
+#pragma once
+
+#include "mox_classes/unicode_string.h"
+#include "qv_api.h"
+
+// Connects the unit to the logger, reads the resource file, installs the log file recorder and logs
+// two identification lines. An empty resource file name or language takes the installed one. Not
+// meant for two threads at once.
+QV_API void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFile,
+                      const UnicodeString& language);
+// Removes and frees the installed recorder, whichever unit installed it, and disconnects the unit;
+// the last one releases the resources. The name is not used.
+QV_API void QVUninitApp(const UnicodeString& moduleName);
+// The same, under the names that the driver's modules call.
+QV_API void QVInitDriver(const UnicodeString& moduleName, const UnicodeString& resourceFile,
+                         const UnicodeString& language);
+QV_API void QVUninitDriver(const UnicodeString& moduleName);
