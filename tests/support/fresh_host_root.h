@@ -1,5 +1,5 @@
 // A host root of its own for one test: an empty registry, an empty drive C. On Windows, where the
-// system keeps all that, it does nothing.
+// system keeps all that, only the product's own registry keys are taken away.
 #pragma once
 
 #include <string>
