@@ -1,0 +1,36 @@
+// Share modes of open files, between handles and processes.
+//
+// Each open file holds read locks (open file description locks) on marker bytes from 2^62 on, far
+// beyond any data: one byte for each thing it does and for each thing it denies to others. They
+// vanish with the descriptor, also when the process is killed. Looking and marking happen under a
+// short flock() on the file. A file system without such locks has no share modes.
+#pragma once
+
+#include <windows.h>
+
+#include <sys/types.h>
+
+namespace host {
+
+// First byte that share modes use; locks of data ranges end before it.
+constexpr off_t kShareMarkers = off_t{1} << 62;
+
+struct FileUse {
+    bool read = false;
+    bool write = false;
+    bool remove = false;
+};
+
+// Joins the users of the file of `fd`, which must be open for reading. ERROR_SHARING_VIOLATION when
+// another open file forbids `use` or does what `share` (FILE_SHARE_...) denies; nothing is held
+// then once `fd` is closed. A descriptor that cannot read joins without a mark.
+DWORD ClaimShareMode(int fd, FileUse use, DWORD share);
+
+// Removes the name `path` of the open file `fd`, unless a user of it denies that with
+// ERROR_SHARING_VIOLATION.
+DWORD RemoveShared(int fd, const char* path);
+
+// One non-blocking open file description lock of `type` (F_RDLCK, F_WRLCK, F_UNLCK); 0 or errno.
+int LockRange(int fd, short type, off_t start, off_t length);
+
+}  // namespace host
