@@ -26,7 +26,7 @@ DWORD Transfer(DWORD bytes, bool short_ends, DWORD& done, Step step) {
         const DWORD size = std::min(bytes - done, kLargest);
         const ssize_t moved = step(done, size);
         if (moved < 0 && errno == EINTR) continue;
-        if (moved < 0) return ErrorFromErrno(errno);
+        if (moved < 0) return errno == EAGAIN ? ERROR_NOT_READY : ErrorFromErrno(errno);
         done += static_cast<DWORD>(moved);
         if (moved == 0 || (short_ends && static_cast<DWORD>(moved) < size)) break;
     }
