@@ -16,10 +16,8 @@ namespace host {
 
 namespace {
 
-std::mutex& EnvironmentLock() {
-    static auto& lock = *new std::mutex;  // never destroyed: used until the last moment
-    return lock;
-}
+// Constant-initialised and without a destructor: usable until the last moment of the process.
+constinit std::mutex environment_lock;
 
 struct DefaultVariable {
     WideView name;
@@ -52,7 +50,7 @@ std::optional<std::string> ActualName(WideView name) {
 
 std::optional<WideString> Variable(WideView name) {
     {
-        const std::lock_guard lock(EnvironmentLock());
+        const std::lock_guard lock(environment_lock);
         if (const auto actual = ActualName(name)) return FromUtf8(std::getenv(actual->c_str()));
     }
     for (const DefaultVariable& row : kDefaults) {
@@ -105,7 +103,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    const std::lock_guard lock(EnvironmentLock());
+    const std::lock_guard lock(environment_lock);
     const auto actual = ActualName(wide_name);
     const std::string narrow_name = actual.value_or(ToUtf8(wide_name));
     if (value == nullptr) {

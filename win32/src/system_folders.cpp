@@ -30,8 +30,8 @@ WideString TempFolder() {
 DWORD GetTempPathW(DWORD size, LPWSTR buffer) {
     WideString folder = TempFolder();
     // The callers append file names and look for a backslash.
-    if (folder.back() == u'/') folder.pop_back();
-    if (folder.empty() || folder.back() != u'\\') folder += u'\\';
+    if (folder.back() == u'/' && folder.size() > 1) folder.pop_back();
+    if (folder.back() != u'\\') folder += u'\\';
     return CopyOut(folder, buffer, size);
 }
 
