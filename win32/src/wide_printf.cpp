@@ -11,14 +11,14 @@
 #include "code_page.h"
 #include "host_text.h"
 
-using namespace qv_host;
+using namespace host;
 
 namespace {
 
 // Counts every unit, writes those that fit.
-class TOutput {
+class Output {
   public:
-    TOutput(WCHAR* buffer, std::size_t size) : buffer_(buffer), size_(size) {}
+    Output(WCHAR* buffer, std::size_t size) : buffer_(buffer), size_(size) {}
 
     void Put(WCHAR unit) {
         if (count_ < size_) buffer_[count_] = unit;
@@ -55,9 +55,9 @@ struct Arguments {
     std::va_list list;
 };
 
-class TFormatter {
+class Formatter {
   public:
-    TFormatter(TOutput& output, const WCHAR* format, Arguments& arguments)
+    Formatter(Output& output, const WCHAR* format, Arguments& arguments)
         : output_(output), next_(format), arguments_(arguments) {}
 
     void Run() {
@@ -323,7 +323,7 @@ class TFormatter {
         WriteField(c, c.zero && finite, text.substr(0, prefix), 0, text.substr(prefix));
     }
 
-    TOutput& output_;
+    Output& output_;
     const WCHAR* next_;
     Arguments& arguments_;
 };
@@ -335,12 +335,12 @@ int _vsnwprintf(WCHAR* buffer, std::size_t count, const WCHAR* format, std::va_l
         SetLastError(ERROR_INVALID_PARAMETER);
         return -1;
     }
-    TOutput output(buffer, count);
+    Output output(buffer, count);
     Arguments copy;
     va_copy(copy.list, arguments);
     bool complete = true;
     try {
-        TFormatter(output, format, copy).Run();
+        Formatter(output, format, copy).Run();
     } catch (const std::bad_alloc&) {
         complete = false;
     }
