@@ -1,0 +1,141 @@
+// The constructors of the string: from numbers, narrow text, UTF-16 and UTF-32.
+#include <windows.h>
+
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/unicode_string.h"
+
+namespace System {
+
+namespace {
+
+constexpr long long kMaxLength = std::numeric_limits<int>::max();
+
+// The length of a counted text: the count as given, or for -1 up to the terminator.
+template <class Unit>
+long long CountedLength(const Unit* text, long long count) {
+    if (count > kMaxLength) throw UnicodeString("Out of length");
+    if (count != -1) return count;
+    const Unit* end = text;
+    while (*end != 0) ++end;
+    if (end - text > kMaxLength) throw UnicodeString("Out of length");
+    return end - text;
+}
+
+template <class Unit>
+UnicodeString FromUnits(const Unit* text, long long count) {
+    static_assert(sizeof(Unit) == sizeof(WCHAR));
+    UnicodeString result;
+    if (text == nullptr) return result;
+    const long long length = CountedLength(text, count);
+    if (length < 1) return result;
+    result.SetLength(length);
+    std::memcpy(result.data(), text, static_cast<std::size_t>(length) * sizeof(WCHAR));
+    return result;
+}
+
+// Null when the conversion yields nothing. Short texts, which most are, are converted only once.
+UnicodeString FromAnsi(const char* text, int bytes) {
+    constexpr int kShort = 256;
+    UnicodeString result;
+    if (bytes < 1) return result;
+    if (bytes <= kShort) {
+        WCHAR buffer[kShort];
+        const int units = MultiByteToWideChar(CP_ACP, 0, text, bytes, buffer, kShort);
+        if (units > 0) return UnicodeString(buffer, units);
+    }
+    const int units = MultiByteToWideChar(CP_ACP, 0, text, bytes, nullptr, 0);
+    if (units < 1) return result;
+    result.SetLength(units);
+    if (MultiByteToWideChar(CP_ACP, 0, text, bytes, result.data(), units) != units) {
+        return UnicodeString();
+    }
+    return result;
+}
+
+template <class Number>
+UnicodeString FromNumber(Number value, int base = 10) {
+    char digits[24];
+    const char* end = std::to_chars(std::begin(digits), std::end(digits), value, base).ptr;
+    UnicodeString result;
+    result.SetLength(end - digits);
+    for (int i = 0; i < result.Length(); ++i) {
+        result.data()[i] = static_cast<WCHAR>(static_cast<unsigned char>(digits[i]));
+    }
+    return result;
+}
+
+int Utf16Units(unsigned int code_point) {
+    return code_point >= 0x10000 && code_point <= 0x10FFFF ? 2 : 1;
+}
+
+WCHAR* PutUtf16(WCHAR* out, unsigned int code_point) {
+    if (Utf16Units(code_point) == 2) {
+        const unsigned int bits = code_point - 0x10000;
+        *out++ = static_cast<WCHAR>(0xD800 | (bits >> 10));
+        *out++ = static_cast<WCHAR>(0xDC00 | (bits & 0x3FF));
+    } else {
+        *out++ = static_cast<WCHAR>(code_point > 0x10FFFF ? 0xFFFD : code_point);
+    }
+    return out;
+}
+
+}  // namespace
+
+UnicodeString::UnicodeString(char c)
+    : UnicodeString(static_cast<WCHAR>(static_cast<signed char>(c))) {}
+UnicodeString::UnicodeString(WCHAR unit) : UnicodeString(&unit, 1) {}
+UnicodeString::UnicodeString(unsigned short unit) : UnicodeString(&unit, 1) {}
+
+UnicodeString::UnicodeString(short value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(int value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(unsigned int value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(long value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(unsigned long value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(long long value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(unsigned long long value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(double value) : UnicodeString(Sysutils::FloatToStr(value)) {}
+
+UnicodeString::UnicodeString(const char* text) : UnicodeString() {
+    if (text != nullptr) *this = FromAnsi(text, static_cast<int>(CountedLength(text, -1)));
+}
+
+UnicodeString::UnicodeString(const char* text, long long count) : UnicodeString() {
+    if (text == nullptr) return;
+    const long long bytes = CountedLength(text, count);
+    if (bytes < 0) return;
+    *this = FromAnsi(text, static_cast<int>(bytes));
+    if (IsEmpty()) SetLength(0);
+}
+
+UnicodeString::UnicodeString(const unsigned short* text) : UnicodeString(FromUnits(text, -1)) {}
+UnicodeString::UnicodeString(const unsigned short* text, long long count)
+    : UnicodeString(FromUnits(text, count)) {}
+UnicodeString::UnicodeString(const WCHAR* text) : UnicodeString(FromUnits(text, -1)) {}
+UnicodeString::UnicodeString(const WCHAR* text, long long count)
+    : UnicodeString(FromUnits(text, count)) {}
+
+UnicodeString::UnicodeString(const unsigned int* text, long long count) : UnicodeString() {
+    if (count > kMaxLength) throw UnicodeString("Out of length");
+    if (text == nullptr || count == 0) return;
+    long long code_points = 0;
+    long long units = 0;
+    for (; (count < 0 || code_points < count) && text[code_points] != 0; ++code_points) {
+        units += Utf16Units(text[code_points]);
+    }
+    SetLength(units);
+    WCHAR* out = data_;
+    for (long long i = 0; i < code_points; ++i) out = PutUtf16(out, text[i]);
+}
+
+UnicodeString UnicodeString::IntToHex(int value, int digits) {
+    UnicodeString text = FromNumber(static_cast<unsigned int>(value), 16).UpperCase();
+    if (text.Length() >= digits) return text;
+    return StringOfChar(TEXT('0'), digits - text.Length()) + text;
+}
+
+}  // namespace System

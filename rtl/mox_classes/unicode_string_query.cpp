@@ -1,0 +1,95 @@
+// Ordinal comparison, search and the members that are utilities applied to the string.
+#include <windows.h>
+
+#include <string_view>
+
+#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/sysutils_text.h"
+#include "mox_classes/unicode_string.h"
+
+namespace System {
+
+namespace {
+
+using TUnits = std::basic_string_view<WCHAR>;
+
+// Negative, 0 or positive, as the first difference before or at the first 0 unit says.
+int CompareUnits(const WCHAR* a, const WCHAR* b) {
+    while (*a == *b && *a != 0) {
+        ++a;
+        ++b;
+    }
+    return static_cast<int>(static_cast<unsigned short>(*a)) -
+           static_cast<int>(static_cast<unsigned short>(*b));
+}
+
+}  // namespace
+
+bool UnicodeString::operator==(const UnicodeString& other) const {
+    return data_ == other.data_ || CompareUnits(t_str(), other.t_str()) == 0;
+}
+bool UnicodeString::operator!=(const UnicodeString& other) const {
+    return !(*this == other);
+}
+bool UnicodeString::operator<(const UnicodeString& other) const {
+    return CompareUnits(t_str(), other.t_str()) < 0;
+}
+bool UnicodeString::operator<=(const UnicodeString& other) const {
+    return !(other < *this);
+}
+bool UnicodeString::operator>(const UnicodeString& other) const {
+    return other < *this;
+}
+bool UnicodeString::operator>=(const UnicodeString& other) const {
+    return !(*this < other);
+}
+
+int UnicodeString::Pos(const UnicodeString& sub) const {
+    const std::size_t position = TUnits(t_str()).find(TUnits(sub.t_str()));
+    return position == TUnits::npos ? 0 : static_cast<int>(position) + 1;
+}
+
+UnicodeString UnicodeString::Trim() const {
+    return Sysutils::Trim(*this);
+}
+UnicodeString UnicodeString::TrimLeft() const {
+    return Sysutils::TrimLeft(*this);
+}
+UnicodeString UnicodeString::TrimRight() const {
+    return Sysutils::TrimRight(*this);
+}
+UnicodeString UnicodeString::LowerCase() const {
+    return Sysutils::LowerCase(*this);
+}
+UnicodeString UnicodeString::UpperCase() const {
+    return Sysutils::UpperCase(*this);
+}
+int UnicodeString::ToInt() const {
+    return Sysutils::StrToInt(*this);
+}
+int UnicodeString::ToIntDef(int value) const {
+    return Sysutils::StrToIntDef(*this, value);
+}
+double UnicodeString::ToDouble() const {
+    return static_cast<double>(Sysutils::StrToFloat(*this));
+}
+bool UnicodeString::IsDelimiter(const UnicodeString& delimiters, int index) const {
+    return Sysutils::IsDelimiter(delimiters, *this, index);
+}
+bool UnicodeString::IsPathDelimiter(int index) const {
+    return Sysutils::IsPathDelimiter(*this, index);
+}
+int UnicodeString::LastDelimiter(const UnicodeString& delimiters) const {
+    return Sysutils::LastDelimiter(delimiters, *this);
+}
+UnicodeString::TStringLeadCharType UnicodeString::ByteType(int index) const {
+    return static_cast<TStringLeadCharType>(Sysutils::ByteType(*this, index));
+}
+bool UnicodeString::IsLeadSurrogate(int index) const {
+    return ByteType(index) == lctLead;
+}
+bool UnicodeString::IsTrailSurrogate(int index) const {
+    return ByteType(index) == lctTrail;
+}
+
+}  // namespace System

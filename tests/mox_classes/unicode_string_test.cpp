@@ -1,0 +1,261 @@
+// The string: null against a buffer of length 0, sharing and copy on write, limits, sources.
+#include "mox_classes/unicode_string.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstring>
+#include <new>
+#include <thread>
+#include <vector>
+
+#include "mox_classes/memory.h"
+#include "mox_classes/strhlpr.h"
+#include "support/string_print.h"
+
+namespace {
+
+bool IsBufferOfLength0(const UnicodeString& s) {
+    return !s.IsEmpty() && s.Length() == 0 && s.RefCount() == 1 && s.t_str()[0] == 0;
+}
+
+template <class Action>
+UnicodeString ThrownBy(Action action) {
+    try {
+        action();
+    } catch (const UnicodeString& message) {
+        return message;
+    }
+    return TEXT("nothing");
+}
+
+UnicodeString FromUtf32(std::vector<unsigned int> text, long long count = -1) {
+    text.push_back(0);
+    return UnicodeString(text.data(), count);
+}
+
+// A block made by hand, as another module would lay it out.
+WCHAR* ForeignBuffer(const WCHAR* text, int length, int count) {
+    const System::StrRec header{1200, 2, count, length};
+    char* block = static_cast<char*>(System::GetMemory(64));
+    std::memcpy(block, &header, sizeof header);
+    std::memcpy(block + sizeof header, text, 2 * (std::char_traits<WCHAR>::length(text) + 1));
+    return reinterpret_cast<WCHAR*>(block + sizeof header);
+}
+
+}  // namespace
+
+TEST(UnicodeString, NothingIsNull) {
+    const WCHAR* no_text = nullptr;
+    const UnicodeString nothing[] = {UnicodeString(),
+                                     UnicodeString(""),
+                                     UnicodeString(TEXT("")),
+                                     UnicodeString(no_text),
+                                     UnicodeString(TEXT("abc"), 0),
+                                     UnicodeString(TEXT("abc"), -2),
+                                     FromUtf32({'a'}, 0),
+                                     UnicodeString(TEXT("abc")).SubString(4, 1),
+                                     UnicodeString(TEXT("   ")).Trim(),
+                                     UnicodeString::StringOfChar('x', -1)};
+    for (const UnicodeString& s : nothing) {
+        EXPECT_TRUE(s.IsEmpty());
+        EXPECT_EQ(s.Length(), 0);
+        EXPECT_EQ(s.RefCount(), 0);
+        EXPECT_EQ(s.CodePage(), 1200);
+        EXPECT_EQ(s.ElementSize(), 2);
+        EXPECT_EQ(s.data(), nullptr);
+        EXPECT_EQ(s.t_str()[0], 0);
+    }
+}
+
+TEST(UnicodeString, LengthZeroIsABuffer) {
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().SetLength(0)));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().Unique()));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString(TEXT("abc")).Delete(1, 3)));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString::StringOfChar('x', 0)));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().LowerCase()));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString("abc", 0)));
+    EXPECT_TRUE(IsBufferOfLength0(UnicodeString(TEXT("abc")).sprintf(TEXT("%s"), TEXT(""))));
+
+    const UnicodeString null;
+    const UnicodeString zero = UnicodeString().SetLength(0);
+    EXPECT_TRUE(null == zero);
+    EXPECT_EQ(zero.Trim().data(), zero.data());
+}
+
+TEST(UnicodeString, NumbersAndSingleUnits) {
+    EXPECT_EQ(UnicodeString(static_cast<char>(0xE9))[1], 0xFFE9);
+    EXPECT_EQ(UnicodeString(static_cast<unsigned short>(0xE9))[1], 0xE9);
+    EXPECT_EQ(UnicodeString(static_cast<short>(-7)), TEXT("-7"));
+    EXPECT_EQ(UnicodeString(-2147483647 - 1), TEXT("-2147483648"));
+    EXPECT_EQ(UnicodeString(4294967295u), TEXT("4294967295"));
+    EXPECT_EQ(UnicodeString(-9223372036854775807LL - 1), TEXT("-9223372036854775808"));
+    EXPECT_EQ(UnicodeString(18446744073709551615ULL), TEXT("18446744073709551615"));
+    EXPECT_EQ(UnicodeString(1.5), TEXT("1.500000"));
+    EXPECT_EQ(UnicodeString::IntToHex(255, 4), TEXT("00FF"));
+    EXPECT_EQ(UnicodeString::IntToHex(255, 0), TEXT("FF"));
+    EXPECT_EQ(UnicodeString::IntToHex(-1, 4), TEXT("FFFFFFFF"));
+}
+
+TEST(UnicodeString, Utf32) {
+    EXPECT_EQ(FromUtf32({0xFFFF}), TEXT("\xFFFF"));
+    EXPECT_EQ(FromUtf32({0x10000, 0x10FFFF}), TEXT("\xD800\xDC00\xDBFF\xDFFF"));
+    EXPECT_EQ(FromUtf32({0x110000, 0xD800}), TEXT("\xFFFD\xD800"));
+    EXPECT_EQ(FromUtf32({'a', 'b', 'c'}, 2), TEXT("ab"));
+    EXPECT_EQ(FromUtf32({'a'}, 100), TEXT("a"));
+}
+
+TEST(UnicodeString, NarrowAndCountedText) {
+    EXPECT_EQ(UnicodeString("abc"), TEXT("abc"));
+    EXPECT_EQ(UnicodeString("abc", 2), TEXT("ab"));
+    EXPECT_EQ(UnicodeString("abc", -1), TEXT("abc"));
+    EXPECT_EQ(UnicodeString(std::string(1000, 'x').c_str()),
+              UnicodeString::StringOfChar('x', 1000));
+    EXPECT_EQ(UnicodeString(TEXT("a\0b"), 3).Length(), 3);
+    EXPECT_TRUE(UnicodeString(TEXT("a\0b"), 3) == UnicodeString(TEXT("a\0c"), 3));
+    const unsigned short units[] = {'x', 'y', 0};
+    EXPECT_EQ(units + UnicodeString(TEXT("z")), TEXT("xyz"));
+    EXPECT_EQ("n" + UnicodeString(TEXT("z")), TEXT("nz"));
+}
+
+TEST(UnicodeString, ACopyNeverSeesAChange) {
+    const auto expect_kept = [](auto change) {
+        UnicodeString changed(TEXT("abc"));
+        const UnicodeString copy(changed);
+        EXPECT_EQ(copy.RefCount(), 2);
+        change(changed);
+        EXPECT_EQ(copy, TEXT("abc"));
+        EXPECT_EQ(copy.RefCount(), 1);
+        EXPECT_EQ(changed.RefCount(), 1);
+    };
+    expect_kept([](UnicodeString& s) { s[1] = 'x'; });
+    expect_kept([](UnicodeString& s) { s.Delete(1, 1); });
+    expect_kept([](UnicodeString& s) { s += TEXT("d"); });
+    expect_kept([](UnicodeString& s) { s.SetLength(1); });
+    expect_kept([](UnicodeString& s) { s.printf(TEXT("%d"), 5); });
+    expect_kept([](UnicodeString& s) { EXPECT_EQ(s.Unique(), TEXT("abc")); });
+}
+
+TEST(UnicodeString, InsertDeleteSubString) {
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Insert(TEXT("x"), 0), TEXT("xabc"));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Insert(TEXT("x"), 100), TEXT("abcx"));
+    UnicodeString self(TEXT("ab"));
+    EXPECT_EQ(self.Insert(self, 2), TEXT("aabb"));
+    EXPECT_EQ(self += self, TEXT("aabbaabb"));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Delete(0, 1), TEXT("abc"));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Delete(4, 1), TEXT("abc"));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Delete(2, 100), TEXT("a"));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Delete(2, 2147483647), TEXT("a"));
+    const UnicodeString text(TEXT("abcdef"));
+    EXPECT_EQ(text.SubString(0, 3), TEXT("abc"));
+    EXPECT_EQ(text.SubString(5, 10), TEXT("ef"));
+    EXPECT_EQ(text.SubString(-2147483647 - 1, 2147483647), text);
+}
+
+TEST(UnicodeString, SearchAndOrder) {
+    const UnicodeString text(TEXT("abcabd"));
+    EXPECT_EQ(text.Pos(TEXT("abd")), 4);
+    EXPECT_EQ(text.Pos(TEXT("abx")), 0);
+    EXPECT_EQ(text.Pos(TEXT("")), 1);
+    EXPECT_EQ(UnicodeString().Pos(UnicodeString()), 1);
+    EXPECT_EQ(UnicodeString(TEXT("a\0b"), 3).Pos(TEXT("b")), 0);
+    EXPECT_LT(UnicodeString(TEXT("ab")), UnicodeString(TEXT("abc")));
+    EXPECT_LT(UnicodeString(TEXT("a")), UnicodeString(TEXT("\xFFFD")));
+    EXPECT_GE(UnicodeString(TEXT("b")), UnicodeString(TEXT("a")));
+}
+
+TEST(UnicodeString, TrimSharesWhatStays) {
+    const UnicodeString trimmed(TEXT("ab"));
+    EXPECT_EQ(trimmed.Trim().data(), trimmed.data());
+    const UnicodeString text(TEXT("  \ta b\r\n"));
+    EXPECT_EQ(text.Trim(), TEXT("a b"));
+    EXPECT_EQ(text.TrimLeft(), TEXT("a b\r\n"));
+    EXPECT_EQ(text.TrimRight(), TEXT("  \ta b"));
+    EXPECT_EQ(UnicodeString(TEXT("aZ\xC4")).UpperCase(), TEXT("AZ\xC4"));
+}
+
+TEST(UnicodeString, FailuresLeaveTheStringAsItWas) {
+    UnicodeString text(TEXT("abc"));
+    EXPECT_EQ(ThrownBy([&] { text[0]; }), TEXT("Out of index"));
+    EXPECT_EQ(ThrownBy([&] { text[4] = 'x'; }), TEXT("Out of index"));
+    EXPECT_EQ(ThrownBy([&] { text.SetLength(2147483648LL); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownBy([&] { text.SetLength(-2); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownBy([] { UnicodeString(TEXT("a"), 2147483648LL); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownBy([] { UnicodeString("a", 2147483648LL); }), TEXT("Out of length"));
+    EXPECT_THROW(text.SetLength(2147483647), std::bad_alloc);
+    const UnicodeString shared(text);
+    EXPECT_THROW(text.SetLength(1073741900), std::bad_alloc);
+    EXPECT_EQ(text.RefCount(), 2);
+    EXPECT_EQ(text, TEXT("abc"));
+}
+
+TEST(UnicodeString, LengthsThatDoNotAddUp) {
+    WCHAR* longest = ForeignBuffer(TEXT("x"), 2147483647, 2);
+    UnicodeString text;
+    std::memcpy(static_cast<void*>(&text), &longest, sizeof longest);
+    EXPECT_EQ(ThrownBy([&] { text += TEXT("y"); }), TEXT("Integer overflow!"));
+    EXPECT_EQ(ThrownBy([&] { text + TEXT("y"); }), TEXT("Integer overflow!"));
+    EXPECT_EQ(text.data(), longest);
+    text.SetLength(-1);
+    System::FreeMemory(reinterpret_cast<char*>(longest) - sizeof(System::StrRec));
+}
+
+TEST(UnicodeString, ABlockOfAnotherModuleIsFreedHere) {
+    WCHAR* foreign = ForeignBuffer(TEXT("abc"), 3, 1);
+    UnicodeString text;
+    std::memcpy(static_cast<void*>(&text), &foreign, sizeof foreign);
+    const UnicodeString copy(text);
+    EXPECT_EQ(copy.RefCount(), 2);
+    text += TEXT("d");
+    EXPECT_EQ(text, TEXT("abcd"));
+    EXPECT_EQ(copy, TEXT("abc"));
+}
+
+TEST(UnicodeString, Formatting) {
+    UnicodeString text;
+    EXPECT_EQ(text.printf(TEXT("%s-%d-%I64d"), UnicodeString("a"), 7, 1LL << 40), 17);
+    EXPECT_EQ(text, TEXT("a-7-1099511627776"));
+    EXPECT_EQ(text.cat_printf(TEXT("%05.1f"), 2.25), 5);
+    EXPECT_EQ(text.cat_printf(TEXT("%s"), TEXT("")), 0);
+    EXPECT_EQ(text, TEXT("a-7-1099511627776002.2"));
+    for (const int length : {511, 512, 513, 5000}) {
+        const UnicodeString part = UnicodeString::StringOfChar('x', length);
+        EXPECT_EQ(text.printf(TEXT("<%s>"), part), length + 2);
+        EXPECT_EQ(text, UnicodeString(TEXT("<")) + part + TEXT(">"));
+        text = part;
+        EXPECT_EQ(text.cat_printf(TEXT("%s"), text), length);
+        EXPECT_EQ(text, part + part);
+    }
+}
+
+TEST(UnicodeString, SharesInManyThreads) {
+    const UnicodeString shared = UnicodeString::StringOfChar('s', 100);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&shared] {
+            for (int i = 0; i < 2000; ++i) {
+                UnicodeString own(shared);
+                own[1] = 'x';
+                UnicodeString again(own);
+                again = shared;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(shared.RefCount(), 1);
+    EXPECT_EQ(shared[1], 's');
+}
+
+TEST(Strhlpr, WorksOnReferences) {
+    UnicodeString a(TEXT("ab")), b;
+    Strhlpr::UnicodeAssign(b, a);
+    EXPECT_EQ(b.data(), a.data());
+    Strhlpr::UnicodeAppend(a, b);
+    Strhlpr::UnicodeDelete(a, 1, 1);
+    EXPECT_EQ(Strhlpr::UnicodeCat(a, b), TEXT("babab"));
+    EXPECT_EQ(Strhlpr::UnicodePos(a, b), 2);
+    EXPECT_TRUE(Strhlpr::UnicodeLess(b, a));
+    Strhlpr::UnicodeFromPChar(b, "");
+    Strhlpr::UnicodeFree(a);
+    EXPECT_TRUE(a.IsEmpty() && b.IsEmpty());
+}
