@@ -164,4 +164,26 @@ TEST_F(HostFiles, StandardStreamsAreFiles) {
     close(ends[1]);
 }
 
+// A killed process leaves the name behind, not the block.
+TEST_F(HostFiles, ASharedBlockEndsWithItsProcesses) {
+    const auto create = [] {
+        return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 16,
+                                  TEXT("end"));
+    };
+    const auto mark = [&] {
+        void* const view = MapViewOfFile(create(), FILE_MAP_ALL_ACCESS, 0, 0, 16);
+        const bool marked = *static_cast<char*>(view) == 'x';
+        *static_cast<char*>(view) = 'x';
+        return marked ? 1 : 0;
+    };
+    EXPECT_EQ(InChild(mark), 0);
+    EXPECT_EQ(InChild(mark), 0) << "a dead process kept the block";
+    const HANDLE mapping = create();
+    EXPECT_EQ(InChild(mark), 0);
+    EXPECT_EQ(InChild(mark), 1) << "processes do not share the block";
+    EXPECT_TRUE(CloseHandle(mapping));
+    EXPECT_TRUE(CloseHandle(create()));
+    EXPECT_EQ(GetLastError(), 0u);
+}
+
 }  // namespace
