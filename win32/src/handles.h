@@ -14,7 +14,7 @@
 
 namespace host {
 
-enum class HandleKind : std::uint8_t { kFile, kMapping, kSearch };
+enum class HandleKind : std::uint8_t { kFile, kMapping, kSearch, kRegistryKey, kPrinter };
 
 class HandleObject {
   public:

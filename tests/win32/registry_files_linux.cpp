@@ -1,0 +1,222 @@
+// The registry's files: what the reader takes and refuses, what the writer makes, several
+// processes.
+#include <gtest/gtest.h>
+#include <qv_host.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <windows.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "support/fresh_host_root.h"
+
+namespace {
+
+using Bytes = std::vector<BYTE>;
+
+const std::string kHead = "Windows Registry Editor Version 5.00\n\n";
+const std::string kKey = "[HKEY_CURRENT_USER\\K]\n";
+
+class RegFiles : public testing::Test {
+  protected:
+    std::string Path(const std::string& name) const { return root_.Folder() + '/' + name; }
+    std::u16string WidePath(const std::string& name) const {
+        const std::string path = Path(name);
+        return {path.begin(), path.end()};
+    }
+    void Write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(Path(name), std::ios::binary) << bytes;
+    }
+    std::string Read(const std::string& name) const {
+        std::ostringstream bytes;
+        bytes << std::ifstream(Path(name), std::ios::binary).rdbuf();
+        return bytes.str();
+    }
+    // The error's text behind the file's name; empty when all went well.
+    std::string Import(const std::string& bytes) const {
+        Write("in.reg", bytes);
+        WCHAR message[300];
+        if (QvHostImport(WidePath("in.reg").c_str(), message, 300)) return "";
+        const std::u16string text = message;
+        const std::string narrow(text.begin(), text.end());
+        return narrow.substr(std::min(narrow.find(", ") + 2, narrow.size()));
+    }
+    static LSTATUS Create(const std::u16string& path) {
+        HKEY key = nullptr;
+        const LSTATUS code = RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0,
+                                             KEY_READ, nullptr, &key, nullptr);
+        if (code == 0) RegCloseKey(key);
+        return code;
+    }
+    static LSTATUS Set(HKEY key, LPCWSTR name) {
+        const BYTE data = 1;
+        return RegSetValueExW(key, name, 0, REG_BINARY, &data, 1);
+    }
+    std::string Export(const WCHAR* key) const {
+        WCHAR message[300];
+        if (!QvHostExport(key, WidePath("out.reg").c_str(), message, 300)) return "failed";
+        return Read("out.reg").substr(kHead.size() - 1);
+    }
+
+    const test::FreshHostRoot root_;
+};
+
+std::string Utf16(const std::string& ascii) {
+    std::string bytes = "\xFF\xFE";
+    for (const char c : ascii) {
+        if (c == '\n') bytes += std::string("\r\0", 2);
+        bytes += std::string{c, '\0'};
+    }
+    return bytes;
+}
+
+TEST_F(RegFiles, TakesWhatTheRegistryEditorExports) {
+    const std::string text = kHead +
+                             "[HKEY_LOCAL_MACHINE\\Software\\T]\n"
+                             "@=\"default\"\n"
+                             "\"Quote\\\"\\\\\"=\"C:\\\\x \\\"y\\\"\"\n"
+                             "\"Two\"=\"line\nbreak\"\n"
+                             "\"D\"=dword:0000002a\n"
+                             "\"Bin\"=hex:01,02,\\\n  03,\\\n  ff\n"
+                             "\"Exp\"=hex(2):25,00,00,00\n"
+                             "\"None\"=hex(0):\n\n"
+                             "[HKEY_LOCAL_MACHINE\\Software\\T\\Empty]\n\n";
+    const std::string expected =
+        "\n[HKEY_LOCAL_MACHINE\\Software\\T]\n"
+        "@=\"default\"\n"
+        "\"Quote\\\"\\\\\"=\"C:\\\\x \\\"y\\\"\"\n"
+        "\"Two\"=hex(1):6c,00,69,00,6e,00,65,00,0d,00,0a,00,62,00,72,00,"
+        "65,00,61,00,6b,\\\n  00,00,00\n"
+        "\"D\"=dword:0000002a\n"
+        "\"Bin\"=hex:01,02,03,ff\n"
+        "\"Exp\"=hex(2):25,00,00,00\n"
+        "\"None\"=hex(0):\n"
+        "\n[HKEY_LOCAL_MACHINE\\Software\\T\\Empty]\n";
+    EXPECT_EQ(Import(Utf16(text)), "");
+    const std::string exported = Export(TEXT("hklm\\software\\t"));
+    EXPECT_EQ(exported, expected);
+    EXPECT_EQ(Import(kHead + "[-HKEY_LOCAL_MACHINE\\Software]\n" + exported), "");
+    EXPECT_EQ(Export(TEXT("HKLM\\Software\\T")), exported);
+}
+
+TEST_F(RegFiles, UnusualBytesKeepTheirHexForm) {
+    const std::string text =
+        "\n[HKEY_CURRENT_USER\\K\\a]b]\n"
+        "\"Odd\"=hex(1):61,00,62\n"
+        "\"NoEnd\"=hex(1):61,00\n"
+        "\"Half\"=hex(1):3d,d8,00,00\n"
+        "\"Short\"=hex(4):01,02\n"
+        "\"Far\"=hex(ffffffff):00\n"
+        "\"\xC3\xA4\"=\"\xF0\x9F\x96\xA8\"\n";
+    EXPECT_EQ(Import("\xEF\xBB\xBF" + kHead + text), "");
+    EXPECT_EQ(Export(TEXT("HKEY_CURRENT_USER\\k")), text);
+}
+
+TEST_F(RegFiles, DeletesKeysAndValues) {
+    EXPECT_EQ(Import(kHead + kKey + "\"a\"=\"1\"\n\"b\"=\"2\"\n[HKEY_CURRENT_USER\\K\\Sub]\n"), "");
+    EXPECT_EQ(Import(kHead + "[-HKEY_CURRENT_USER\\K\\Sub]\n" + kKey + "\"A\"=-\n\"none\"=-\n"),
+              "");
+    EXPECT_EQ(Export(TEXT("HKCU\\K")), "\n" + kKey + "\"b\"=\"2\"\n");
+}
+
+TEST_F(RegFiles, AMalformedFileNamesItsLineAndChangesNothing) {
+    const struct {
+        std::string text;
+        const char* error;
+    } rows[] = {
+        {"", "line 1: the file does not begin"},
+        {"REGEDIT4\n", "line 1: the file does not begin"},
+        {kHead + "\"v\"=\"x\"\n", "line 3: a value without a key"},
+        {kHead + "[-HKEY_CURRENT_USER\\K]\n@=\"x\"\n", "line 4: a value without a key"},
+        {kHead + "[HKEY_CURRENT_USER\\K\n", "line 3: a key without a closing bracket"},
+        {kHead + "[]\n", "line 3: a key without a name"},
+        {kHead + "[HKEY_NOWHERE\\K]\n", "line 3: a key of an unknown root"},
+        {kHead + "[HKEY_USERS\\" + std::string(256, 'k') + "]", "line 3: a name that is too long"},
+        {kHead + kKey + "\"v\"\n", "line 4: no '='"},
+        {kHead + kKey + "\"v=1\n\n", "line 4: a quoted text without"},
+        {kHead + kKey + "\"v\"=\"C:\\x\"\n", "line 4: a backslash in quotes"},
+        {kHead + kKey + "\"v\"=\"x\" y\n", "line 4: unexpected text"},
+        {kHead + kKey + "\"v\"=word:1\n", "line 4: no value of a known form"},
+        {kHead + kKey + "\"v\"=dword:123456789\n", "line 4: a number of more than 8"},
+        {kHead + kKey + "\"v\"=dword:\n", "line 4: no hexadecimal number"},
+        {kHead + kKey + "\"v\"=hex(7:00\n", "line 4: no \"):\""},
+        {kHead + kKey + "\"v\"=hex:00,\\\n  0g\n", "line 5: unexpected text"},
+        {kHead + kKey + "\"v\"=hex:00,\n", "line 4: no byte"},
+        {kHead + kKey + "\"v\"=hex:00,\\", "line 4: no byte"},
+        {kHead + kKey + "hello\n", "line 4: neither a key"},
+        {kHead + kKey + "\"\xC3\"=-\n", "line 4: neither UTF-8 nor UTF-16"},
+        {Utf16(kHead + kKey) + "x", "line 4: half a UTF-16 character"},
+        {kHead + std::string("[HKEY_CURRENT_USER\\\0]", 21), "line 3: a zero character"},
+    };
+    for (const auto& row : rows) {
+        const std::string error = Import(row.text);
+        EXPECT_EQ(error.substr(0, std::string(row.error).size()), row.error);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_BADDB});
+    }
+    EXPECT_EQ(Export(nullptr), "");
+}
+
+TEST_F(RegFiles, AFileThatWasEditedByHandIsReadAgain) {
+    const std::string file = "registry/HKEY_CURRENT_USER.reg";
+    EXPECT_EQ(Create(u"K"), ERROR_SUCCESS);
+    EXPECT_EQ(Read(file), kHead + kKey);
+    Write(file, kHead + kKey + "\"v\"=\"new\"\n");
+    EXPECT_EQ(Export(TEXT("HKCU")), "\n" + kKey + "\"v\"=\"new\"\n");
+    Write(file, kHead + "[HKEY_USERS\\K]\n");
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB);
+    EXPECT_EQ(Create(u"L"), ERROR_BADDB);
+    EXPECT_EQ(Read(file), kHead + "[HKEY_USERS\\K]\n");
+    unlink(Path(file).c_str());
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(RegFiles, NamesThatTheFileCannotHoldAreRefused) {
+    EXPECT_EQ(Create(u"a\nb"), ERROR_INVALID_NAME);
+    EXPECT_EQ(Create(std::u16string(1, char16_t{0xD800})), ERROR_NO_UNICODE_TRANSLATION);
+    std::u16string deep;
+    for (int i = 0; i < 513; ++i) deep += u"k\\";
+    EXPECT_EQ(Create(deep), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, std::u16string(1, char16_t{0xDC00}).c_str()),
+              ERROR_NO_UNICODE_TRANSLATION);
+}
+
+TEST_F(RegFiles, AChangeThatCannotBeWrittenIsNoChange) {
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"old"), ERROR_SUCCESS);
+    mkdir(Path("registry/HKEY_CURRENT_USER.reg.new").c_str(), 0700);
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"new"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Export(TEXT("HKCU")), "\n[HKEY_CURRENT_USER]\n\"old\"=hex:01\n");
+}
+
+TEST_F(RegFiles, ProcessesDoNotLoseEachOthersValues) {
+    for (int process = 0; process < 2; ++process) {
+        if (fork() != 0) continue;
+        for (int i = 0; i < 20; ++i) {
+            const WCHAR name[] = {static_cast<WCHAR>(u'0' + process), static_cast<WCHAR>(u'a' + i),
+                                  0};
+            if (Set(HKEY_USERS, name) != 0) _exit(1);
+        }
+        _exit(0);
+    }
+    for (int process = 0; process < 2; ++process) {
+        int status = 1;
+        wait(&status);
+        EXPECT_EQ(status, 0);
+    }
+    WCHAR name[4];
+    DWORD size = 4;
+    EXPECT_EQ(RegEnumValueW(HKEY_USERS, 39, name, &size, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+}
+
+TEST_F(RegFiles, TheRootIsTheFolderThatTheEnvironmentNames) {
+    WCHAR buffer[300];
+    const DWORD length = QvHostRoot(buffer, 300);
+    const std::u16string expected(root_.Folder().begin(), root_.Folder().end());
+    EXPECT_EQ(std::u16string(buffer, length), expected);
+    EXPECT_EQ(QvHostRoot(buffer, length), length + 1);
+}
+
+}  // namespace
