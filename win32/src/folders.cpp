@@ -4,10 +4,10 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstring>
 
 #include "file_attributes.h"
 #include "host_path.h"
+#include "host_text.h"
 #include "os_error.h"
 #include "share_modes.h"
 #include "unique_fd.h"
@@ -111,9 +111,5 @@ DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer) {
         SetLastError(host::PathError(errno, "/"));
         return 0;
     }
-    const std::u16string name = host::FromHostPath(folder);
-    const auto length = static_cast<DWORD>(name.size());
-    if (size <= length || buffer == nullptr) return length + 1;
-    std::memcpy(buffer, name.c_str(), (name.size() + 1) * sizeof(WCHAR));
-    return length;
+    return host::CopyOut(host::FromHostPath(folder), buffer, size);
 }

@@ -1,6 +1,7 @@
 #include "host_path.h"
 
 #include <dirent.h>
+#include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <wctype.h>
@@ -12,7 +13,9 @@
 #include <vector>
 
 #include "host_root.h"
+#include "host_text.h"
 #include "os_error.h"
+#include "utf8.h"
 
 namespace host {
 namespace {
@@ -217,17 +220,25 @@ std::u16string FromHostPath(std::string_view path) {
     if (rest == nullptr) rest = Below(whole, Resolved(DriveC()));
     std::u16string name = rest == nullptr ? u"Z:" : u"C:";
     if (rest == nullptr) rest = whole == "/" ? "" : whole.c_str();
-    std::u16string tail;
-    for (std::string_view left = rest; !left.empty();) {
-        std::size_t size = left.size();
-        while (size > 0 && !NameFromUtf8(left.substr(0, size), tail)) --size;
-        name += size == 0 ? u"\uFFFD" : tail;
-        left.remove_prefix(size == 0 ? 1 : size);
-    }
+    name += FromUtf8(rest);
     for (char16_t& unit : name) {
         if (unit == u'/') unit = u'\\';
     }
     return name.size() == 2 ? name + u'\\' : name;
+}
+
+bool NameToUtf8(std::u16string_view name, std::string& utf8) {
+    utf8.resize(name.size() * 3);
+    const Conversion done = WideToUtf8(name, utf8.data(), utf8.size(), true);
+    utf8.resize(done.error == NO_ERROR ? done.length : 0);
+    return done.error == NO_ERROR;
+}
+
+bool NameFromUtf8(std::string_view utf8, std::u16string& name) {
+    name.resize(utf8.size());
+    const Conversion done = Utf8ToWide(utf8, name.data(), name.size(), true);
+    name.resize(done.error == NO_ERROR ? done.length : 0);
+    return done.error == NO_ERROR;
 }
 
 char16_t FoldFileNameUnit(char16_t unit) {
