@@ -215,9 +215,9 @@ TEST(UnicodeString, Formatting) {
     UnicodeString text;
     EXPECT_EQ(text.printf(TEXT("%s-%d-%I64d"), UnicodeString("a"), 7, 1LL << 40), 17);
     EXPECT_EQ(text, TEXT("a-7-1099511627776"));
-    EXPECT_EQ(text.cat_printf(TEXT("%05.1f"), 2.25), 5);
+    EXPECT_EQ(text.cat_printf(TEXT("%05.1f"), 2.5), 5);
     EXPECT_EQ(text.cat_printf(TEXT("%s"), TEXT("")), 0);
-    EXPECT_EQ(text, TEXT("a-7-1099511627776002.2"));
+    EXPECT_EQ(text, TEXT("a-7-1099511627776002.5"));
     for (const int length : {511, 512, 513, 5000}) {
         const UnicodeString part = UnicodeString::StringOfChar('x', length);
         EXPECT_EQ(text.printf(TEXT("<%s>"), part), length + 2);

@@ -1,0 +1,253 @@
+// Numbers, texts, paths, command lines and platform queries.
+#include "mox_classes/sysutils.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cmath>
+
+#include "support/fresh_host_root.h"
+#include "support/string_print.h"
+
+using namespace Sysutils;
+
+namespace {
+
+template <class Action>
+UnicodeString ThrownBy(Action action) {
+    try {
+        action();
+    } catch (const UnicodeString& message) {
+        return message;
+    }
+    return TEXT("nothing");
+}
+
+void MakeFile(const UnicodeString& name) {
+    const HANDLE file =
+        CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    CloseHandle(file);
+}
+
+}  // namespace
+
+TEST(Sysutils, Integers) {
+    const struct {
+        const WCHAR* text;
+        int value;
+        bool whole;
+    } cases[] = {
+        {TEXT("0x1F"), 31, true},
+        {TEXT("0Xff"), 255, true},
+        {TEXT("-12"), -12, true},
+        {TEXT("+7"), 7, true},
+        {TEXT("-"), 0, true},
+        {TEXT("0x"), 0, true},
+        {TEXT(""), 0, false},
+        {TEXT(" 1"), 0, false},
+        {TEXT("12a"), 12, false},
+        {TEXT("-3x"), -3, false},
+        {TEXT("4294967297"), 1, true},
+        {TEXT("1-"), 1, false},
+        {TEXT("0x1G"), 1, false},
+        {TEXT("-0x1"), 0, false},
+        {TEXT("2147483648"), INT_MIN, true},
+    };
+    for (const auto& row : cases) {
+        int value = 99;
+        EXPECT_EQ(TryStrToInt(row.text, value), row.whole) << UnicodeString(row.text).Length();
+        EXPECT_EQ(value, row.value);
+        EXPECT_EQ(StrToIntDef(row.text, -5), row.whole ? row.value : -5);
+    }
+    EXPECT_EQ(ThrownBy([] { StrToInt(TEXT("12a")); }), TEXT("'12a' is not a valid integer value"));
+    EXPECT_EQ(ThrownBy([] { StrToInt64(TEXT("")); }), TEXT("'' is not a valid integer value"));
+    EXPECT_EQ(StrToInt64(TEXT("-9223372036854775808")), INT64_MIN);
+    EXPECT_EQ(StrToInt64Def(TEXT("0x7fffffffffffffff"), 0), INT64_MAX);
+    EXPECT_EQ(StrToHandleDef(TEXT("0x100000000"), nullptr), reinterpret_cast<void*>(1ULL << 32));
+    int marker;
+    EXPECT_EQ(StrToHandleDef(TEXT("1z"), &marker), &marker);
+}
+
+TEST(Sysutils, FloatingPoint) {
+    const struct {
+        const WCHAR* text;
+        double value;
+        bool whole;
+    } cases[] = {
+        {TEXT(""), 0, true},
+        {TEXT("1.5"), 1.5, true},
+        {TEXT("1.5x"), 1.5, false},
+        {TEXT(" \t-2e3"), -2000, true},
+        {TEXT("+.5"), 0.5, true},
+        {TEXT("5."), 5, true},
+        {TEXT("1e"), 1, false},
+        {TEXT("1e+"), 1, false},
+        {TEXT("."), 0, false},
+        {TEXT("  "), 0, false},
+        {TEXT("+-1"), 0, false},
+        {TEXT("1,5"), 1, false},
+        {TEXT("0x1.8p1"), 3, true},
+        {TEXT("0x"), 0, false},
+        {TEXT("1e400"), HUGE_VAL, true},
+        {TEXT("-1e400"), -HUGE_VAL, true},
+        {TEXT("1e-400"), 0, true},
+        {TEXT("inf"), HUGE_VAL, true},
+        {TEXT("1.5 "), 1.5, false},
+        {TEXT("1\x0660"), 1, false},
+        {TEXT("0.00000000000000000001e400"), HUGE_VAL, true},
+        {TEXT("1e99999999999999999999"), HUGE_VAL, true},
+    };
+    for (const auto& row : cases) {
+        double value = 99;
+        EXPECT_EQ(TryStrToFloat(row.text, value), row.whole) << row.value;
+        EXPECT_EQ(value, row.value);
+        EXPECT_EQ(StrToFloatDef(row.text, 7), row.whole ? row.value : 7);
+    }
+    EXPECT_EQ(ThrownBy([] { StrToFloat(TEXT("1.5x")); }),
+              TEXT("'1.5x' is not a valid floating point value"));
+    float narrow = 0;
+    EXPECT_TRUE(TryStrToFloat(TEXT("1e300"), narrow));
+    EXPECT_TRUE(std::isinf(narrow));
+    EXPECT_EQ(FloatToStr(-1.25L), TEXT("-1.250000"));
+    EXPECT_EQ(UnicodePrintf(TEXT("%u%%"), 5u), TEXT("5%"));
+}
+
+TEST(Sysutils, DelimitersAndSurrogates) {
+    const UnicodeString text(TEXT("a\xD800\xDC00\\b"));
+    EXPECT_EQ(ByteType(text, 0), mbSingleByte);
+    EXPECT_EQ(ByteType(text, 2), mbLeadByte);
+    EXPECT_EQ(ByteType(text, 3), mbTrailByte);
+    EXPECT_TRUE(text.IsLeadSurrogate(2) && text.IsTrailSurrogate(3) && text.IsPathDelimiter(4));
+    EXPECT_TRUE(IsDelimiter(TEXT("xb"), text, 5));
+    EXPECT_FALSE(IsDelimiter(TEXT("\xD800"), text, 2));
+    EXPECT_FALSE(IsDelimiter(TEXT("a"), text, 6));
+    EXPECT_EQ(LastDelimiter(TEXT("a\xDC00"), text), 1);
+    EXPECT_EQ(LastDelimiter(TEXT("x"), text), 0);
+    const WCHAR* const units = TEXT("abca");
+    EXPECT_EQ(StrScan(units, 'a'), units);
+    EXPECT_EQ(StrScan(units, 0), units + 4);
+    EXPECT_EQ(StrScan(units, 'x'), nullptr);
+    EXPECT_TRUE(IsAlphaNumericString(TEXT(".t_1")) && IsAlphaNumericString(TEXT("-")));
+    EXPECT_FALSE(IsAlphaNumericString(TEXT(".t-t")));
+}
+
+TEST(Sysutils, HashAndCopy) {
+    EXPECT_EQ(StringHash(UnicodeString()), 0u);
+    EXPECT_EQ(StringHash(TEXT("a")), 0x61u);
+    EXPECT_EQ(StringHash(TEXT("ab")), 0x00620061u);
+    EXPECT_EQ(StringHash(TEXT("abc")), 0x00620061u * 31 + 0x63);
+    WCHAR buffer[4] = {'#', '#', '#', '#'};
+    EXPECT_EQ(CopyCch(buffer, 0, TEXT("hello")), 0);
+    EXPECT_EQ(buffer[0], '#');
+    EXPECT_EQ(CopyCch(buffer, 3, TEXT("hello")), 2);
+    EXPECT_EQ(UnicodeString(buffer), TEXT("he"));
+    EXPECT_EQ(buffer[3], '#');
+}
+
+TEST(Sysutils, Quotes) {
+    EXPECT_EQ(QuotedStr(TEXT("it's")), TEXT("'it''s'"));
+    EXPECT_EQ(QuotedStr(UnicodeString()), TEXT("''"));
+    const struct {
+        const WCHAR* text;
+        const WCHAR* value;
+        int moved;
+    } cases[] = {
+        {TEXT("'it''s',x"), TEXT("it's"), 7},
+        {TEXT("x'a'"), TEXT(""), 0},
+        {TEXT("''x"), TEXT(""), 2},
+        {TEXT("'abc"), TEXT("ab"), 4},
+        {TEXT("'"), TEXT(""), 1},
+        {TEXT("'a''"), TEXT("a'"), 4},
+        {TEXT("''''"), TEXT("'"), 4},
+        {TEXT(""), TEXT(""), 0},
+    };
+    for (const auto& row : cases) {
+        const WCHAR* p = row.text;
+        EXPECT_EQ(AnsiExtractQuotedStr(p, '\''), row.value);
+        EXPECT_EQ(p - row.text, row.moved);
+    }
+    const WCHAR* null = nullptr;
+    EXPECT_TRUE(AnsiExtractQuotedStr(null, '"').IsEmpty());
+}
+
+TEST(Sysutils, Names) {
+    EXPECT_EQ(ExtractFileName(TEXT("c:file")), TEXT("file"));
+    EXPECT_EQ(ExtractFileName(TEXT("a\\b/c")), TEXT("b/c"));
+    EXPECT_EQ(ExtractFilePath(TEXT("c:\\d\\file")), TEXT("c:\\d\\"));
+    EXPECT_TRUE(ExtractFilePath(TEXT("file")).IsEmpty());
+    EXPECT_EQ(ExtractFileExt(TEXT("c:\\dir.d\\file")), TEXT(""));
+    EXPECT_EQ(ExtractFileExt(TEXT("file.tar.gz")), TEXT(".gz"));
+    EXPECT_EQ(ChangeFileExt(TEXT("a.txt"), TEXT(".pdf"), true), TEXT("a.pdf"));
+    EXPECT_EQ(ChangeFileExt(TEXT("a.b c"), TEXT(".pdf"), true), TEXT("a.b c.pdf"));
+    EXPECT_EQ(ChangeFileExt(TEXT("a.b c"), TEXT(".pdf"), false), TEXT("a.pdf"));
+    EXPECT_EQ(FixFileName(TEXT("a:b"), '_'), TEXT("a_b"));
+    EXPECT_EQ(FixFileName(TEXT("a:b\\"), 0), TEXT("a\xFF1A") TEXT("b\xFF3C"));
+    EXPECT_EQ(FixDirName(TEXT("c:\\dir*"), '_'), TEXT("c:\\dir_"));
+    EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("y")), TEXT("c:\\x\\y"));
+    EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("\\\\srv\\s")), TEXT("\\\\srv\\s"));
+    EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("d:\\y")), TEXT("d:\\y"));
+    EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("ab")), TEXT("c:\\x\\ab"));
+    EXPECT_TRUE(ConfirmPathString(TEXT("")).IsEmpty());
+}
+
+TEST(Sysutils, CommandLinesAreSplitAtTheProgram) {
+    const test::FreshHostRoot root;
+    const UnicodeString folder = GetTempPathW() + TEXT("a b");
+    CreateDirectoryW(folder.t_str(), nullptr);
+    const UnicodeString program = folder + TEXT("\\x y.exe");
+    MakeFile(program);
+    EXPECT_TRUE(FileExists(program) && DirectoryExists(folder));
+    EXPECT_FALSE(FileExists(folder) || DirectoryExists(program) || FileExists(UnicodeString()));
+
+    UnicodeString name, params;
+    EXPECT_TRUE(ParseCommandLine(TEXT("  \"") + program + TEXT("\"  -x "), name, params));
+    EXPECT_EQ(name, program);
+    EXPECT_EQ(params, TEXT("-x"));
+    EXPECT_TRUE(ParseCommandLine(program + TEXT("  -x y"), name, params));
+    EXPECT_EQ(name, program);
+    EXPECT_EQ(params, TEXT(" -x y"));
+    EXPECT_FALSE(ParseCommandLine(TEXT("\"c:\\none"), name, params));
+    EXPECT_EQ(name, TEXT("c:\\none"));
+    name = TEXT("c:\\none at all");
+    EXPECT_FALSE(ParseCommandLine(name, name, params));
+    EXPECT_EQ(name, TEXT("c:\\none at all"));
+    EXPECT_TRUE(params.IsEmpty());
+
+    DeleteFileW(program.t_str());
+    RemoveDirectoryW(folder.t_str());
+}
+
+TEST(Sysutils, CommandLinesAreBuiltWithQuotesWhereNeeded) {
+    EXPECT_EQ(BuildCommandLine(TEXT("c:\\a b\\x.exe"), TEXT("-q")), TEXT("\"c:\\a b\\x.exe\" -q"));
+    EXPECT_EQ(BuildCommandLine(TEXT("c:\\a b\\x.exe"), TEXT("")), TEXT("\"c:\\a b\\x.exe\""));
+    EXPECT_EQ(BuildCommandLine(TEXT("x.exe"), TEXT("-q")), TEXT("x.exe -q"));
+}
+
+TEST(Sysutils, ByteOrderMarks) {
+    const struct {
+        const char* bytes;
+        int size, code_page, length;
+    } cases[] = {
+        {"\xFF\xFE\0\0", 4, 12000, 4}, {"\0\0\xFE\xFF", 4, 12001, 4},
+        {"\xEF\xBB\xBF", 3, 65001, 3}, {"\xFF\xFE\x41\0", 4, 1200, 2},
+        {"\xFF\xFE\0\0", 3, 1200, 2},  {"\xFE\xFF", 2, 1201, 2},
+        {"\xFF", 1, 20127, 0},         {"ab", 2, 20127, 0},
+        {nullptr, 9, 20127, 0},
+    };
+    for (const auto& row : cases) {
+        System::TCodePage code_page;
+        EXPECT_EQ(CheckBOM(&code_page, row.bytes, row.size), row.length);
+        EXPECT_EQ(code_page, row.code_page);
+    }
+}
+
+TEST(Sysutils, Environment) {
+    SetEnvironmentVariableW(TEXT("QV_TEST_TEXT"), TEXT("some text"));
+    EXPECT_EQ(GetEnvExpanded(TEXT("<%QV_TEST_TEXT%>")), TEXT("<some text>"));
+    EXPECT_TRUE(GetEnvExpanded(UnicodeString()).IsEmpty());
+    SetEnvironmentVariableW(TEXT("QV_TEST_TEXT"), nullptr);
+    const UnicodeString temp = GetTempPathW();
+    EXPECT_TRUE(temp.IsPathDelimiter(temp.Length()));
+    EXPECT_GT(GetSystemDir().Length(), 0);
+}
