@@ -1,9 +1,8 @@
 // The temporary and the system folder, as paths that the file calls of this host take.
 #include <windows.h>
 
-#include <sys/stat.h>
-
 #include <cstdlib>
+#include <filesystem>
 
 #include "host_root.h"
 #include "host_text.h"
@@ -18,10 +17,8 @@ WideString TempFolder() {
         const char* value = std::getenv(name);
         if (value != nullptr && *value != 0) return FromUtf8(value);
     }
-    const std::string drive = HostRoot() + "/drive_c";
-    mkdir(HostRoot().c_str(), 0777);
-    mkdir(drive.c_str(), 0777);
-    mkdir((drive + "/Temp").c_str(), 0777);
+    std::error_code ignored;
+    std::filesystem::create_directories(HostRoot() + "/drive_c/Temp", ignored);
     return u"C:\\Temp";
 }
 
