@@ -18,3 +18,19 @@ QV_HOST_API BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size);
 // null. `key` begins with a root's name, whole or short ("HKLM\Software"); null means every root.
 // Failure as in QvHostImport.
 QV_HOST_API BOOL QvHostExport(LPCWSTR key, LPCWSTR file, LPWSTR message, DWORD size);
+
+// A string table, as a module of this host carries it: the exported array `qv_module_strings`, read
+// by FindResourceW. A block named n holds the strings 16 * (n - 1) to 16 * n - 1: sixteen times a
+// length and as many units, without terminators, in `bytes` bytes. A block named 0 ends the array.
+//     extern "C" const QvStringBlock qv_module_strings[] = {QvStrings(7, u"\2OK" u"\6Cancel" ...),
+//     {}};
+struct QvStringBlock {
+    WORD name;
+    DWORD bytes;
+    const WCHAR* text;
+};
+
+template <std::size_t N>
+constexpr QvStringBlock QvStrings(WORD name, const WCHAR (&text)[N]) {
+    return {name, static_cast<DWORD>((N - 1) * sizeof(WCHAR)), text};
+}

@@ -135,6 +135,7 @@ QV_HOST_API DWORD GetCurrentThreadId();
 QV_HOST_API DWORD GetCurrentProcessId();
 QV_HOST_API HANDLE GetCurrentProcess();
 QV_HOST_API HANDLE GetCurrentThread();
+QV_HOST_API BOOL IsWow64Process(HANDLE process, PBOOL emulated);
 QV_HOST_API BOOL ProcessIdToSessionId(DWORD process, LPDWORD session);
 QV_HOST_API void Sleep(DWORD milliseconds);
 
