@@ -1,0 +1,17 @@
+#include "mox_classes/format_scan.h"
+
+#include "mox_classes/sysutils_text.h"
+
+bool FindField(const WCHAR* text, TFieldSpan& field) {
+    // What the first '{' misses, the later ones miss as well: one look is enough.
+    field.begin = Sysutils::StrScan(text, '{');
+    if (field.begin == nullptr) return false;
+    field.spec = field.begin + 1;
+    while (*field.spec != '%' && *field.spec != '#' && *field.spec != '}') {
+        if (*field.spec++ == 0) return false;
+    }
+    const WCHAR* closing = Sysutils::StrScan(field.spec, '}');
+    if (closing == nullptr) return false;
+    field.end = closing + 1;
+    return true;
+}

@@ -1,0 +1,19 @@
+// Where the fields of a format text lie.
+#pragma once
+
+#include <windows.h>
+
+#include "mox_classes/unicode_string.h"
+
+// One field: '{' at begin, the specification (or '}') at spec, behind the '}' end.
+struct TFieldSpan {
+    const WCHAR* begin = nullptr;
+    const WCHAR* spec = nullptr;
+    const WCHAR* end = nullptr;
+
+    UnicodeString Name() const { return UnicodeString(begin + 1, spec - begin - 1); }
+    UnicodeString Spec() const { return UnicodeString(spec, end - spec - 1); }
+};
+
+// The first field at or behind `text`; false when there is none. Null is an empty text.
+bool FindField(const WCHAR* text, TFieldSpan& field);
