@@ -31,8 +31,7 @@ class MappingObject final : public HandleObject {
     MappingObject(Memory memory, bool writable)
         : HandleObject(kKind), memory_(std::move(memory)), writable_(writable) {}
     ~MappingObject() override {
-        memory_.fd = UniqueFd();
-        if (!memory_.block.empty()) DropSharedBlock(memory_.block);
+        if (!memory_.block.empty()) ReleaseSharedBlock(memory_.block, std::move(memory_.fd));
     }
     const Memory& memory() const { return memory_; }
     bool writable() const { return writable_; }
@@ -42,14 +41,9 @@ class MappingObject final : public HandleObject {
     const bool writable_;
 };
 
-struct View {
-    std::size_t bytes;
-    std::string block;
-};
-
 struct Views {
     std::mutex mutex;
-    std::map<const void*, View> by_address;
+    std::map<const void*, std::size_t> bytes_by_address;
 };
 
 // Never destroyed: libraries that unload after this one's statics still give their views back.
@@ -144,7 +138,7 @@ LPVOID Map(const MappingObject& mapping, DWORD access, std::uint64_t offset, std
         SetLastError(ErrorFromErrno(errno));
         return nullptr;
     }
-    views.by_address[view] = {size, mapping.memory().block};
+    views.bytes_by_address[view] = size;
     return view;
 }
 
@@ -183,15 +177,10 @@ LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offset_high, DWORD offs
 
 BOOL UnmapViewOfFile(LPCVOID address) {
     host::Views& views = host::AllViews();
-    host::View view;
-    {
-        const std::scoped_lock lock(views.mutex);
-        const auto found = views.by_address.find(address);
-        if (found == views.by_address.end()) return host::Fail(ERROR_INVALID_ADDRESS);
-        view = std::move(found->second);
-        munmap(const_cast<void*>(address), view.bytes);
-        views.by_address.erase(found);
-    }
-    if (!view.block.empty()) host::DropSharedBlock(view.block);
+    const std::scoped_lock lock(views.mutex);
+    const auto found = views.bytes_by_address.find(address);
+    if (found == views.bytes_by_address.end()) return host::Fail(ERROR_INVALID_ADDRESS);
+    munmap(const_cast<void*>(address), found->second);
+    views.bytes_by_address.erase(found);
     return TRUE;
 }

@@ -75,7 +75,9 @@ DWORD OpenSharedBlock(const std::string& name, std::uint64_t size, UniqueFd& fd,
     return ERROR_BUSY;
 }
 
-void DropSharedBlock(const std::string& name) {
+void ReleaseSharedBlock(const std::string& name, UniqueFd held) {
+    // A view keeps the description open, and would keep its lock.
+    LockRange(held.get(), F_UNLCK, 0, 1);
     const UniqueFd fd(shm_open(name.c_str(), O_RDWR, 0));
     struct stat info;
     // Whoever holds the write lock is alone with the block, so the name is still this one's.
