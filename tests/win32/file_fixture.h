@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/fresh_host_root.h"
+#include "support/wine_gap.h"
 
 namespace test {
 

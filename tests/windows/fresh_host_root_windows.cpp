@@ -7,12 +7,14 @@
 
 #include <stdexcept>
 
+#include "support/wine_gap.h"
+
 namespace test {
 
 namespace {
 
 void RequireWine() {
-    if (GetProcAddress(GetModuleHandleW(TEXT("ntdll.dll")), "wine_get_version") == nullptr) {
+    if (!UnderWine()) {
         throw std::runtime_error("tests change the machine's settings: run them under Wine");
     }
 }
