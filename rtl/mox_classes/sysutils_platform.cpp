@@ -44,6 +44,12 @@ UnicodeString GetTempPathW() {
     return TextOf([](WCHAR* buffer, DWORD size) { return ::GetTempPathW(size, buffer); });
 }
 
+UnicodeString ExeName(HINSTANCE module) {
+    constexpr DWORD kSize = 4095;
+    WCHAR buffer[kSize + 1];
+    return UnicodeString(buffer, GetModuleFileNameW(module, buffer, kSize));
+}
+
 UnicodeString LoadStrW(int) {
     return UnicodeString();
 }

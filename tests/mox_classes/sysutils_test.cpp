@@ -250,4 +250,7 @@ TEST(Sysutils, Environment) {
     const UnicodeString temp = GetTempPathW();
     EXPECT_TRUE(temp.IsPathDelimiter(temp.Length()));
     EXPECT_GT(GetSystemDir().Length(), 0);
+    EXPECT_GT(ExeName(nullptr).Pos(TEXT("qv_tests")), 1);
+    EXPECT_TRUE(CheckWin32Version(5, 0) && CheckWin32Version(6, 1));
+    EXPECT_FALSE(CheckWin32Version(99, 0));
 }

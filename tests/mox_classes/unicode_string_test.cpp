@@ -79,6 +79,9 @@ TEST(UnicodeString, LengthZeroIsABuffer) {
 
     const UnicodeString null;
     const UnicodeString zero = UnicodeString().SetLength(0);
+    EXPECT_EQ(null.Compare(zero), -1);
+    EXPECT_EQ(zero.Compare(null), 1);
+    EXPECT_EQ(null.Compare(UnicodeString()), 0);
     EXPECT_TRUE(null == zero);
     EXPECT_EQ(zero.Trim().data(), zero.data());
 }
@@ -162,6 +165,8 @@ TEST(UnicodeString, SearchAndOrder) {
     EXPECT_LT(UnicodeString(TEXT("ab")), UnicodeString(TEXT("abc")));
     EXPECT_LT(UnicodeString(TEXT("a")), UnicodeString(TEXT("\xFFFD")));
     EXPECT_GE(UnicodeString(TEXT("b")), UnicodeString(TEXT("a")));
+    EXPECT_EQ(UnicodeString(TEXT("abc")).CompareIC(TEXT("ABC")), 0);
+    EXPECT_EQ(UnicodeString(TEXT("abc")).Compare(TEXT("abd")), -1);
 }
 
 TEST(UnicodeString, TrimSharesWhatStays) {
