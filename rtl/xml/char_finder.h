@@ -11,7 +11,7 @@ using System::TCodePage;
 class TSearchSet {
   public:
     unsigned char& operator[](int i) { return members_[i]; }
-    bool Contains(unsigned char byte) const { return members_[byte] != 0; }
+    bool Contains(unsigned char octet) const { return members_[octet] != 0; }
     // Bytes 33 to 126 and the UTF-8 lead bytes: what is neither blank nor control.
     void NoneControl(unsigned char v);
     void Number(unsigned char v) { Fill('0', '9', v); }
@@ -46,9 +46,9 @@ class QV_API TAsciiCharFinder {
     // The same for UTF-16 input; 65535 at the end, and at once for any other code page.
     unsigned short FindW(const TSearchSet* set);
     // A span from the position plus offset ...
-    void BeginRead(int offset) { FMark = FPos + offset; }
+    void BeginRead(int offset) { FMark = At(offset); }
     // ... to the position plus offset.
-    UnicodeString EndRead(int offset) const { return Read(FMark, FPos + offset); }
+    UnicodeString EndRead(int offset) const { return Read(FMark, At(offset)); }
     // The bytes from `from` up to `to`, clipped to the buffer, decoded; null when there are none.
     UnicodeString Read(int from, int to) const;
     unsigned char Current() const { return b(0); }
@@ -57,16 +57,18 @@ class QV_API TAsciiCharFinder {
     // The byte at position plus offset, 0 outside the buffer.
     char c(int offset) const { return static_cast<char>(b(offset)); }
     unsigned char b(int offset) const {
-        const long long at = static_cast<long long>(FPos) + offset;
+        const int at = At(offset);
         return at < 0 || at >= FSize ? static_cast<unsigned char>(0) : FBuffer[at];
     }
     bool Eof() const { return FPos >= FSize; }
 
     int Position() const { return FPos; }
+    int Size() const { return FSize; }
     // Moves on by `count` bytes, at most to the end.
     void Skip(int count) { FPos = count < FSize - FPos ? FPos + count : FSize; }
     TCodePage CodePage() const { return FCodePage; }
-    const unsigned char* Bytes() const { return FBuffer; }
+    // The bytes from `from` on; for a position inside the buffer.
+    const unsigned char* Bytes(int from) const { return FBuffer + from; }
 
   protected:
     int FMark = 0;
@@ -77,6 +79,11 @@ class QV_API TAsciiCharFinder {
     unsigned char FStep[256];  // bytes of a character that starts with this byte; 0 = none does
 
   private:
+    // The position plus offset, -1 and the end standing for all that lies outside.
+    int At(int offset) const {
+        const long long at = static_cast<long long>(FPos) + offset;
+        return at < 0 ? -1 : at > FSize ? FSize : static_cast<int>(at);
+    }
     unsigned short FindUnit(const TSearchSet* set, int low_byte);
     TCodePage GuessFromContent() const;
     void StepByAnsi();

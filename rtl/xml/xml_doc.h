@@ -7,6 +7,7 @@
 
 #include <windows.h>
 
+#include "mox_classes/handles.h"
 #include "xml/xml_node.h"
 
 class TAsciiCharFinder;
@@ -40,12 +41,12 @@ class QV_API TXmlDoc {
     // What the last Parse returned, or would have returned had it not thrown; 0 before the first.
     int ParseResult() const { return parse_result_; }
 
-    // Opens a file for ReadFile; an open one is not closed first.
+    // Opens a file for ReadFile in place of one that is open.
     bool OpenFile(UnicodeString file_name);
     // Parses the open file from its current position: Parse's result. -1 when no file is open, it
     // cannot be read, or it is larger than 2 GiB - 1; 0 without reading when the root has children.
     int ReadFile();
-    void CloseFile();
+    void CloseFile() { FFile.Reset(); }
     // From the stream's current position, as many bytes as its size: a stream that is not at its
     // start throws "Stream read failed", one above 2 GiB - 1 bytes "Out of range".
     void LoadFromStream(Classes::TStream* stream);
@@ -72,7 +73,7 @@ class QV_API TXmlDoc {
     bool FRootSeen = false;               // the root's start tag has been read
     TAsciiCharFinder* FFinder = nullptr;  // set only during a parse
     TXmlSearchSets* FSets = nullptr;      // set only during a parse
-    HANDLE FFile = INVALID_HANDLE_VALUE;
+    System::TFileHandle FFile;
 
   public:
     TXmlNode* FProlog = nullptr;  // owned; its children are the instructions
@@ -82,18 +83,19 @@ class QV_API TXmlDoc {
     UnicodeString Indentation;
 
   private:
+    struct TParsing;
+
     void _Init();
-    int ParseDecoded(const void* buffer, int size);
-    int ParseLoop();
+    int ParseWith(TAsciiCharFinder& finder);
+    int ParseElements();
     int ParseInstruction();
     int ParseEndTag();
     int ParseStartTag();
     int CloseElement();
-    bool SkipComment();
-    bool AppendReference(UnicodeString& text, int from, int to);
-    bool AttributesFailed(int result, char end) const;
+    void SkipComment();
     int Error() const;
 
     TXmlNameCache* names_ = nullptr;  // set only during a parse
+    bool bare_name_ = false;          // the attributes ended at a name without '='
     int parse_result_ = 0;
 };

@@ -56,8 +56,8 @@ class QV_API TXmlItems {
     TXmlItems(const TXmlItems&) = delete;
     TXmlItems& operator=(const TXmlItems&) = delete;
 
-    // Takes ownership, appends, marks the table stale; the position of the item. A list that is
-    // full (2147483647 items) throws "Out of length".
+    // Takes ownership, appends, marks the table stale; the position of the item. Null is not added
+    // (-1); a list that is full (2147483647 items) throws "Out of length".
     int AddItem(TXmlPair* item);
     int GetCount() const { return FCount < 0 ? -FCount : FCount; }
     // Null outside 0 .. count - 1.
@@ -84,7 +84,8 @@ class QV_API TXmlItems {
   private:
     friend class TXmlNode;
 
-    int Scan(const UnicodeString& name) const;
+    int NextOf(const UnicodeString& name, int index);
+    int Scan(const UnicodeString& name, int from) const;
     const TXmlNameIndex& Names();
 
     std::int32_t capacity_ = 0;  // entries of FList

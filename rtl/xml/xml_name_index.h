@@ -35,6 +35,7 @@ class TXmlNameIndex {
     std::vector<Entry> entries_;      // a power of two, or none
     std::vector<std::int32_t> next_;  // for each item the next one of its name, or -1
     std::size_t used_ = 0;
+    std::uint64_t seed_ = 0;
 };
 
 // Equal code units, embedded zeros included.

@@ -22,8 +22,8 @@ class QV_API TXmlFormatter {
     void Set(const UnicodeString& unit, const UnicodeString& line_break, int level);
     // The unit repeated level times; null at level -1. Throws "Out of length" when that passes the
     // longest string.
-    const UnicodeString& Indent();
-    const UnicodeString& LineBreak() const { return FLineBreak; }
+    UnicodeString Indent();
+    UnicodeString LineBreak() const { return FLineBreak; }
     int GetLevel() const { return FLevel; }
     void SetLevel(int level) { FLevel = level; }
     // Adds delta unless the level would fall below -1; the level.

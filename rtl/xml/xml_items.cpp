@@ -1,0 +1,163 @@
+#include "xml/xml_items.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <numeric>
+#include <vector>
+
+#include "mox_classes/memory.h"
+#include "mox_classes/sysutils.h"
+#include "xml/xml_node.h"
+
+namespace {
+
+// Up to this many items a plain scan is faster than any index.
+constexpr int kSmallList = 16;
+// So many slots of the exact table are looked at before the name index is asked.
+constexpr int kProbes = 32;
+
+// For each slot of a table that is being filled the way to the next free one, upwards and around.
+class TFreeSlots {
+  public:
+    explicit TFreeSlots(int count) : next_(static_cast<std::size_t>(count)) {
+        std::iota(next_.begin(), next_.end(), 0u);
+    }
+
+    // The first free slot from `start` on, which is taken. There must be one.
+    std::size_t Take(std::size_t start) {
+        std::size_t slot = start;
+        while (next_[slot] != slot) {
+            next_[slot] = next_[next_[slot]];
+            slot = next_[slot];
+        }
+        next_[slot] = static_cast<std::uint32_t>(slot + 1 == next_.size() ? 0 : slot + 1);
+        return slot;
+    }
+
+  private:
+    std::vector<std::uint32_t> next_;
+};
+
+}  // namespace
+
+void* TXmlPair::operator new(std::size_t size) {
+    void* block = System::GetMemory(static_cast<int>(size));
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+void TXmlPair::operator delete(void* block) noexcept {
+    if (block != nullptr) System::FreeMemory(block);
+}
+
+TXmlItems::~TXmlItems() {
+    for (int i = 0; i < GetCount(); ++i) {
+        if (kind_ == TKind::Nodes) {
+            delete static_cast<TXmlNode*>(FList[i]);
+        } else {
+            delete FList[i];
+        }
+    }
+}
+
+int TXmlItems::AddItem(TXmlPair* item) {
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    const int count = GetCount();
+    if (item == nullptr) return -1;
+    if (count == capacity_) {
+        if (count == kMost) throw UnicodeString("Out of length");
+        const std::int32_t capacity = count == 0 ? 4 : count > kMost / 2 ? kMost : count * 2;
+        auto list = std::make_unique<TXmlPair*[]>(static_cast<std::size_t>(capacity));
+        std::copy_n(FList.get(), count, list.get());
+        FList = std::move(list);
+        capacity_ = capacity;
+    }
+    FList[count] = item;
+    FCount = -(count + 1);
+    return count;
+}
+
+TXmlPair* TXmlItems::Items(int i) const {
+    return i < 0 || i >= GetCount() ? nullptr : FList[i];
+}
+
+int TXmlItems::IndexOf(const UnicodeString& name, TCodePage code_page) {
+    if (FCount == 0) return -1;
+    if (FCount < 0) Build(code_page);
+    const std::uint32_t hash = Sysutils::StringHash(name);
+    const std::uint32_t count = static_cast<std::uint32_t>(FCount);
+    const int probes = std::min(FCount, kProbes);
+    std::uint32_t slot = hash % count;
+    for (int i = 0; i < probes; ++i) {
+        const THashSlot& candidate = FSlots[slot];
+        if (candidate.Hash == hash && XmlNamesEqual(FList[candidate.Index]->FName, name)) {
+            return candidate.Index;
+        }
+        if (++slot == count) slot = 0;
+    }
+    return probes == FCount ? -1 : FirstOf(name);
+}
+
+int TXmlItems::EnumIndexOf(int* indices, int max, const UnicodeString& name, TCodePage code_page) {
+    int found = 0;
+    for (int i = IndexOf(name, code_page); i >= 0; i = NextOf(name, i)) {
+        if (found < max) indices[found] = i;
+        ++found;
+    }
+    return found;
+}
+
+TXmlPair* TXmlItems::Find(const UnicodeString& name, TCodePage code_page) {
+    return Items(IndexOf(name, code_page));
+}
+
+int TXmlItems::FirstOf(const UnicodeString& name) {
+    if (GetCount() <= kSmallList) return Scan(name, 0);
+    return Names().First(FList.get(), name);
+}
+
+int TXmlItems::NextOf(const UnicodeString& name, int index) {
+    if (GetCount() <= kSmallList) return Scan(name, index + 1);
+    return Names().Next(FList.get(), name, index);
+}
+
+int TXmlItems::Scan(const UnicodeString& name, int from) const {
+    for (int i = from; i < GetCount(); ++i) {
+        if (XmlNamesEqual(FList[i]->FName, name)) return i;
+    }
+    return -1;
+}
+
+const TXmlNameIndex& TXmlItems::Names() {
+    names_.Extend(FList.get(), GetCount());
+    return names_;
+}
+
+void TXmlItems::Build(TCodePage) {
+    const int count = GetCount();
+    FSlots = std::make_unique<THashSlot[]>(static_cast<std::size_t>(count));
+    names_.Clear();
+    // A scan for the free slot would take quadratic time when many names share a hash.
+    TFreeSlots free_slots(count > kSmallList ? count : 0);
+    for (int i = 0; i < count; ++i) {
+        const std::uint32_t hash = Sysutils::StringHash(FList[i]->FName);
+        const std::uint32_t home = hash % static_cast<std::uint32_t>(count);
+        const std::size_t slot =
+            count > kSmallList ? free_slots.Take(home)
+                               : static_cast<std::size_t>(FindEmptySlot(static_cast<int>(home)));
+        FSlots[slot] = THashSlot(hash, i);
+    }
+    FCount = count;
+}
+
+int TXmlItems::FindEmptySlot(int start) const {
+    const int count = GetCount();
+    for (int i = start; i < count; ++i) {
+        if (FSlots[i].Index < 0) return i;
+    }
+    for (int i = 0; i < start; ++i) {
+        if (FSlots[i].Index < 0) return i;
+    }
+    return -1;
+}
