@@ -70,6 +70,9 @@ class QV_API TLogger {
     UnicodeString GetResString(UnicodeString domain, DWORD id);
     // Stores a text in the registry; returns `id` also when that fails (which is logged).
     DWORD RegResString(UnicodeString domain, DWORD id, UnicodeString text);
+
+  private:
+    UnicodeString* ErrorBeingRead();
 };
 
 static_assert(offsetof(TLogger, recordProc) == 8);

@@ -1,0 +1,172 @@
+#include "mox_log/logger.h"
+
+#include <atomic>
+#include <mutex>
+
+#include "mox_log/log_line.h"
+#include "mox_log/source_log.h"
+#include "mox_log/sys_error.h"
+
+namespace Mox {
+
+namespace {
+
+// Other threads change these fields while Log reads them.
+template <class T>
+T Load(T& field) {
+    return std::atomic_ref<T>(field).load(std::memory_order_acquire);
+}
+
+// Serialises the first Init with the last Release: who finds the logger connected finds it set up.
+std::mutex& SetUpGuard() {
+    static std::mutex guard;
+    return guard;
+}
+
+// One reader of the last error at a time; writers do not wait.
+std::mutex& ErrorReaderGuard() {
+    static std::mutex guard;
+    return guard;
+}
+
+TLogMsg* NewMessage(TLogger& logger, int level, const UnicodeString& source, int line,
+                    const UnicodeString& text, const UnicodeString& label, void* data, int size) {
+    TLogMsg* message = TLogMsg::Alloc();
+    if (message == nullptr) return nullptr;
+    message->level = level;
+    message->source = source;
+    message->line = line;
+    message->text = text;
+    message->dataLabel = label;
+    message->data = data;
+    message->dataSize = size > 0 ? -size : 0;
+    message->processId = logger.processId;
+    message->sessionId = GetSessionId();
+    message->threadId = GetCurrentThreadId();
+    return message;
+}
+
+}  // namespace
+
+TLogger* GetLogger() {
+    static constinit TLogger logger;
+    return &logger;
+}
+
+int InitLogger() {
+    return GetLogger()->Init();
+}
+
+int UninitLogger() {
+    return GetLogger()->Release();
+}
+
+int TLogger::Init() {
+    const std::lock_guard hold(SetUpGuard());
+    const LONG count = std::atomic_ref(refCount).load() + 1;
+    if (count == 1) {
+        tlsIndex = TlsAlloc();
+        if (tlsIndex == TLS_OUT_OF_INDEXES) mox_log::Status(TEXT("TlsAlloc() failed"));
+        InitializeCriticalSection(&lock);
+        processId = GetCurrentProcessId();
+        std::atomic_ref(lastError).store(new UnicodeString());
+    }
+    std::atomic_ref(refCount).fetch_add(1);
+    if (count == 1) {
+        mox_log::Status(TEXT("MOX Log system was initialized successfully."));
+    } else {
+        mox_log::Status(
+            TEXT("Existing MOX Log system was connected to this unit, instead of "
+                 "initializing"));
+    }
+    return count;
+}
+
+int TLogger::Release() {
+    const std::lock_guard hold(SetUpGuard());
+    const LONG before = std::atomic_ref(refCount).load();
+    if (before < 1) return before;
+    const LONG count = std::atomic_ref(refCount).fetch_sub(1) - 1;
+    if (count > 0) {
+        mox_log::Status(TEXT("MOX Log system was disconnected from this unit"));
+        return count;
+    }
+    if (tlsIndex != TLS_OUT_OF_INDEXES && !TlsFree(tlsIndex)) {
+        UnicodeString line;
+        mox_log::Status(line.sprintf(TEXT("TlsFree(%d) failed: %s"), tlsIndex,
+                                     GetSysError(::GetLastError(), true)));
+    }
+    tlsIndex = TLS_OUT_OF_INDEXES;
+    DeleteCriticalSection(&lock);
+    UnicodeString* text = std::atomic_ref(lastError).exchange(nullptr);
+    if (text != ErrorBeingRead()) delete text;
+    mox_log::Status(TEXT("MOX Log system was uninitialized successfully."));
+    return count;
+}
+
+UnicodeString TLogger::Log(int level, UnicodeString source, int line, UnicodeString text,
+                           UnicodeString dataLabel, void* data, int dataSize) {
+    const TLogRecordProc record = Load(recordProc);
+    const TLogFormatProc format = record == nullptr ? Load(formatProc) : nullptr;
+    TLogMsg* message = nullptr;
+    if (record != nullptr || format != nullptr) {
+        message = NewMessage(*this, level, source, line, text, dataLabel, data, dataSize);
+    }
+    if (level == 'X') SetLastError(text);
+
+    bool owned = true;
+    if (record != nullptr) {
+        if (message != nullptr) record(recordContext, message, Load(recorder), &owned);
+    } else if (message != nullptr) {
+        UnicodeString formatted;
+        format(formatContext, &formatted, message, Load(recorder), &owned);
+        text = formatted;
+    } else {
+        text = FormatLogLine(level, source, line, text, dataLabel, data, dataSize);
+    }
+    if (message != nullptr && owned) message->Free();
+    return text;
+}
+
+// The last error is replaced, never changed, so that a thread that logs an error waits for nobody.
+// A reader takes the text out and leaves a marker in its place; whoever replaces the marker leaves
+// the text to the reader.
+UnicodeString* TLogger::ErrorBeingRead() {
+    return reinterpret_cast<UnicodeString*>(this);
+}
+
+void TLogger::SetLastError(UnicodeString text) {
+    UnicodeString* fresh = new UnicodeString(text);
+    std::atomic_ref<UnicodeString*> slot(lastError);
+    UnicodeString* old = slot.load();
+    while (old != nullptr && !slot.compare_exchange_weak(old, fresh)) {
+    }
+    if (old == nullptr) {
+        delete fresh;
+    } else if (old != ErrorBeingRead()) {
+        delete old;
+    }
+}
+
+UnicodeString TLogger::GetLastError() {
+    const std::lock_guard hold(ErrorReaderGuard());
+    std::atomic_ref<UnicodeString*> slot(lastError);
+    UnicodeString* taken = slot.load();
+    while (taken != nullptr && !slot.compare_exchange_weak(taken, ErrorBeingRead())) {
+    }
+    if (taken == nullptr) return UnicodeString();
+    const UnicodeString text = *taken;
+    UnicodeString* marker = ErrorBeingRead();
+    if (!slot.compare_exchange_strong(marker, taken)) delete taken;
+    return text;
+}
+
+void TLogger::Lock() {
+    if (Load(refCount) > 0) EnterCriticalSection(&lock);
+}
+
+void TLogger::Unlock() {
+    if (Load(refCount) > 0) LeaveCriticalSection(&lock);
+}
+
+}  // namespace Mox

@@ -1,0 +1,32 @@
+#include "mox_log/sys_error.h"
+
+namespace Mox {
+
+namespace {
+
+constexpr DWORD kNeutralLanguage = 0x400;
+
+// The inserts of a message are left alone: there is nothing to fill them with.
+UnicodeString SystemText(DWORD code) {
+    LPWSTR buffer = nullptr;
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+        nullptr, code, kNeutralLanguage, reinterpret_cast<LPWSTR>(&buffer), 0, nullptr);
+    UnicodeString text;
+    if (buffer != nullptr) {
+        text = UnicodeString(buffer, static_cast<long long>(length));
+        LocalFree(buffer);
+    }
+    return text;
+}
+
+}  // namespace
+
+UnicodeString GetSysError(DWORD code, bool withCode) {
+    const UnicodeString system_text = SystemText(code);
+    if (!withCode) return system_text;
+    UnicodeString text;
+    return text.sprintf(TEXT("[%d]%s"), code, system_text);
+}
+
+}  // namespace Mox
