@@ -1,0 +1,237 @@
+#include "log_file/log_file_ring.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "mox_log/sys_error.h"
+
+namespace Mox {
+
+namespace {
+
+using log_file::Report;
+
+// A search for slots in a damaged ring looks at no more than this much.
+constexpr DWORD kLongestSearch = 64U << 20;
+
+DWORD Shown(HANDLE file) {
+    return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(file));
+}
+
+}  // namespace
+
+// Holds the lock of the header, and with it a header image that can be trusted.
+class TLogFileRing::THeaderLock {
+  public:
+    explicit THeaderLock(TLogFileRing& ring) : ring_(ring), held_(ring.WaitForLock()) {}
+    THeaderLock(const THeaderLock&) = delete;
+    THeaderLock& operator=(const THeaderLock&) = delete;
+    ~THeaderLock() {
+        if (held_) ring_.Unlock();
+    }
+    bool Held() const { return held_; }
+
+  private:
+    TLogFileRing& ring_;
+    bool held_;
+};
+
+bool TLogFileRing::Open(const UnicodeString& fileName, DWORD sizeLimit) {
+    Close();
+    file_ = CreateFileW(fileName.t_str(), GENERIC_READ | GENERIC_WRITE,
+                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                        FILE_ATTRIBUTE_NORMAL, nullptr);
+    const DWORD code = GetLastError();
+    limit_ = sizeLimit;
+    if (IsOpen()) return true;
+    Report(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, fileName,
+           GetSysError(code, true));
+    return false;
+}
+
+void TLogFileRing::Close() {
+    if (IsOpen()) CloseHandle(file_);
+    file_ = INVALID_HANDLE_VALUE;
+}
+
+bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::TReportTexts texts) {
+    texts_ = texts;
+    const THeaderLock lock(*this);
+    if (!lock.Held() || !ReadHeader()) return false;
+    if (!IsPlausible(header_)) {
+        // The limit of a header of another version means something else.
+        const bool ours = header_.version == TLogFileHeader::kVersion;
+        EmptyRing(header_, ours && header_.limit >= kSmallestLimit ? header_.limit : limit_);
+    }
+    const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
+    if (record.Size() > room && !record.Serialise(message, room)) return false;
+    return Place(record);
+}
+
+bool TLogFileRing::WaitForLock() {
+    if (!IsOpen()) return false;
+    while (!LockFile(file_, 0, 0, kHeaderSize, 0)) {
+        const DWORD code = GetLastError();
+        if (code != ERROR_LOCK_VIOLATION) {
+            Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("LockFile"), Shown(file_),
+                   0, kHeaderSize, GetSysError(code, true));
+            return false;
+        }
+        Sleep(1);
+    }
+    // Nothing has been read yet that would have to be written back.
+    counter_at_lock_ = header_.counter;
+    return true;
+}
+
+void TLogFileRing::Unlock() {
+    if (header_.counter != counter_at_lock_ && Seek(0)) {
+        if (Write(&header_, kHeaderSize) != kHeaderSize) {
+            Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("Write"), Shown(file_),
+                   kHeaderSize, GetSysError(GetLastError(), true));
+        }
+    }
+    counter_after_unlock_ = header_.counter;
+    if (!UnlockFile(file_, 0, 0, kHeaderSize, 0)) {
+        Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("UnlockFile"), Shown(file_), 0,
+               kHeaderSize, GetSysError(GetLastError(), true));
+    }
+}
+
+// False when the file cannot be read: what is not known is not overwritten.
+bool TLogFileRing::ReadHeader() {
+    if (!Seek(0)) return false;
+    TLogFileHeader image{};
+    bool failed = false;
+    const DWORD size = Read(&image, kHeaderSize, failed);
+    if (failed) return false;
+    if (size == 0) return CreateHeader();
+    header_ = image;
+    counter_at_lock_ = header_.counter;
+    return true;
+}
+
+bool TLogFileRing::CreateHeader() {
+    header_ = TLogFileHeader{};
+    EmptyRing(header_, limit_);
+    counter_at_lock_ = header_.counter;
+    const DWORD no_slot = 0;
+    const DWORD written =
+        Seek(0) ? Write(&header_, kHeaderSize) + Write(&no_slot, sizeof(no_slot)) : 0;
+    return written == kHeaderSize + sizeof(no_slot);
+}
+
+bool TLogFileRing::Place(const TLogRecordBytes& record) {
+    const std::uint64_t need = std::uint64_t{kLinkSize} + record.Size();
+    MakeRoom(need);
+    if (!Seek(header_.write_position)) return false;
+    const auto end = static_cast<DWORD>(header_.write_position + need);
+    Write(&end, kLinkSize);
+    Write(record.Data(), record.Size());
+    header_.counter = header_.counter + 1;
+    header_.count = header_.count + 1;
+    header_.write_position = end;
+    return true;
+}
+
+// Afterwards `need` bytes at the write position are free and within the limit.
+void TLogFileRing::MakeRoom(std::uint64_t need) {
+    TLogFileHeader& h = header_;
+    if (h.count == 0) EmptyRing(h, h.limit);
+    if (h.wrap != 0 && h.oldest == h.wrap) {
+        h.oldest = kFirstSlot;
+        h.wrap = 0;
+    }
+    if (h.write_position + need > h.limit) Wrap();
+    while (h.count > 0 && h.write_position <= h.oldest && h.oldest - h.write_position < need) {
+        DropOldest();
+    }
+}
+
+// The tail that is left from the last wrap is emptied first. A ring that is exactly full has its
+// write position at the oldest slot, which belongs to that tail.
+void TLogFileRing::Wrap() {
+    TLogFileHeader& h = header_;
+    while (h.count > 0 && h.oldest >= h.write_position) DropOldest();
+    if (h.count == 0) {
+        EmptyRing(h, h.limit);
+    } else {
+        h.wrap = h.write_position;
+        h.write_position = kFirstSlot;
+    }
+}
+
+// Only for an oldest slot behind the write position: its chain ends at the wrap offset.
+void TLogFileRing::DropOldest() {
+    TLogFileHeader& h = header_;
+    std::uint8_t head[kSlotHeadSize];
+    bool failed = false;
+    const DWORD size = Seek(h.oldest) ? Read(head, sizeof(head), failed) : 0;
+    const DWORD end = CredibleSlotEnd(h.oldest, {head, size}, h.wrap);
+    if (end == 0) return Recover();
+    h.count = h.count - 1;
+    if (end != h.wrap) {
+        h.oldest = end;
+        if (h.count == 0) Recover();
+        return;
+    }
+    h.oldest = kFirstSlot;
+    h.wrap = 0;
+    if (h.write_position == kFirstSlot) {
+        EmptyRing(h, h.limit);
+    } else if (h.count == 0) {
+        Recover();
+    }
+}
+
+// The oldest slot or the count cannot be believed: goes on with the first credible chain at or
+// behind the oldest offset, else with one at the front, else empties the ring.
+void TLogFileRing::Recover() {
+    TLogFileHeader& h = header_;
+    const TLogChain tail = FindChain(h.oldest, h.wrap);
+    const TLogChain front = FindChain(kFirstSlot, h.write_position);
+    if (tail.count == 0 && front.count == 0) return EmptyRing(h, h.limit);
+    h.count = tail.count + front.count;
+    h.oldest = tail.count > 0 ? tail.first : front.first;
+    if (tail.count == 0) h.wrap = 0;
+}
+
+TLogChain TLogFileRing::FindChain(DWORD from, DWORD end) {
+    if (from >= end) return TLogChain{};
+    from = std::max(from, end - std::min(end, kLongestSearch));
+    std::vector<std::uint8_t> region(end - from);
+    bool failed = false;
+    const DWORD size = Seek(from) ? Read(region.data(), end - from, failed) : 0;
+    if (size != region.size()) return TLogChain{};
+    return FindChainToEnd(region, from);
+}
+
+bool TLogFileRing::Seek(DWORD offset) {
+    LONG high = 0;
+    const DWORD low = SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
+    if (low != INVALID_SET_FILE_POINTER) return true;
+    const DWORD code = GetLastError();
+    if (code == ERROR_SUCCESS) return true;
+    Report(__builtin_LINE(), texts_, log_file::kSeekFailed, TEXT("::SetFilePointer"), Shown(file_),
+           offset, GetSysError(code, true));
+    return false;
+}
+
+DWORD TLogFileRing::Read(void* bytes, DWORD size, bool& failed) {
+    DWORD done = 0;
+    failed = !ReadFile(file_, bytes, size, &done, nullptr);
+    if (!failed) return done;
+    Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("::ReadFile"), Shown(file_),
+           size, GetSysError(GetLastError(), true));
+    return 0;
+}
+
+DWORD TLogFileRing::Write(const void* bytes, DWORD size) {
+    DWORD done = 0;
+    if (WriteFile(file_, bytes, size, &done, nullptr)) return done;
+    Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("::WriteFile"), Shown(file_),
+           size, GetSysError(GetLastError(), true));
+    return 0;
+}
+
+}  // namespace Mox

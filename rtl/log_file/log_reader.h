@@ -1,0 +1,58 @@
+// The checked reader of the shared log file, for tools that show the log.
+//
+// It works on a private copy, so that writers may go on meanwhile. Nothing that the file says is
+// used before it is checked: what is damaged is left out, and the reader says what and why.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <memory>
+
+#include "mox_classes/unicode_string.h"
+#include "mox_log/log_message.h"
+#include "qv_api.h"
+
+namespace Mox {
+
+// Bytes of the file that were not shown.
+struct TLogSkip {
+    DWORD offset = 0;
+    DWORD size = 0;  // 0: not a matter of certain bytes
+    UnicodeString reason;
+};
+
+// One thread at a time.
+//
+//     Mox::TLogReader reader;
+//     if (!reader.Open(name)) return Fail(reader.Error());
+//     while (const Mox::TLogMsg* message = reader.Next()) Show(*message);
+//     for (int i = 0; i < reader.SkipCount(); ++i) Warn(reader.Skip(i));
+class QV_API TLogReader {
+  public:
+    TLogReader();
+    ~TLogReader();
+    TLogReader(const TLogReader&) = delete;
+    TLogReader& operator=(const TLogReader&) = delete;
+
+    // Copies the file and starts at its oldest record. The copy is made under the header's lock or,
+    // when the lock cannot be had, until the header did not change meanwhile. False when the file
+    // cannot be read or holds no log; Error() then says why. An empty file is an empty log.
+    bool Open(const UnicodeString& fileName);
+    // The same for bytes in memory, which are copied.
+    bool Assign(const void* bytes, std::size_t size);
+    const UnicodeString& Error() const;
+
+    // The next record, oldest first, or null at the end. Valid until the next call.
+    const TLogMsg* Next();
+
+    // What was left out so far; complete when Next has returned null.
+    int SkipCount() const;
+    const TLogSkip& Skip(int index) const;
+
+  private:
+    class TState;
+    std::unique_ptr<TState> state_;
+};
+
+}  // namespace Mox

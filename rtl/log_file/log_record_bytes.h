@@ -1,0 +1,33 @@
+// One message in the form in which the file keeps it.
+#pragma once
+
+#include <cstdint>
+
+#include "mox_log/log_message.h"
+
+namespace Mox {
+
+// Owns the serialised record: one block of the library's heap.
+class TLogRecordBytes {
+  public:
+    TLogRecordBytes() = default;
+    TLogRecordBytes(const TLogRecordBytes&) = delete;
+    TLogRecordBytes& operator=(const TLogRecordBytes&) = delete;
+    ~TLogRecordBytes();
+
+    // Serialises the message into at most `room` bytes. One that is larger loses the end of its
+    // data block, then of its text, label and source; what was cut ends in " [cut]", the data block
+    // says so in its label. False, and no bytes, when that is not enough or the heap is exhausted.
+    bool Serialise(TLogMsg& message, std::int64_t room);
+
+    const void* Data() const { return data_; }
+    std::uint32_t Size() const { return size_; }
+
+  private:
+    void Release();
+
+    void* data_ = nullptr;
+    std::uint32_t size_ = 0;
+};
+
+}  // namespace Mox

@@ -1,0 +1,196 @@
+#include "log_file/log_recorder.h"
+
+#include <atomic>
+#include <mutex>
+
+#include "log_file/log_record_bytes.h"
+
+namespace Mox {
+
+namespace {
+
+class TLoggerLock {
+  public:
+    TLoggerLock() { GetLogger()->Lock(); }
+    TLoggerLock(const TLoggerLock&) = delete;
+    TLoggerLock& operator=(const TLoggerLock&) = delete;
+    ~TLoggerLock() { GetLogger()->Unlock(); }
+};
+
+// The callback that SetLogRecorder found; it gets each message after the file.
+std::atomic<TLogRecordProc>& PreviousRecordProc() {
+    static std::atomic<TLogRecordProc> previous{nullptr};
+    return previous;
+}
+
+template <class T>
+void Store(T& field, T value) {
+    std::atomic_ref<T>(field).store(value, std::memory_order_release);
+}
+
+}  // namespace
+
+// A logging thread reads the logger's recorder without a lock; by the time it has the lock, that
+// recorder may be gone. It is looked up here first.
+class TLiveRecorders {
+  public:
+    static TLiveRecorders& All() {
+        static TLiveRecorders all;
+        return all;
+    }
+    void Add(TLogRecorder* recorder) {
+        const std::lock_guard hold(guard_);
+        recorder->next_live_ = first_;
+        first_ = recorder;
+    }
+    void Remove(TLogRecorder* recorder) {
+        const std::lock_guard hold(guard_);
+        TLogRecorder** link = &first_;
+        while (*link != recorder) link = &(*link)->next_live_;
+        *link = recorder->next_live_;
+    }
+    bool Has(const TLogRecorder* recorder) {
+        const std::lock_guard hold(guard_);
+        const TLogRecorder* at = first_;
+        while (at != nullptr && at != recorder) at = at->next_live_;
+        return at != nullptr;
+    }
+
+  private:
+    std::mutex guard_;
+    TLogRecorder* first_ = nullptr;
+};
+
+// A thread that is writing, and the messages that it logs meanwhile. Lives on the thread's stack;
+// the logger's thread-local slot leads to it. Without a slot the thread keeps the logger's lock
+// instead, so that `unslotted_` can only be its own when it gets there again.
+class TThreadWriter {
+  public:
+    TThreadWriter() {
+        const TLogger& logger = *GetLogger();
+        slot_ = logger.tlsIndex;
+        slotted_ = slot_ != TLS_OUT_OF_INDEXES && TlsSetValue(slot_, this);
+        if (slotted_) return;
+        GetLogger()->Lock();
+        Unslotted().store(this);
+    }
+    TThreadWriter(const TThreadWriter&) = delete;
+    TThreadWriter& operator=(const TThreadWriter&) = delete;
+    ~TThreadWriter() {
+        if (slotted_) {
+            TlsSetValue(slot_, nullptr);
+        } else {
+            Unslotted().store(nullptr);
+            GetLogger()->Unlock();
+        }
+    }
+
+    // The calling thread's, or null.
+    static TThreadWriter* Current() {
+        const DWORD slot = GetLogger()->tlsIndex;
+        void* own = slot == TLS_OUT_OF_INDEXES ? nullptr : TlsGetValue(slot);
+        if (own != nullptr) return static_cast<TThreadWriter*>(own);
+        if (Unslotted().load() == nullptr) return nullptr;
+        const TLoggerLock lock;
+        return Unslotted().load();
+    }
+
+    void Queue(TLogMsg* message) { PushBackLogMsg(queue_, message); }
+
+    // Writes and frees the queue's messages, those that are logged meanwhile included.
+    void WriteAll(void* context, TLogRecorder* recorder) {
+        auto texts = log_file::TReportTexts::Translated;
+        while (TLogMsg* message = Front(queue_)) {
+            TLogRecorder* target = Write(*message, recorder, texts);
+            PopFrontLogMsg(queue_);
+            if (PassOn(context, message, target)) message->Free();
+            texts = log_file::TReportTexts::Own;
+        }
+    }
+
+  private:
+    static std::atomic<TThreadWriter*>& Unslotted() {
+        static std::atomic<TThreadWriter*> unslotted{nullptr};
+        return unslotted;
+    }
+
+    // Returns the recorder that took the message.
+    static TLogRecorder* Write(TLogMsg& message, TLogRecorder* recorder,
+                               log_file::TReportTexts texts) {
+        try {
+            TLogRecordBytes record;
+            const bool serialised = record.Serialise(message, INT32_MAX);
+            const TLoggerLock lock;
+            if (!TLiveRecorders::All().Has(recorder)) recorder = GetLogger()->recorder;
+            if (serialised && recorder != nullptr) recorder->ring_.Append(message, record, texts);
+        } catch (...) {
+            // An exhausted heap costs this message; nothing may escape into the code that logs.
+        }
+        return recorder;
+    }
+
+    // Whether the message is still ours afterwards.
+    static bool PassOn(void* context, TLogMsg* message, TLogRecorder* recorder) {
+        const TLogRecordProc previous = PreviousRecordProc().load();
+        bool owned = true;
+        if (previous != nullptr) {
+            const TLoggerLock lock;
+            previous(context, message, recorder, &owned);
+        }
+        return owned;
+    }
+
+    DWORD slot_;
+    bool slotted_;
+    TLogMsg* queue_ = nullptr;
+};
+
+TLogRecorder::TLogRecorder() {
+    TLiveRecorders::All().Add(this);
+}
+
+TLogRecorder::~TLogRecorder() {
+    const TLoggerLock lock;
+    TLiveRecorders::All().Remove(this);
+    ring_.Close();
+}
+
+bool TLogRecorder::Open(UnicodeString fileName, DWORD sizeLimit) {
+    const TLoggerLock lock;
+    return ring_.Open(fileName, sizeLimit);
+}
+
+void SetLogRecorder(TLogRecorder* recorder) {
+    TLogger& logger = *GetLogger();
+    const TLoggerLock lock;
+    if (logger.recordProc != LogRecorderProc) PreviousRecordProc().store(logger.recordProc);
+    Store(logger.recorder, recorder);
+    Store<TLogRecordProc>(logger.recordProc, LogRecorderProc);
+}
+
+void ClearLogRecorder(TLogRecorder* recorder) {
+    TLogger& logger = *GetLogger();
+    const TLoggerLock lock;
+    if (recorder == nullptr || logger.recorder != recorder) return;
+    Store(logger.recordProc, PreviousRecordProc().load());
+    Store<TLogRecorder*>(logger.recorder, nullptr);
+}
+
+void LogRecorderProc(void* context, TLogMsg* message, TLogRecorder* recorder, bool* owned) {
+    *owned = false;
+    if (std::atomic_ref(GetLogger()->refCount).load() < 1) {
+        message->Free();
+        return;
+    }
+    if (TThreadWriter* writer = TThreadWriter::Current()) {
+        // It outlives the call that logs it, and with it the caller's data block.
+        message->ImportBinData();
+        writer->Queue(message);
+        return;
+    }
+    TThreadWriter writer;
+    writer.Queue(message);
+    writer.WriteAll(context, recorder);
+}
+
+}  // namespace Mox

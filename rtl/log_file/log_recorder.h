@@ -1,0 +1,46 @@
+// The recorder: appends every message of the logger to the shared log file.
+#pragma once
+
+#include <windows.h>
+
+#include "log_file/log_file_ring.h"
+#include "mox_classes/unicode_string.h"
+#include "mox_log/logger.h"
+#include "qv_api.h"
+
+namespace Mox {
+
+// Owns the open file. Appends are serialised by the logger's lock and, between processes, by the
+// lock of the file's header. A recorder may be destroyed while messages are on their way to it:
+// they then go to the recorder that is installed, or nowhere.
+class QV_API TLogRecorder {
+  public:
+    TLogRecorder();
+    ~TLogRecorder();
+    TLogRecorder(const TLogRecorder&) = delete;
+    TLogRecorder& operator=(const TLogRecorder&) = delete;
+
+    // Opens or creates the file, closing the one that was open. `sizeLimit` (bytes) holds for a
+    // file that is created. On failure, which is reported, the recorder stays closed and drops what
+    // it is given.
+    bool Open(UnicodeString fileName, DWORD sizeLimit);
+    bool IsOpen() const { return ring_.IsOpen(); }
+
+  private:
+    friend class TLiveRecorders;
+    friend class TThreadWriter;
+
+    TLogFileRing ring_;
+    TLogRecorder* next_live_ = nullptr;
+};
+
+// Makes `recorder` the logger's recorder and LogRecorderProc its record callback. The callback that
+// was installed before gets every message after it is written. The recorder stays its caller's.
+QV_API void SetLogRecorder(TLogRecorder* recorder);
+// Takes `recorder` out and puts the callback of before back; nothing when another one is installed.
+QV_API void ClearLogRecorder(TLogRecorder* recorder);
+// The record callback. Takes the message, writes and frees it; one that is logged while its thread
+// is already writing waits in the thread's queue.
+QV_API void LogRecorderProc(void* context, TLogMsg* message, TLogRecorder* recorder, bool* owned);
+
+}  // namespace Mox
