@@ -1,0 +1,118 @@
+#include "driver_global/installation.h"
+
+#include <memory>
+
+#include "mox_classes/module_static.h"
+#include "mox_classes/sysutils.h"
+#include "mox_log/log_source.h"
+#include "mox_log/logger.h"
+#include "mox_log/registry.h"
+#include "mox_log/sys_error.h"
+
+namespace {
+
+constexpr const WCHAR* kShellFoldersKey =
+    TEXT("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders");
+
+UnicodeString ProductValue(const WCHAR* name) {
+    return Mox::ReadRegistry(HKEY_LOCAL_MACHINE, kProductKey, name);
+}
+
+UnicodeString PrinterValue(const UnicodeString& printer, const WCHAR* name) {
+    return Mox::ReadRegistry(HKEY_LOCAL_MACHINE,
+                             Sysutils::ConfirmPathString(kPrintersKey) + printer, name);
+}
+
+UnicodeString Or(const UnicodeString& value, const UnicodeString& fallback) {
+    return value.Length() > 0 ? value : fallback;
+}
+
+// The printer's own value, else the product's default, else the fixed one.
+UnicodeString PrinterSetting(const UnicodeString& printer, const WCHAR* name,
+                             const WCHAR* default_name, const WCHAR* fallback) {
+    const UnicodeString own = PrinterValue(printer, name);
+    return own.Length() > 0 ? own : Or(ProductValue(default_name), fallback);
+}
+
+UnicodeString DescribeOS() {
+    OSVERSIONINFOEXW version{};
+    version.dwOSVersionInfoSize = sizeof(version);
+    UnicodeString text;
+    if (!GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version))) {
+        return text.sprintf(TEXT("Unknown - GetVersonEx() failed: %s"),
+                            Mox::GetSysError(GetLastError(), true));
+    }
+    const WCHAR* service_pack = version.szCSDVersion;
+    return text.sprintf(TEXT("%lu.%lu build %lu [%s] %s (%u.%u)"), version.dwMajorVersion,
+                        version.dwMinorVersion, version.dwBuildNumber, TEXT("AMD64"), service_pack,
+                        version.wServicePackMajor, version.wServicePackMinor);
+}
+
+}  // namespace
+
+UnicodeString GetInstallPath() {
+    return ProductValue(TEXT("InstallPath"));
+}
+
+UnicodeString GetPrinterLanguage() {
+    return Or(ProductValue(TEXT("Language")), TEXT("en"));
+}
+
+UnicodeString GetPrinterLocale(UnicodeString printer) {
+    return PrinterSetting(printer, TEXT("Locale"), TEXT("DefaultLocale"), TEXT("gl"));
+}
+
+UnicodeString GetUserDocument(UnicodeString defaultPath) {
+    return Or(Mox::ReadRegistry(HKEY_CURRENT_USER, kShellFoldersKey, TEXT("Personal")),
+              defaultPath);
+}
+
+UnicodeString GetPublicDocument() {
+    return Mox::ReadRegistry(HKEY_LOCAL_MACHINE, kShellFoldersKey, TEXT("Common Documents"));
+}
+
+UnicodeString GetPrinterLogFile() {
+    const UnicodeString configured = ProductValue(TEXT("Logfile"));
+    if (configured.Length() > 0) return configured;
+    const UnicodeString documents = GetPublicDocument();
+    if (documents.Length() > 0) {
+        return Sysutils::ConfirmPathString(documents) + TEXT("ORLO\\orlo.log");
+    }
+    const UnicodeString temporary = Sysutils::GetEnvExpanded(TEXT("%temp%"));
+    return Sysutils::ConfirmPathString(temporary) + TEXT("orlo.log");
+}
+
+UnicodeString GetPrinterPost(UnicodeString printer, UnicodeString* params) {
+    UnicodeString program =
+        PrinterSetting(printer, TEXT("Rasterizer"), TEXT("DefaultRasterizer"), TEXT("qv_post.exe"));
+    if (!Sysutils::FileExists(program) && program.Pos(TEXT("\\")) == 0) {
+        program = Sysutils::ConfirmPathString(GetInstallPath()) + program;
+    }
+    if (params != nullptr) {
+        *params = PrinterSetting(printer, TEXT("RasterizerParams"), TEXT("DefaultRasterizerParams"),
+                                 TEXT("-d {spoolfile} -t {docname} -p {printername} -j {jobid} "
+                                      "-a {application}"));
+    }
+    return program;
+}
+
+UnicodeString GetOSInfo() {
+    static const UnicodeString& info =
+        System::KeepUntilUnload(std::make_unique<UnicodeString>(DescribeOS()));
+    return info;
+}
+
+UnicodeString MakeSpoolFilename() {
+    LARGE_INTEGER counter{};
+    QueryPerformanceCounter(&counter);
+    const UnicodeString folder = Sysutils::ConfirmPathString(Sysutils::GetTempPathW());
+    UnicodeString name;
+    name.printf(TEXT("%s%08x_%s.qvspl"), folder, Mox::GetSessionId(),
+                Mox::GetHexEncoded(&counter, sizeof(counter)));
+    // Spool files belong to the settings module, under whose name readers of the log look for them.
+    UnicodeString text;
+    Mox::LogFrom(TEXT("driver_devmode"), ' ',
+                 text.sprintf(TEXT("[MakeSpoolFilename()] sTempPath=%s, sSpool=%s"), folder, name),
+                 __builtin_LINE());
+    return name;
+}

@@ -1,0 +1,41 @@
+// The lookup of a product setting in the user's and the machine's keys.
+#include <initializer_list>
+
+#include "driver_global/installation.h"
+#include "driver_global/source_log.h"
+#include "mox_classes/sysutils_paths.h"
+#include "mox_log/registry.h"
+#include "mox_log/registry_text.h"
+#include "mox_log/sys_error.h"
+
+namespace {
+
+// Whether this place settles the search. A value that is there but cannot be read does not.
+bool FindSetting(HKEY root, const UnicodeString& path, const UnicodeString& name,
+                 UnicodeString& value) {
+    const Mox::TRegKeyOwner key(Mox::RegOpenToRead(root, path));
+    if (key.get() == nullptr) return false;
+    const Mox::TRegText read = Mox::ReadRegText(key.get(), name);
+    if (read.state == Mox::TRegTextState::Failed) {
+        UnicodeString text;
+        driver_global::Log(
+            'X', text.sprintf(TEXT("RegQueryValueEx(): %s Key=\"%s|%s\""),
+                              Mox::GetSysError(static_cast<DWORD>(read.code), true), path, name));
+    }
+    value = read.text;
+    return read.state == Mox::TRegTextState::Found;
+}
+
+}  // namespace
+
+UnicodeString GetRegistrySetting(const UnicodeString& section, const UnicodeString& name) {
+    UnicodeString value;
+    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+        if (section.Length() > 0 &&
+            FindSetting(root, Sysutils::ConfirmPathString(kPrintersKey) + section, name, value)) {
+            return value;
+        }
+        if (FindSetting(root, kProductKey, name, value)) return value;
+    }
+    return UnicodeString();
+}

@@ -1,0 +1,230 @@
+// The logger, its messages and lines.
+#include "mox_log/logger.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "mox_classes/sysutils.h"
+#include "mox_log/shared_memory.h"
+#include "mox_log/sys_error.h"
+#include "support/clean_logger.h"
+#include "support/string_print.h"
+
+using Mox::TLogMsg;
+using test::CleanLogger;
+
+namespace {
+
+UnicodeString Plain(int level, const UnicodeString& text) {
+    return CleanLogger::Logger().Log(level, TEXT("here"), 7, text, UnicodeString(), nullptr, 0);
+}
+
+// What a line begins with in this thread.
+UnicodeString Lead() {
+    return Sysutils::UnicodePrintf(TEXT("i T%lu.S%d [here,7] "), GetCurrentThreadId(),
+                                   static_cast<int>(Mox::GetSessionId()));
+}
+
+UnicodeString Line(const UnicodeString& label, std::vector<BYTE> data, int size) {
+    return Mox::ODSLog('i', TEXT("here"), 7, TEXT("text"), label,
+                       data.empty() ? nullptr : data.data(), size);
+}
+
+TEST(Logger, UnitsConnectAndDisconnect) {
+    const CleanLogger clean(0);
+    Mox::TLogger& logger = clean.Logger();
+    EXPECT_EQ(Mox::InitLogger(), 1);
+    EXPECT_EQ(logger.processId, GetCurrentProcessId());
+    EXPECT_EQ(logger.Init(), 2);
+    EXPECT_EQ(logger.Release(), 1);
+    EXPECT_NE(logger.lastError, nullptr);
+    EXPECT_EQ(Mox::UninitLogger(), 0);
+    EXPECT_EQ(logger.lastError, nullptr);
+    EXPECT_EQ(logger.Release(), 0);
+    EXPECT_EQ(logger.Init(), 1);
+}
+
+TEST(Logger, ErrorsWithoutAUnitAreLoggedAndForgotten) {
+    const CleanLogger clean(0);
+    EXPECT_EQ(Plain('i', TEXT("text")), Lead() + TEXT("text"));
+    Plain('X', TEXT("lost"));
+    EXPECT_EQ(clean.Logger().GetLastError(), UnicodeString());
+    clean.Logger().Init();
+    Plain('X', TEXT("kept"));
+    Plain('*', TEXT("warning"));
+    EXPECT_EQ(clean.Logger().GetLastError(), UnicodeString(TEXT("kept")));
+}
+
+TEST(Logger, ALineShowsAtMostAHundredBytesOfABlock) {
+    const UnicodeString text = Lead() + TEXT("text");
+    EXPECT_EQ(Line(TEXT("label"), {1, 2}, 0), text);
+    EXPECT_EQ(Line(TEXT("label"), {1, 2}, -2), text);
+    EXPECT_EQ(Line(TEXT("label"), {}, 5), text + TEXT(" (+label 0bytes )"));
+    EXPECT_EQ(Line(TEXT("label"), {1, 0xAB}, 2), text + TEXT(" (+label 2bytes 01AB)"));
+    const std::vector<BYTE> zeros(150);
+    const UnicodeString hundred = Mox::GetHexEncoded(zeros.data(), 100);
+    EXPECT_EQ(hundred.Length(), 212);
+    EXPECT_EQ(Line(UnicodeString(), zeros, 150),
+              text + TEXT(" (+ 150bytes ") + hundred + TEXT(" ...)"));
+}
+
+TEST(Logger, HexDigitsComeInGroupsOfEightBytes) {
+    const BYTE bytes[] = {0, 1, 2, 3, 4, 5, 6, 7, 0xF8};
+    EXPECT_EQ(Mox::GetHexEncoded(bytes, 8), UnicodeString(TEXT("0001020304050607")));
+    EXPECT_EQ(Mox::GetHexEncoded(bytes, 9), UnicodeString(TEXT("0001020304050607 F8")));
+    EXPECT_TRUE(Mox::GetHexEncoded(nullptr, 9).IsEmpty());
+    EXPECT_TRUE(Mox::GetHexEncoded(bytes, -1).IsEmpty());
+}
+
+TEST(Logger, ModuleNamesComeFromPaths) {
+    EXPECT_EQ(Mox::BuildNamespace(TEXT("C:\\rtl\\mox_log.cpp")), UnicodeString(TEXT("mox_log")));
+    EXPECT_EQ(Mox::BuildNamespace(TEXT("a.b.cpp")), UnicodeString(TEXT("a.b")));
+    EXPECT_EQ(Mox::BuildNamespace(TEXT("name")), UnicodeString(TEXT("name")));
+}
+
+TEST(Logger, SystemTextsKeepTheirLineBreak) {
+    const UnicodeString text = Mox::GetSysError(ERROR_ACCESS_DENIED, false);
+    EXPECT_GT(text.Pos(TEXT("\r\n")), 1);
+    EXPECT_EQ(Mox::GetSysError(ERROR_ACCESS_DENIED, true), UnicodeString(TEXT("[5]")) + text);
+    EXPECT_EQ(Mox::GetSysError(0x20001234, true), UnicodeString(TEXT("[536875572]")));
+}
+
+struct Seen {
+    TLogMsg copy;
+    TLogMsg* kept = nullptr;
+    bool keep = false;
+};
+
+void Record(void* context, TLogMsg* message, Mox::TLogRecorder*, bool* owned) {
+    auto& seen = *static_cast<Seen*>(context);
+    seen.copy = *message;
+    if (!seen.keep) return;
+    seen.kept = message;
+    *owned = false;
+}
+
+TEST(Logger, TheRecordCallbackGetsTheWholeMessageAndMayKeepIt) {
+    const CleanLogger clean;
+    Seen seen;
+    seen.keep = true;
+    clean.Logger().recordContext = &seen;
+    clean.Logger().recordProc = Record;
+    BYTE block[] = {1, 2, 3};
+    EXPECT_EQ(clean.Logger().Log('X', TEXT("here"), 7, TEXT("%s"), TEXT("label"), block, 3),
+              UnicodeString(TEXT("%s")));
+    ASSERT_NE(seen.kept, nullptr);
+    EXPECT_EQ(seen.kept->data, block);
+    EXPECT_EQ(seen.kept->dataSize, -3);
+    seen.kept->ImportBinData();
+    block[0] = 9;
+    EXPECT_NE(seen.kept->data, block);
+    EXPECT_EQ(std::memcmp(seen.kept->data, "\1\2\3", 3), 0);
+    EXPECT_EQ(seen.kept->ThreadId(), GetCurrentThreadId());
+    EXPECT_EQ(seen.kept->ProcessId(), GetCurrentProcessId());
+    EXPECT_EQ(seen.kept->level, 'X');
+    EXPECT_EQ(seen.kept->dataLabel, UnicodeString(TEXT("label")));
+    seen.kept->Free();
+    EXPECT_EQ(clean.Logger().GetLastError(), UnicodeString(TEXT("%s")));
+}
+
+TEST(Logger, ANegativeBlockSizeIsNoBlock) {
+    const CleanLogger clean;
+    Seen seen;
+    clean.Logger().recordContext = &seen;
+    clean.Logger().recordProc = Record;
+    BYTE block[] = {1};
+    clean.Logger().Log('i', TEXT("here"), 7, TEXT("text"), UnicodeString(), block, -1);
+    EXPECT_EQ(seen.copy.dataSize, 0);
+}
+
+TEST(Logger, TheFormatCallbackMakesTheText) {
+    const CleanLogger clean;
+    clean.Logger().formatProc = [](void*, UnicodeString* text, TLogMsg* message, Mox::TLogRecorder*,
+                                   bool*) { *text = message->text + message->source; };
+    EXPECT_EQ(Plain('i', TEXT("text@")), UnicodeString(TEXT("text@here")));
+}
+
+TEST(Logger, ThreadsLogErrorsWhileOthersReadThem) {
+    const CleanLogger clean;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([t] {
+            for (int i = 0; i < 200; ++i) {
+                if (t < 3) {
+                    Plain('X', TEXT("an error"));
+                } else {
+                    const UnicodeString text = CleanLogger::Logger().GetLastError();
+                    EXPECT_TRUE(text.Length() == 0 || text == TEXT("an error"));
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(clean.Logger().GetLastError(), UnicodeString(TEXT("an error")));
+}
+
+TEST(Logger, ThreadsConnectAndLogAtOnce) {
+    const CleanLogger clean(0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            for (int i = 0; i < 50; ++i) {
+                CleanLogger::Logger().Init();
+                CleanLogger::Logger().Lock();
+                CleanLogger::Logger().Unlock();
+                Plain('X', TEXT("an error"));
+                CleanLogger::Logger().Release();
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(clean.Logger().refCount, 0);
+    EXPECT_EQ(clean.Logger().lastError, nullptr);
+}
+
+TEST(LogMessage, RingsKeepTheirOrder) {
+    TLogMsg* list = nullptr;
+    EXPECT_EQ(Mox::Front(list), nullptr);
+    EXPECT_EQ(Mox::PopFrontLogMsg(list), nullptr);
+    TLogMsg* messages[3];
+    for (TLogMsg*& message : messages) message = TLogMsg::Alloc();
+    Mox::PushFrontLogMsg(list, messages[1]);
+    Mox::PushBackLogMsg(list, messages[2]);
+    Mox::PushFrontLogMsg(list, messages[0]);
+    EXPECT_EQ(list, messages[2]);
+    EXPECT_EQ(Mox::Front(list), messages[0]);
+    TLogMsg* first = Mox::PopFrontLogMsg(list);
+    EXPECT_EQ(first, messages[0]);
+    EXPECT_EQ(first->next, first);
+    first->Free();
+    EXPECT_EQ(Mox::Front(list), messages[1]);
+    Mox::FreeAllLogMsg(list);
+    EXPECT_EQ(list, nullptr);
+}
+
+TEST(SharedMemory, ASecondMappingSeesTheSameBytes) {
+    const UnicodeString name = Sysutils::UnicodePrintf(TEXT("QvTest%u"), GetCurrentProcessId());
+    void *one = nullptr, *two = nullptr;
+    DWORD code = 77;
+    auto* first = static_cast<char*>(Mox::AllocSharedMemory(name, 100, one, &code, Mox::sdProcess));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(code, 0u);
+    first[99] = 'q';
+    UnicodeString whole_name;
+    whole_name.printf(TEXT("%08X%s"), GetCurrentProcessId(), name);
+    auto* second =
+        static_cast<char*>(Mox::AllocSharedMemory(whole_name, 100, two, &code, Mox::sdShared));
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(code, DWORD{ERROR_ALREADY_EXISTS});
+    EXPECT_EQ(second[99], 'q');
+    Mox::FreeSharedMemory(one, first);
+    Mox::FreeSharedMemory(two, second);
+    EXPECT_EQ(Mox::AllocSharedMemory(name, -1, one, &code, Mox::sdShared), nullptr);
+    EXPECT_EQ(code, DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(one, nullptr);
+}
+
+}  // namespace
