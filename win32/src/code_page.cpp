@@ -109,10 +109,6 @@ std::unique_ptr<NarrowPage> OpenNarrowPage(UINT code_page) {
     return page;
 }
 
-UINT AnsiCodePage() {
-    return 1252;
-}
-
 Conversion NarrowToWide(NarrowPage& page, std::string_view text, WCHAR* buffer, std::size_t size,
                         bool strict) {
     std::size_t length = 0;
