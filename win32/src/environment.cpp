@@ -72,9 +72,8 @@ WideString Expand(WideView text) {
         const std::size_t close = text.empty() ? WideView::npos : text.find(u'%', 1);
         if (close == WideView::npos) return result += text;
         const auto value = close > 1 ? Variable(text.substr(1, close - 1)) : std::nullopt;
-        // An unknown name stays; its second '%' may open the next name.
-        result += value ? *value : WideString(text.substr(0, close));
-        text.remove_prefix(value ? close + 1 : close);
+        result += value ? *value : WideString(text.substr(0, close + 1));
+        text.remove_prefix(close + 1);
     }
     return result;
 }

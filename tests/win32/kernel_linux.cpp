@@ -1,0 +1,63 @@
+// What only the Linux host states: message texts, debugger output, exponents, unknown conversions.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdarg>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "support/fresh_host_root.h"
+
+namespace {
+
+std::string SystemText(DWORD code) {
+    WCHAR text[200] = {};
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM, nullptr, code, 0x400, text, 200, nullptr);
+    return {text, text + length};
+}
+
+std::basic_string<WCHAR> Text(const WCHAR* format, ...) {
+    WCHAR buffer[100] = {};
+    std::va_list arguments;
+    va_start(arguments, format);
+    _vsnwprintf(buffer, 100, format, arguments);
+    va_end(arguments);
+    return buffer;
+}
+
+}  // namespace
+
+TEST(KernelOfThisHost, MessageTexts) {
+    EXPECT_EQ(SystemText(0), "The operation completed successfully.\r\n");
+    EXPECT_EQ(SystemText(ERROR_ACCESS_DENIED), "Access is denied.\r\n");
+    EXPECT_EQ(SystemText(ERROR_INVALID_PRINTER_NAME), "The printer name is invalid.\r\n");
+    // A text with inserts is not given without the flag that keeps them.
+    EXPECT_EQ(SystemText(317), "");
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
+}
+
+TEST(KernelOfThisHost, DebuggerOutputGoesToTheNamedFile) {
+    const test::FreshHostRoot root;
+    const std::string file = root.Folder() + "/debug";
+    setenv("QV_HOST_DEBUG_OUTPUT", file.c_str(), 1);
+    OutputDebugStringW(TEXT("one \u00e9"));
+    OutputDebugStringW(TEXT("two\r\n"));
+    unsetenv("QV_HOST_DEBUG_OUTPUT");
+    OutputDebugStringW(TEXT("nowhere"));
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    EXPECT_EQ(text.str(), "one \xC3\xA9\ntwo\r\n");
+}
+
+TEST(KernelOfThisHost, RealNumbersWithExponents) {
+    EXPECT_EQ(Text(TEXT("%e %G %a %010f"), 1234.5, 1e-10, 1.0, 1e308 * 10),
+              TEXT("1.234500e+03 1E-10 0x1.0000000000000p+0        inf"));
+}
+
+TEST(KernelOfThisHost, UnknownConversionsReadNothing) {
+    EXPECT_EQ(Text(TEXT("%y%d%n|%"), 7), TEXT("y7n|"));
+    EXPECT_EQ(Text(TEXT("%hs"), "\x80"), TEXT("\u20ac"));
+}
