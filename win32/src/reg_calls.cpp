@@ -1,7 +1,7 @@
 #include "reg_calls.h"
 
+#include <memory>
 #include <new>
-#include <optional>
 
 namespace host {
 
@@ -13,7 +13,9 @@ constexpr REGSAM kMaximumAllowed = 0x02000000;
 class Target {
   public:
     explicit Target(HKEY handle) : root_(FindHive(handle)) {
-        if (root_ == nullptr) pin_.emplace(reinterpret_cast<HANDLE>(handle));
+        if (root_ == nullptr) {
+            pin_ = std::make_unique<HandlePin<OpenKey>>(reinterpret_cast<HANDLE>(handle));
+        }
     }
     explicit operator bool() const { return root_ != nullptr || *pin_; }
     RegHive& Hive() const { return root_ != nullptr ? *root_ : (*pin_)->Hive(); }
@@ -30,7 +32,7 @@ class Target {
 
   private:
     RegHive* const root_;
-    std::optional<HandlePin<OpenKey>> pin_;
+    std::unique_ptr<HandlePin<OpenKey>> pin_;
 };
 
 // The lock is given up before the pin, whose end may destroy the handle's object.
