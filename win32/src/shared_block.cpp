@@ -50,8 +50,12 @@ DWORD TryOpen(const std::string& name, std::uint64_t size, UniqueFd& fd, bool& e
     if (info.st_uid != geteuid()) return ERROR_ACCESS_DENIED;
     if (info.st_nlink == 0) return ERROR_BUSY;
     if (existed) return NO_ERROR;
-    if (ftruncate(fd.get(), 0) != 0 ||
-        posix_fallocate(fd.get(), 0, static_cast<off_t>(size)) != 0) {
+    if (info.st_size != 0) {
+        // Left behind by a process that was killed; views of it may live on elsewhere.
+        shm_unlink(name.c_str());
+        return ERROR_BUSY;
+    }
+    if (posix_fallocate(fd.get(), 0, static_cast<off_t>(size)) != 0) {
         shm_unlink(name.c_str());
         return ERROR_NOT_ENOUGH_MEMORY;
     }
@@ -70,6 +74,7 @@ DWORD OpenSharedBlock(const std::string& name, std::uint64_t size, UniqueFd& fd,
     for (int i = 0; i < kAttempts; ++i) {
         const DWORD error = TryOpen(name, size, fd, existed);
         if (error != ERROR_BUSY) return error;
+        fd = UniqueFd();
         nanosleep(&kPause, nullptr);
     }
     return ERROR_BUSY;
