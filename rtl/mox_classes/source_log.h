@@ -5,8 +5,10 @@
 
 namespace mox_classes {
 
+inline constexpr const WCHAR* kModule = TEXT("mox_classes");
+
 inline UnicodeString Log(int level, const UnicodeString& text, int line = __builtin_LINE()) {
-    return Mox::LogFrom(TEXT("mox_classes"), level, text, line);
+    return Mox::LogFrom(kModule, level, text, line);
 }
 
 }  // namespace mox_classes

@@ -1,0 +1,133 @@
+#include "mox_classes/string_list.h"
+
+#include <climits>
+#include <new>
+#include <utility>
+
+#include "mox_classes/memory.h"
+#include "mox_classes/source_log.h"
+
+namespace Classes {
+
+namespace {
+
+constexpr int kLineOfRangeError = 483;
+constexpr int kSmallStep = 8;
+constexpr int kLargeStep = 16;
+constexpr int kSmallCapacity = 32;
+
+[[noreturn]] void ThrowInvalidIndex(int index, int line) {
+    UnicodeString message;
+    message.printf(TEXT("Invalid range of index %d"), index);
+    throw mox_classes::Log('X', message, line);
+}
+
+}  // namespace
+
+TStringList::TStringList(const TStringList& other) : TStrings(other) {
+    try {
+        SetCapacity(other.FCapacity);
+        for (int i = 0; i < other.FCount; ++i) {
+            new (&FItems[i]) TItem(other.FItems[i]);
+            ++FCount;
+        }
+    } catch (...) {
+        ReleaseItems(0);
+        System::FreeMemory(FItems);
+        throw;
+    }
+}
+
+TStringList& TStringList::operator=(const TStringList& other) {
+    if (this == &other) return *this;
+    TStringList copy(other);
+    TStrings::operator=(other);
+    std::swap(FItems, copy.FItems);
+    std::swap(FCapacity, copy.FCapacity);
+    std::swap(FCount, copy.FCount);
+    return *this;
+}
+
+TStringList::~TStringList() {
+    ReleaseItems(0);
+    System::FreeMemory(FItems);
+}
+
+void TStringList::ReleaseItems(int first) {
+    while (FCount > first) FItems[--FCount].~TItem();
+}
+
+void TStringList::Clear() {
+    SetCapacity(0);
+}
+
+void TStringList::SetCapacity(int capacity) {
+    if (capacity == FCapacity) return;
+    if (capacity < 0) throw UnicodeString(TEXT("Out of range"));
+    constexpr int kMostItems = INT_MAX / static_cast<int>(sizeof(TItem));
+    if (capacity > kMostItems) throw std::bad_alloc();
+    ReleaseItems(capacity < FCount ? capacity : FCount);
+    if (capacity == 0) {
+        System::FreeMemory(FItems);
+        FItems = nullptr;
+    } else {
+        // The heap may move the block: an item is a bare pointer and a count-free share of it.
+        const int bytes = capacity * static_cast<int>(sizeof(TItem));
+        void* block = FItems == nullptr ? System::GetMemory(bytes)
+                                        : System::ReallocMemory(static_cast<void*>(FItems), bytes);
+        if (block == nullptr) throw std::bad_alloc();
+        FItems = static_cast<TItem*>(block);
+    }
+    FCapacity = capacity;
+}
+
+void TStringList::Grow() {
+    SetCapacity(FCapacity + (FCapacity < kSmallCapacity ? kSmallStep : kLargeStep));
+}
+
+void TStringList::Insert(int index, UnicodeString s) {
+    InsertObject(index, std::move(s), nullptr);
+}
+
+void TStringList::InsertObject(int index, UnicodeString s, TObject* object) {
+    if (index < 0 || index > FCount) ThrowInvalidIndex(index, kLineOfRangeError);
+    InsertItem(index, std::move(s), object);
+}
+
+void TStringList::InsertItem(int index, UnicodeString s, TObject* object) {
+    if (FCount == FCapacity) Grow();
+    System::Move(FItems + index, FItems + index + 1,
+                 (FCount - index) * static_cast<int>(sizeof(TItem)));
+    new (&FItems[index]) TItem{std::move(s), object};
+    ++FCount;
+}
+
+void TStringList::Delete(int index) {
+    ItemAt(index).~TItem();
+    --FCount;
+    System::Move(FItems + index + 1, FItems + index,
+                 (FCount - index) * static_cast<int>(sizeof(TItem)));
+}
+
+TStringList::TItem& TStringList::ItemAt(int index, int line) {
+    if (index < 0 || index >= FCount) ThrowInvalidIndex(index, line);
+    return FItems[index];
+}
+
+UnicodeString TStringList::Get(int index) {
+    return ItemAt(index).Text;
+}
+
+void TStringList::Put(int index, UnicodeString s) {
+    ItemAt(index).Text = std::move(s);
+}
+
+TObject* TStringList::Get_Object(int index) {
+    return ItemAt(index).Object;
+}
+
+void TStringList::PutObject(int index, TObject* object) {
+    ItemAt(index).Object = object;
+}
+
+}  // namespace Classes
