@@ -1,0 +1,52 @@
+// The table that drives the settings: one row per field of the block in layout order, and the
+// wrapper's string members.
+#pragma once
+
+#include <windows.h>
+
+#include <span>
+
+#include "driver_devmode/value_tables.h"
+#include "mox_classes/unicode_string.h"
+
+namespace driver_devmode {
+
+enum class FieldKind : unsigned char {
+    Bool8,
+    Int8,
+    UInt8,
+    Int16,
+    UInt16,
+    UInt32,
+    AnsiText,
+    WideText,
+    String,
+    Gap
+};
+
+// One row. `Size` is bytes per element, `Count` elements (characters for texts, bytes for gaps),
+// `Offset` bytes from the start of the block, or the place of the member among the wrapper's
+// strings.
+struct TFieldInfo {
+    const WCHAR* Name;
+    FieldKind Kind;
+    bool Listed;
+    int Size;
+    int Count;
+    ValueTable Values;
+    int Offset;
+
+    constexpr bool IsText() const { return Kind >= FieldKind::AnsiText && Kind != FieldKind::Gap; }
+    constexpr int End() const { return Offset + Size * Count; }
+};
+
+// The rows of the block; offsets follow from the rows before. The public part is the rows with
+// offsets below 220.
+std::span<const TFieldInfo> DevModeFields();
+// The wrapper's strings: DeviceName, FormName, exOut.Directory, exOut.FileName, exRun.Target.
+std::span<const TFieldInfo> WrapperFields();
+
+// The row of that exact name, or null; gaps have no name.
+const TFieldInfo* FindField(std::span<const TFieldInfo> rows, const UnicodeString& name);
+
+}  // namespace driver_devmode

@@ -1,0 +1,27 @@
+// The text form of one field: reading it, and setting it from text.
+#pragma once
+
+#include "driver_devmode/field_table.h"
+#include "mox_classes/unicode_string.h"
+
+namespace driver_devmode {
+
+// A field in memory: its row and its bytes (a UnicodeString for the kind String). Rows without
+// memory are unknown names.
+struct TField {
+    const TFieldInfo* row = nullptr;
+    void* data = nullptr;
+
+    explicit operator bool() const { return row != nullptr; }
+};
+
+// The elements joined by ",": "True"/"False", symbolic names without prefix, decimal numbers
+// (32-bit ones signed), or the whole text. Gaps read as the empty string.
+UnicodeString ReadField(const TField& field);
+
+// Sets the elements that `text` supplies; element-wise all or nothing. True when every one could be
+// set, and then `previous` is what the field was; else `previous` is left alone. Texts are cut to
+// the field and always succeed.
+bool SetField(const TField& field, const UnicodeString& text, UnicodeString& previous);
+
+}  // namespace driver_devmode

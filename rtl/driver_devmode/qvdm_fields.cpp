@@ -1,0 +1,146 @@
+// TQVDM's fields by name: the XML and the text forms.
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include "driver_devmode/field_text.h"
+#include "driver_devmode/qvdm.h"
+#include "mox_classes/template_string.h"
+
+using namespace driver_devmode;
+using Classes::TStringList;
+using System::kCodePageUtf8;
+
+namespace {
+
+constexpr UnicodeString TQVDM::*kWrapperMembers[] = {
+    &TQVDM::DeviceName, &TQVDM::FormName, &TQVDM::Directory, &TQVDM::FileName, &TQVDM::Target};
+
+TField BlockField(const TFieldInfo& row, QV_DEVMODE* block) {
+    return {&row, reinterpret_cast<std::uint8_t*>(static_cast<DEVMODEW*>(block)) + row.Offset};
+}
+
+TField WrapperField(const TFieldInfo& row, TQVDM& wrapper) {
+    const auto index = static_cast<std::size_t>(&row - WrapperFields().data());
+    return {&row, &(wrapper.*kWrapperMembers[index])};
+}
+
+TField FindNamedField(TQVDM& wrapper, const UnicodeString& name) {
+    if (const TFieldInfo* row = FindField(DevModeFields(), name); row != nullptr) {
+        return wrapper.GetDM() == nullptr ? TField{} : BlockField(*row, wrapper.GetDM());
+    }
+    if (const TFieldInfo* row = FindField(WrapperFields(), name); row != nullptr)
+        return WrapperField(*row, wrapper);
+    return {};
+}
+
+// Calls visit(field) for the block's rows from row `first` on, then for the wrapper's.
+template <class Visit>
+void ForEachField(TQVDM& wrapper, int first, Visit visit) {
+    const auto rows = DevModeFields();
+    for (std::size_t i = first < 0 ? 0 : static_cast<std::size_t>(first); i < rows.size(); ++i) {
+        if (rows[i].Kind != FieldKind::Gap && wrapper.GetDM() != nullptr)
+            visit(BlockField(rows[i], wrapper.GetDM()));
+    }
+    for (const TFieldInfo& row : WrapperFields()) visit(WrapperField(row, wrapper));
+}
+
+void AddGroupedChild(TXmlNode* node, const UnicodeString& name, const UnicodeString& text) {
+    const int dot = name.Pos(TEXT("."));
+    if (dot > 0) {
+        const UnicodeString group = name.SubString(1, dot - 1);
+        TXmlNode* found = node->FindChild(group, kCodePageUtf8);
+        node = found != nullptr ? found : node->AddChild(group);
+    }
+    node->SetChild(name.SubString(dot + 1, name.Length()), text, kCodePageUtf8);
+}
+
+}  // namespace
+
+bool TQVDM::ToXmlNode(TXmlNode* node) {
+    ForEachField(*this, 0, [node](const TField& field) {
+        if (field.row->Listed) AddGroupedChild(node, field.row->Name, ReadField(field));
+    });
+    return true;
+}
+
+bool TQVDM::FromXmlNode(TXmlNode* node, TXmlNode* result) {
+    InternalFromXmlNode(UnicodeString(), node, result);
+    Encode();
+    return true;
+}
+
+bool TQVDM::InternalFromXmlNode(UnicodeString prefix, TXmlNode* node, TXmlNode* result) {
+    // One level of nesting: elements come from a caller and may be nested arbitrarily deep, hence
+    // no recursion.
+    struct Level {
+        TXmlNode* node;
+        TXmlNode* result;
+        UnicodeString prefix;
+        int next = 0;
+    };
+    std::vector<Level> levels;
+    levels.push_back({node, result, std::move(prefix)});
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        TXmlNode* child = level.node->GetChild(level.next++);
+        if (child == nullptr) {
+            levels.pop_back();
+            continue;
+        }
+        TXmlNode* const out = level.result;
+        if (child->ChildCount() > 0) {
+            TXmlNode* group = out == nullptr
+                                  ? nullptr
+                                  : out->SetChild(child->FName, UnicodeString(), kCodePageUtf8);
+            levels.push_back({child, group, child->FName});
+            continue;
+        }
+        const bool prefixed = level.prefix.Length() > 0;
+        const TField field = FindNamedField(
+            *this, prefixed ? level.prefix + TEXT(".") + child->FName : child->FName);
+        UnicodeString previous;
+        if (field && SetField(field, child->FValue, previous) && out != nullptr) {
+            out->SetChild(child->FName, previous, kCodePageUtf8);
+        }
+    }
+    return true;
+}
+
+UnicodeString TQVDM::ToString(const UnicodeString& separator, int first) {
+    TStringList items;
+    ForEachField(*this, first, [&items](const TField& field) {
+        items.Add(field.row->Name);
+        items.Add(ReadField(field));
+    });
+    return BuildNameValueString(&items, separator, TEXT("="));
+}
+
+UnicodeString TQVDM::FromStrings(TStrings* items, int first, const UnicodeString& separator) {
+    TStringList changed;
+    for (int i = first < 0 ? 0 : first; i < items->GetCount() - 1;) {
+        const UnicodeString name = items->Get(i);
+        const TField field = FindNamedField(*this, name);
+        if (!field) {
+            ++i;
+            continue;
+        }
+        UnicodeString previous;
+        if (SetField(field, items->Get(i + 1), previous)) {
+            changed.Add(name);
+            changed.Add(previous);
+        }
+        i += 2;
+    }
+    Encode();
+    return BuildNameValueString(&changed, separator, TEXT("="));
+}
+
+UnicodeString TQVDM::FromString(const UnicodeString& text, int first,
+                                const UnicodeString& separator) {
+    TStringList items;
+    items.SetDelimiter('=');
+    items.SetQuoteChar('"');
+    items.SetDelimitedText(text);
+    return FromStrings(&items, first, separator);
+}
