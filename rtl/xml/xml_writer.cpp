@@ -1,0 +1,161 @@
+#include "xml/xml_writer.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "xml/xml_doc.h"
+#include "xml/xml_sink.h"
+
+void TXmlFormatter::Set(const UnicodeString& unit, const UnicodeString& line_break, int level) {
+    if (unit != FIndentUnit) {
+        FIndentCache = UnicodeString();
+        FIndentUnit = unit;
+    }
+    if (line_break != FLineBreak) FLineBreak = line_break;
+    if (level >= -1) FLevel = level;
+}
+
+UnicodeString TXmlFormatter::Indent() {
+    if (FIndentUnit.IsEmpty() || FLevel == -1) return UnicodeString();
+    const long long unit = FIndentUnit.Length();
+    const long long length = unit * FLevel;
+    if (FIndentCache.Length() == length) return FIndentCache;
+    FIndentCache = UnicodeString();
+    if (length > 0) {
+        FIndentCache.SetLength(length);
+        WCHAR* text = FIndentCache.data();
+        for (int i = 0; i < FLevel; ++i) text = std::copy_n(FIndentUnit.t_str(), unit, text);
+    }
+    return FIndentCache;
+}
+
+int TXmlFormatter::IncLevel(int delta) {
+    const long long level = static_cast<long long>(FLevel) + delta;
+    if (level >= -1 && level <= std::numeric_limits<int>::max()) FLevel = static_cast<int>(level);
+    return FLevel;
+}
+
+namespace {
+
+// An element whose start tag is written and whose end tag is still to come.
+struct TOpenElement {
+    const TXmlNode* node;
+    int next_child;
+    bool block;  // the end tag stands on a line of its own
+};
+
+// Writes the start tag with what belongs to its line; whether an end tag must follow.
+bool WriteStart(TXmlSink& sink, TXmlFormatter& format, TOpenElement& element) {
+    const TXmlNode& node = *element.node;
+    const bool instruction = format.GetLevel() == -1;
+    sink.Put(format.Indent());
+    sink.Put(instruction ? TEXT("<?") : TEXT("<"));
+    sink.Put(node.FName);
+    for (int i = 0; i < node.AttributeCount(); ++i) {
+        const TXmlPair* attribute = node.GetAttribute(i);
+        sink.Put(TEXT(" "));
+        sink.Put(attribute->FName);
+        sink.Put(TEXT("=\""));
+        sink.PutEscaped(attribute->FValue);
+        sink.Put(TEXT("\""));
+    }
+    const bool empty = node.ChildCount() == 0 && node.FValue.IsEmpty();
+    if (instruction || empty) {
+        sink.Put(instruction ? TEXT("?>") : TEXT("/>"));
+        sink.Put(format.LineBreak());
+        return false;
+    }
+    sink.Put(TEXT(">"));
+    const int lines = node.FValue.IsEmpty() ? 1 : sink.PutEscaped(node.FValue);
+    element.block = lines > 1 || node.ChildCount() > 0;
+    if (element.block) sink.Put(format.LineBreak());
+    return true;
+}
+
+void WriteEnd(TXmlSink& sink, TXmlFormatter& format, const TOpenElement& element) {
+    if (element.block) sink.Put(format.Indent());
+    sink.Put(TEXT("</"));
+    sink.Put(element.node->FName);
+    sink.Put(TEXT(">"));
+    sink.Put(format.LineBreak());
+    if (!element.node->FTail.IsEmpty()) sink.PutEscaped(element.node->FTail);
+}
+
+const WCHAR* EncodingName(TCodePage code_page) {
+    switch (code_page) {
+        case System::kCodePageAnsi:
+        case System::kCodePageUtf8:
+            return TEXT("UTF-8");
+        case System::kCodePageUtf16:
+            return TEXT("UTF-16");
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace
+
+int TXmlNode::SaveTo(Classes::TStream* stream, UnicodeString* out, TXmlFormatter& format,
+                     TCodePage code_page) const {
+    TXmlSink sink(stream, out, code_page);
+    std::vector<TOpenElement> open;
+    TOpenElement element{this, 0, false};
+    // The last element of `open` is the parent of the one that is written next.
+    while (true) {
+        if (WriteStart(sink, format, element)) {
+            open.push_back(element);
+            format.IncLevel(1);
+        }
+        sink.Checkpoint();
+        while (!open.empty() && open.back().next_child == open.back().node->ChildCount()) {
+            format.IncLevel(-1);
+            WriteEnd(sink, format, open.back());
+            open.pop_back();
+        }
+        if (open.empty()) return sink.Finish();
+        TOpenElement& parent = open.back();
+        element = {parent.node->GetChild(parent.next_child++), 0, false};
+    }
+}
+
+UnicodeString TXmlNode::SaveToString(TXmlFormatter& format) const {
+    UnicodeString text;
+    SaveTo(nullptr, &text, format, System::kCodePageUtf8);
+    return text;
+}
+
+int TXmlNode::SaveToStream(Classes::TStream* stream, TXmlFormatter& format,
+                           TCodePage code_page) const {
+    return SaveTo(stream, nullptr, format, code_page);
+}
+
+int TXmlDoc::SaveTo(Classes::TStream* stream, UnicodeString* out) {
+    if (FProlog->ChildCount() == 0) FProlog->AddChild(TEXT("xml"));
+    TXmlNode* declaration = FProlog->GetChild(0);
+    if (!XmlNamesEqual(declaration->FName, TEXT("xml"))) return 0;
+    declaration->SetAttribute(TEXT("version"), TEXT("1.0"), System::kCodePageUtf8);
+    const WCHAR* encoding = EncodingName(CodePage);
+    if (encoding == nullptr) return 0;
+    declaration->SetAttribute(TEXT("encoding"), encoding, System::kCodePageUtf8);
+
+    TXmlFormatter format(Indentation, LineBreak, -1);
+    long long written = 0;
+    for (int i = 0; i < FProlog->ChildCount(); ++i) {
+        written += FProlog->GetChild(i)->SaveTo(stream, out, format, CodePage);
+    }
+    format.IncLevel(1);
+    written += FRoot->SaveTo(stream, out, format, CodePage);
+    if (stream == nullptr) return out->Length();
+    return static_cast<int>(std::min<long long>(written, std::numeric_limits<int>::max()));
+}
+
+UnicodeString TXmlDoc::SaveToString() {
+    UnicodeString text;
+    SaveTo(nullptr, &text);
+    return text;
+}
+
+void TXmlDoc::SaveToStream(Classes::TStream* stream) {
+    SaveTo(stream, nullptr);
+}

@@ -1,0 +1,149 @@
+// The writer: layout, escaping, encodings, and what it refuses to write.
+#include "xml/xml_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "mox_classes/memory_stream.h"
+#include "xml/xml_test.h"
+
+using namespace std::string_literals;
+using test::Parse;
+using test::Utf8;
+
+namespace {
+
+constexpr TCodePage kUtf8 = System::kCodePageUtf8;
+
+std::string Bytes(const Classes::TMemoryStream& stream, int size) {
+    return std::string(static_cast<const char*>(stream.GetMemory()),
+                       static_cast<std::size_t>(size));
+}
+
+std::string Saved(TXmlNode& node, const WCHAR* unit = TEXT(""), const WCHAR* line = TEXT("")) {
+    TXmlFormatter format(unit, line, 0);
+    return Utf8(node.SaveToString(format));
+}
+
+TEST(XmlWriter, ABlockIsIndentedAndASingleLineStaysOne) {
+    TXmlNode root;
+    root.FName = TEXT("r");
+    root.AddAttribute(TEXT("a"), TEXT("1"));
+    root.SetChild(TEXT("c"), TEXT("x"), kUtf8);
+    root.AddChild(TEXT("e"));
+    EXPECT_EQ(Saved(root, TEXT("  "), TEXT("\r\n")),
+              "<r a=\"1\">\r\n  <c>x</c>\r\n  <e/>\r\n</r>\r\n");
+    EXPECT_EQ(Saved(root), "<r a=\"1\"><c>x</c><e/></r>");
+    root.GetChild(0)->FTail = TEXT(" tail ");
+    root.GetChild(0)->FValue = TEXT("one\ntwo");
+    EXPECT_EQ(Saved(root, TEXT("\t"), TEXT("\n")),
+              "<r a=\"1\">\n\t<c>one\ntwo\n\t</c>\ntail\t<e/>\n</r>\n");
+}
+
+TEST(XmlWriter, TextsAreTrimmedAndEscaped) {
+    TXmlNode node;
+    node.FName = TEXT("t");
+    node.FValue = TEXT(" \t1 < 2 & \"'>\r\nnext\t\x1\xE9 \r\n");
+    node.AddAttribute(TEXT("a"), TEXT("\r\n<a\r\nb>\x2 "));
+    EXPECT_EQ(Saved(node),
+              "<t a=\"&lt;a\nb&gt;\">1 &lt; 2 &amp; &quot;&apos;&gt;\nnext\t\x01\xC3\xA9</t>");
+    node.Clear();
+    node.FValue = TEXT("   ");
+    EXPECT_EQ(Saved(node), "<t></t>");
+    node.FValue = UnicodeString();
+    node.FTail = TEXT("not written");
+    EXPECT_EQ(Saved(node), "<t/>");
+}
+
+TEST(XmlWriter, TheLevelSelectsFormAndIndentation) {
+    TXmlFormatter format(TEXT("ab"), TEXT(""), 2);
+    EXPECT_EQ(Utf8(format.Indent()), "abab");
+    EXPECT_EQ(format.IncLevel(-3), -1);
+    EXPECT_TRUE(format.Indent().IsEmpty());
+    EXPECT_EQ(format.IncLevel(-1), -1);
+    format.Set(TEXT("ab"), TEXT(""), -2);
+    EXPECT_EQ(format.GetLevel(), -1);
+    TXmlNode node;
+    node.FName = TEXT("pi");
+    node.FValue = TEXT("not written");
+    node.AddAttribute(TEXT("x"), TEXT("1"));
+    EXPECT_EQ(Utf8(node.SaveToString(format)), "<?pi x=\"1\"?>");
+    format.SetLevel(2147483647);
+    EXPECT_EQ(format.IncLevel(1), 2147483647);
+    EXPECT_THROW(format.Indent(), UnicodeString);
+}
+
+TEST(XmlWriter, AFreshDocumentIsADeclarationAndItsRoot) {
+    TXmlDoc doc;
+    doc.FRoot->FName = TEXT("r");
+    EXPECT_EQ(Utf8(doc.SaveToString()), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><r/>");
+    doc.LineBreak = TEXT("\n");
+    doc.CodePage = System::kCodePageUtf16;
+    EXPECT_EQ(Utf8(doc.SaveToString()), "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<r/>\n");
+}
+
+TEST(XmlWriter, ADocumentThatCannotBeDeclaredIsNotWritten) {
+    TXmlDoc doc;
+    ASSERT_GT(Parse(doc, "<r/>"), 0);
+    EXPECT_EQ(doc.CodePage, System::kCodePageAscii);
+    EXPECT_TRUE(doc.SaveToString().IsEmpty());
+    doc.CodePage = System::kCodePageAnsi;
+    EXPECT_FALSE(doc.SaveToString().IsEmpty());
+    TXmlDoc other;
+    ASSERT_GT(Parse(other, "\xEF\xBB\xBF<?other?><?xml?><r/>"), 0);
+    EXPECT_TRUE(other.SaveToString().IsEmpty());
+}
+
+TEST(XmlWriter, TheEncodingOfAStreamFollowsTheCodePage) {
+    const UnicodeString text(TEXT("a\xE9\x20AC"));
+    const struct {
+        int code_page;
+        std::string bytes;
+    } rows[] = {{65001, "a\xC3\xA9\xE2\x82\xAC"},
+                {0, "a\xC3\xA9\xE2\x82\xAC"},
+                {1200, "a\0\xE9\0\xAC\x20"s},
+                {1252, ""}};
+    for (const auto& row : rows) {
+        Classes::TMemoryStream stream;
+        const int size =
+            UnicodeStringToStream(&stream, text, static_cast<TCodePage>(row.code_page));
+        EXPECT_EQ(Bytes(stream, size), row.bytes) << row.code_page;
+        EXPECT_EQ(stream.GetSize(), size);
+    }
+}
+
+// Pieces of a long text end anywhere but inside a surrogate pair.
+TEST(XmlWriter, ALongTextIsWrittenWhole) {
+    TXmlDoc doc;
+    doc.FRoot->FName = TEXT("r");
+    UnicodeString pairs = UnicodeString::StringOfChar(TEXT('x'), 200001);
+    for (int i = 2; i < pairs.Length(); i += 2) {
+        pairs[i] = 0xD83D;
+        pairs[i + 1] = 0xDE00;
+    }
+    doc.FRoot->FValue = pairs;
+    doc.FRoot->AddChild(TEXT("c"))->FValue = pairs;
+    Classes::TMemoryStream stream;
+    doc.SaveToStream(&stream);
+    const int size = static_cast<int>(stream.GetSize());
+    EXPECT_EQ(Bytes(stream, size), Utf8(doc.SaveToString()));
+    TXmlDoc again;
+    ASSERT_GT(Parse(again, Bytes(stream, size)), 0);
+    EXPECT_EQ(Utf8(again.FRoot->FValue), Utf8(pairs));
+}
+
+TEST(XmlWriter, AStreamIsReadAsItWasWritten) {
+    TXmlDoc doc;
+    doc.CodePage = System::kCodePageUtf16;
+    doc.FRoot->FName = TEXT("r");
+    doc.FRoot->SetChild(TEXT("c"), TEXT("\x20AC"), kUtf8);
+    Classes::TMemoryStream stream;
+    doc.SaveToStream(&stream);
+    stream.SetPosition(0);
+    TXmlDoc again;
+    again.LoadFromStream(&stream);
+    EXPECT_EQ(again.ParseResult(), stream.GetSize());
+    EXPECT_EQ(Utf8(again.FRoot->ChildGetText(TEXT("c"), kUtf8)), "\xE2\x82\xAC");
+    EXPECT_THROW(TXmlDoc().LoadFromStream(&stream), UnicodeString);
+}
+
+}  // namespace
