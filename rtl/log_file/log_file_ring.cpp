@@ -179,8 +179,8 @@ void TLogFileRing::DropOldest() {
     h.wrap = 0;
     if (h.write_position == kFirstSlot) {
         EmptyRing(h, h.limit);
-    } else if (h.count == 0) {
-        Recover();
+    } else if (h.count == 0 || h.write_position - kFirstSlot <= kLongestSearch) {
+        Recover();  // once per lap: a wrong count ends here
     }
 }
 

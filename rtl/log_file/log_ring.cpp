@@ -17,6 +17,18 @@ std::uint32_t NumberAt(TLogBytes bytes, std::size_t at, unsigned width) {
     return number;
 }
 
+// Slots of the chain that begins at `from`, if it ends at `end`; else 0.
+std::uint32_t CountSlots(TLogBytes region, std::uint32_t start, std::uint32_t from,
+                         std::uint32_t end) {
+    std::uint32_t count = 0;
+    while (from != end) {
+        from = CredibleSlotEnd(from, region.subspan(from - start), end);
+        if (from == 0) return 0;
+        ++count;
+    }
+    return count;
+}
+
 // Positions and count of a ring that is not empty.
 bool IsRingPlausible(const TLogFileHeader& h) {
     if (h.write_position < kFirstSlot || h.write_position > h.limit || h.oldest < kFirstSlot) {
@@ -66,9 +78,9 @@ void EmptyRing(TLogFileHeader& header, std::uint32_t limit) {
 }
 
 TLogChain FindChainToEnd(TLogBytes region, std::uint32_t start) {
-    TLogChain chain;
-    if (region.size() < kSmallestSlot) return chain;
     const auto end = static_cast<std::uint32_t>(start + region.size());
+    TLogChain chain{start, CountSlots(region, start, start, end)};
+    if (chain.count > 0 || region.size() < kSmallestSlot) return chain;
     // Whether the slot at a position leads to the end; from the last position to the first, so that
     // the answer for a slot's end is there before it is asked.
     std::vector<bool> leads(region.size() + 1);
@@ -82,9 +94,7 @@ TLogChain FindChainToEnd(TLogBytes region, std::uint32_t start) {
         first = at;
     }
     chain.first = static_cast<std::uint32_t>(start + first);
-    for (std::uint32_t at = chain.first; at != end; ++chain.count) {
-        at = CredibleSlotEnd(at, region.subspan(at - start), end);
-    }
+    chain.count = CountSlots(region, start, chain.first, end);
     return chain;
 }
 

@@ -1,0 +1,170 @@
+// A log file that somebody damaged: the writer goes on within the limit, the reader shows what is
+// left and says what it left out.
+#include "log_file/log_fixture.h"
+
+using namespace test;
+
+namespace {
+
+constexpr DWORD kLimit = 1000;
+constexpr DWORD kSlot = 4 + 30 + 6 + 2 + 20;  // of a text of 20 characters
+
+using Damage = std::function<void(Mox::TLogFileHeader&, LogImage&)>;
+
+class Damaged : public LogFileTest {
+  protected:
+    // A ring that has wrapped: slots at the front, the oldest behind the write position.
+    void Fill() {
+        Record(kLimit);
+        for (int i = 0; i < 20; ++i) Log(Numbered(i));
+        Close();
+        ASSERT_NE(Header().wrap, 0u);
+        ASSERT_EQ(Read().texts.size(), Header().count);
+    }
+    static std::string Numbered(int i) {
+        const std::string digits = std::to_string(i);
+        return digits + std::string(20 - digits.size(), '.');
+    }
+    void Break(const Damage& damage) {
+        LogImage image = Image();
+        Mox::TLogFileHeader header = Header();
+        damage(header, image);
+        std::memcpy(image.data(), &header, std::min(image.size(), sizeof(header)));
+        Replace(image);
+    }
+};
+
+void SetLink(LogImage& image, DWORD slot, DWORD link) {
+    std::memcpy(image.data() + slot, &link, sizeof(link));
+}
+
+const struct {
+    const char* what;
+    Damage damage;
+} kDamages[] = {
+    {"write position past the limit", [](auto& h, auto&) { h.write_position = 5000; }},
+    {"write position inside the header", [](auto& h, auto&) { h.write_position = 10; }},
+    {"write position inside a slot", [](auto& h, auto&) { h.write_position -= 7; }},
+    {"oldest inside a slot", [](auto& h, auto&) { h.oldest += 5; }},
+    {"oldest past the wrap", [](auto& h, auto&) { h.oldest = 990; }},
+    {"wrap past the limit", [](auto& h, auto&) { h.wrap = 0x7FFFFFFF; }},
+    {"no wrap", [](auto& h, auto&) { h.wrap = 0; }},
+    {"count too high", [](auto& h, auto&) { h.count = 0xFFFFFFFF; }},
+    {"count one too high", [](auto& h, auto&) { h.count = h.count + 1; }},
+    {"count too low", [](auto& h, auto&) { h.count = 1; }},
+    {"count nothing", [](auto& h, auto&) { h.count = 0; }},
+    {"another version", [](auto& h, auto&) { h.version = 2; }},
+    {"limit below the header", [](auto& h, auto&) { h.limit = 50; }},
+    {"links in a circle", [](auto& h, auto& i) { SetLink(i, h.oldest, h.oldest); }},
+    {"link backwards", [](auto& h, auto& i) { SetLink(i, h.oldest, 96); }},
+    {"link far away", [](auto& h, auto& i) { SetLink(i, h.oldest, 0xFFFFFFF0); }},
+    {"slots overwritten", [](auto&, auto& i) { std::fill(i.begin() + 96, i.end(), BYTE{'x'}); }},
+    {"file cut short", [](auto&, auto& i) { i.resize(300); }},
+    {"header cut short", [](auto&, auto& i) { i.resize(40); }},
+    {"header of zeros", [](auto& h, auto&) { h = {}; }},
+};
+
+TEST_F(Damaged, TheWriterGoesOnWithinTheLimit) {
+    for (const auto& row : kDamages) {
+        Replace({});
+        Fill();
+        Break(row.damage);
+        Record(kLimit);
+        for (int i = 100; i < 140; ++i) {
+            Log(Numbered(i));
+            ASSERT_LE(Image().size(), kLimit) << row.what;
+            const Texts texts = Read().texts;
+            ASSERT_FALSE(texts.empty()) << row.what;
+            ASSERT_EQ(texts.back(), Numbered(i)) << row.what;
+        }
+        Close();
+        const ReadBack read = Read();
+        EXPECT_EQ(read.texts.size(), (kLimit - 96) / kSlot) << row.what;
+        EXPECT_TRUE(read.skips.empty()) << row.what << ": " << read.skips.front();
+        EXPECT_EQ(Header().limit, kLimit) << row.what;
+    }
+}
+
+TEST_F(Damaged, TheReaderAlwaysComesToAnEnd) {
+    for (const auto& row : kDamages) {
+        Replace({});
+        Fill();
+        Break(row.damage);
+        const ReadBack read = Read();
+        const bool silent = read.skips.empty() && read.error.empty() && Header().count > 0;
+        EXPECT_FALSE(silent) << row.what;
+        EXPECT_LT(read.texts.size(), 20u) << row.what;
+    }
+}
+
+TEST_F(Damaged, TheReaderGoesOnBehindADamagedSlot) {
+    Record(kLimit);
+    for (int i = 0; i < 5; ++i) Log(Numbered(i));
+    Close();
+    Break([](auto&, auto& image) { image[96 + kSlot + 4] = 0x00; });
+    const ReadBack read = Read();
+    EXPECT_EQ(read.texts, (Texts{Numbered(0), Numbered(2), Numbered(3), Numbered(4)}));
+    EXPECT_EQ(read.skips, (Texts{"no credible record begins here",
+                                 "the header counts 5 records, the ring holds 4"}));
+}
+
+TEST_F(Damaged, AStringThatPassesItsRecordCostsThatRecord) {
+    Record(kLimit);
+    for (int i = 0; i < 3; ++i) Log(Numbered(i));
+    Close();
+    Break([](auto&, auto& image) { image[96 + kSlot + 4 + 30 + 1] = 200; });
+    const ReadBack read = Read();
+    EXPECT_EQ(read.texts, (Texts{Numbered(0), Numbered(2)}));
+    EXPECT_EQ(read.skips, Texts{"a string passes the end of the record"});
+}
+
+// The record was written, the header was not: the oldest offset lies in overwritten bytes.
+TEST_F(Damaged, AWriterKilledBetweenItsWritesLosesOneRecord) {
+    for (int survivors = 0; survivors < 12; ++survivors) {
+        Replace({});
+        Fill();
+        Record(kLimit);
+        for (int i = 0; i < survivors; ++i) Log(Numbered(50 + i));
+        const LogImage before = Image();
+        Log("a text that is longer than the others: it takes two slots");
+        LogImage after = Image();
+        std::copy(before.begin(), before.begin() + 96, after.begin());
+        Close();
+        Replace(after);
+        Record(kLimit);
+        for (int i = 100; i < 103; ++i) Log(Numbered(i));
+        const Texts texts = Read().texts;
+        ASSERT_GT(texts.size(), 8u) << survivors;
+        EXPECT_EQ(Texts(texts.end() - 3, texts.end()),
+                  (Texts{Numbered(100), Numbered(101), Numbered(102)}));
+        for (int i = 103; i < 130; ++i) Log(Numbered(i));
+        Close();
+        const ReadBack read = Read();
+        EXPECT_EQ(read.texts.size(), (kLimit - 96) / kSlot) << survivors;
+        EXPECT_TRUE(read.skips.empty()) << survivors << ": " << read.skips.front();
+    }
+}
+
+TEST_F(Damaged, EveryWrongByteIsSurvived) {
+    Fill();
+    const LogImage honest = Image();
+    for (std::size_t at = 0; at < honest.size(); ++at) {
+        for (const BYTE value : {BYTE{0x00}, BYTE{0xFF}, BYTE{0x64}}) {
+            LogImage image = honest;
+            image[at] = value;
+            Mox::TLogReader reader;
+            const bool ok = reader.Assign(image.data(), image.size());
+            ASSERT_LE(Drain(reader, ok).texts.size(), 20u) << at;
+        }
+    }
+}
+
+TEST_F(Damaged, NoFileAndNoLogAreErrors) {
+    EXPECT_EQ(Read().error.substr(0, 3), "[2]");
+    Replace(LogImage(200, 'x'));
+    EXPECT_EQ(Read().error, "the file is no log, or one of another version");
+    Replace({});
+    EXPECT_TRUE(Read().error.empty());
+}
+
+}  // namespace
