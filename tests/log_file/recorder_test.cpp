@@ -46,7 +46,7 @@ TEST_F(Recorder, TheFirstRecordFollowsTheHeader) {
     EXPECT_EQ(Image().size(), 0u);
     Log("text");
     const Mox::TLogFileHeader header = Header();
-    const DWORD record = 30 + 6 + 5;  // fixed part with tag and length, "tests", "text"
+    const DWORD record = 30 + 7 + 6;  // fixed part with tag and length, "tests", "text"
     EXPECT_EQ(Image().size(), 100 + record);
     EXPECT_EQ(header.version, 1u);
     EXPECT_EQ(header.counter, 1u);
@@ -73,7 +73,7 @@ TEST_F(Recorder, TheRingMovesAsItsRulesSay) {
             const std::string text(1 + (seed >> 16) % 120, static_cast<char>('a' + i % 26));
             Log(text);
             all.push_back(text);
-            model.Append(static_cast<DWORD>(30 + 6 + 2 + text.size()));
+            model.Append(static_cast<DWORD>(30 + 7 + 2 + text.size()));
             const Mox::TLogFileHeader header = Header();
             ASSERT_EQ(header.write_position, model.write) << i;
             ASSERT_EQ(header.count, model.slots.size()) << i;
@@ -93,7 +93,7 @@ TEST_F(Recorder, TheRingMovesAsItsRulesSay) {
 // the oldest slot begins.
 TEST_F(Recorder, AFullRingWrapsOverItsTail) {
     const std::string text(20, 'x');
-    const DWORD slot = 4 + 30 + 6 + 2 + 20;
+    const DWORD slot = 4 + 30 + 7 + 2 + 20;
     Record(96 + 4 * slot);
     for (int i = 0; i < 7; ++i) Log(text);
     ASSERT_EQ(Header().write_position, Header().oldest);
