@@ -1,9 +1,37 @@
 // Load and unload of the library.
 #include <windows.h>
 
+#include "driver_global/startup.h"
 #include "mox_classes/module_static.h"
+#include "mox_classes/sysutils_platform.h"
+#include "qv_rtl_main/source_log.h"
+
+namespace {
+
+// The loader must see no exception; whatever a step could not do, the library stays usable.
+template <class Step>
+void Shielded(const Step& step) {
+    try {
+        step();
+    } catch (...) {
+        OutputDebugStringW(TEXT("[##qv_rtl::DllMain] a step failed"));
+    }
+}
+
+}  // namespace
 
 extern "C" QV_API BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID /*reserved*/) {
-    if (reason == DLL_PROCESS_DETACH) System::ReleaseModuleStatics();
+    if (reason == DLL_PROCESS_ATTACH) {
+        OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_ATTACH Entered"));
+        Shielded([] {
+            QVInitApp(TEXT("qv_rtl"), UnicodeString(), UnicodeString());
+            qv_rtl_main::Log(
+                ' ', UnicodeString(TEXT("[qv_rtl] ExeName: ")) + Sysutils::ExeName(nullptr));
+        });
+    } else if (reason == DLL_PROCESS_DETACH) {
+        Shielded([] { QVUninitApp(TEXT("qv_rtl")); });
+        OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_DETACH Leaved"));
+        System::ReleaseModuleStatics();
+    }
     return TRUE;
 }

@@ -13,7 +13,8 @@ class CleanLogger {
     explicit CleanLogger(int units = 1)
         : record_(Logger().recordProc),
           recorder_(Logger().recorder),
-          res_string_(Logger().resStringProc) {
+          res_string_(Logger().resStringProc),
+          resources_(Logger().resStringContext) {
         units_before_ = Disconnect();
         Clear();
         for (int i = 0; i < units; ++i) Logger().Init();
@@ -24,6 +25,7 @@ class CleanLogger {
         for (int i = 0; i < units_before_; ++i) Logger().Init();
         Logger().recorder = recorder_;
         Logger().recordProc = record_;
+        Logger().resStringContext = resources_;
         Logger().resStringProc = res_string_;
     }
     CleanLogger(const CleanLogger&) = delete;
@@ -43,12 +45,14 @@ class CleanLogger {
         Logger().formatProc = nullptr;
         Logger().formatContext = nullptr;
         Logger().resStringProc = nullptr;
+        Logger().resStringContext = nullptr;
         Logger().recorder = nullptr;
     }
 
     Mox::TLogRecordProc record_;
     Mox::TLogRecorder* recorder_;
     Mox::TResStringProc res_string_;
+    void* resources_;
     int units_before_ = 0;
 };
 

@@ -1,0 +1,103 @@
+#include "driver_global/startup.h"
+
+#include <memory>
+
+#include "driver_devmode/qv_devmode.h"
+#include "driver_global/installation.h"
+#include "driver_global/source_log.h"
+#include "log_file/log_recorder.h"
+#include "mox_classes/sysutils.h"
+#include "mox_log/logger.h"
+#include "mox_log/wow64.h"
+#include "xml/xml_doc.h"
+#include "xml/xml_resource.h"
+
+namespace {
+
+constexpr DWORD kLogFileLimit = 0x500000;
+constexpr const WCHAR* kLogFileOff = TEXT("Disabled");
+constexpr const WCHAR* kFallbackResourceFile = TEXT("..\\..\\qv_res.xml");
+constexpr int kDefaultAvailableFields = 527;
+
+UnicodeString InstalledResourceFile() {
+    UnicodeString folder = GetInstallPath();
+    if (folder.Length() == 0) {
+        folder = Sysutils::GetEnvExpanded(TEXT("%ProgramFiles%\\Halvorn\\Vantrel"));
+    }
+    return Sysutils::ConfirmPathString(folder) + TEXT("qv_res.xml");
+}
+
+// A broken file leaves what could be read of it.
+void ReadResources() {
+    TXmlDoc* document = GetXmlRes();
+    if (document == nullptr) return;
+    try {
+        document->ReadFile();
+    } catch (const UnicodeString& message) {
+        driver_global::Log('*', UnicodeString(TEXT("Resource file: ")) + message);
+    }
+    document->CloseFile();
+}
+
+void TakeAvailableFields() {
+    TXmlDoc* document = GetXmlRes();
+    if (document == nullptr) return;
+    const TXmlNode* fields = document->FRoot->Find(TEXT("devmode\\fields"), System::kCodePageUtf8);
+    if (fields == nullptr) return;
+    QV_DEVMODE_AvailableFields =
+        static_cast<std::uint32_t>(Sysutils::StrToIntDef(fields->FValue, kDefaultAvailableFields));
+}
+
+// Installs `recorder` and returns the one that was installed. Threads that are about to log to that
+// one find the new one.
+std::unique_ptr<Mox::TLogRecorder> ExchangeRecorder(std::unique_ptr<Mox::TLogRecorder> recorder) {
+    Mox::TLogger& logger = *Mox::GetLogger();
+    logger.Lock();
+    std::unique_ptr<Mox::TLogRecorder> replaced(logger.recorder);
+    if (recorder != nullptr) {
+        Mox::SetLogRecorder(recorder.release());
+    } else {
+        Mox::ClearLogRecorder(replaced.get());
+    }
+    logger.Unlock();
+    return replaced;
+}
+
+void InstallRecorder(const UnicodeString& log_file) {
+    if (log_file == kLogFileOff) return;
+    auto recorder = std::make_unique<Mox::TLogRecorder>();
+    if (recorder->Open(log_file, kLogFileLimit)) ExchangeRecorder(std::move(recorder));
+}
+
+}  // namespace
+
+void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFile,
+               const UnicodeString& language) {
+    Mox::GetLogger()->Init();
+    const UnicodeString log_file = GetPrinterLogFile();
+    InitXmlRes(resourceFile.Length() > 0 ? resourceFile : InstalledResourceFile(),
+               kFallbackResourceFile);
+    SetLanguage(language.Length() > 0 ? language : GetPrinterLanguage());
+    ReadResources();
+    TakeAvailableFields();
+    InstallRecorder(log_file);
+    UnicodeString text;
+    driver_global::Log('i', text.sprintf(TEXT("OS Version: %s"), GetOSInfo()));
+    driver_global::Log('i', text.sprintf(TEXT("'%s [%s%s]' initiated the log system. "), moduleName,
+                                         TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
+}
+
+void QVUninitApp(const UnicodeString& /*moduleName*/) {
+    ExchangeRecorder(nullptr);
+    UninitXmlRes();
+    Mox::GetLogger()->Release();
+}
+
+void QVInitDriver(const UnicodeString& moduleName, const UnicodeString& resourceFile,
+                  const UnicodeString& language) {
+    QVInitApp(moduleName, resourceFile, language);
+}
+
+void QVUninitDriver(const UnicodeString& moduleName) {
+    QVUninitApp(moduleName);
+}
