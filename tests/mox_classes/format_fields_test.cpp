@@ -5,6 +5,7 @@
 
 #include <cstdarg>
 
+#include "mox_classes/string_list.h"
 #include "mox_classes/template_string.h"
 #include "support/string_print.h"
 
@@ -134,4 +135,22 @@ TEST(TemplateString, Tags) {
               TEXT("[name]"));
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT("v"), false, TEXT(""), TEXT("")), TEXT("[name]"));
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT("v"), false, TEXT("["), TEXT("")), TEXT("[name]"));
+}
+
+TEST(TemplateString, NamesAndValues) {
+    TStringList items;
+    for (const WCHAR* text : {TEXT("a"), TEXT("1"), TEXT("b"), TEXT("x y"), TEXT("c"), TEXT("")}) {
+        items.Add(text);
+    }
+    Classes::TStrings& list = items;
+    EXPECT_EQ(BuildNameValueString(&list, TEXT(";"), TEXT("=")), TEXT("a=1;b=\"x y\";c=\"\""));
+    EXPECT_EQ(list.Get(3), TEXT("\"x y\""));
+    EXPECT_EQ(list.Get(5), TEXT("\"\""));
+    items.Add(TEXT("d"));
+    items.Put(1, TEXT("\"q"));
+    EXPECT_EQ(BuildNameValueString(&list, TEXT(";"), TEXT("=")).SubString(1, 11),
+              TEXT("a=\"\"\"q\";b=\""));
+    EXPECT_EQ(list.GetCount(), 7);
+    items.Clear();
+    EXPECT_TRUE(BuildNameValueString(&list, TEXT(";"), TEXT("=")).IsEmpty());
 }
