@@ -1,14 +1,14 @@
-// The typed front of the counted wide formatter, and the check for format texts that come from
-// outside.
+// The typed front of the counted wide formatter, and the check for format texts from outside.
 //
-// A printf-style call takes strings, numbers, enums and pointers, each turned into what its
-// conversion reads:
+// A printf-style call takes strings, numbers, enums and pointers, each as its conversion reads it:
 //   UnicodeString, const WCHAR*     %s
-//   integers up to 32 bits, bool    %d %i %u %x %X %o %c, with or without h and l (a long is 32
-//   bits wide) 64-bit integers                 %I64d %I64u %I64x float, double, long double      %f
-//   %e %g %Lf other pointers                  %p
+//   integers up to 32 bits, bool    %d %i %u %x %X %o %c, also with h or l (a long has 32 bits)
+//   64-bit integers                 %I64d %I64u %I64x
+//   any floating-point number       %f %e %g %Lf
+//   other pointers                  %p
 // Everything else is refused by the compiler. The texts in the source are trusted to match their
-// arguments; a text from a file, the registry or a caller is asked with FormatFits first.
+// arguments; a text from a file, the registry or a
+// caller is asked with FormatFits first.
 #pragma once
 
 #include <windows.h>
@@ -74,9 +74,8 @@ constexpr TFormatKind FormatKindOf() {
 }
 
 // Whether `format` reads exactly the `count` arguments of these kinds, in order. Refused as well:
-// '*', %n, narrow text
-// (%hs, %S), widths and precisions above 4096, unknown conversions and a lone '%' at the end. Null
-// is an empty format.
+// '*', %n, narrow text (%hs, %S), widths and precisions above 4096, unknown
+// conversions and a lone '%' at the end. Null is an empty format.
 QV_API bool FormatTakes(const WCHAR* format, const TFormatKind* kinds, int count);
 
 // FormatTakes for a list of arguments.
