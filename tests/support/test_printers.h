@@ -17,7 +17,7 @@ using Bytes = std::vector<BYTE>;
 
 /// Drivers that every TestPrinters installs: the first one's settings block has 4400 bytes, the
 /// other one's 284.
-inline const Text kProductDriver = TEXT("QV Test Driver");
+inline const Text kProductDriver = TEXT("Vantrel Driver");
 inline const Text kOtherDriver = TEXT("QV Other Driver");
 inline constexpr DWORD kProductBlockBytes = 4400;
 inline constexpr DWORD kOtherBlockBytes = 284;
