@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "support/clean_logger.h"
+#include "support/source_folder.h"
 #include "support/string_print.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_resource.h"
@@ -12,7 +13,9 @@ namespace {
 
 class Catalogues : public testing::Test {
   protected:
-    Catalogues() { InitXmlRes(QV_SOURCE_DIR "/samples/qv_res.xml", UnicodeString()); }
+    Catalogues() {
+        InitXmlRes((test::SourceFolder() + "/samples/qv_res.xml").c_str(), UnicodeString());
+    }
     ~Catalogues() override { UninitXmlRes(); }
 
     test::CleanLogger logger;

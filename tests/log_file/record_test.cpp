@@ -6,6 +6,7 @@
 
 #include "log_file/log_fixture.h"
 #include "mox_classes/memory.h"
+#include "support/source_folder.h"
 
 using namespace test;
 using Mox::TLogMsg;
@@ -162,7 +163,7 @@ TEST(LogRecord, ATruncatedRecordIsNotReadPastItsEnd) {
 
 // The bytes of the page's example: lines of an offset and up to 16 bytes.
 LogImage PageExample() {
-    std::ifstream page(QV_SOURCE_DIR "/docs/formats/log_file.md");
+    std::ifstream page(test::SourceFolder() + "/docs/formats/log_file.md");
     LogImage image;
     bool inside = false;
     for (std::string line; std::getline(page, line);) {

@@ -8,12 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "support/source_folder.h"
+
 namespace test {
 
 /// The bytes of the `block`-th fenced block (from 0) of a page. A line of a dump is its offset and
 /// its bytes, all hexadecimal; what follows two blanks behind them is a remark.
 inline std::vector<unsigned char> PageDump(const std::string& page, int block) {
-    std::ifstream file(std::string(QV_SOURCE_DIR "/docs/formats/") + page);
+    std::ifstream file(SourceFolder() + "/docs/formats/" + page);
     EXPECT_TRUE(file.is_open()) << page;
     std::vector<unsigned char> bytes;
     int fences = 0;
