@@ -211,8 +211,8 @@ TEST_F(Spooler, TheUsersBlockIsKeptWhole) {
     PRINTER_INFO_9W record{AsDevMode(block)};
     EXPECT_TRUE(SetPrinterW(printer, 9, reinterpret_cast<LPBYTE>(&record), 0));
     EXPECT_EQ(UserBlock(printer), block);
-    Bytes small = Block(40, 0);
-    small.resize(220);
+    Bytes small = Block(220, 0);
+    small[offsetof(DEVMODEW, dmSize)] = 40;
     record.pDevMode = AsDevMode(small);
     EXPECT_FALSE(SetPrinterW(printer, 9, reinterpret_cast<LPBYTE>(&record), 0));
     EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
