@@ -75,12 +75,12 @@ TEST(MemoryStream, SetSizePullsThePositionBack) {
 
 TEST(MemoryStream, PositionsOutsideTheBlockReadNothing) {
     TMemoryStream stream;
-    char byte = 0;
+    char unit = 0;
     EXPECT_EQ(stream.Seek(-1, kBeginning), -1);
-    EXPECT_EQ(stream.Read(&byte, 1), 0);
-    EXPECT_EQ(stream.Write(&byte, 1), 0);
+    EXPECT_EQ(stream.Read(&unit, 1), 0);
+    EXPECT_EQ(stream.Write(&unit, 1), 0);
     stream.SetPosition(3);
-    EXPECT_EQ(stream.Read(&byte, 1), 0);
+    EXPECT_EQ(stream.Read(&unit, 1), 0);
     EXPECT_EQ(stream.Write("x", 1), 1);
     EXPECT_EQ(ContentOf(stream, 4), std::string("\0\0\0x", 4));
 }
