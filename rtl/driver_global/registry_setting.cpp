@@ -3,6 +3,7 @@
 
 #include "driver_global/installation.h"
 #include "driver_global/source_log.h"
+#include "mox_classes/handles.h"
 #include "mox_classes/sysutils_paths.h"
 #include "mox_log/registry.h"
 #include "mox_log/registry_text.h"
@@ -13,9 +14,9 @@ namespace {
 // Whether this place settles the search. A value that is there but cannot be read does not.
 bool FindSetting(HKEY root, const UnicodeString& path, const UnicodeString& name,
                  UnicodeString& value) {
-    const Mox::TRegKeyOwner key(Mox::RegOpenToRead(root, path));
-    if (key.get() == nullptr) return false;
-    const Mox::TRegText read = Mox::ReadRegText(key.get(), name);
+    const System::TKeyHandle key(Mox::RegOpenToRead(root, path));
+    if (!key) return false;
+    const Mox::TRegText read = Mox::ReadRegText(key.Get(), name);
     if (read.state == Mox::TRegTextState::Failed) {
         UnicodeString text;
         driver_global::Log(

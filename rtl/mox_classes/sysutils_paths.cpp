@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "mox_classes/handles.h"
 #include "mox_classes/sysutils_text.h"
 
 namespace Sysutils {
@@ -38,10 +39,8 @@ bool IsAbsolute(const UnicodeString& path) {
 // For files whose attributes cannot be read, because they are locked or out of reach.
 bool IsListedAsFile(const UnicodeString& name) {
     WIN32_FIND_DATAW found;
-    const HANDLE search = FindFirstFileW(name.t_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return false;
-    FindClose(search);
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    const System::TSearchHandle search(FindFirstFileW(name.t_str(), &found));
+    return search && (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "mox_log/registry.h"
 
+#include "mox_classes/handles.h"
 #include "mox_log/registry_text.h"
 #include "mox_log/source_log.h"
 #include "mox_log/sys_error.h"
@@ -55,8 +56,8 @@ UnicodeString TextOr(const TRegText& read, const UnicodeString& shown_name,
 }  // namespace
 
 UnicodeString ReadRegistry(HKEY root, UnicodeString path, UnicodeString name) {
-    const TRegKeyOwner opened(path.Length() == 0 ? nullptr : OpenKey(root, path));
-    const HKEY key = path.Length() == 0 ? root : opened.get();
+    const System::TKeyHandle opened(path.Length() == 0 ? nullptr : OpenKey(root, path));
+    const HKEY key = path.Length() == 0 ? root : opened.Get();
     if (key == nullptr) return UnicodeString();
     return TextOr(ReadRegText(key, name), path + TEXT("|") + name, UnicodeString());
 }
@@ -72,7 +73,7 @@ bool WriteRegistry(HKEY root, UnicodeString path, UnicodeString name, UnicodeStr
             return false;
         }
     }
-    const TRegKeyOwner owner(created);
+    const System::TKeyHandle owner(created);
     const LSTATUS code = StoreText(path.Length() == 0 ? root : created, name, value);
     if (code == ERROR_SUCCESS) return true;
     mox_log::Log('X', text.sprintf(TEXT("RegSetValueEx() %s Key=\"%s|%s\"; Value=\"%s\""),

@@ -1,4 +1,4 @@
-// The one place that reads a text value of the registry, and the owner of an open key.
+// The one place that reads a text value of the registry.
 #pragma once
 
 #include <windows.h>
@@ -6,21 +6,6 @@
 #include "mox_classes/unicode_string.h"
 
 namespace Mox {
-
-// Closes the key it holds, unless it is null. A predefined root is not handed to it.
-class TRegKeyOwner {
-  public:
-    explicit TRegKeyOwner(HKEY key) : key_(key) {}
-    TRegKeyOwner(const TRegKeyOwner&) = delete;
-    TRegKeyOwner& operator=(const TRegKeyOwner&) = delete;
-    ~TRegKeyOwner() {
-        if (key_ != nullptr) RegCloseKey(key_);
-    }
-    HKEY get() const { return key_; }
-
-  private:
-    HKEY key_;
-};
 
 enum class TRegTextState { Found, Missing, WrongType, Failed };
 

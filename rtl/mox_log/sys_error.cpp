@@ -1,5 +1,7 @@
 #include "mox_log/sys_error.h"
 
+#include "mox_classes/handles.h"
+
 namespace Mox {
 
 namespace {
@@ -8,16 +10,11 @@ constexpr DWORD kNeutralLanguage = 0x400;
 
 // The inserts of a message are left alone: there is nothing to fill them with.
 UnicodeString SystemText(DWORD code) {
-    LPWSTR buffer = nullptr;
+    System::TLocalBlock buffer;
     const DWORD length = FormatMessageW(
         FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-        nullptr, code, kNeutralLanguage, reinterpret_cast<LPWSTR>(&buffer), 0, nullptr);
-    UnicodeString text;
-    if (buffer != nullptr) {
-        text = UnicodeString(buffer, static_cast<long long>(length));
-        LocalFree(buffer);
-    }
-    return text;
+        nullptr, code, kNeutralLanguage, reinterpret_cast<LPWSTR>(buffer.Receive()), 0, nullptr);
+    return UnicodeString(static_cast<const WCHAR*>(buffer.Get()), static_cast<long long>(length));
 }
 
 }  // namespace
