@@ -34,10 +34,12 @@ UnicodeString ODSLog(int level, UnicodeString source, int line, UnicodeString te
     return shown;
 }
 
+// A process stays in its session: the system is asked until it has answered once.
 DWORD GetSessionId() {
     constexpr DWORD kUnknown = 0xFFFFFFFF;
     static std::atomic<DWORD> last{kUnknown};
-    DWORD session = kUnknown;
+    DWORD session = last.load(std::memory_order_relaxed);
+    if (session != kUnknown) return session;
     if (!ProcessIdToSessionId(GetCurrentProcessId(), &session)) session = kUnknown;
     last.store(session, std::memory_order_relaxed);
     return session;
