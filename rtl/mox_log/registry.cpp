@@ -14,17 +14,24 @@ UnicodeString ErrorText(LSTATUS code) {
     return GetSysError(static_cast<DWORD>(code), true);
 }
 
+// The platform's calls return their code. Callers of this file who get none find it as the thread's
+// last error.
+bool Succeeded(LSTATUS code) {
+    if (code != ERROR_SUCCESS) SetLastError(static_cast<DWORD>(code));
+    return code == ERROR_SUCCESS;
+}
+
 HKEY OpenKey(HKEY root, const UnicodeString& path) {
     HKEY key = nullptr;
     const LSTATUS code = RegOpenKeyExW(root, path.t_str(), 0, SAM64(KEY_READ), &key);
-    return code == ERROR_SUCCESS ? key : nullptr;
+    return Succeeded(code) ? key : nullptr;
 }
 
 LSTATUS CreateKey(HKEY root, const UnicodeString& path, HKEY& key) {
     key = nullptr;
     const LSTATUS code = RegCreateKeyExW(root, path.t_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                          SAM64(KEY_ALL_ACCESS), nullptr, &key, nullptr);
-    if (code != ERROR_SUCCESS) key = nullptr;
+    if (!Succeeded(code)) key = nullptr;
     return code;
 }
 
@@ -114,12 +121,12 @@ DWORD RegReadInteger(HKEY key, UnicodeString name, DWORD defaultValue) {
 }
 
 bool RegWriteString(HKEY key, UnicodeString name, UnicodeString value) {
-    return StoreText(key, name, value) == ERROR_SUCCESS;
+    return Succeeded(StoreText(key, name, value));
 }
 
 bool RegWriteInteger(HKEY key, UnicodeString name, DWORD value) {
-    return RegSetValueExW(key, name.t_str(), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value),
-                          sizeof(value)) == ERROR_SUCCESS;
+    return Succeeded(RegSetValueExW(key, name.t_str(), 0, REG_DWORD,
+                                    reinterpret_cast<const BYTE*>(&value), sizeof(value)));
 }
 
 }  // namespace Mox
