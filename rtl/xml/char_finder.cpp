@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 
 #include "mox_classes/sysutils.h"
 
@@ -13,6 +15,22 @@ using System::kCodePageUtf16BigEndian;
 using System::kCodePageUtf32;
 using System::kCodePageUtf32BigEndian;
 using System::kCodePageUtf8;
+
+namespace {
+
+// Eight bytes at a time.
+bool IsAscii(const unsigned char* bytes, int count) {
+    std::uint64_t high_bits = 0;
+    for (; count >= 8; bytes += 8, count -= 8) {
+        std::uint64_t word;
+        std::memcpy(&word, bytes, sizeof word);
+        high_bits |= word;
+    }
+    for (; count > 0; ++bytes, --count) high_bits |= *bytes;
+    return (high_bits & 0x8080808080808080u) == 0;
+}
+
+}  // namespace
 
 void TSearchSet::NoneControl(unsigned char v) {
     Fill(33, 126, v);
@@ -80,13 +98,18 @@ void TAsciiCharFinder::StepByUtf8() {
 unsigned char TAsciiCharFinder::Find(const TSearchSet* set) {
     if (FCodePage == kCodePageUtf16) return static_cast<unsigned char>(FindUnit(set, 0));
     if (FCodePage == kCodePageUtf16BigEndian) return static_cast<unsigned char>(FindUnit(set, 1));
-    while (FPos < FSize) {
-        const unsigned char octet = FBuffer[FPos];
-        if (set->Contains(octet)) return octet;
-        if (FStep[octet] == 0) throw UnicodeString("Invalid char found");
-        Skip(FStep[octet]);
+    const unsigned char* const end = FBuffer + FSize;
+    const unsigned char* at = FBuffer + FPos;
+    while (at < end && !set->Contains(*at)) {
+        const std::ptrdiff_t step = FStep[*at];
+        if (step == 0) {
+            FPos = static_cast<int>(at - FBuffer);
+            throw UnicodeString("Invalid char found");
+        }
+        at += std::min(step, end - at);
     }
-    return 255;
+    FPos = static_cast<int>(at - FBuffer);
+    return at < end ? *at : static_cast<unsigned char>(255);
 }
 
 unsigned short TAsciiCharFinder::FindW(const TSearchSet* set) {
@@ -111,7 +134,7 @@ UnicodeString TAsciiCharFinder::Read(int from, int to) const {
     if (from >= to) return text;
     const unsigned char* first = FBuffer + from;
     const int bytes = to - from;
-    if (std::all_of(first, first + bytes, [](unsigned char octet) { return octet < 0x80; })) {
+    if (IsAscii(first, bytes)) {
         text.SetLength(bytes);
         std::copy_n(first, bytes, text.data());
         return text;

@@ -130,14 +130,15 @@ int TXmlItems::Scan(const UnicodeString& name, int from) const {
 }
 
 const TXmlNameIndex& TXmlItems::Names() {
-    names_.Extend(FList.get(), GetCount());
-    return names_;
+    if (names_ == nullptr) names_ = std::make_unique<TXmlNameIndex>();
+    names_->Extend(FList.get(), GetCount());
+    return *names_;
 }
 
 void TXmlItems::Build(TCodePage) {
     const int count = GetCount();
     FSlots = std::make_unique<THashSlot[]>(static_cast<std::size_t>(count));
-    names_.Clear();
+    names_.reset();
     // A scan for the free slot would take quadratic time when many names share a hash.
     TFreeSlots free_slots(count > kSmallList ? count : 0);
     for (int i = 0; i < count; ++i) {

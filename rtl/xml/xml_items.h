@@ -90,5 +90,5 @@ class QV_API TXmlItems {
 
     std::int32_t capacity_ = 0;  // entries of FList
     TKind kind_;
-    TXmlNameIndex names_;
+    std::unique_ptr<TXmlNameIndex> names_;  // once a long list was asked for a name
 };

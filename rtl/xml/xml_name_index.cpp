@@ -44,12 +44,6 @@ void TXmlNameIndex::Extend(TXmlPair* const* items, int count) {
     }
 }
 
-void TXmlNameIndex::Clear() {
-    entries_.clear();
-    next_.clear();
-    used_ = 0;
-}
-
 int TXmlNameIndex::First(TXmlPair* const* items, const UnicodeString& name) const {
     if (entries_.empty()) return -1;
     const std::uint32_t hash = HashOf(name, seed_);

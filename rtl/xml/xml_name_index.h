@@ -16,7 +16,6 @@ class TXmlNameIndex {
   public:
     // Takes the items from the number known so far up to `count`.
     void Extend(TXmlPair* const* items, int count);
-    void Clear();
     // The first item of that name, -1 when there is none.
     int First(TXmlPair* const* items, const UnicodeString& name) const;
     // The next item of that name behind item `index`, -1 when there is none.
