@@ -1,0 +1,142 @@
+#include <windows.h>
+
+#include <winspool.h>
+
+#include <cstddef>
+
+#include "driver_devmode/field_map.h"
+#include "driver_devmode/qvdm.h"
+#include "driver_global/installation.h"
+#include "mox_classes/handles.h"
+#include "mox_log/registry.h"
+#include "printer_query/spooler.h"
+#include "printer_query/versions.h"
+#include "qv_rtl_main/xml_request_handlers.h"
+
+namespace {
+
+constexpr TCodePage kUtf8 = System::kCodePageUtf8;
+
+constexpr const WCHAR* kGlobalSettings[] = {TEXT("DefaultLocale"), TEXT("DefaultRasterizer"),
+                                            TEXT("InstallPath"), TEXT("Language")};
+
+// An empty filter takes every name.
+bool Passes(const UnicodeString& filter, const UnicodeString& name) {
+    return filter.Length() == 0 || XmlNamesEqual(filter, name);
+}
+
+void AddFile(TXmlNode& parent, const WCHAR* name, const UnicodeString& file) {
+    TXmlNode* child = AddText(parent, name, file);
+    SetText(child, TEXT("version"), FormatFileVersion(file, TEXT("%d.%d.%d.%d")));
+}
+
+void ReportGlobal(TXmlNode& response, TXmlMessages& messages) {
+    const System::TKeyHandle key(Mox::RegOpenToRead(HKEY_LOCAL_MACHINE, kProductKey));
+    if (!key) {
+        messages.Error(TEXT("Cannot open the registry for global settings"), GetLastError());
+        return;
+    }
+    TXmlNode* global = response.AddChild(TEXT("global"));
+    for (const WCHAR* name : kGlobalSettings) {
+        const UnicodeString value = Mox::RegReadString(key.Get(), name, kMissingValue);
+        if (value != kMissingValue) AddText(*global, name, value);
+    }
+}
+
+void ReportMonitors(const UnicodeString& name, TXmlNode& response) {
+    const TW32StructData<MONITOR_INFO_2W> monitors = GetMonitors(name);
+    for (int i = 0; i < monitors.Count(); ++i) {
+        TXmlNode* monitor = response.AddChild(TEXT("monitor"));
+        AddText(*monitor, TEXT("name"), monitors[i].pName);
+        AddText(*monitor, TEXT("environment"), monitors[i].pEnvironment);
+        AddFile(*monitor, TEXT("dllName"), monitors[i].pDLLName);
+    }
+}
+
+void ReportDriver(const DRIVER_INFO_3W& info, TXmlNode& response) {
+    TXmlNode* driver = response.AddChild(TEXT("driver"));
+    AddText(*driver, TEXT("version"), UnicodeString(info.cVersion));
+    AddText(*driver, TEXT("name"), info.pName);
+    AddText(*driver, TEXT("environment"), info.pEnvironment);
+    AddFile(*driver, TEXT("graphic"), info.pDriverPath);
+    AddFile(*driver, TEXT("ui"), info.pConfigFile);
+    AddText(*driver, TEXT("monitor"), info.pMonitorName);
+    AddText(*driver, TEXT("datatype"), info.pDefaultDataType);
+}
+
+void ReportDrivers(const UnicodeString& name, TXmlNode& response, TXmlMessages& messages) {
+    const TW32StructData<DRIVER_INFO_3W> drivers = GetInstalledPrinterDrivers();
+    if (!drivers.IsSuccess()) {
+        messages.Error(TEXT("Cannot get installed printer drivers information."),
+                       drivers.GetErrorCode());
+        return;
+    }
+    bool found = false;
+    for (int i = 0; i < drivers.Count(); ++i) {
+        if (!Passes(name, drivers[i].pName)) continue;
+        ReportDriver(drivers[i], response);
+        found = true;
+    }
+    if (!found) messages.Warning(TEXT("No printer driver was found"));
+}
+
+void ReportSettings(const UnicodeString& name, TXmlNode& printer, TXmlMessages& messages) {
+    TW32StructData<DEVMODEW> settings = GetGlobalDevMode(name);
+    // A block that ends before the fields that state its size cannot be read at all.
+    constexpr int kLeastBytes = offsetof(DEVMODEW, dmFields);
+    const bool cut = !settings.IsEmpty() && settings.Size() < kLeastBytes;
+    if (!settings.IsSuccess() || cut) {
+        messages.Error(TEXT("Cannot get devmode of the printer, ") + name + TEXT("."),
+                       settings.IsSuccess() ? DWORD{ERROR_INVALID_DATA} : settings.GetErrorCode());
+        return;
+    }
+    if (settings.IsEmpty()) {
+        SetText(messages.Warning(name + TEXT(" has no default DEVMODE data.")), TEXT("printer"),
+                name);
+        return;
+    }
+    TXmlNode* node = printer.AddChild(TEXT("devmode"));
+    DEVMODEW* block = &settings[0];
+    if (!QV_DEVMODE::IsValidQV_DEVMODE(block, settings.Size())) {
+        DevModeToXmlNode(block, node);
+        return;
+    }
+    TQVDM wrapper;
+    wrapper.SetDEVMODE(block, settings.Size());
+    wrapper.ToXmlNode(node);
+}
+
+void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessages& messages) {
+    const TW32StructData<PRINTER_INFO_2W> printers = GetInstalledPrintersInfo2();
+    if (!printers.IsSuccess()) {
+        messages.Error(TEXT("Cannot get installed printers"), printers.GetErrorCode());
+        return;
+    }
+    bool found = false;
+    for (int i = 0; i < printers.Count(); ++i) {
+        if (!Passes(driver, printers[i].pDriverName)) continue;
+        const UnicodeString name(printers[i].pPrinterName);
+        TXmlNode* printer = response.AddChild(TEXT("printer"));
+        AddText(*printer, TEXT("name"), name);
+        AddText(*printer, TEXT("port"), printers[i].pPortName);
+        ReportSettings(name, *printer, messages);
+        found = true;
+    }
+    if (!found) messages.Warning(TEXT("No printer was found"));
+}
+
+}  // namespace
+
+void AnswerQuery(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages) {
+    const auto asked = [&](const WCHAR* name) { return request.FindChild(name, kUtf8); };
+    if (asked(TEXT("global")) != nullptr) ReportGlobal(response, messages);
+    if (const TXmlNode* monitor = asked(TEXT("monitor"))) {
+        ReportMonitors(ChildText(*monitor, TEXT("name")), response);
+    }
+    if (const TXmlNode* driver = asked(TEXT("driver"))) {
+        ReportDrivers(ChildText(*driver, TEXT("name")), response, messages);
+    }
+    if (const TXmlNode* printer = asked(TEXT("printer"))) {
+        ReportPrinters(ChildText(*printer, TEXT("driver")), response, messages);
+    }
+}

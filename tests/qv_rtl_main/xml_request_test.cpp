@@ -1,0 +1,334 @@
+// The XML request call: its vocabulary, its messages, and that nothing escapes it.
+#include "qv_rtl_main/xml_request.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+
+#include "driver_devmode/qv_devmode.h"
+#include "driver_global/installation.h"
+#include "mox_classes/memory_stream.h"
+#include "support/fresh_host_root.h"
+#include "support/source_folder.h"
+#include "support/test_printers.h"
+#include "support/test_registry.h"
+#include "xml/xml_test.h"
+
+using namespace std::string_literals;
+using test::Utf8;
+
+namespace {
+
+constexpr TCodePage kUtf8 = System::kCodePageUtf8;
+const WCHAR* const kRequest = TEXT("C:\\qv_request_test.xml");
+const WCHAR* const kResponse = TEXT("C:\\qv_response_test.xml");
+
+class XmlRequest : public testing::Test {
+  protected:
+    ~XmlRequest() override {
+        DeleteFileW(kRequest);
+        DeleteFileW(kResponse);
+    }
+
+    static test::TestKey Product() { return test::TestKey(HKEY_LOCAL_MACHINE, kProductKey); }
+
+    // The response's bytes; the document is kept for Text and the like.
+    std::string Ask(const std::string& request) {
+        Classes::TMemoryStream in;
+        Classes::TMemoryStream out;
+        in.WriteBuffer(request.data(), static_cast<int>(request.size()));
+        in.SetPosition(0);
+        EXPECT_EQ(DoXML(&in, &out), 1);
+        const std::string bytes(static_cast<const char*>(out.GetMemory()),
+                                static_cast<std::size_t>(out.GetSize()));
+        Take(bytes);
+        return bytes;
+    }
+
+    void Take(const std::string& bytes) {
+        response_ = std::make_unique<TXmlDoc>();
+        EXPECT_GT(test::Parse(*response_, bytes), 0) << bytes;
+        EXPECT_EQ(Utf8(response_->FRoot->FName), "response");
+    }
+
+    static void WriteRequest(const std::string& text) {
+        Classes::TFileStream file(kRequest, Classes::TFileStream::kCreate);
+        file.WriteBuffer(text.data(), static_cast<int>(text.size()));
+    }
+
+    static std::string FileText(const WCHAR* name) {
+        Classes::TFileStream file(name, Classes::TFileStream::kRead);
+        std::string text(static_cast<std::size_t>(file.GetSize()), '\0');
+        file.ReadBuffer(text.data(), static_cast<int>(text.size()));
+        return text;
+    }
+
+    TXmlNode* Node(const WCHAR* path) { return response_->FRoot->Find(path, kUtf8); }
+    std::string Text(const WCHAR* path) {
+        const TXmlNode* node = Node(path);
+        return node == nullptr ? "absent" : Utf8(node->FValue);
+    }
+    std::string Attribute(const WCHAR* path, const WCHAR* name) {
+        const TXmlNode* node = Node(path);
+        return node == nullptr ? "absent" : Utf8(node->AttrGetString(name, kUtf8));
+    }
+    std::string Children() {
+        std::string names;
+        for (int i = 0; i < response_->FRoot->ChildCount(); ++i) {
+            names += Utf8(response_->FRoot->GetChild(i)->FName) + " ";
+        }
+        return names;
+    }
+
+    test::FreshHostRoot root_;
+    std::unique_ptr<TXmlDoc> response_;
+};
+
+TEST_F(XmlRequest, AnotherRootIsAnsweredWithoutContent) {
+    EXPECT_EQ(Ask("<Query><global/></Query>"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><response to=\"Query\"/>");
+}
+
+TEST_F(XmlRequest, TheRootSelectsTheFormOfTheResponse) {
+    Product().Set(TEXT("Language"), TEXT("de")).Set(TEXT("Other"), TEXT("not reported"));
+    EXPECT_EQ(Ask("<query linebreak=\"&#10;\" indentation=\" \"><global>any</global></query>"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<response to=\"query\">\n <global>\n"
+              "  <Language>de</Language>\n </global>\n</response>\n");
+    EXPECT_EQ(Ask("<x encoding=\"UTF-16\"/>").substr(0, 4), "<\0?\0"s);
+    Ask("<x encoding=\"utf-8\"/>");
+    EXPECT_EQ(Text(TEXT("message\\error")), "Unsupported codepage for result: utf-8");
+    Ask("<x encoding=\"UTF-8\"/>");
+    EXPECT_EQ(Children(), "");
+}
+
+TEST_F(XmlRequest, GlobalSettingsAreReportedInTheirOwnOrder) {
+    Ask("<query><global/></query>");
+    EXPECT_EQ(Text(TEXT("message\\error")), "Cannot open the registry for global settings");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Code")), "2");
+    Product().Set(TEXT("Language"), TEXT("de")).Set(TEXT("InstallPath"), TEXT("C:\\x"));
+    Product().Set(TEXT("DefaultLocale"), TEXT("")).Set(TEXT("DefaultRasterizer"), DWORD{7});
+    Ask("<query><driver><name>no such driver</name></driver><global/></query>");
+    EXPECT_EQ(Children(), "global message ");
+    const TXmlNode* global = Node(TEXT("global"));
+    ASSERT_EQ(global->ChildCount(), 3);
+    EXPECT_EQ(Utf8(global->GetChild(0)->FName), "DefaultLocale");
+    EXPECT_EQ(Text(TEXT("global\\InstallPath")), "C:\\x");
+    EXPECT_EQ(Utf8(global->GetChild(2)->FName), "Language");
+    EXPECT_EQ(Text(TEXT("message\\warning")), "No printer driver was found");
+}
+
+TEST_F(XmlRequest, AnUpdateOfGlobalSettingsGivesThePreviousValues) {
+    Product().Set(TEXT("Language"), TEXT("en"));
+    Ask("<update><global><Language>de</Language></global>"
+        "<global><New> a &lt; b </New></global><other/></update>");
+    EXPECT_EQ(Children(), "global ");
+    EXPECT_EQ(Text(TEXT("global\\Language")), "en");
+    EXPECT_EQ(Node(TEXT("global"))->ChildCount(), 1);
+    Ask("<update><global><New>x</New></global></update>");
+    EXPECT_EQ(Text(TEXT("global\\New")), "a < b");
+    Ask("<query><global/></query>");
+    EXPECT_EQ(Text(TEXT("global\\Language")), "de");
+}
+
+TEST_F(XmlRequest, AnIncompletePrinterUpdateIsNamed) {
+    Ask("<update><printer><devmode/></printer><printer><name>p</name></printer></update>");
+    EXPECT_EQ(Children(), "message ");
+    EXPECT_EQ(Text(TEXT("message\\error")), "No name node was found");
+    EXPECT_EQ(Text(TEXT("message\\warning")), "Nothing to set");
+    EXPECT_EQ(Attribute(TEXT("message\\warning"), TEXT("printer")), "p");
+    Ask("<update><printer><name>no such printer</name><devmode/></printer></update>");
+    EXPECT_EQ(Text(TEXT("message\\error")), "Cannot get global DEVMODE");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Code")), "1801");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("printer")), "no such printer");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Msg")).substr(0, 6), "[1801]");
+}
+
+TEST_F(XmlRequest, ABrokenRequestChangesNothingAndIsLocated) {
+    Product().Set(TEXT("Language"), TEXT("en"));
+    const struct {
+        std::string request;
+        std::string text;
+        std::string position;
+    } rows[] = {
+        {"<update><global><Language>de</Language></global><x></update>",
+         "The request is not well-formed XML", "59"},
+        {"<update><global><Language>de</Language></global>",
+         "The request ends before its root element is closed", "48"},
+        {"\xEF\xBB\xBF<update><global><Language>de</Language></global>\xA9</update>",
+         "The request is not well-formed XML: Invalid char found", "51"},
+        {"", "The request ends before its root element is closed", "0"},
+    };
+    for (const auto& row : rows) {
+        Ask(row.request);
+        EXPECT_EQ(Children(), "message ");
+        EXPECT_EQ(Text(TEXT("message\\error")), row.text);
+        EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("position")), row.position);
+    }
+    Ask("<query><global/></query>");
+    EXPECT_EQ(Text(TEXT("global\\Language")), "en");
+}
+
+TEST_F(XmlRequest, FilesAreAnsweredWhateverTheyAre) {
+    WriteRequest("<x/>");
+    EXPECT_EQ(DoXMLW(kRequest, kResponse), 1);
+    EXPECT_EQ(FileText(kResponse),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?><response to=\"x\"/>");
+    WriteRequest("<x>");
+    EXPECT_EQ(DoXMLA("C:\\qv_request_test.xml", "C:\\qv_response_test.xml"), 1);
+    Take(FileText(kResponse));
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("file")), Utf8(kRequest));
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("position")), "3");
+    DeleteFileW(kRequest);
+    EXPECT_EQ(DoXMLW(kRequest, kResponse), 1);
+    Take(FileText(kResponse));
+    EXPECT_EQ(Text(TEXT("message\\error")).substr(0, 33), "Cannot open the request file: [2]");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("file")), Utf8(kRequest));
+}
+
+TEST_F(XmlRequest, AResponseThatCannotBeWrittenAppliesNothing) {
+    Product().Set(TEXT("Language"), TEXT("en"));
+    const std::string update = "<update><global><Language>de</Language></global></update>";
+    WriteRequest(update);
+    EXPECT_EQ(DoXMLW(kRequest, TEXT("C:\\no such folder\\r.xml")), 1);
+    EXPECT_EQ(DoXMLW(kRequest, kRequest), 1);
+    EXPECT_EQ(DoXMLW(nullptr, nullptr), 1);
+    EXPECT_EQ(DoXMLA(nullptr, nullptr), 1);
+    EXPECT_EQ(FileText(kRequest), update);
+    Ask("<query><global/></query>");
+    EXPECT_EQ(Text(TEXT("global\\Language")), "en");
+}
+
+class XmlPrinterRequest : public XmlRequest {
+  protected:
+    static test::Bytes ProductBlock() {
+        const auto block = std::make_unique<QV_DEVMODE>();
+        const auto* bytes = reinterpret_cast<const BYTE*>(block.get());
+        return test::Bytes(bytes, bytes + sizeof(QV_DEVMODE));
+    }
+
+    std::string AskPrinters(const test::Text& driver) {
+        return Ask("<query><printer><driver>" + Utf8(driver.c_str()) +
+                   "</driver></printer></query>");
+    }
+
+    test::TestPrinters printers_;
+};
+
+TEST_F(XmlPrinterRequest, PrintersAreReportedWithTheirSettings) {
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"), ProductBlock());
+    printers_.InstallPrinter(TEXT("QV Foreign"), test::kOtherDriver);
+    printers_.SetUserDevMode(TEXT("QV Foreign"),
+                             test::PublicBlock(TEXT("QV Foreign"), test::kOtherBlockBytes));
+    AskPrinters(test::kProductDriver);
+    EXPECT_EQ(Children(), "printer ");
+    EXPECT_EQ(Text(TEXT("printer\\name")), "QV One");
+    EXPECT_EQ(Text(TEXT("printer\\port")), "LPT1:");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmOrientation")), "PORTRAIT");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut\\UseSerial")), "True");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmDeviceName")), "absent");
+    AskPrinters(test::kOtherDriver);
+    EXPECT_EQ(Children(), "printer ");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmDeviceName")), "QV Foreign");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut")), "absent");
+    AskPrinters(TEXT("no such driver"));
+    EXPECT_EQ(Text(TEXT("message\\warning")), "No printer was found");
+}
+
+TEST_F(XmlPrinterRequest, AnUpdateGivesThePreviousValuesAndIsStored) {
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"), ProductBlock());
+    const std::string update =
+        "<update><printer><name>QV One</name><devmode><dmCopies>2</dmCopies>"
+        "<exOut><UseSerial>False</UseSerial></exOut><unknown>1</unknown></devmode></printer>"
+        "</update>";
+    Ask(update);
+    EXPECT_EQ(Children(), "printer ");
+    EXPECT_EQ(Text(TEXT("printer\\name")), "QV One");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmCopies")), "1");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut\\UseSerial")), "True");
+    EXPECT_EQ(Node(TEXT("printer\\devmode"))->ChildCount(), 2);
+    Ask(update);
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmCopies")), "2");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut\\UseSerial")), "False");
+}
+
+TEST_F(XmlPrinterRequest, AForeignBlockIsReplacedByTheProductsDefaults) {
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"),
+                             test::PublicBlock(TEXT("QV One"), test::kOtherBlockBytes));
+    Ask("<update><printer><name>QV One</name><devmode><dmCopies>3</dmCopies></devmode></printer>"
+        "</update>");
+    EXPECT_EQ(Children(), "printer ");
+    AskPrinters(test::kProductDriver);
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmCopies")), "3");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exDialog\\Mode")), "INTERACTIVE");
+}
+
+TEST_F(XmlPrinterRequest, ABlockThatLiesAboutItsSizeIsNotStored) {
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"), ProductBlock());
+    Ask("<update><printer><name>QV One</name><devmode><dmDriverExtra>60000</dmDriverExtra>"
+        "</devmode></printer></update>");
+    EXPECT_EQ(Children(), "printer message ");
+    EXPECT_EQ(Text(TEXT("message\\error")), "Cannot set global DEVMODE");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Code")), "13");
+    AskPrinters(test::kProductDriver);
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\dmCopies")), "1");
+}
+
+TEST_F(XmlPrinterRequest, APrinterWithoutSettingsIsAWarning) {
+    if (!test::TestPrinters::PrintersCanLackDevMode()) {
+        GTEST_SKIP() << "the spooler makes up a block for every printer";
+    }
+    printers_.InstallPrinter(TEXT("QV Bare"));
+    Ask("<query><printer/></query>");
+    EXPECT_EQ(Node(TEXT("printer\\devmode")), nullptr);
+    EXPECT_EQ(Text(TEXT("message\\warning")), "QV Bare has no default DEVMODE data.");
+    EXPECT_EQ(Attribute(TEXT("message\\warning"), TEXT("printer")), "QV Bare");
+}
+
+TEST_F(XmlPrinterRequest, DriversAndMonitorsAreReported) {
+    Ask("<query><driver><name>" + Utf8(test::kProductDriver.c_str()) + "</name></driver></query>");
+    ASSERT_EQ(Children(), "driver ");
+    std::string names;
+    for (int i = 0; i < Node(TEXT("driver"))->ChildCount(); ++i) {
+        names += Utf8(Node(TEXT("driver"))->GetChild(i)->FName) + " ";
+    }
+    EXPECT_EQ(names, "version name environment graphic ui monitor datatype ");
+    EXPECT_EQ(Text(TEXT("driver\\version")), "3");
+    EXPECT_EQ(Text(TEXT("driver\\environment")), "Windows x64");
+    EXPECT_NE(Node(TEXT("driver\\ui"))->FindAttribute(TEXT("version"), kUtf8), nullptr);
+    printers_.InstallMonitor(TEXT("QV Test Monitor"), TEXT("qv_test_monitor.dll"));
+    Ask("<query><monitor><name>QV Test Monitor</name></monitor></query>");
+    EXPECT_EQ(Children(), "monitor ");
+    EXPECT_EQ(Text(TEXT("monitor\\name")), "QV Test Monitor");
+    EXPECT_EQ(Text(TEXT("monitor\\dllName")), "qv_test_monitor.dll");
+}
+
+// The requests and responses that the documentation shows, in its order.
+TEST_F(XmlPrinterRequest, ThePageShowsWhatHappens) {
+    Product().Set(TEXT("Language"), TEXT("de"));
+    Product().Set(TEXT("InstallPath"), TEXT("C:\\Program Files\\Vantrel"));
+    printers_.InstallPrinter(TEXT("Vantrel Fax"));
+    printers_.SetUserDevMode(TEXT("Vantrel Fax"), ProductBlock());
+    std::ifstream page(test::SourceFolder() + "/docs/xml.md");
+    std::string request;
+    int shown = 0;
+    for (std::string line; std::getline(page, line);) {
+        const bool is_request = line == "```xml request";
+        if (!is_request && line != "```xml response") continue;
+        std::string block;
+        while (std::getline(page, line) && line != "```") block += line + "\n";
+        if (is_request) {
+            request = block;
+        } else {
+            EXPECT_EQ(Ask(request), block);
+            ++shown;
+        }
+    }
+    EXPECT_EQ(shown, 2);
+}
+
+}  // namespace
