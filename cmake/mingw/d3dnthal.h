@@ -1,0 +1,2 @@
+/* See ddrawint.h; winddi.h takes nothing from this one. */
+#pragma once
