@@ -31,7 +31,8 @@ void Store(T& field, T value) {
 }  // namespace
 
 // A logging thread reads the logger's recorder without a lock; by the time it has the lock, that
-// recorder may be gone. It is looked up here first.
+// recorder may be gone, and its address another one's that is not open yet. It is looked up here
+// first.
 class TLiveRecorders {
   public:
     static TLiveRecorders& All() {
@@ -49,11 +50,11 @@ class TLiveRecorders {
         while (*link != recorder) link = &(*link)->next_live_;
         *link = recorder->next_live_;
     }
-    bool Has(const TLogRecorder* recorder) {
+    bool HasOpen(const TLogRecorder* recorder) {
         const std::lock_guard hold(guard_);
         const TLogRecorder* at = first_;
         while (at != nullptr && at != recorder) at = at->next_live_;
-        return at != nullptr;
+        return at != nullptr && at->IsOpen();
     }
 
   private:
@@ -121,7 +122,7 @@ class TThreadWriter {
             TLogRecordBytes record;
             const bool serialised = record.Serialise(message, INT32_MAX);
             const TLoggerLock lock;
-            if (!TLiveRecorders::All().Has(recorder)) recorder = GetLogger()->recorder;
+            if (!TLiveRecorders::All().HasOpen(recorder)) recorder = GetLogger()->recorder;
             if (serialised && recorder != nullptr) recorder->ring_.Append(message, record, texts);
         } catch (...) {
             // An exhausted heap costs this message; nothing may escape into the code that logs.
