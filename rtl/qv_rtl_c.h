@@ -1,5 +1,5 @@
-/* The exported calls that C and other languages use, in plain C11. Each call's contract stands in the
- * C++ header named beside it. No call lets an exception escape; any thread may call. */
+/* The exported calls that C and other languages use, in plain C11. Each call's contract stands in
+ * the C++ header named beside it. No call lets an exception escape; any thread may call. */
 #ifndef QV_RTL_C_H
 #define QV_RTL_C_H
 
@@ -33,8 +33,7 @@ QV_C_API int SetQVDefaultSetting(const QV_WCHAR* printerName, unsigned char dial
                                  unsigned char useDocumentName, const QV_WCHAR* saveDirectory,
                                  const QV_WCHAR* saveFileName, const QV_WCHAR* program,
                                  const QV_WCHAR* programParameters, const QV_WCHAR* messageName,
-                                 const QV_WCHAR* messageWindowClass,
-                                 const QV_WCHAR* messageFormat);
+                                 const QV_WCHAR* messageWindowClass, const QV_WCHAR* messageFormat);
 
 /* Tags of the string byte encoding: mox_classes/string_encoding.h. */
 QV_C_API int SetDefaultStringTags(const unsigned char tags[8]);
