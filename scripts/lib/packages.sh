@@ -2,9 +2,9 @@
 
 packages_for() {
     case $1 in
-        native) echo cmake ninja-build g++ googletest ;;
-        clang) echo cmake ninja-build clang g++ googletest ;;
-        windows) echo cmake ninja-build g++ googletest g++-mingw-w64-x86-64-posix wine wine64 ;;
+        native) echo cmake ninja-build ccache g++ googletest libcli11-dev ;;
+        clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev ;;
+        windows) echo cmake ninja-build ccache g++ googletest libcli11-dev g++-mingw-w64-x86-64-posix wine wine64 ;;
         style) echo clang-format git ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;
     esac

@@ -1,0 +1,15 @@
+// The tool's commands. Each adds its own subcommand, with options and help, to the command line.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace qv {
+
+void AddXmlCommand(CLI::App& app);
+void AddTextCommand(CLI::App& app);
+void AddPrinterCommands(CLI::App& app);
+void AddLogCommands(CLI::App& app);
+// What only the host of the build offers; nothing on Windows.
+void AddHostCommands(CLI::App& app);
+
+}  // namespace qv

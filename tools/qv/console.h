@@ -1,0 +1,34 @@
+// Text in and out of the tool: UTF-8 on every standard stream and for every argument, on both
+// hosts.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "mox_classes/unicode_string.h"
+
+namespace qv {
+
+// A failure of what the user asked for: the text goes to standard error, the exit code is 1.
+struct Failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+UnicodeString FromUtf8(const std::string& text);
+std::string ToUtf8(const UnicodeString& text);
+
+// The text with control characters made harmless, on one line: tab, line break and the like as \t,
+// \n, \r, \xNN.
+std::string OneLine(const UnicodeString& text);
+
+// Writes to standard output, byte for byte; throws Failure when that fails (a closed pipe ends the
+// program quietly).
+void Print(const std::string& text);
+void PrintLine(const std::string& text);
+void PrintError(const std::string& text);
+
+// Host: the program's arguments in UTF-8, and the streams made ready for bytes.
+std::vector<std::string> PrepareConsole(int argc, char** argv);
+
+}  // namespace qv

@@ -1,0 +1,9 @@
+#include "console.h"
+
+namespace qv {
+
+std::vector<std::string> PrepareConsole(int argc, char** argv) {
+    return {argv, argv + argc};
+}
+
+}  // namespace qv

@@ -1,0 +1,7 @@
+#include "commands.h"
+
+namespace qv {
+
+void AddHostCommands(CLI::App& /*app*/) {}
+
+}  // namespace qv

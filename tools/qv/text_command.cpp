@@ -1,0 +1,52 @@
+// qv command: the text command call, as a script makes it.
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "console.h"
+#include "qv_rtl_main/command_entry.h"
+
+namespace qv {
+
+namespace {
+
+// Items that hold the separator, or begin like a quoted item, are quoted.
+std::string Item(const std::string& text) {
+    if (text.find('\t') == std::string::npos && text.substr(0, 1) != "\"") return text;
+    std::string quoted = "\"";
+    for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
+    return quoted + "\"";
+}
+
+void RunTextCommand(const std::vector<std::string>& items) {
+    std::string line;
+    for (const std::string& item : items) line += (line.empty() ? "" : "\t") + Item(item);
+    // The call is made once, since it may change settings; a result longer than this is cut.
+    constexpr int kCapacity = 1 << 20;
+    std::vector<WCHAR> buffer(kCapacity + 1);
+    const int status = DoCommandW(FromUtf8(line).t_str(), buffer.data(), kCapacity);
+    const std::string result = ToUtf8(UnicodeString(buffer.data()));
+    if (status < 0)
+        throw Failure(OneLine(UnicodeString(buffer.data()).Trim()) + " (status " +
+                      std::to_string(status) + ")");
+    if (!result.empty()) PrintLine(result);
+}
+
+}  // namespace
+
+void AddTextCommand(CLI::App& app) {
+    CLI::App* command = app.add_subcommand(
+        "command", "Make a text command call: qv command WORD [KEYWORD VALUE]...");
+    command->footer(
+        "Words: getdevmode, setdevmode, getorloprinters. Example:\n"
+        "  qv command setdevmode PrinterName \"Vantrel Fax\" Mode 1");
+    // Values may look like options: everything from the word on is taken as it stands.
+    command->prefix_command();
+    command->callback([command] {
+        const std::vector<std::string> items = command->remaining();
+        if (items.empty()) throw CLI::RequiredError("WORD");
+        RunTextCommand(items);
+    });
+}
+
+}  // namespace qv
