@@ -14,7 +14,15 @@
 
 namespace host {
 
-enum class HandleKind : std::uint8_t { kFile, kMapping, kSearch, kRegistryKey, kPrinter };
+enum class HandleKind : std::uint8_t {
+    kFile,
+    kMapping,
+    kSearch,
+    kRegistryKey,
+    kPrinter,
+    kToken,
+    kServiceManager
+};
 
 class HandleObject {
   public:
