@@ -3,6 +3,7 @@
 #pragma once
 
 #include "minwindef.h"
+#include "securitybaseapi.h"
 #include "winbase.h"
 #include "winerror.h"
 #include "wingdi.h"

@@ -1,0 +1,30 @@
+// The bytes of a security identifier.
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <initializer_list>
+
+namespace host {
+
+inline constexpr BYTE kSidRevision = 1;
+inline constexpr std::size_t kMaxSubAuthorities = 8;
+
+// Room for the longest identifier that this host makes; a shorter one ends behind its last part.
+struct SecurityId {
+    SecurityId() = default;
+    constexpr SecurityId(SID_IDENTIFIER_AUTHORITY of, std::initializer_list<DWORD> list)
+        : revision(kSidRevision), count(static_cast<BYTE>(list.size())), authority(of) {
+        std::copy(list.begin(), list.end(), parts);
+    }
+
+    BYTE revision;
+    BYTE count;
+    SID_IDENTIFIER_AUTHORITY authority;
+    DWORD parts[kMaxSubAuthorities] = {};
+};
+static_assert(offsetof(SecurityId, parts) == 8);
+
+}  // namespace host
