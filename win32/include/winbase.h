@@ -164,6 +164,18 @@ QV_HOST_API HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type);
 QV_HOST_API HGLOBAL LoadResource(HMODULE module, HRSRC resource);
 QV_HOST_API LPVOID LockResource(HGLOBAL resource);
 QV_HOST_API DWORD SizeofResource(HMODULE module, HRSRC resource);
+#define ACTCTX_FLAG_RESOURCE_NAME_VALID 0x00000008
+struct ACTCTXW {
+    ULONG cbSize;
+    DWORD dwFlags;
+    LPCWSTR lpSource;
+    USHORT wProcessorArchitecture;
+    LANGID wLangId;
+    LPCWSTR lpAssemblyDirectory;
+    LPCWSTR lpResourceName;
+    LPCWSTR lpApplicationName;
+    HMODULE hModule;
+};
 
 // ---- Environment and version
 struct OSVERSIONINFOW {

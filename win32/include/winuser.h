@@ -90,6 +90,10 @@ QV_HOST_API LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 QV_HOST_API HWND FindWindowW(LPCWSTR class_name, LPCWSTR title);
 QV_HOST_API BOOL IsWindow(HWND window);
 QV_HOST_API DWORD GetWindowThreadProcessId(HWND window, LPDWORD process);
+QV_HOST_API BOOL SetForegroundWindow(HWND window);
+#define MSGFLT_ADD 1
+#define MSGFLT_REMOVE 2
+QV_HOST_API BOOL ChangeWindowMessageFilter(UINT message, DWORD flag);
 
 // ---- Show commands and dialog answers
 #define SW_HIDE 0
