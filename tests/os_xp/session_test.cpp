@@ -1,0 +1,114 @@
+// The user, his rights, and the entry points that a system need not have.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "os_xp/activation_context.h"
+#include "os_xp/administrator.h"
+#include "os_xp/file_access.h"
+#include "os_xp/message_filter.h"
+#include "os_xp/user_name.h"
+#include "support/captured_log.h"
+#include "support/string_print.h"
+#include "win32/file_fixture.h"
+
+namespace {
+
+using test::Wide;
+
+bool KernelHas(const char* name) {
+    return GetProcAddress(GetModuleHandleW(TEXT("kernel32")), name) != nullptr;
+}
+
+class FileAccess : public test::FileTest {
+  protected:
+    DWORD granted_ = test::kUntouched;
+};
+
+}  // namespace
+
+TEST(UserName, IsTheSystemsWithoutItsTerminator) {
+    WCHAR name[256];
+    DWORD size = 256;
+    ASSERT_TRUE(GetUserNameW(name, &size));
+    const UnicodeString user = GetUserNameW(false);
+    EXPECT_EQ(user, UnicodeString(static_cast<const WCHAR*>(name)));
+    EXPECT_EQ(user.Length(), static_cast<int>(size) - 1);
+
+    const UnicodeString full = GetUserNameW(true);
+    const int separator = full.Pos(TEXT("\\"));
+    EXPECT_GT(separator, 1);
+    EXPECT_EQ(full.SubString(separator + 1, full.Length()), user);
+}
+
+TEST(Administrator, WhoMayManageServicesIsInTheGroup) {
+    EXPECT_TRUE(IsAdmin() || !IsAdmin2());
+    // A thread that impersonates its own user answers with its own token.
+    const bool before = IsAdmin();
+    ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    EXPECT_EQ(IsAdmin(), before);
+    ASSERT_TRUE(RevertToSelf());
+}
+
+TEST_F(FileAccess, GrantsTheMappedRights) {
+    const Wide file = Path(TEXT("a.txt"));
+    MakeFile(file, "a");
+    EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ), NO_ERROR);
+    EXPECT_EQ(granted_, FILE_GENERIC_READ);
+    EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ | GENERIC_WRITE), NO_ERROR);
+    EXPECT_EQ(granted_, FILE_GENERIC_READ | FILE_GENERIC_WRITE);
+    EXPECT_EQ(CheckFileAccess(Folder().c_str(), granted_, GENERIC_READ), NO_ERROR);
+    EXPECT_EQ(granted_, FILE_GENERIC_READ);
+}
+
+TEST_F(FileAccess, LeavesTheResultAloneWhenItFails) {
+    EXPECT_EQ(CheckFileAccess(Path(TEXT("none")).c_str(), granted_, GENERIC_READ),
+              ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(granted_, test::kUntouched);
+}
+
+TEST_F(FileAccess, TakesOffTheImpersonation) {
+    CheckFileAccess(Folder().c_str(), granted_, GENERIC_READ);
+    CheckFileAccess(Path(TEXT("none")).c_str(), granted_, GENERIC_READ);
+    HANDLE token = nullptr;
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_TOKEN});
+}
+
+TEST(MessageFilter, LetsAMessageThroughAndNoMore) {
+    void* const filter = BeginMessageFilter();
+    ASSERT_NE(filter, nullptr);
+    EXPECT_EQ(BeginMessageFilter(), filter);
+    EXPECT_EQ(ChangeMessageFilter(filter, WM_COPYDATA, MSGFLT_ADD), TRUE);
+    EXPECT_EQ(ChangeMessageFilter(filter, WM_COPYDATA, MSGFLT_REMOVE), TRUE);
+    EXPECT_EQ(ChangeMessageFilter(nullptr, WM_COPYDATA, MSGFLT_ADD), FALSE);
+    EndMessageFilter();
+    EndMessageFilter();
+    EXPECT_EQ(BeginMessageFilter(), filter);
+    EndMessageFilter();
+}
+
+TEST(ActivationContext, FallsBackToTheCurrentOne) {
+    if (!KernelHas("CreateActCtxW")) GTEST_SKIP() << "no activation contexts on this host";
+    test::CapturedLog log;
+    // No context is active in this thread, which null stands for.
+    EXPECT_EQ(CreateActiveContext(TEXT("C:\\no such module.dll")), nullptr);
+    EXPECT_TRUE(log.Has('X', TEXT("\tCreateActCtx() failed: [")));
+    EXPECT_EQ(log.Entries().size(), 1u);
+    ReleaseActiveContext(nullptr);
+    EXPECT_EQ(log.Entries().size(), 1u);
+}
+
+TEST(ActivationContext, TheLogTellsThatThereAreNone) {
+    if (KernelHas("CreateActCtxW")) GTEST_SKIP() << "this host has activation contexts";
+    test::CapturedLog log;
+    EXPECT_EQ(CreateActiveContext(TEXT("a.dll")), INVALID_HANDLE_VALUE);
+    ReleaseActiveContext(INVALID_HANDLE_VALUE);
+    ASSERT_EQ(log.Entries().size(), 2u);
+    EXPECT_EQ(log.Entries()[0].level, '*');
+    EXPECT_EQ(log.Entries()[0].source, TEXT("os_xp"));
+    EXPECT_EQ(log.Entries()[0].text, TEXT("\t_CreateActCtx is NULL. This system does not support "
+                                          "Windows Theme System"));
+    EXPECT_EQ(log.Entries()[1].level, '*');
+    EXPECT_EQ(log.Entries()[1].text, TEXT("_ReleaseActCtx is NULL. This system does not support "
+                                          "Windows Theme System"));
+}

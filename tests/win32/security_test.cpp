@@ -1,0 +1,173 @@
+// Users and rights: identifiers, tokens, access checks, names, the service manager.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <winsvc.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "win32/file_fixture.h"
+
+namespace {
+
+using test::kUntouched;
+using test::Wide;
+
+PSID NewSid(BYTE last_authority, BYTE count, DWORD a, DWORD b = 0) {
+    SID_IDENTIFIER_AUTHORITY authority = {{0, 0, 0, 0, 0, last_authority}};
+    PSID sid = nullptr;
+    SetLastError(kUntouched);
+    AllocateAndInitializeSid(&authority, count, a, b, 0, 0, 0, 0, 0, 0, &sid);
+    return sid;
+}
+
+HANDLE ProcessToken(DWORD access) {
+    HANDLE token = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), access, &token));
+    return token;
+}
+
+// Impersonates its own user for one test.
+class AccessChecks : public test::FileTest {
+  protected:
+    void SetUp() override {
+        FileTest::SetUp();
+        ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+        ASSERT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_ALL_ACCESS, TRUE, &token_));
+        MakeFile(file_ = Path(TEXT("a.txt")), "a");
+    }
+    void TearDown() override {
+        CloseHandle(token_);
+        RevertToSelf();
+        FileTest::TearDown();
+    }
+    // The last error of the check, or NO_ERROR with the results in the members.
+    DWORD Check(HANDLE token, DWORD desired, DWORD privilege_bytes = sizeof(PRIVILEGE_SET)) {
+        DWORD bytes = 0;
+        GetFileSecurityW(file_.c_str(), kWanted, nullptr, 0, &bytes);
+        std::vector<BYTE> descriptor(bytes);
+        EXPECT_TRUE(GetFileSecurityW(file_.c_str(), kWanted, descriptor.data(), bytes, &bytes));
+        GENERIC_MAPPING mapping = {1, 2, 4, 8};
+        PRIVILEGE_SET privileges = {};
+        SetLastError(kUntouched);
+        const BOOL done = AccessCheck(descriptor.data(), token, desired, &mapping, &privileges,
+                                      &privilege_bytes, &granted_, &status_);
+        return done ? DWORD{NO_ERROR} : GetLastError();
+    }
+
+    static constexpr DWORD kWanted =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+    HANDLE token_ = nullptr;
+    Wide file_;
+    DWORD granted_ = kUntouched;
+    BOOL status_ = FALSE;
+};
+
+}  // namespace
+
+TEST(SecurityIds, AreEqualByAuthorityAndEveryPart) {
+    const std::array<PSID, 5> sids = {NewSid(5, 2, 32, 544), NewSid(5, 2, 32, 544),
+                                      NewSid(5, 2, 32, 545), NewSid(1, 2, 32, 544),
+                                      NewSid(5, 1, 32)};
+    EXPECT_TRUE(EqualSid(sids[0], sids[1]));
+    for (size_t i = 2; i < sids.size(); ++i) EXPECT_FALSE(EqualSid(sids[0], sids[i])) << i;
+    for (const PSID sid : sids) EXPECT_EQ(FreeSid(sid), nullptr);
+    EXPECT_EQ(NewSid(5, 9, 32), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_SID});
+}
+
+TEST(Tokens, AThreadHasOneOnlyWhileItImpersonates) {
+    HANDLE token = nullptr;
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_TOKEN});
+    ASSERT_TRUE(ImpersonateSelf(SecurityImpersonation));
+    EXPECT_TRUE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+    EXPECT_TRUE(CloseHandle(token));
+    EXPECT_TRUE(RevertToSelf());
+    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
+}
+
+TEST(Tokens, ListTheirGroups) {
+    const HANDLE token = ProcessToken(TOKEN_QUERY);
+    DWORD needed = 0;
+    EXPECT_FALSE(GetTokenInformation(token, TokenGroups, nullptr, 0, &needed));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    std::vector<SID_AND_ATTRIBUTES> buffer(needed / sizeof(SID_AND_ATTRIBUTES) + 1);
+    ASSERT_TRUE(GetTokenInformation(token, TokenGroups, buffer.data(), needed, &needed));
+    const auto* list = reinterpret_cast<const TOKEN_GROUPS*>(buffer.data());
+    const PSID everyone = NewSid(1, 1, 0);
+    EXPECT_TRUE(std::any_of(
+        list->Groups, list->Groups + list->GroupCount,
+        [everyone](const SID_AND_ATTRIBUTES& group) { return EqualSid(group.Sid, everyone); }));
+    FreeSid(everyone);
+    CloseHandle(token);
+
+    const HANDLE blind = ProcessToken(TOKEN_DUPLICATE);
+    EXPECT_FALSE(GetTokenInformation(blind, TokenGroups, buffer.data(), needed, &needed));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    CloseHandle(blind);
+    EXPECT_FALSE(GetTokenInformation(blind, TokenGroups, buffer.data(), needed, &needed));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST(AccessRights, GenericOnesAreMapped) {
+    GENERIC_MAPPING mapping = {0x1, 0x2, 0x4, 0x8};
+    const DWORD rows[][2] = {{GENERIC_READ, 1},
+                             {GENERIC_WRITE | 0x100, 0x102},
+                             {GENERIC_EXECUTE | GENERIC_ALL, 0xC},
+                             {SYNCHRONIZE, SYNCHRONIZE}};
+    for (const auto& row : rows) {
+        DWORD access = row[0];
+        MapGenericMask(&access, &mapping);
+        EXPECT_EQ(access, row[1]);
+    }
+}
+
+TEST_F(AccessChecks, GrantWhatTheOwnerMayDo) {
+    EXPECT_EQ(Check(token_, FILE_GENERIC_READ | FILE_GENERIC_WRITE), DWORD{NO_ERROR});
+    EXPECT_TRUE(status_);
+    EXPECT_EQ(granted_, FILE_GENERIC_READ | FILE_GENERIC_WRITE);
+    EXPECT_EQ(Check(token_, MAXIMUM_ALLOWED), DWORD{NO_ERROR});
+    EXPECT_EQ(granted_ & FILE_GENERIC_WRITE, FILE_GENERIC_WRITE);
+}
+
+TEST_F(AccessChecks, RefuseWhatTheyCannotJudge) {
+    const HANDLE process = ProcessToken(TOKEN_ALL_ACCESS);
+    EXPECT_EQ(Check(process, FILE_GENERIC_READ), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
+    CloseHandle(process);
+    EXPECT_EQ(Check(token_, GENERIC_READ), DWORD{ERROR_GENERIC_NOT_MAPPED});
+    EXPECT_EQ(Check(token_, FILE_GENERIC_READ, 4), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(Check(nullptr, FILE_GENERIC_READ), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_EQ(granted_, kUntouched);
+
+    DWORD needed = 0;
+    EXPECT_FALSE(GetFileSecurityW(Path(TEXT("none")).c_str(), kWanted, nullptr, 0, &needed));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+}
+
+TEST(UserNames, StateTheRoomTheyNeed) {
+    DWORD size = 0;
+    EXPECT_FALSE(GetUserNameW(nullptr, &size));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    ASSERT_GT(size, 1u);
+    Wide name(size, TEXT('?'));
+    EXPECT_TRUE(GetUserNameW(name.data(), &size));
+    EXPECT_EQ(name.size(), size);
+    EXPECT_EQ(name.find(TEXT('\0')), name.size() - 1);
+}
+
+TEST(ServiceManager, HasOneDatabaseOnThisMachine) {
+    EXPECT_EQ(OpenSCManagerW(nullptr, TEXT("NoSuchDatabase"), SC_MANAGER_CONNECT), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DATABASE_DOES_NOT_EXIST});
+    const SC_HANDLE manager = OpenSCManagerW(nullptr, TEXT("servicesactive"), SC_MANAGER_CONNECT);
+    if (manager == nullptr) {
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+        return;
+    }
+    EXPECT_TRUE(CloseServiceHandle(manager));
+    EXPECT_FALSE(CloseServiceHandle(manager));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+}
