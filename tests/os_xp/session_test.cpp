@@ -15,6 +15,9 @@ namespace {
 
 using test::Wide;
 
+constexpr DWORD kRead = FILE_GENERIC_READ;
+constexpr DWORD kWrite = FILE_GENERIC_WRITE;
+
 bool KernelHas(const char* name) {
     return GetProcAddress(GetModuleHandleW(TEXT("kernel32")), name) != nullptr;
 }
@@ -53,11 +56,11 @@ TEST_F(FileAccess, GrantsTheMappedRights) {
     const Wide file = Path(TEXT("a.txt"));
     MakeFile(file, "a");
     EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ), NO_ERROR);
-    EXPECT_EQ(granted_, FILE_GENERIC_READ);
+    EXPECT_EQ(granted_, kRead);
     EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ | GENERIC_WRITE), NO_ERROR);
-    EXPECT_EQ(granted_, FILE_GENERIC_READ | FILE_GENERIC_WRITE);
+    EXPECT_EQ(granted_, kRead | kWrite);
     EXPECT_EQ(CheckFileAccess(Folder().c_str(), granted_, GENERIC_READ), NO_ERROR);
-    EXPECT_EQ(granted_, FILE_GENERIC_READ);
+    EXPECT_EQ(granted_, kRead);
 }
 
 TEST_F(FileAccess, LeavesTheResultAloneWhenItFails) {

@@ -16,6 +16,9 @@ namespace {
 using test::kUntouched;
 using test::Wide;
 
+constexpr DWORD kRead = FILE_GENERIC_READ;
+constexpr DWORD kWrite = FILE_GENERIC_WRITE;
+
 PSID NewSid(BYTE last_authority, BYTE count, DWORD a, DWORD b = 0) {
     SID_IDENTIFIER_AUTHORITY authority = {{0, 0, 0, 0, 0, last_authority}};
     PSID sid = nullptr;
@@ -127,20 +130,20 @@ TEST(AccessRights, GenericOnesAreMapped) {
 }
 
 TEST_F(AccessChecks, GrantWhatTheOwnerMayDo) {
-    EXPECT_EQ(Check(token_, FILE_GENERIC_READ | FILE_GENERIC_WRITE), DWORD{NO_ERROR});
+    EXPECT_EQ(Check(token_, kRead | kWrite), DWORD{NO_ERROR});
     EXPECT_TRUE(status_);
-    EXPECT_EQ(granted_, FILE_GENERIC_READ | FILE_GENERIC_WRITE);
+    EXPECT_EQ(granted_, kRead | kWrite);
     EXPECT_EQ(Check(token_, MAXIMUM_ALLOWED), DWORD{NO_ERROR});
-    EXPECT_EQ(granted_ & FILE_GENERIC_WRITE, FILE_GENERIC_WRITE);
+    EXPECT_EQ(granted_ & kWrite, kWrite);
 }
 
 TEST_F(AccessChecks, RefuseWhatTheyCannotJudge) {
     const HANDLE process = ProcessToken(TOKEN_ALL_ACCESS);
-    EXPECT_EQ(Check(process, FILE_GENERIC_READ), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
+    EXPECT_EQ(Check(process, kRead), DWORD{ERROR_NO_IMPERSONATION_TOKEN});
     CloseHandle(process);
     EXPECT_EQ(Check(token_, GENERIC_READ), DWORD{ERROR_GENERIC_NOT_MAPPED});
-    EXPECT_EQ(Check(token_, FILE_GENERIC_READ, 4), DWORD{ERROR_INSUFFICIENT_BUFFER});
-    EXPECT_EQ(Check(nullptr, FILE_GENERIC_READ), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_EQ(Check(token_, kRead, 4), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(Check(nullptr, kRead), DWORD{ERROR_INVALID_HANDLE});
     EXPECT_EQ(granted_, kUntouched);
 
     DWORD needed = 0;
