@@ -203,3 +203,9 @@ QV_HOST_API BOOL GetVersionExW(OSVERSIONINFOW* info);
 QV_HOST_API DWORD ExpandEnvironmentStringsW(LPCWSTR text, LPWSTR buffer, DWORD size);
 QV_HOST_API DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size);
 QV_HOST_API BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
+
+// ---- Global atoms
+QV_HOST_API ATOM GlobalAddAtomW(LPCWSTR name);
+QV_HOST_API ATOM GlobalFindAtomW(LPCWSTR name);
+QV_HOST_API ATOM GlobalDeleteAtom(ATOM atom);
+QV_HOST_API UINT GlobalGetAtomNameW(ATOM atom, LPWSTR buffer, int size);
