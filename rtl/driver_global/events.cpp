@@ -1,0 +1,138 @@
+#include "driver_global/events.h"
+
+#include <shellapi.h>
+
+#include <limits>
+
+#include "driver_global/program_texts.h"
+#include "driver_global/source_log.h"
+#include "mox_classes/sysutils.h"
+#include "mox_classes/template_string.h"
+#include "xml/xml_doc.h"
+
+namespace {
+
+constexpr int kDefaultTimeout = 3000;  // milliseconds
+
+// Absent ones are empty.
+UnicodeString Attribute(const TXmlNode& action, const WCHAR* name) {
+    return action.AttrGetString(name, System::kCodePageUtf8);
+}
+
+UnicodeString Filled(const UnicodeString& text, TFillTagsInfo& info) {
+    return TemplateStringSafeFormat(text, QVFillField, &info);
+}
+
+UnicodeString FirstText(const UnicodeString& text, const UnicodeString& otherwise) {
+    return text.Length() > 0 ? text : otherwise;
+}
+
+// `text` with its terminator as a block for WM_COPYDATA; false when it is too long for one.
+bool MakeCopyData(ULONG_PTR id, const UnicodeString& text, COPYDATASTRUCT& data) {
+    const unsigned long long bytes = (static_cast<unsigned long long>(text.Length()) + 1) * 2;
+    if (bytes > std::numeric_limits<DWORD>::max()) return false;
+    data = {id, static_cast<DWORD>(bytes), const_cast<WCHAR*>(text.t_str())};
+    return true;
+}
+
+// The description's "win": a handle's number, a class, a title.
+HWND FindTarget(const UnicodeString& win) {
+    if (win.Length() == 0) return nullptr;
+    auto* window = static_cast<HWND>(Sysutils::StrToHandleDef(win, nullptr));
+    if (window == nullptr) window = FindWindowW(win.t_str(), nullptr);
+    return window != nullptr ? window : FindWindowW(nullptr, win.t_str());
+}
+
+void DeliverText(HWND window, const UnicodeString& message, const TXmlNode& action,
+                 TFillTagsInfo& info) {
+    UINT number = static_cast<UINT>(Sysutils::StrToIntDef(message, 0));
+    if (number == 0) number = RegisterWindowMessageW(message.t_str());
+    const int timeout = Sysutils::StrToIntDef(Attribute(action, TEXT("timeout")), kDefaultTimeout);
+    const UnicodeString text = Filled(
+        FirstText(Attribute(action, TEXT("param_msg")), Attribute(action, TEXT("param"))), info);
+    if (timeout < 1) {
+        PostMessageW(window, number, GlobalAddAtomW(text.t_str()), 0);
+        return;
+    }
+    COPYDATASTRUCT data;
+    DWORD_PTR result = 0;
+    if (!MakeCopyData(number, text, data)) return;
+    SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data), SMTO_NORMAL,
+                        static_cast<UINT>(timeout), &result);
+}
+
+// Windows reads names without the dots and blanks at their ends.
+bool IsBatchFile(const UnicodeString& file) {
+    int length = file.Length();
+    while (length > 0 && (file[length] == '.' || file[length] == ' ')) --length;
+    const UnicodeString extension =
+        length < 4 ? UnicodeString() : file.SubString(length - 3, 4).LowerCase();
+    return extension == TEXT(".bat") || extension == TEXT(".cmd");
+}
+
+void StartProgram(const TXmlNode& action, TFillTagsInfo& info) {
+    const UnicodeString verb = FirstText(Filled(Attribute(action, TEXT("op")), info), TEXT("Open"));
+    const UnicodeString file = driver_global::FilledPath(Attribute(action, TEXT("file")), info);
+    if (file.Length() == 0) return;
+    const UnicodeString folder = driver_global::FilledPath(Attribute(action, TEXT("dir")), info);
+    const UnicodeString pattern =
+        FirstText(Attribute(action, TEXT("param_run")), Attribute(action, TEXT("param")));
+    if (IsBatchFile(file) && driver_global::HoldsCommandUnits(pattern, info)) {
+        driver_global::Log('*', Sysutils::UnicodePrintf(
+                                    TEXT("DoXmlEvent: '%s' is not started: a value could act as a "
+                                         "command of a batch file"),
+                                    file));
+        return;
+    }
+    const UnicodeString parameters = driver_global::FilledParameters(pattern, info);
+    ShellExecuteW(nullptr, verb.t_str(), file.t_str(), parameters.t_str(), folder.t_str(),
+                  Sysutils::StrToIntDef(Attribute(action, TEXT("showcmd")), SW_SHOW));
+}
+
+void Fire(const UnicodeString& event_name, const TXmlNode& action, TFillTagsInfo& info) {
+    info.FileNameSafe = false;
+    const HWND window = FindTarget(Attribute(action, TEXT("win")));
+    const UnicodeString message = FirstText(Attribute(action, TEXT("msg")), event_name);
+    if (window != nullptr && message.Length() > 0) {
+        DeliverText(window, message, action, info);
+    } else {
+        StartProgram(action, info);
+    }
+}
+
+class TKeepFileNameSafe {
+  public:
+    explicit TKeepFileNameSafe(TFillTagsInfo& info) : info_(info), kept_(info.FileNameSafe) {}
+    TKeepFileNameSafe(const TKeepFileNameSafe&) = delete;
+    TKeepFileNameSafe& operator=(const TKeepFileNameSafe&) = delete;
+    ~TKeepFileNameSafe() { info_.FileNameSafe = kept_; }
+
+  private:
+    TFillTagsInfo& info_;
+    const bool kept_;
+};
+
+}  // namespace
+
+bool DoXmlEvent(const UnicodeString& event_name, const UnicodeString& description,
+                TFillTagsInfo* info) {
+    driver_global::Log('i',
+                       Sysutils::UnicodePrintf(TEXT("DoXmlEvent: %s,%s"), event_name, description));
+    if (description.Length() == 0) return false;
+    TXmlDoc events;
+    if (!events.LoadFromString(description, TEXT("events"))) return false;
+    TFillTagsInfo nothing;
+    TFillTagsInfo& source = info != nullptr ? *info : nothing;
+    const TKeepFileNameSafe keep(source);
+    for (int i = 0; i < events.FRoot->ChildCount(); ++i) {
+        Fire(event_name, *events.FRoot->GetChild(i), source);
+    }
+    return true;
+}
+
+long long SendString(HWND window, ULONG id, UnicodeString text) {
+    COPYDATASTRUCT data;
+    if (!MakeCopyData(id, text, data)) return 0;
+    return SendMessageW(window, WM_COPYDATA, reinterpret_cast<WPARAM>(window),
+                        reinterpret_cast<LPARAM>(&data));
+}
