@@ -35,6 +35,7 @@
 #include "os_xp/file_access.h"
 #include "os_xp/file_dialog.h"
 #include "os_xp/message_filter.h"
+#include "os_xp/program_start.h"
 #include "os_xp/user_name.h"
 #include "printer_query/job_record.h"
 #include "printer_query/spooler.h"

@@ -1,0 +1,35 @@
+#include "os_xp/program_start.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include "mox_classes/sysutils_paths.h"
+#include "mox_log/sys_error.h"
+#include "os_xp/source_log.h"
+
+static_assert(sizeof(SHELLEXECUTEINFOW) == 112);
+
+bool RunAs(UnicodeString program, UnicodeString parameters, bool elevate) {
+    const UnicodeString folder = Sysutils::ExtractFilePath(program);
+    SHELLEXECUTEINFOW start{};
+    start.cbSize = sizeof(start);
+    start.lpVerb = elevate ? TEXT("runas") : nullptr;
+    start.lpFile = program.t_str();
+    start.lpParameters = parameters.t_str();
+    start.lpDirectory = folder.t_str();
+    start.nShow = SW_SHOWNORMAL;
+    if (!ShellExecuteExW(&start)) {
+        const UnicodeString reason = Mox::GetSysError(GetLastError(), true);
+        os_xp::Log('X', UnicodeString().sprintf(TEXT("ShellExecuteEx('%s', '%s') failed: %s"),
+                                                program, parameters, reason));
+    }
+    return true;
+}
+
+void ShowShieldIcon(HWND button) {
+    PostMessageW(button, BCM_SETSHIELD, 0, TRUE);
+}
+
+HICON GetShieldIcon() {
+    return nullptr;
+}
