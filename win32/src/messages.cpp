@@ -96,6 +96,7 @@ constexpr Message kMessages[] = {
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ERROR_NO_ASSOCIATION,
      "No application is associated with the specified file for this operation."},
+    {ERROR_MESSAGE_SYNC_ONLY, "The message can be used only with synchronous operations."},
     {ERROR_NOT_FOUND, "Element not found."},
     {ERROR_CANCELLED, "The operation was canceled by the user."},
     {ERROR_NO_IMPERSONATION_TOKEN,
@@ -115,6 +116,7 @@ constexpr Message kMessages[] = {
     {ERROR_CANNOT_FIND_WND_CLASS, "Cannot find window class."},
     {ERROR_CLASS_ALREADY_EXISTS, "Class already exists."},
     {ERROR_CLASS_DOES_NOT_EXIST, "Class does not exist."},
+    {ERROR_CLASS_HAS_WINDOWS, "Class still has open windows."},
     {ERROR_NO_SYSTEM_RESOURCES,
      "Insufficient system resources exist to complete the requested service."},
     {ERROR_TIMEOUT, "This operation returned because the timeout period expired."},
@@ -135,6 +137,7 @@ constexpr Message kMessages[] = {
      "The specified resource name cannot be found in the image file."},
     {ERROR_RESOURCE_LANG_NOT_FOUND,
      "The specified resource language ID cannot be found in the image file."},
+    {ERROR_NOT_ENOUGH_QUOTA, "Not enough quota is available to process this command."},
     {ERROR_INVALID_PRINTER_STATE, "The state of the printer is invalid."},
     {3000, "The specified print monitor is unknown."},
 };

@@ -75,14 +75,12 @@ ThreadWindows* ThreadWindows::OfThisThread() {
 
 void ThreadWindows::Add(std::unique_ptr<OwnWindow> window) {
     const WindowNumber number = window->claim.number();
-    ++window->window_class->windows;
     windows_.insert_or_assign(number, std::move(window));
 }
 
 void ThreadWindows::Remove(WindowNumber number) {
     const auto found = windows_.find(number);
     if (found == windows_.end()) return;
-    --found->second->window_class->windows;
     windows_.erase(found);
     std::erase_if(posted_, [number](const MSG& m) { return m.hwnd == WindowOf(number); });
 }
@@ -192,7 +190,10 @@ bool ThreadWindows::Wait(int connection, bool for_windows, const Deadline& deadl
     std::vector<pollfd> states;
     if (connection >= 0) states.push_back({connection, POLLIN, 0});
     if (for_windows) {
+        // While no more posted messages fit, new ones wait at their windows.
+        const bool has_room = posted_.size() < kMostPosted;
         for (const auto& [number, window] : windows_) {
+            if (!has_room) break;
             states.push_back({window->claim.listener(), POLLIN, 0});
         }
         for (const Arrival& arrival : arrivals_) {

@@ -23,6 +23,14 @@ using Deadline = std::optional<std::chrono::steady_clock::time_point>;  // nothi
 Deadline DeadlineAfter(UINT milliseconds);
 
 struct OwnWindow {
+    OwnWindow(WindowClaim place, std::shared_ptr<WindowClass> of)
+        : claim(std::move(place)), window_class(std::move(of)) {
+        ++window_class->windows;
+    }
+    OwnWindow(const OwnWindow&) = delete;
+    OwnWindow& operator=(const OwnWindow&) = delete;
+    ~OwnWindow() { --window_class->windows; }
+
     WindowClaim claim;
     std::shared_ptr<WindowClass> window_class;
     LONG_PTR user_data = 0;

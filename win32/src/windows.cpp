@@ -42,15 +42,15 @@ HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DW
     ThreadWindows* const windows = ThreadWindows::OfThisThread();
     if (windows == nullptr) return FailWindow(ERROR_NOT_ENOUGH_MEMORY);
     if (parent != nullptr && parent != HWND_MESSAGE) return FailWindow(ERROR_NOT_SUPPORTED);
-    auto own = std::make_unique<OwnWindow>();
-    own->window_class = FindWindowClass(class_name);
-    if (own->window_class == nullptr) return FailWindow(ERROR_CANNOT_FIND_WND_CLASS);
+    auto window_class = FindWindowClass(class_name);
+    if (window_class == nullptr) return FailWindow(ERROR_CANNOT_FIND_WND_CLASS);
+    WindowClaim claim;
     const DWORD error =
-        own->claim.Open({GetCurrentProcessId(), GetCurrentThreadId(), parent == HWND_MESSAGE,
-                         own->window_class->name, WideString(ViewOf(title))});
+        claim.Open({GetCurrentProcessId(), GetCurrentThreadId(), parent == HWND_MESSAGE,
+                    window_class->name, WideString(ViewOf(title))});
     if (error != NO_ERROR) return FailWindow(error);
-    const WindowNumber number = own->claim.number();
-    windows->Add(std::move(own));
+    const WindowNumber number = claim.number();
+    windows->Add(std::make_unique<OwnWindow>(std::move(claim), std::move(window_class)));
     CREATESTRUCTW create{
         parameter, instance,   menu,          parent, height, width, y, x, static_cast<LONG>(style),
         title,     class_name, extended_style};
