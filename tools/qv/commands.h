@@ -9,6 +9,7 @@ void AddXmlCommand(CLI::App& app);
 void AddTextCommand(CLI::App& app);
 void AddPrinterCommands(CLI::App& app);
 void AddLogCommands(CLI::App& app);
+void AddEventCommands(CLI::App& app);
 // What only the host of the build offers; nothing on Windows.
 void AddHostCommands(CLI::App& app);
 

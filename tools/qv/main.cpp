@@ -22,6 +22,7 @@ void AddCommands(CLI::App& app) {
     qv::AddTextCommand(app);
     qv::AddPrinterCommands(app);
     qv::AddLogCommands(app);
+    qv::AddEventCommands(app);
     qv::AddHostCommands(app);
 }
 

@@ -1,0 +1,213 @@
+// qv event fire, qv event listen, qv tags: events of a made-up job, and what they send.
+#include <windows.h>
+
+#include <winspool.h>
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#include "commands.h"
+#include "console.h"
+#include "driver_devmode/qvdm.h"
+#include "driver_global/events.h"
+#include "mox_classes/streams.h"
+#include "mox_classes/sysutils.h"
+#include "mox_classes/template_string.h"
+#include "mox_log/sys_error.h"
+#include "printer_query/spooler.h"
+
+namespace qv {
+
+namespace {
+
+using Text = std::basic_string<WCHAR>;
+
+// A job as the options describe it.
+struct JobOptions {
+    DWORD id = 1, pages = 1;
+    int page = 1, serial = 1;
+    std::string document = "Document", user = "user", machine = "machine", printer = "printer";
+    std::string spool_file, output_file, application;
+};
+
+void AddJobOptions(CLI::App& command, JobOptions& job) {
+    command.add_option("--job-id", job.id, "The job's number");
+    command.add_option("--document", job.document, "The document's name");
+    command.add_option("--user", job.user, "Who printed");
+    command.add_option("--machine", job.machine, "From which machine");
+    command.add_option("--printer", job.printer, "The printer's name");
+    command.add_option("--spool-file", job.spool_file, "The spool file (the job's parameters)");
+    command.add_option("--output-file", job.output_file, "The output file");
+    command.add_option("--application", job.application, "The application");
+    command.add_option("--pages", job.pages, "The number of pages");
+    command.add_option("--page", job.page, "The page's number");
+    command.add_option("--serial", job.serial, "The serial number");
+}
+
+// Owns the texts that the job's record points at.
+class SampleJob {
+  public:
+    explicit SampleJob(const JobOptions& options) {
+        job_.JobId = options.id;
+        job_.TotalPages = options.pages;
+        job_.pDocument = Keep(0, options.document);
+        job_.pUserName = Keep(1, options.user);
+        job_.pMachineName = Keep(2, options.machine);
+        job_.pPrinterName = Keep(3, options.printer);
+        job_.pParameters = Keep(4, options.spool_file);
+        info_.Job = &job_;
+        info_.Sn = options.serial;
+        info_.PageNo = options.page;
+        info_.OutFile = FromUtf8(options.output_file);
+        info_.Application = FromUtf8(options.application);
+    }
+    SampleJob(const SampleJob&) = delete;
+    SampleJob& operator=(const SampleJob&) = delete;
+    TFillTagsInfo& Info() { return info_; }
+
+  private:
+    LPWSTR Keep(int i, const std::string& text) {
+        texts_[i] = FromUtf8(text).t_str();
+        return texts_[i].data();
+    }
+
+    Text texts_[5];
+    JOB_INFO_2W job_ = {};
+    TFillTagsInfo info_;
+};
+
+// Nothing when the file cannot be read.
+bool ReadDescription(const std::string& name, UnicodeString& text) {
+    const UnicodeString wide = FromUtf8(name);
+    if (!Sysutils::FileExists(wide)) return false;
+    Classes::TFileStream file(wide, 0);
+    std::string bytes(static_cast<std::size_t>(file.GetSize()), '\0');
+    if (!bytes.empty()) file.ReadBuffer(bytes.data(), static_cast<int>(bytes.size()));
+    text = FromUtf8(bytes);
+    return true;
+}
+
+// The description in a printer's settings.
+UnicodeString PrinterEvent(const std::string& printer) {
+    auto settings = GetGlobalDevMode(FromUtf8(printer));
+    if (!settings.IsSuccess()) {
+        throw Failure("cannot read the settings of '" + printer +
+                      "': " + OneLine(Mox::GetSysError(settings.GetErrorCode(), true).Trim()));
+    }
+    TQVDM wrapper;
+    if (settings.IsEmpty() || !wrapper.SetDEVMODE(&settings[0], settings.Size()))
+        throw Failure("'" + printer + "' has no settings of the product");
+    const UnicodeString target = wrapper.Target;
+    if (target.Length() == 0 || target[1] != '<')
+        throw Failure("'" + printer + "' has no event in its settings");
+    return target;
+}
+
+void FireEvent(const std::string& source, const std::string& event, const JobOptions& options) {
+    SampleJob job(options);
+    UnicodeString description;
+    if (!ReadDescription(source, description)) description = PrinterEvent(source);
+    if (!DoXmlEvent(FromUtf8(event), description, &job.Info()))
+        throw Failure("the description is empty or not well-formed");
+}
+
+// Prints the text of each atom of a message that is registered or above WM_USER.
+void PrintAtom(UINT message, ATOM atom) {
+    WCHAR text[256];
+    const UINT length = GlobalGetAtomNameW(atom, text, 256);
+    if (length == 0) return;
+    GlobalDeleteAtom(atom);
+    PrintLine("atom\t" + std::to_string(message) + "\t" + OneLine(UnicodeString(text, length)));
+}
+
+struct Listener {
+    long left;  // messages to print; negative: no limit
+};
+
+void PrintCopyData(const COPYDATASTRUCT& data) {
+    const auto* text = static_cast<const WCHAR*>(data.lpData);
+    std::size_t units = data.cbData / sizeof(WCHAR);
+    if (units > 0 && text[units - 1] == 0) --units;
+    PrintLine("text\t" + std::to_string(data.dwData) + "\t" +
+              OneLine(UnicodeString(text, static_cast<long long>(units))));
+}
+
+LRESULT CALLBACK ListenerProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    auto* listener = reinterpret_cast<Listener*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (listener == nullptr || listener->left == 0)
+        return DefWindowProcW(window, message, wparam, lparam);
+    if (message == WM_COPYDATA) {
+        PrintCopyData(*reinterpret_cast<const COPYDATASTRUCT*>(lparam));
+    } else if (message >= WM_USER && wparam >= 0xC000 && wparam <= 0xFFFF) {
+        PrintAtom(message, static_cast<ATOM>(wparam));
+    } else {
+        return DefWindowProcW(window, message, wparam, lparam);
+    }
+    if (listener->left > 0) --listener->left;
+    return TRUE;
+}
+
+void Listen(const std::string& class_name, long count, long timeout) {
+    const UnicodeString name = FromUtf8(class_name);
+    WNDCLASSW window_class{};
+    window_class.lpfnWndProc = ListenerProcedure;
+    window_class.lpszClassName = name.t_str();
+    HWND window = nullptr;
+    if (RegisterClassW(&window_class) != 0) {
+        window = CreateWindowExW(0, name.t_str(), name.t_str(), 0, 0, 0, 0, 0, nullptr, nullptr,
+                                 nullptr, nullptr);
+    }
+    if (window == nullptr) {
+        throw Failure("cannot make the window: " +
+                      OneLine(Mox::GetSysError(GetLastError(), true).Trim()));
+    }
+    Listener listener{count > 0 ? count : -1};
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&listener));
+    constexpr DWORD kPause = 10;  // milliseconds
+    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout);
+    while (listener.left != 0 && (timeout <= 0 || std::chrono::steady_clock::now() < end)) {
+        MSG message;
+        while (listener.left != 0 && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
+        if (listener.left != 0) Sleep(kPause);
+    }
+    DestroyWindow(window);
+    if (listener.left > 0) throw Failure("timed out");
+}
+
+}  // namespace
+
+void AddEventCommands(CLI::App& app) {
+    auto job = std::make_shared<JobOptions>();
+    auto text = std::make_shared<std::string>();
+    auto name = std::make_shared<std::string>();
+    auto limits = std::make_shared<std::pair<long, long>>(0, 0);
+
+    CLI::App* event = app.add_subcommand("event", "Fire events of a job, and see what they send");
+    event->require_subcommand(1);
+    CLI::App* fire = event->add_subcommand("fire", "Fire the event of a printer or of a file");
+    fire->add_option("PRINTER|FILE", *text, "A printer's name, or a file with the description")
+        ->required();
+    fire->add_option("EVENT", *name, "The event's name")->required();
+    AddJobOptions(*fire, *job);
+    fire->callback([=] { FireEvent(*text, *name, *job); });
+
+    CLI::App* listen = event->add_subcommand("listen", "Print what arrives at a window");
+    listen->add_option("CLASS", *name, "The window's class and title")->required();
+    listen->add_option("--count", limits->first, "End after that many texts");
+    listen->add_option("--timeout", limits->second, "End after that many milliseconds");
+    listen->callback([=] { Listen(*name, limits->first, limits->second); });
+
+    CLI::App* tags = app.add_subcommand("tags", "Fill a template with the tags of a job");
+    tags->add_option("TEMPLATE", *text, "For example \"{docname} {jobid%05d}\"")->required();
+    AddJobOptions(*tags, *job);
+    tags->callback([=] {
+        SampleJob sample(*job);
+        PrintLine(OneLine(TemplateStringSafeFormat(FromUtf8(*text), QVFillField, &sample.Info())));
+    });
+}
+
+}  // namespace qv
