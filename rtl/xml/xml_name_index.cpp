@@ -37,7 +37,6 @@ bool XmlNamesEqual(const UnicodeString& a, const UnicodeString& b) {
 }
 
 void TXmlNameIndex::Extend(TXmlPair* const* items, int count) {
-    next_.reserve(static_cast<std::size_t>(count));
     while (next_.size() < static_cast<std::size_t>(count)) {
         if ((used_ + 1) * 2 > entries_.size()) Grow();
         Insert(items, static_cast<std::int32_t>(next_.size()));
