@@ -15,8 +15,7 @@ HWND FailWindow(DWORD code) {
 }
 
 bool Matches(const WindowRecord& record, LPCWSTR class_name, LPCWSTR title) {
-    return !record.message_only &&
-           (class_name == nullptr || EqualFolded(record.class_name, class_name)) &&
+    return (class_name == nullptr || EqualFolded(record.class_name, class_name)) &&
            (title == nullptr || EqualFolded(record.title, title));
 }
 
@@ -100,10 +99,13 @@ HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
     if (class_name != nullptr && reinterpret_cast<ULONG_PTR>(class_name) <= 0xFFFF) {
         return FailWindow(ERROR_NOT_SUPPORTED);
     }
+    HWND message_only = nullptr;
     for (const LiveWindow& window : LiveWindows()) {
-        if (Matches(window.record, class_name, title)) return WindowOf(window.number);
+        if (!Matches(window.record, class_name, title)) continue;
+        if (!window.record.message_only) return WindowOf(window.number);
+        if (message_only == nullptr) message_only = WindowOf(window.number);
     }
-    return nullptr;
+    return message_only;
 }
 
 BOOL IsWindow(HWND window) {
