@@ -52,7 +52,8 @@ TEST(StringList, BlanksAndDelimitersSeparateUnlessStrict) {
         {TEXT("\"ab\"cd"), {TEXT("ab"), TEXT("cd")}},
         {TEXT("a\"b,\"\""), {TEXT("a\"b"), TEXT("")}},
     };
-    for (const auto& c : cases) EXPECT_EQ(Split(c.text), c.items) << testing::PrintToString(UnicodeString(c.text));
+    for (const auto& c : cases)
+        EXPECT_EQ(Split(c.text), c.items) << testing::PrintToString(UnicodeString(c.text));
     EXPECT_EQ(Split(TEXT("a b, c"), true), (Texts{TEXT("a b"), TEXT(" c")}));
     EXPECT_EQ(Split(TEXT(", "), true), (Texts{TEXT(""), TEXT(" ")}));
 }
