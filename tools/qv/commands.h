@@ -8,6 +8,8 @@ namespace qv {
 void AddXmlCommand(CLI::App& app);
 void AddTextCommand(CLI::App& app);
 void AddPrinterCommands(CLI::App& app);
+void AddCatalogueCommands(CLI::App& app);
+void AddBlockCommands(CLI::App& app);
 void AddLogCommands(CLI::App& app);
 void AddEventCommands(CLI::App& app);
 // What only the host of the build offers; nothing on Windows.

@@ -21,6 +21,8 @@ void AddCommands(CLI::App& app) {
     qv::AddXmlCommand(app);
     qv::AddTextCommand(app);
     qv::AddPrinterCommands(app);
+    qv::AddCatalogueCommands(app);
+    qv::AddBlockCommands(app);
     qv::AddLogCommands(app);
     qv::AddEventCommands(app);
     qv::AddHostCommands(app);
