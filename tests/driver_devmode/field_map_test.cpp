@@ -96,7 +96,7 @@ TEST_F(FieldMap, NumbersKeepToTheRangeOfTheirElement) {
 TEST_F(FieldMap, TheIdentifierIsPlainTextThatEndsBeforeItsZero) {
     EXPECT_EQ(Set("exID", "A text that is far too long"), "\"QV DEVMODEex\"");
     EXPECT_EQ(std::memcmp(settings.GetDM()->exID, "A text that i", 13), 0);
-    EXPECT_EQ(settings.GetDM()->exVersion, 263);
+    EXPECT_EQ(int{settings.GetDM()->exVersion}, 263);
 }
 
 TEST_F(FieldMap, XmlSetsGroupsAndRecordsPreviousValues) {

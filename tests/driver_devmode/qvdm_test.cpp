@@ -17,9 +17,9 @@ TEST(Qvdm, StringsArePackedInOrderBehindTheFirstUnit) {
     settings.FileName = TEXT("fax.tif");
     settings.Target = UnicodeString();
     ASSERT_TRUE(settings.Encode());
-    EXPECT_EQ(settings.GetDM()->exOut.DirectoryOffset, 1);
-    EXPECT_EQ(settings.GetDM()->exOut.FileNameOffset, 8);
-    EXPECT_EQ(settings.GetDM()->exRun.TargetOffset, 0);
+    EXPECT_EQ(int{settings.GetDM()->exOut.DirectoryOffset}, 1);
+    EXPECT_EQ(int{settings.GetDM()->exOut.FileNameOffset}, 8);
+    EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 0);
 
     TQVDM reader(settings.GetDM());
     EXPECT_EQ(reader.DeviceName, UnicodeString(TEXT("Vantrel")));
@@ -35,11 +35,11 @@ TEST(Qvdm, ThePoolTakesExactly2047Units) {
     settings.FileName = Repeat(1000);
     settings.Target = Repeat(44);
     EXPECT_TRUE(settings.Encode());
-    EXPECT_EQ(settings.GetDM()->exRun.TargetOffset, 2003);
+    EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 2003);
     EXPECT_EQ(TQVDM(settings.GetDM()).Target.Length(), 44);
     settings.Target = Repeat(45);
     EXPECT_FALSE(settings.Encode());
-    EXPECT_EQ(settings.GetDM()->exRun.TargetOffset, 0);
+    EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 0);
 }
 
 TEST(Qvdm, OffsetsOutsideThePoolAndMissingTerminatorsFail) {

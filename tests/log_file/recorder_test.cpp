@@ -49,7 +49,7 @@ TEST_F(Recorder, TheFirstRecordFollowsTheHeader) {
     const DWORD record = 30 + 7 + 6;  // fixed part with tag and length, "tests", "text"
     EXPECT_EQ(Image().size(), 100 + record);
     EXPECT_EQ(header.version, 1u);
-    EXPECT_EQ(header.counter, 1u);
+    EXPECT_EQ(std::uint64_t{header.counter}, 1u);
     EXPECT_EQ(header.count, 1u);
     EXPECT_EQ(header.limit, 0x500000u);
     EXPECT_EQ(header.write_position, 100 + record);
@@ -138,7 +138,7 @@ TEST_F(Recorder, ARingTooSmallForAnythingStaysEmpty) {
     Record(120);
     Log("text");
     EXPECT_LE(Image().size(), 120u);
-    EXPECT_EQ(Header().counter, 0u);
+    EXPECT_EQ(std::uint64_t{Header().counter}, 0u);
 }
 
 TEST_F(Recorder, AFileThatDoesNotOpenBlocksNobody) {

@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "xml/xml_test.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 class TOpenFinder : public TAsciiCharFinder {
   public:
-    explicit TOpenFinder(const std::string& text)
+    explicit TOpenFinder(std::string_view text)
         : TAsciiCharFinder(text.data(), static_cast<int>(text.size())) {}
     using TAsciiCharFinder::FPos;
     using TAsciiCharFinder::FStep;
