@@ -121,7 +121,7 @@ bool SetNumbers(const TField& field, const UnicodeString& text, UnicodeString& p
     UnicodeString before;
     bool all_set = true;
     for (int i = 0; i < row.Count; ++i) {
-        auto* element = static_cast<std::uint8_t*>(field.data) + i * row.Size;
+        auto* element = static_cast<std::uint8_t*>(field.data) + std::ptrdiff_t{i} * row.Size;
         const UnicodeString was = ElementText(row, element, Unsigned32::AsUnsigned);
         if (i < items.GetCount()) {
             long long number = 0;
@@ -185,8 +185,9 @@ UnicodeString NumbersText(const TField& field) {
     UnicodeString text;
     for (int i = 0; i < row.Count; ++i) {
         if (i > 0) text += TEXT(",");
-        text += ElementText(row, static_cast<const std::uint8_t*>(field.data) + i * row.Size,
-                            Unsigned32::AsSigned);
+        text += ElementText(
+            row, static_cast<const std::uint8_t*>(field.data) + std::ptrdiff_t{i} * row.Size,
+            Unsigned32::AsSigned);
     }
     return text;
 }

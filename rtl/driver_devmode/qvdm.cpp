@@ -51,6 +51,7 @@ TQVDM::TQVDM(const TQVDM& other)
       block_size_(other.block_size_) {}
 
 TQVDM& TQVDM::operator=(const TQVDM& other) {
+    if (this == &other) return *this;
     if (FDM != other.FDM) {
         release();
         FDM = other.FDM;

@@ -36,6 +36,7 @@ UnicodeString::~UnicodeString() {
     kBlocks.Clear(data);
 }
 
+// Sharing the own buffer changes nothing.  NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 UnicodeString& UnicodeString::operator=(const UnicodeString& other) noexcept {
     void* data = data_;
     kBlocks.Assign(data, other.data_);

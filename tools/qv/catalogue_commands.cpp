@@ -1,5 +1,5 @@
 // qv papers, qv resolutions: what the product's resource file offers.
-#include <cstdio>
+#include <charconv>
 #include <memory>
 
 #include "commands.h"
@@ -39,8 +39,11 @@ std::string Line(const TQVSizeData& entry, bool is_default) {
 }
 
 void ParseSize(const std::string& text, int& width, int& height) {
-    char rest = 0;
-    if (std::sscanf(text.c_str(), "%dx%d%c", &width, &height, &rest) != 2) {
+    const char* const end = text.data() + text.size();
+    const auto first = std::from_chars(text.data(), end, width);
+    const bool crossed = first.ec == std::errc() && first.ptr != end && *first.ptr == 'x';
+    const auto second = crossed ? std::from_chars(first.ptr + 1, end, height) : first;
+    if (!crossed || second.ec != std::errc() || second.ptr != end) {
         throw CLI::ValidationError("--fit", "'" + text + "' is not of the form WIDTHxHEIGHT");
     }
 }

@@ -14,7 +14,7 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kMaxLine = 64 * 1024;
+constexpr std::size_t kMaxLine = 65536;
 
 // The child's streams: nothing to read, output into the pipe, errors where ours go.
 class Streams {

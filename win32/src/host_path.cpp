@@ -165,8 +165,8 @@ std::string Locate(const std::string& root, const std::vector<std::string>& part
     if (Exists(given)) return given;
     std::string path = root;
     for (const std::string& part : parts) {
-        const std::string exact = path + '/' + part;
-        path = Exists(exact) ? exact : path + '/' + FindIgnoringCase(path, part);
+        const std::string exact = Join(path, {part});
+        path = Exists(exact) ? exact : Join(path, {FindIgnoringCase(path, part)});
     }
     return path.empty() ? "/" : path;
 }

@@ -35,6 +35,7 @@ namespace {
 
 int StartProgram(const std::vector<std::string>& arguments, const std::string& folder) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         pointers.push_back(const_cast<char*>(argument.c_str()));
     }

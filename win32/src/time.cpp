@@ -88,7 +88,9 @@ BOOL FileTimeToSystemTime(const FILETIME* time, SYSTEMTIME* parts) {
 }
 
 void Sleep(DWORD milliseconds) {
-    while (milliseconds == INFINITE) pause();
+    if (milliseconds == INFINITE) {
+        for (;;) pause();
+    }
     if (milliseconds == 0) {
         sched_yield();
         return;
