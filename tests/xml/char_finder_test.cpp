@@ -62,7 +62,7 @@ TEST(CharFinder, StepsAreTheLengthsOfCharacters) {
     TOpenFinder ansi("");
     ansi.CheckCodePage(System::kCodePageAnsi);
     EXPECT_EQ(ansi.FStep[0], 0);
-    EXPECT_EQ(ansi.FStep['a'], 1);
+    EXPECT_EQ(ansi.FStep[0x61], 1);
     EXPECT_EQ(ansi.FStep[0xA9], 1);
 }
 
