@@ -51,30 +51,19 @@ std::int64_t DevModeBytes(const void* dm) {
     return std::int64_t{header.dmSize} + header.dmDriverExtra;
 }
 
-void CopyNumbers(const JOB_INFO_2W& job, ADP_JOB_INFO_2W& block) {
-    block.JobId = job.JobId;
-    block.Status = job.Status;
-    block.Priority = job.Priority;
-    block.Position = job.Position;
-    block.StartTime = job.StartTime;
-    block.UntilTime = job.UntilTime;
-    block.TotalPages = job.TotalPages;
-    block.Submitted = job.Submitted;
-    block.Time = job.Time;
-    block.PagesPrinted = job.PagesPrinted;
-}
-
-void CopyNumbers(const ADP_JOB_INFO_2W& block, JOB_INFO_2W& job) {
-    job.JobId = block.JobId;
-    job.Status = block.Status;
-    job.Priority = block.Priority;
-    job.Position = block.Position;
-    job.StartTime = block.StartTime;
-    job.UntilTime = block.UntilTime;
-    job.TotalPages = block.TotalPages;
-    job.Submitted = block.Submitted;
-    job.Time = block.Time;
-    job.PagesPrinted = block.PagesPrinted;
+// Between the two records, either way: they name what they share alike.
+template <class From, class To>
+void CopyNumbers(const From& from, To& to) {
+    to.JobId = from.JobId;
+    to.Status = from.Status;
+    to.Priority = from.Priority;
+    to.Position = from.Position;
+    to.StartTime = from.StartTime;
+    to.UntilTime = from.UntilTime;
+    to.TotalPages = from.TotalPages;
+    to.Submitted = from.Submitted;
+    to.Time = from.Time;
+    to.PagesPrinted = from.PagesPrinted;
 }
 
 // Decodes a block whose DEVMODE, of `dm_bytes` bytes (0: none), ends its data area.
