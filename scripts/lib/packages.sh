@@ -5,6 +5,10 @@ packages_for() {
         native) echo cmake ninja-build ccache g++ googletest libcli11-dev ;;
         clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev ;;
         windows) echo cmake ninja-build ccache g++ googletest libcli11-dev g++-mingw-w64-x86-64-posix wine wine64 ;;
+        bench)
+            echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
+                libicu-dev libfmt-dev libspdlog-dev
+            ;;
         style) echo clang-format git ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;
     esac

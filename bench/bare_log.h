@@ -1,0 +1,35 @@
+// The floor of the log rows: the system calls that an append to the shared log file cannot do
+// without, and nothing else.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "log_file/log_format.h"
+
+namespace bench {
+
+// Writes records that are there already, into a file of the log's layout. Lock, read the header,
+// in a full ring read the oldest slot's link, write the new link, write the record, write the
+// header, unlock. Waits for a lock as the recorder does, a millisecond at a time.
+class BareLog {
+  public:
+    BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size);
+    BareLog(const BareLog&) = delete;
+    BareLog& operator=(const BareLog&) = delete;
+    ~BareLog();
+
+    // Whether every call succeeded.
+    bool Append();
+
+  private:
+    bool Lock(short type);
+
+    int fd_;
+    std::uint32_t limit_;
+    std::vector<char> record_;
+    Mox::TLogFileHeader header_{};
+};
+
+}  // namespace bench

@@ -1,0 +1,23 @@
+// The XML documents that the benchmarks work on. They are made here, the same on every run: UTF-8,
+// with a declaration, CR LF and indentation as the library's own writer puts them.
+#pragma once
+
+#include <string>
+
+namespace bench {
+
+// The answer to a query for `printers` printers: per printer its name and port and every setting as
+// an element, about 2.9 KB.
+std::string PrinterResponse(int printers);
+
+// A resource file: `strings` texts in three languages, with umlauts and accents, about 200 bytes
+// per text.
+std::string ResourceFile(int strings);
+
+// Those of the tables, made once: 20 printers (about 58 KB), 2,000 printers (about 5.8 MB), 5,000
+// strings (about 1 MB).
+const std::string& SmallResponse();
+const std::string& LargeResponse();
+const std::string& Resources();
+
+}  // namespace bench

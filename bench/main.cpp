@@ -1,0 +1,41 @@
+// The benchmark program. It runs on a host root of its own, which scripts/bench takes no care of:
+// it is made here and removed at the end.
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+class ThrowAwayRoot {
+  public:
+    ThrowAwayRoot() : folder_(std::filesystem::temp_directory_path() / "qv_bench_XXXXXX") {
+        if (mkdtemp(folder_.data()) == nullptr) {
+            std::perror("no temporary folder");
+            std::exit(2);
+        }
+        setenv("QV_HOST_ROOT", folder_.c_str(), 1);
+    }
+    ~ThrowAwayRoot() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+
+  private:
+    std::string folder_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const ThrowAwayRoot root;
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    benchmark::AddCustomContext("compiler", QV_COMPILER);
+    benchmark::AddCustomContext("flags", QV_FLAGS);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
