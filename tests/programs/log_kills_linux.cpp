@@ -1,0 +1,292 @@
+// log_kills_linux FOLDER KILLS: kills a process KILLS times at random moments while its two threads
+// append to a log file that two other processes append to as well and a third one reads. After each
+// kill the others go on, and the file must hold every record whose Log call had returned, except
+// those that are older than all that it holds. One more kill for each twenty falls on a process
+// that creates its file.
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <random>
+#include <thread>
+
+#include "log_file/log_recorder.h"
+#include "ring_check.h"
+
+namespace {
+
+using namespace stress;
+
+constexpr DWORD kLimit = 256 << 10;
+constexpr std::uint32_t kSteady = 2;
+constexpr std::uint32_t kThreads = 2;  // of the process that is killed
+constexpr std::uint32_t kPerLife = kThreads + 1;
+// Dead writers that are looked at after each kill: more than have left records in the ring.
+constexpr std::uint32_t kWindow = 3000;
+constexpr std::uint64_t kSmallestSize = 50;      // of a slot with a numbered record
+constexpr std::uint64_t kPatience = 30'000'000;  // microseconds
+
+struct TShared {
+    std::atomic<bool> stop{false};
+    std::atomic<std::uint32_t> ready{0};
+    std::atomic<std::uint64_t> looks{0};
+    std::atomic<std::uint64_t> looks_at_damage{0};
+};
+
+void SleepFor(std::uint64_t microseconds) {
+    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
+}
+
+[[noreturn]] void Fail(const std::string& text) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+    std::_Exit(1);
+}
+
+pid_t Start(const std::function<void()>& work) {
+    const pid_t child = fork();
+    if (child < 0) Fail("no process");
+    if (child != 0) return child;
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    work();
+    std::_Exit(0);
+}
+
+bool EndsWell(pid_t child) {
+    int status = -1;
+    return waitpid(child, &status, 0) == child && status == 0;
+}
+
+void Kill(pid_t child) {
+    kill(child, SIGKILL);
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFSIGNALED(status)) {
+        Fail("a process ended before it was killed");
+    }
+}
+
+template <class Condition>
+void WaitUntil(const Condition& condition, const char* what, std::uint64_t pause = 100) {
+    const std::uint64_t began = Now();
+    while (!condition()) {
+        if (Now() - began > kPatience) Fail(std::string("waited in vain for a process ") + what);
+        if (pause > 0) SleepFor(pause);
+    }
+}
+
+// A log file that the process appends to.
+class TOpenLog {
+  public:
+    explicit TOpenLog(const std::string& file) {
+        if (!recorder_.Open(file.c_str(), kLimit)) Fail("the log does not open");
+        Mox::SetLogRecorder(&recorder_);
+        counter_ = std::make_unique<TCounter>(file);
+    }
+    const TCounter& Counter() const { return *counter_; }
+
+  private:
+    Mox::TLogRecorder recorder_;
+    std::unique_ptr<TCounter> counter_;
+};
+
+class TCampaign {
+  public:
+    TCampaign(const std::string& folder, std::uint32_t kills)
+        : folder_(folder), file_(folder + "/shared.log"), kills_(kills), creations_(kills / 20) {}
+
+    void Run() {
+        std::vector<pid_t> others;
+        for (std::uint32_t w = 0; w < kSteady; ++w) {
+            others.push_back(Start([this, w] { WriteOn(w); }));
+        }
+        while (states_[0].Returned().number == 0) SleepFor(1000);
+        others.push_back(Start([this] { Look(); }));
+        for (std::uint32_t life = 0; life < kills_; ++life) {
+            KillOne(life);
+            if (waitpid(-1, nullptr, WNOHANG) != 0) Fail("one of the others ended");
+        }
+        shared_->stop = true;
+        for (const pid_t other : others) {
+            if (!EndsWell(other)) Fail("one of the others failed");
+        }
+        const TRingCheck end = Inspect(file_, Everyone(kills_), "the end");
+        for (std::uint32_t i = 0; i < creations_; ++i) KillCreator(kills_ + i);
+        Report(end);
+    }
+
+  private:
+    static std::uint32_t WriterOf(std::uint32_t life) { return kSteady + kPerLife * life; }
+
+    TCrowd Everyone(std::uint32_t lives) const {
+        const std::uint32_t end = WriterOf(lives);
+        return {states_, kSteady, std::max(kSteady, end - std::min(end, kWindow)), end};
+    }
+
+    void WriteOn(std::uint32_t writer) {
+        const TOpenLog log(file_);
+        std::minstd_rand random(writer + 1);
+        while (!shared_->stop) {
+            states_[writer].LogNext(writer, log.Counter());
+            SleepFor(random() % 1500);
+        }
+    }
+
+    void WriteUntilKilled(const std::string& file, std::uint32_t life) {
+        const TOpenLog log(file);
+        const auto write = [&](std::uint32_t writer) {
+            while (true) states_[writer].LogNext(writer, log.Counter());
+        };
+        shared_->ready = life + 1;
+        const std::thread second(write, WriterOf(life) + 1);
+        write(WriterOf(life));
+    }
+
+    // Whatever happens, a reader can read, and what it reads is whole.
+    void Look() {
+        while (!shared_->stop) {
+            Mox::TLogReader reader;
+            if (!reader.Open(file_.c_str())) Fail("the file cannot be read");
+            TNumber n;
+            while (const Mox::TLogMsg* message = reader.Next()) {
+                if (!ReadNumber(*message, n)) Fail("the reader shows a record that is not whole");
+            }
+            ++shared_->looks;
+            if (reader.SkipCount() > 0) ++shared_->looks_at_damage;
+            SleepFor(3000);
+        }
+    }
+
+    void KillOne(std::uint32_t life) {
+        const pid_t victim = Start([this, life] { WriteUntilKilled(file_, life); });
+        // Some die before they have written anything.
+        if (random_() % 16 != 0) WaitUntil([&] { return shared_->ready == life + 1; }, "to start");
+        SleepFor(random_() % 3000);
+        Kill(victim);
+        Count(Inspect(file_, Everyone(life + 1), "life " + std::to_string(life)), life);
+        std::uint32_t before[kSteady];
+        for (std::uint32_t w = 0; w < kSteady; ++w) before[w] = states_[w].Started();
+        const auto goes_on = [&] {
+            for (std::uint32_t w = 0; w < kSteady; ++w) {
+                if (states_[w].Returned().number > before[w]) return true;
+            }
+            return false;
+        };
+        WaitUntil(goes_on, "to append after a kill");
+    }
+
+    // Whoever comes next finds a file that it can use.
+    void KillCreator(std::uint32_t life) {
+        const std::string file = folder_ + "/fresh.log";
+        std::filesystem::remove(file);
+        const pid_t victim = Start([&] { WriteUntilKilled(file, life); });
+        if (random_() % 2 == 0) {
+            // The moment at which the file appears is the one of interest.
+            WaitUntil([&] { return std::filesystem::exists(file); }, "to make a file", 0);
+            SleepFor(random_() % 300);
+        } else {
+            SleepFor(random_() % 10000);
+        }
+        Kill(victim);
+        const std::uint32_t next = WriterOf(life) + kThreads;
+        const pid_t follower = Start([&] {
+            const TOpenLog log(file);
+            states_[next].LogNext(next, log.Counter());
+        });
+        if (!EndsWell(follower)) Fail("a process cannot use a file whose maker was killed");
+        const TCrowd crowd{states_, 0, WriterOf(life), WriterOf(life + 1)};
+        const TRingCheck check = Inspect(file, crowd, "new file " + std::to_string(life));
+        if (check.Records() == 1) ++created_empty_;
+    }
+
+    TRingCheck Inspect(const std::string& file, const TCrowd& crowd, const std::string& when) {
+        TRingCheck check(crowd);
+        const std::vector<std::uint8_t> bytes = CopyUnderLock(file);
+        const std::string fault = check.Check(bytes);
+        if (fault.empty()) return check;
+        std::ofstream(folder_ + "/damaged.log", std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        Fail(when + ": " + fault);
+    }
+
+    void Count(const TRingCheck& check, std::uint32_t life) {
+        for (std::uint32_t w = WriterOf(life); w < WriterOf(life) + kThreads; ++w) {
+            const std::uint32_t returned = states_[w].Returned().number;
+            of_the_dead_ += returned;
+            if (states_[w].Started() == returned) continue;
+            ++interrupted_;
+            if (check.Landed({w, returned + 1})) ++landed_;
+        }
+        if (check.Skipped() > 0) ++damaged_;
+        most_skipped_ = std::max(most_skipped_, check.Skipped());
+        // Once the ring has been round, it is full but for the room that one record needs at each
+        // of its ends, and what the dead have overwritten.
+        if (check.Counter() < 3 * kLimit / kSmallestSize) return;
+        least_used_ = std::min(least_used_, check.Used());
+        if (check.Used() + 6 * kLargestSlot < kLimit) Fail("the ring has lost old records");
+    }
+
+    void Report(const TRingCheck& end) {
+        std::uint64_t of_the_others = 0;
+        std::uint64_t longest = 0;
+        for (std::uint32_t w = 0; w < kSteady; ++w) {
+            of_the_others += states_[w].Returned().number;
+            longest = std::max(longest, states_[w].Longest());
+        }
+        // Those that nobody knows about are the ones that were interrupted.
+        const std::uint64_t returned = of_the_dead_ + of_the_others;
+        if (end.Counter() < returned || end.Counter() > returned + interrupted_) {
+            Fail("the change counter is " + std::to_string(end.Counter()) + " after " +
+                 std::to_string(returned) + " records");
+        }
+        std::printf("kills: %u, and %u of a process that makes its file\n", kills_, creations_);
+        std::printf("records logged: %ju by processes that were killed, %ju by %u others\n",
+                    static_cast<std::uintmax_t>(of_the_dead_),
+                    static_cast<std::uintmax_t>(of_the_others), kSteady);
+        std::printf("records being logged at a kill: %u, of them in the file: %u\n", interrupted_,
+                    landed_);
+        std::printf("other records lost, damaged, doubled or out of order: 0\n");
+        std::printf("change counter: %ju\n", static_cast<std::uintmax_t>(end.Counter()));
+        std::printf("kills that left damage at the oldest records: %u, most bytes: %ju\n", damaged_,
+                    static_cast<std::uintmax_t>(most_skipped_));
+        std::printf("least of the ring's %u bytes in use: %ju\n", static_cast<unsigned>(kLimit),
+                    static_cast<std::uintmax_t>(least_used_));
+        std::printf("looks of the reader: %ju, refused 0, with something left out: %ju\n",
+                    static_cast<std::uintmax_t>(shared_->looks.load()),
+                    static_cast<std::uintmax_t>(shared_->looks_at_damage.load()));
+        std::printf("longest Log call of the others: %.1f ms\n",
+                    static_cast<double>(longest) / 1e3);
+        std::printf("new files of a killed maker that held nothing yet: %u\n", created_empty_);
+    }
+
+    const std::string folder_;
+    const std::string file_;
+    const std::uint32_t kills_;
+    const std::uint32_t creations_;
+    TShared* const shared_ = NewShared<TShared>();
+    TWriterState* const states_ = NewShared<TWriterState>(WriterOf(kills_ + creations_));
+    std::mt19937 random_{std::random_device()()};
+    std::uint64_t of_the_dead_ = 0;
+    std::uint32_t interrupted_ = 0;
+    std::uint32_t landed_ = 0;
+    std::uint32_t damaged_ = 0;
+    std::uint32_t created_empty_ = 0;
+    std::uint64_t most_skipped_ = 0;
+    std::uint64_t least_used_ = kLimit;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const int kills = argc == 3 ? std::atoi(argv[2]) : 0;
+    if (kills < 1) {
+        std::fputs("usage: log_kills_linux FOLDER KILLS\n", stderr);
+        return 2;
+    }
+    TCampaign(argv[1], static_cast<std::uint32_t>(kills)).Run();
+    return 0;
+}

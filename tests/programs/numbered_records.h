@@ -1,0 +1,66 @@
+// Log records that prove themselves: each says who wrote it and which of that writer's records it
+// is, and carries a data block that follows from both. A reader that knows the rule finds a record
+// that is damaged, lost, doubled or out of order.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "log_file/log_format.h"
+#include "mox_classes/sysutils_numbers.h"
+#include "mox_log/logger.h"
+
+namespace stress {
+
+inline constexpr std::uint32_t kLargestBlock = 4000;
+// No slot of a numbered record is longer.
+inline constexpr std::uint32_t kLargestSlot = kLargestBlock + 150;
+
+struct TNumber {
+    std::uint32_t writer = 0;
+    std::uint32_t number = 0;  // from 1 on
+};
+
+inline std::uint64_t Scramble(std::uint64_t x) {
+    x += 0x9E3779B97F4A7C15;
+    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9;
+    x = (x ^ (x >> 27)) * 0x94D049BB133111EB;
+    return x ^ (x >> 31);
+}
+
+// Mostly what a line of a log carries, now and then much more, sometimes nothing.
+inline std::vector<std::uint8_t> BlockOf(TNumber n) {
+    std::uint64_t state = Scramble(std::uint64_t{n.writer} << 32 | n.number);
+    const std::uint32_t bound = state % 16 == 0 ? kLargestBlock : 200;
+    std::vector<std::uint8_t> block((state >> 8) % (bound + 1));
+    for (std::uint8_t& byte : block) {
+        state = state * 6364136223846793005 + 1442695040888963407;
+        byte = static_cast<std::uint8_t>(state >> 56);
+    }
+    return block;
+}
+
+inline void LogNumber(TNumber n) {
+    std::vector<std::uint8_t> block = BlockOf(n);
+    Mox::GetLogger()->Log('i', TEXT("stress"), static_cast<int>(n.number),
+                          Sysutils::UnicodePrintf(TEXT("%u:%u"), n.writer, n.number),
+                          block.empty() ? UnicodeString() : UnicodeString(TEXT("block")),
+                          block.data(), static_cast<int>(block.size()));
+}
+
+// False when the record is not one of these, or not whole.
+inline bool ReadNumber(const Mox::TLogMsg& message, TNumber& n) {
+    const int colon = message.text.Pos(TEXT(":"));
+    if (colon == 0 || !(message.source == UnicodeString(TEXT("stress")))) return false;
+    n.writer =
+        static_cast<std::uint32_t>(Sysutils::StrToIntDef(message.text.SubString(1, colon - 1), 0));
+    n.number = static_cast<std::uint32_t>(message.line);
+    if (!(message.text == Sysutils::UnicodePrintf(TEXT("%u:%u"), n.writer, n.number))) return false;
+    const std::vector<std::uint8_t> block = BlockOf(n);
+    return block.size() == static_cast<std::size_t>(std::abs(message.dataSize)) &&
+           (block.empty() || std::memcmp(block.data(), message.data, block.size()) == 0);
+}
+
+}  // namespace stress

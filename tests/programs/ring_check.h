@@ -1,0 +1,169 @@
+// Whether a log file holds what it must: every record that its writers had logged and that the ring
+// has not given way to newer ones, whole and in order.
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "log_file/log_format.h"
+#include "log_file/log_reader.h"
+#include "log_file/log_record.h"
+#include "numbered_records.h"
+#include "writer_states.h"
+
+namespace stress {
+
+// A copy of a log file that no writer changes meanwhile.
+inline std::vector<std::uint8_t> CopyUnderLock(const std::string& file) {
+    const int fd = open(file.c_str(), O_RDWR | O_CLOEXEC);
+    if (fd < 0) return {};
+    struct flock header = {};
+    header.l_type = F_WRLCK;
+    header.l_whence = SEEK_SET;
+    header.l_len = Mox::kHeaderSize;
+    std::vector<std::uint8_t> bytes;
+    if (fcntl(fd, F_OFD_SETLKW, &header) == 0) {
+        bytes.resize(static_cast<std::size_t>(lseek(fd, 0, SEEK_END)));
+        const auto size = pread(fd, bytes.data(), bytes.size(), 0);
+        bytes.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+    }
+    close(fd);
+    return bytes;
+}
+
+// The writers whose records a file may hold. Of a dead one the record that it was at may be there,
+// whole, or not.
+struct TCrowd {
+    const TWriterState* states;  // by writer
+    std::uint32_t living;        // 0 to here
+    std::uint32_t first_dead;    // from here to `end`
+    std::uint32_t end;
+
+    bool Has(std::uint32_t writer) const {
+        return writer < living || (writer >= first_dead && writer < end);
+    }
+};
+
+class TRingCheck {
+  public:
+    explicit TRingCheck(const TCrowd& crowd) : crowd_(crowd) {
+        for (std::uint32_t w = 0; w < crowd.end; ++w) {
+            if (w == crowd.living) w = std::max(w, crowd.first_dead);
+            if (crowd.Has(w)) returned_.emplace_back(w, crowd.states[w].Returned());
+        }
+    }
+
+    // `bytes`: a copy of the file that was made after this object. Empty when all is well, else
+    // what is not.
+    std::string Check(const std::vector<std::uint8_t>& bytes) {
+        Mox::TLogReader reader;
+        if (!reader.Assign(bytes.data(), bytes.size())) return "the file cannot be read";
+        std::memcpy(&header_, bytes.data(), std::min<std::size_t>(bytes.size(), sizeof(header_)));
+        while (const Mox::TLogMsg* message = reader.Next()) {
+            const std::string fault = TakeSkips(reader) + Take(*message);
+            if (!fault.empty()) return fault;
+        }
+        const std::string fault = TakeSkips(reader);
+        return fault.empty() ? FindLosses() : fault;
+    }
+
+    // Whether the record that a dead writer was at is there.
+    bool Landed(TNumber n) const {
+        return std::any_of(interrupted_.begin(), interrupted_.end(), [n](const TNumber& found) {
+            return found.writer == n.writer && found.number == n.number;
+        });
+    }
+    std::uint32_t Records() const { return records_; }
+    std::uint64_t Counter() const { return header_.counter; }
+    // Bytes that the ring holds, and those that the reader had to leave out.
+    std::uint64_t Used() const { return used_; }
+    std::uint64_t Skipped() const { return skipped_; }
+
+  private:
+    struct TRun {
+        std::uint32_t first;
+        std::uint32_t last;
+    };
+
+    static bool Near(DWORD offset, DWORD place) {
+        return offset >= place && offset - place <= kLargestSlot;
+    }
+
+    // Who dies while it writes has made room for its record: of what it has overwritten, and of
+    // what is older, nothing is held any more. Anywhere else every byte belongs to a record.
+    std::string TakeSkips(const Mox::TLogReader& reader) {
+        for (; skips_ < reader.SkipCount(); ++skips_) {
+            const Mox::TLogSkip& skip = reader.Skip(skips_);
+            if (skip.size == 0) continue;
+            const bool at_oldest =
+                Near(skip.offset, header_.oldest) || Near(skip.offset, Mox::kFirstSlot);
+            if (!at_oldest || skip.size > 2 * kLargestSlot) {
+                return "damage of " + std::to_string(skip.size) + " bytes at " +
+                       std::to_string(skip.offset);
+            }
+            skipped_ += skip.size;
+            runs_.clear();
+            records_ = 0;
+        }
+        return {};
+    }
+
+    std::string Take(const Mox::TLogMsg& message) {
+        TNumber n;
+        Mox::TLogMsg copy = message;
+        const int size = Mox::WriteLogMsg(nullptr, &copy);
+        if (!ReadNumber(message, n)) return "a record is not whole after " + Name(last_);
+        if (!crowd_.Has(n.writer)) return "a record of nobody: " + Name(n);
+        last_ = n;
+        ++records_;
+        used_ += Mox::kLinkSize + static_cast<std::uint64_t>(size);
+        const TWriterState& state = crowd_.states[n.writer];
+        if (n.writer >= crowd_.living && n.number == state.Returned().number + 1) {
+            interrupted_.push_back(n);
+            return n.number == state.Started() ? "" : "a record that nobody wrote: " + Name(n);
+        }
+        const auto [run, fresh] = runs_.try_emplace(n.writer, TRun{n.number, n.number});
+        if (!fresh && n.number != run->second.last + 1) {
+            return Name(n) + " follows number " + std::to_string(run->second.last);
+        }
+        run->second.last = n.number;
+        return {};
+    }
+
+    // The ring holds the newest records, so that a record is either there or older than all of
+    // them. Two that were never counted may be among those that were found.
+    std::string FindLosses() const {
+        for (const auto& [writer, returned] : returned_) {
+            if (returned.number == 0) continue;
+            const auto run = runs_.find(writer);
+            const bool held = run != runs_.end() && run->second.last >= returned.number;
+            const bool given_way =
+                run == runs_.end() && returned.counter + records_ < header_.counter + 2;
+            if (!held && !given_way) return "lost: " + Name({writer, returned.number});
+        }
+        return {};
+    }
+
+    static std::string Name(TNumber n) {
+        return "record " + std::to_string(n.number) + " of writer " + std::to_string(n.writer);
+    }
+
+    TCrowd crowd_;
+    std::vector<std::pair<std::uint32_t, TWriterState::TReturned>> returned_;
+    std::map<std::uint32_t, TRun> runs_;
+    std::vector<TNumber> interrupted_;
+    Mox::TLogFileHeader header_{};
+    TNumber last_;
+    int skips_ = 0;
+    std::uint32_t records_ = 0;
+    std::uint64_t used_ = 0;
+    std::uint64_t skipped_ = 0;
+};
+
+}  // namespace stress

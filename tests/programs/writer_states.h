@@ -1,0 +1,92 @@
+// What the writers of a stress run say about themselves, in memory that all processes of the run
+// share: it stays when a writer dies.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "log_file/log_format.h"
+#include "numbered_records.h"
+
+namespace stress {
+
+inline std::uint64_t Now() {
+    using namespace std::chrono;
+    return static_cast<std::uint64_t>(
+        duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count());
+}
+
+// Anonymous memory, shared with the processes that are forked later; never given back.
+template <class T>
+T* NewShared(std::size_t count = 1) {
+    void* at =
+        mmap(nullptr, count * sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (at == MAP_FAILED) throw std::runtime_error("no shared memory");
+    return new (at) T[count];
+}
+
+// The change counter of a log file, read without its lock.
+class TCounter {
+  public:
+    explicit TCounter(const std::string& file) : fd_(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {}
+    TCounter(const TCounter&) = delete;
+    TCounter& operator=(const TCounter&) = delete;
+    ~TCounter() { close(fd_); }
+
+    std::uint64_t Read() const {
+        std::uint64_t counter = 0;
+        const auto size =
+            pread(fd_, &counter, sizeof(counter), offsetof(Mox::TLogFileHeader, counter));
+        return size == sizeof(counter) ? counter : 0;
+    }
+
+  private:
+    int fd_;
+};
+
+// One writer: how far it is.
+class TWriterState {
+  public:
+    struct TReturned {
+        std::uint32_t number;   // its Log call has returned; 0: none has
+        std::uint64_t counter;  // the file's change counter before that call
+    };
+
+    // Only for the writer itself.
+    void LogNext(std::uint32_t writer, const TCounter& counter) {
+        const std::uint64_t before = counter.Read();
+        const std::uint32_t number = started_.load() + 1;
+        started_.store(number);
+        const std::uint64_t began = Now();
+        LogNumber({writer, number});
+        const std::uint64_t took = Now() - began;
+        if (took > longest_.load()) longest_.store(took);
+        returned_.store(before << kNumberBits | number);
+    }
+
+    std::uint32_t Started() const { return started_.load(); }
+    TReturned Returned() const {
+        const std::uint64_t both = returned_.load();
+        return {static_cast<std::uint32_t>(both & ((1U << kNumberBits) - 1)), both >> kNumberBits};
+    }
+    // Microseconds that one Log call took.
+    std::uint64_t Longest() const { return longest_.load(); }
+
+  private:
+    static constexpr unsigned kNumberBits = 24;
+
+    std::atomic<std::uint32_t> started_{0};
+    std::atomic<std::uint64_t> returned_{0};
+    std::atomic<std::uint64_t> longest_{0};
+};
+
+}  // namespace stress
