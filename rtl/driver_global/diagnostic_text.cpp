@@ -1,6 +1,8 @@
 #include "driver_global/diagnostic_text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
 #include <iterator>
 #include <span>
 
@@ -219,10 +221,21 @@ UnicodeString TextTypeSYSTEMTIME(SYSTEMTIME* t) {
                          t->wMinute, t->wSecond);
 }
 
+namespace {
+
+// A decoded job record has its DEVMODE right behind its texts, at any even address.
+int DevModeBytes(const void* dm) {
+    if (dm == nullptr) return 0;
+    DEVMODEW sizes;
+    std::memcpy(&sizes, dm, offsetof(DEVMODEW, dmFields));
+    return sizes.dmSize + sizes.dmDriverExtra;
+}
+
+}  // namespace
+
 UnicodeString TextTypeJOB_INFO_2(JOB_INFO_2W* j) {
     if (j == nullptr) return TEXT("NULL");
-    const int dm_bytes =
-        j->pDevMode == nullptr ? 0 : j->pDevMode->dmSize + j->pDevMode->dmDriverExtra;
+    const int dm_bytes = DevModeBytes(j->pDevMode);
     return UnicodePrintf(TEXT("JobId=%lu pPrinterName=\"%s\" pMachineName=\"%s\" pUserName=\"%s\" "
                               "pDocument=\"%s\" pNotifyName=\"%s\" "
                               "pDatatype=\"%s\" pPrintProcessor=\"%s\" pParameters=\"%s\" "
