@@ -1,0 +1,40 @@
+// The shared log file: the checked reader, then the next writer on the same file, then the reader.
+#include "log_file/log_format.h"
+#include "log_file/log_reader.h"
+#include "log_file/log_recorder.h"
+#include "support/input.h"
+
+static UnicodeString Newest(Mox::TLogReader& reader, int& count) {
+    UnicodeString newest;
+    for (count = 0; const Mox::TLogMsg* message = reader.Next(); ++count) newest = message->text;
+    return newest;
+}
+
+static void Append(Mox::TLogRecorder& recorder, const UnicodeString& text) {
+    Mox::SetLogRecorder(&recorder);
+    Mox::GetLogger()->Log('i', TEXT("fuzz"), 1, text, UnicodeString(), nullptr, 0);
+    Mox::ClearLogRecorder(&recorder);
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::WriteFile("fuzz.log", {data, size});
+    const UnicodeString name = fuzz::FileName("fuzz.log");
+    Mox::TLogReader memory, file;
+    int in_memory = 0, in_file = 0;
+    const bool good = memory.Assign(data, size);
+    fuzz::Require(file.Open(name) == good, "memory and file are judged alike");
+    const bool same = fuzz::Same(Newest(memory, in_memory), Newest(file, in_file));
+    fuzz::Require(same && in_memory == in_file, "memory and file are read alike");
+
+    constexpr DWORD kLimit = 4096, kRoomForRecords = 1024, kLargestFile = 1 << 20;
+    const DWORD limit = fuzz::Input(data, size).Number<Mox::TLogFileHeader>().limit;
+    if (limit < kRoomForRecords || limit > kLargestFile) return 0;
+    Mox::TLogRecorder recorder;
+    fuzz::Require(recorder.Open(name, kLimit), "a damaged log can be opened");
+    for (const WCHAR* text : {TEXT("first"), TEXT("second")}) {
+        Append(recorder, text);
+        fuzz::Require(file.Open(name), "the writer leaves a log");
+        fuzz::Require(Newest(file, in_file) == UnicodeString(text), "the newest can be read");
+    }
+    return 0;
+}

@@ -1,0 +1,40 @@
+// The whole of DoXML on a machine with printers: every request gets a response that can be read.
+#include "qv_rtl_main/xml_request.h"
+
+#include "mox_classes/memory_stream.h"
+#include "support/input.h"
+#include "support/machine.h"
+#include "xml/xml_doc.h"
+
+namespace {
+
+// The response's layout is the request's own: only blanks leave it readable for certain.
+bool IsPlain(const fuzz::Bytes request) {
+    TXmlDoc document;
+    try {
+        if (document.Parse(request.data(), static_cast<int>(request.size())) <= 0) return true;
+    } catch (const UnicodeString&) {
+        return true;
+    }
+    for (const WCHAR* name : {TEXT("linebreak"), TEXT("indentation")}) {
+        const UnicodeString text = document.FRoot->AttrGetString(name, System::kCodePageUtf8);
+        if (!text.Trim().IsEmpty()) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    fuzz::ResetMachine();
+    Classes::TMemoryStream request, response;
+    request.WriteBuffer(data, static_cast<int>(size));
+    request.SetPosition(0);
+    fuzz::Require(DoXML(&request, &response) == 1, "every request is answered");
+    if (!IsPlain({data, size})) return 0;
+    TXmlDoc answer;
+    const int result = answer.Parse(response.GetMemory(), static_cast<int>(response.GetSize()));
+    fuzz::Require(result > 0, "a response is well-formed");
+    fuzz::Require(answer.FRoot->FName == UnicodeString("response"), "a response is one");
+    return 0;
+}
