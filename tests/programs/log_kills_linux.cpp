@@ -3,17 +3,14 @@
 // kill the others go on, and the file must hold every record whose Log call had returned, except
 // those that are older than all that it holds. One more kill for each twenty falls on a process
 // that creates its file.
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <random>
 #include <thread>
+
+#include "crowd.h"
 
 #include "log_file/log_recorder.h"
 #include "ring_check.h"
@@ -22,14 +19,13 @@ namespace {
 
 using namespace stress;
 
-constexpr DWORD kLimit = 256 << 10;
+constexpr DWORD kLimit = 64 << 10;
 constexpr std::uint32_t kSteady = 2;
 constexpr std::uint32_t kThreads = 2;  // of the process that is killed
 constexpr std::uint32_t kPerLife = kThreads + 1;
 // Dead writers that are looked at after each kill: more than have left records in the ring.
-constexpr std::uint32_t kWindow = 3000;
-constexpr std::uint64_t kSmallestSize = 50;      // of a slot with a numbered record
-constexpr std::uint64_t kPatience = 30'000'000;  // microseconds
+constexpr std::uint32_t kWindow = 1500;
+constexpr std::uint64_t kSmallestSize = 50;  // of a slot with a numbered record
 
 struct TShared {
     std::atomic<bool> stop{false};
@@ -37,46 +33,6 @@ struct TShared {
     std::atomic<std::uint64_t> looks{0};
     std::atomic<std::uint64_t> looks_at_damage{0};
 };
-
-void SleepFor(std::uint64_t microseconds) {
-    std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
-}
-
-[[noreturn]] void Fail(const std::string& text) {
-    std::fprintf(stderr, "%s\n", text.c_str());
-    std::_Exit(1);
-}
-
-pid_t Start(const std::function<void()>& work) {
-    const pid_t child = fork();
-    if (child < 0) Fail("no process");
-    if (child != 0) return child;
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    work();
-    std::_Exit(0);
-}
-
-bool EndsWell(pid_t child) {
-    int status = -1;
-    return waitpid(child, &status, 0) == child && status == 0;
-}
-
-void Kill(pid_t child) {
-    kill(child, SIGKILL);
-    int status = 0;
-    if (waitpid(child, &status, 0) != child || !WIFSIGNALED(status)) {
-        Fail("a process ended before it was killed");
-    }
-}
-
-template <class Condition>
-void WaitUntil(const Condition& condition, const char* what, std::uint64_t pause = 100) {
-    const std::uint64_t began = Now();
-    while (!condition()) {
-        if (Now() - began > kPatience) Fail(std::string("waited in vain for a process ") + what);
-        if (pause > 0) SleepFor(pause);
-    }
-}
 
 // A log file that the process appends to.
 class TOpenLog {
@@ -107,7 +63,7 @@ class TCampaign {
         others.push_back(Start([this] { Look(); }));
         for (std::uint32_t life = 0; life < kills_; ++life) {
             KillOne(life);
-            if (waitpid(-1, nullptr, WNOHANG) != 0) Fail("one of the others ended");
+            if (!AllLive()) Fail("one of the others ended");
         }
         shared_->stop = true;
         for (const pid_t other : others) {
@@ -156,7 +112,7 @@ class TCampaign {
             }
             ++shared_->looks;
             if (reader.SkipCount() > 0) ++shared_->looks_at_damage;
-            SleepFor(3000);
+            SleepFor(10000);
         }
     }
 

@@ -3,6 +3,7 @@
 // that is damaged, lost, doubled or out of order.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +15,7 @@
 
 namespace stress {
 
-inline constexpr std::uint32_t kLargestBlock = 4000;
+inline constexpr std::uint32_t kLargestBlock = 1500;
 // No slot of a numbered record is longer.
 inline constexpr std::uint32_t kLargestSlot = kLargestBlock + 150;
 
@@ -35,9 +36,9 @@ inline std::vector<std::uint8_t> BlockOf(TNumber n) {
     std::uint64_t state = Scramble(std::uint64_t{n.writer} << 32 | n.number);
     const std::uint32_t bound = state % 16 == 0 ? kLargestBlock : 200;
     std::vector<std::uint8_t> block((state >> 8) % (bound + 1));
-    for (std::uint8_t& byte : block) {
-        state = state * 6364136223846793005 + 1442695040888963407;
-        byte = static_cast<std::uint8_t>(state >> 56);
+    for (std::size_t at = 0; at < block.size(); at += sizeof(state)) {
+        state = Scramble(state);
+        std::memcpy(block.data() + at, &state, std::min(sizeof(state), block.size() - at));
     }
     return block;
 }

@@ -1,38 +1,19 @@
-// What the writers of a stress run say about themselves, in memory that all processes of the run
-// share: it stays when a writer dies.
+// What the writers of a stress run say about themselves; it lies in shared memory.
 #pragma once
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <new>
-#include <stdexcept>
 #include <string>
 
+#include "crowd.h"
 #include "log_file/log_format.h"
 #include "numbered_records.h"
 
 namespace stress {
-
-inline std::uint64_t Now() {
-    using namespace std::chrono;
-    return static_cast<std::uint64_t>(
-        duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count());
-}
-
-// Anonymous memory, shared with the processes that are forked later; never given back.
-template <class T>
-T* NewShared(std::size_t count = 1) {
-    void* at =
-        mmap(nullptr, count * sizeof(T), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    if (at == MAP_FAILED) throw std::runtime_error("no shared memory");
-    return new (at) T[count];
-}
 
 // The change counter of a log file, read without its lock.
 class TCounter {
