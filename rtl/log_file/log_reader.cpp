@@ -51,6 +51,7 @@ class TLogReader::TState {
     const TLogMsg* Next() {
         while (FindSlot()) {
             const DWORD slot = at_;
+            shown_ = slot;
             at_ = slot_end_;
             ++found_;
             message_.reset(TLogMsg::Alloc());
@@ -81,6 +82,7 @@ class TLogReader::TState {
                 at_ = kFirstSlot;
                 end_ = front_end_;
                 front_end_ = 0;
+                shown_ = 0;
             } else {
                 return false;
             }
@@ -102,11 +104,24 @@ class TLogReader::TState {
     void SkipDamage() {
         TLogChain chain;
         if (end_ <= bytes_.size()) chain = FindChainToEnd(Region(at_, end_), at_);
+        if (chain.count == 0 && shown_ != 0) return SkipOverlay();
         const DWORD next = chain.count > 0 ? chain.first : end_;
         Leave(at_, next,
               at_ >= bytes_.size() ? TEXT("the file ends before its ring does")
                                    : TEXT("no credible record begins here"));
         at_ = next;
+    }
+
+    // A write position that lied made a writer put its record into the newest slot, which has been
+    // shown: that record begins in front of the place to which the slot leads.
+    void SkipOverlay() {
+        const DWORD from = shown_ + 1;
+        shown_ = 0;
+        TLogChain chain;
+        if (end_ <= bytes_.size()) chain = FindChainToEnd(Region(from, end_), from);
+        if (chain.count == 0) return SkipDamage();
+        Leave(chain.first, chain.first, TEXT("a record begins inside the one before it"));
+        at_ = chain.first;
     }
 
     void Leave(DWORD from, DWORD end, const WCHAR* reason) {
@@ -128,6 +143,7 @@ class TLogReader::TState {
     DWORD end_ = 0;
     DWORD front_end_ = 0;
     DWORD slot_end_ = 0;
+    DWORD shown_ = 0;  // the slot before at_ when it is in the same region, else 0
     DWORD announced_ = 0;
     DWORD found_ = 0;
     std::unique_ptr<TLogMsg, TMessageDeleter> message_;

@@ -74,8 +74,6 @@ TEST_F(Damaged, TheWriterGoesOnWithinTheLimit) {
             Log(Numbered(i));
             ASSERT_LE(Image().size(), kLimit) << row.what;
             const Texts texts = Read().texts;
-            // The first record may overlap a slot that the lying header put it into.
-            if (i == 100) continue;
             ASSERT_FALSE(texts.empty()) << row.what;
             ASSERT_EQ(texts.back(), Numbered(i)) << row.what;
         }
