@@ -23,6 +23,16 @@ void SplitOurs(benchmark::State& state) {
     }
 }
 
+void SplitJoinOurs(benchmark::State& state) {
+    const UnicodeString text = bench::Wide(DelimitedText());
+    for (auto _ : state) {
+        TStringList list;
+        list.SetDelimitedText(text);
+        const UnicodeString lines = list.GetTextStr();
+        if (lines.Length() != text.Length() + kItems + 1) state.SkipWithError("not joined");
+    }
+}
+
 void SplitPlain(benchmark::State& state) {
     const UnicodeString source = bench::Wide(DelimitedText());
     const std::u16string text(source.t_str(), static_cast<std::size_t>(source.Length()));
@@ -39,5 +49,7 @@ void SplitPlain(benchmark::State& state) {
 
 BENCHMARK(SplitOurs)->Name("list/split/ours");
 BENCHMARK(SplitPlain)->Name("list/split/u16string");
+BENCHMARK(SplitJoinOurs)->Name("list/split_join/ours");
+BENCHMARK(SplitPlain)->Name("list/split_join/u16string");
 
 }  // namespace

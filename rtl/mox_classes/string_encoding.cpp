@@ -3,6 +3,8 @@
 #include <cstring>
 #include <limits>
 
+#include "mox_classes/utf8_text.h"
+
 namespace {
 
 enum TTagByte { kMask = 0, kUtf8 = 5, kUtf16 = 6, kReserved = 7, kTagBytes = 8 };
@@ -126,12 +128,8 @@ DWORD ReadPayload(const unsigned char* bytes, const TRecord& record, UnicodeStri
         std::memcpy(s.data(), bytes, record.PayloadBytes());
         return 0;
     }
-    const char* const text = reinterpret_cast<const char*>(bytes);
-    const int length = static_cast<int>(record.length);
-    const int units = length == 0 ? 0 : MultiByteToWideChar(CP_UTF8, 0, text, length, nullptr, 0);
-    if (units < 1) return ERROR_INVALID_DATA;
-    s.SetLength(units);
-    MultiByteToWideChar(CP_UTF8, 0, text, length, s.data(), units);
+    s = StringFromUtf8(reinterpret_cast<const char*>(bytes), static_cast<int>(record.length));
+    if (s.IsEmpty()) return ERROR_INVALID_DATA;
     return 0;
 }
 

@@ -1,38 +1,22 @@
 // Ordinal comparison, search and the members that are utilities applied to the string.
 #include <windows.h>
 
-#include <string_view>
-
 #include "mox_classes/sysutils_numbers.h"
 #include "mox_classes/sysutils_text.h"
 #include "mox_classes/unicode_string.h"
+#include "mox_classes/unit_scan.h"
 
 namespace System {
 
-namespace {
-
-using TUnits = std::basic_string_view<WCHAR>;
-
-// Negative, 0 or positive, as the first difference before or at the first 0 unit says.
-int CompareUnits(const WCHAR* a, const WCHAR* b) {
-    while (*a == *b && *a != 0) {
-        ++a;
-        ++b;
-    }
-    return static_cast<int>(static_cast<unsigned short>(*a)) -
-           static_cast<int>(static_cast<unsigned short>(*b));
-}
-
-}  // namespace
-
 bool UnicodeString::operator==(const UnicodeString& other) const {
-    return data_ == other.data_ || CompareUnits(t_str(), other.t_str()) == 0;
+    return data_ == other.data_ ||
+           CompareUnits(t_str(), Length(), other.t_str(), other.Length()) == 0;
 }
 bool UnicodeString::operator!=(const UnicodeString& other) const {
     return !(*this == other);
 }
 bool UnicodeString::operator<(const UnicodeString& other) const {
-    return CompareUnits(t_str(), other.t_str()) < 0;
+    return CompareUnits(t_str(), Length(), other.t_str(), other.Length()) < 0;
 }
 bool UnicodeString::operator<=(const UnicodeString& other) const {
     return !(other < *this);
@@ -45,8 +29,7 @@ bool UnicodeString::operator>=(const UnicodeString& other) const {
 }
 
 int UnicodeString::Pos(const UnicodeString& sub) const {
-    const std::size_t position = TUnits(t_str()).find(TUnits(sub.t_str()));
-    return position == TUnits::npos ? 0 : static_cast<int>(position) + 1;
+    return FindUnits(t_str(), Length(), sub.t_str(), sub.Length()) + 1;
 }
 
 UnicodeString UnicodeString::Trim() const {

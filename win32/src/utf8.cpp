@@ -1,7 +1,8 @@
 #include "utf8.h"
 
-#include <algorithm>
-#include <cstring>
+#include <type_traits>
+
+#include "text_vector.h"
 
 namespace host {
 
@@ -10,55 +11,32 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kIllFormed = 0xFFFFFFFF;
 
-// A buffer that is filled from the front, or only counted when it is null.
-template <class Unit>
-class Output {
-  public:
-    Output(Unit* buffer, std::size_t size) : buffer_(buffer), size_(size) {}
+// A conversion on its way: what is left of the text and of the buffer. A step that converts what it
+// can moves both; nothing is left in the buffer behind what was converted.
+template <class From, class To>
+struct Course {
+    const From* at;
+    const From* end;
+    To* out;
+    To* out_end;
 
-    // Room for `count` more units, or null (with the units counted) when there is no buffer.
-    bool Take(std::size_t count, Unit*& place) {
-        if (buffer_ != nullptr && size_ - used_ < count) return false;
-        place = buffer_ == nullptr ? nullptr : buffer_ + used_;
-        used_ += count;
-        return true;
+    std::size_t Left() const { return static_cast<std::size_t>(end - at); }
+    std::size_t Room() const { return static_cast<std::size_t>(out_end - out); }
+    void Move(std::size_t from, std::size_t to) {
+        at += from;
+        out += to;
     }
-    std::size_t Used() const { return used_; }
-
-  private:
-    Unit* buffer_;
-    std::size_t size_;
-    std::size_t used_ = 0;
 };
+using Decoding = Course<char, WCHAR>;
+using Encoding = Course<WCHAR, char>;
 
-// Length of the run of ASCII units at the start of the text, eight bytes at a time.
 template <class Unit>
-std::size_t AsciiRun(const Unit* text, std::size_t count) {
-    constexpr std::uint64_t kHighBits =
-        sizeof(Unit) == 1 ? 0x8080808080808080u : 0xFF80FF80FF80FF80u;
-    constexpr std::size_t kStep = 8 / sizeof(Unit);
-    std::size_t run = 0;
-    for (; count - run >= kStep; run += kStep) {
-        std::uint64_t block;
-        std::memcpy(&block, text + run, sizeof block);
-        if ((block & kHighBits) != 0) break;
-    }
-    while (run < count && static_cast<std::make_unsigned_t<Unit>>(text[run]) < 0x80) ++run;
-    return run;
+bool IsAscii(Unit unit) {
+    return static_cast<std::make_unsigned_t<Unit>>(unit) < 0x80;
 }
 
-// Copies the ASCII run at `position` and moves past it; false when there is no room.
-template <class From, class To>
-bool CopyAscii(std::basic_string_view<From> text, std::size_t& position, Output<To>& output) {
-    const From* source = text.data() + position;
-    const std::size_t run = AsciiRun(source, text.size() - position);
-    To* place;
-    if (!output.Take(run, place)) return false;
-    if (place != nullptr) {
-        for (std::size_t i = 0; i < run; ++i) place[i] = static_cast<To>(source[i]);
-    }
-    position += run;
-    return true;
+unsigned Byte(char byte) {
+    return static_cast<unsigned char>(byte);
 }
 
 // Decodes the sequence at `position` and moves past it; of an ill-formed one past its longest
@@ -91,59 +69,188 @@ char32_t DecodeUtf16(std::basic_string_view<WCHAR> text, std::size_t& position) 
     return 0x10000 + ((unit - 0xD800u) << 10) + (trail - 0xDC00u);
 }
 
-bool Put(char32_t code, Output<WCHAR>& output) {
-    WCHAR* place;
-    if (!output.Take(code < 0x10000 ? 1 : 2, place)) return false;
-    if (place == nullptr) return true;
-    if (code < 0x10000) {
+// The units that `left` bytes of any text become at least: three bytes are one character, or one
+// ill-formed part, at most.
+constexpr std::size_t FewestUnits(std::size_t left) {
+    return left / 3;
+}
+
+void DecodeAscii(Decoding& course) {
+    while (course.Room() >= kAsciiStep && FewestUnits(course.Left()) >= kAsciiStep) {
+        const std::size_t run = WidenAscii(course.at, course.out);
+        course.Move(run, run);
+        if (run < kAsciiStep) return;
+    }
+    while (course.Room() >= kAsciiStep && course.Left() >= kAsciiStep &&
+           AsciiPrefix(course.at) == kAsciiStep) {
+        WidenAscii(course.at, course.out);
+        course.Move(kAsciiStep, kAsciiStep);
+    }
+    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
+        *course.out = static_cast<WCHAR>(*course.at);
+        course.Move(1, 1);
+    }
+}
+
+void DecodeTwoByte(Decoding& course) {
+    while (course.Left() >= 2 && course.Room() > 0) {
+        const unsigned lead = Byte(course.at[0]);
+        const unsigned trail = Byte(course.at[1]);
+        if (lead < 0xC2 || lead > 0xDF || (trail & 0xC0) != 0x80) return;
+        *course.out = static_cast<WCHAR>((lead & 0x1F) << 6 | (trail & 0x3F));
+        course.Move(2, 1);
+    }
+}
+
+void DecodeThreeByte(Decoding& course) {
+    while (course.Left() >= kCjkBytes && course.Room() >= kCjkUnits &&
+           DecodeCjk(course.at, course.out)) {
+        course.Move(3 * kCjkUnits, kCjkUnits);
+    }
+}
+
+// Runs of characters of one length, as far as they are well-formed and fit.
+void ConvertRun(Decoding& course) {
+    const unsigned lead = Byte(*course.at);
+    if (lead < 0x80) {
+        DecodeAscii(course);
+    } else if (lead < 0xE0) {
+        DecodeTwoByte(course);
+    } else {
+        DecodeThreeByte(course);
+    }
+}
+
+void EncodeAscii(Encoding& course) {
+    while (course.Left() >= kAsciiStep && course.Room() >= kAsciiStep) {
+        const std::size_t run = NarrowAscii(course.at, course.out);
+        course.Move(run, run);
+        if (run < kAsciiStep) return;
+    }
+    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
+        *course.out = static_cast<char>(*course.at);
+        course.Move(1, 1);
+    }
+}
+
+void EncodeTwoByte(Encoding& course) {
+    while (course.Left() > 0 && course.Room() >= 2) {
+        const unsigned unit = *course.at;
+        if (unit < 0x80 || unit >= 0x800) return;
+        course.out[0] = static_cast<char>(0xC0 | unit >> 6);
+        course.out[1] = static_cast<char>(0x80 | (unit & 0x3F));
+        course.Move(1, 2);
+    }
+}
+
+void EncodeThreeByte(Encoding& course) {
+    // The units behind the four fill the bytes that are written too many.
+    while (course.Left() >= 2 * kCjkUnits && course.Room() >= kCjkBytes &&
+           EncodeCjk(course.at, course.out)) {
+        course.Move(kCjkUnits, 3 * kCjkUnits);
+    }
+}
+
+void ConvertRun(Encoding& course) {
+    const unsigned unit = *course.at;
+    if (unit < 0x80) {
+        EncodeAscii(course);
+    } else if (unit < 0x800) {
+        EncodeTwoByte(course);
+    } else {
+        EncodeThreeByte(course);
+    }
+}
+
+char32_t DecodeNext(Decoding& course) {
+    std::size_t used = 0;
+    const char32_t code = DecodeUtf8({course.at, course.Left()}, used);
+    course.at += used;
+    return code;
+}
+
+char32_t DecodeNext(Encoding& course) {
+    std::size_t used = 0;
+    const char32_t code = DecodeUtf16({course.at, course.Left()}, used);
+    course.at += used;
+    return code;
+}
+
+std::size_t SizeOf(char32_t code, const WCHAR* /*unit*/) {
+    return code < 0x10000 ? 1 : 2;
+}
+
+std::size_t SizeOf(char32_t code, const char* /*unit*/) {
+    return code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
+}
+
+void Put(char32_t code, std::size_t size, WCHAR* place) {
+    if (size == 1) {
         *place = static_cast<WCHAR>(code);
     } else {
         place[0] = static_cast<WCHAR>(0xD800 + ((code - 0x10000) >> 10));
         place[1] = static_cast<WCHAR>(0xDC00 + ((code - 0x10000) & 0x3FF));
     }
-    return true;
 }
 
-bool Put(char32_t code, Output<char>& output) {
-    const std::size_t count = code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-    char* place;
-    if (!output.Take(count, place)) return false;
-    if (place == nullptr) return true;
-    for (std::size_t i = count - 1; i > 0; --i, code >>= 6) {
+void Put(char32_t code, std::size_t size, char* place) {
+    for (std::size_t i = size - 1; i > 0; --i, code >>= 6) {
         place[i] = static_cast<char>(0x80 | (code & 0x3F));
     }
     constexpr unsigned char kLead[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
-    place[0] = static_cast<char>(kLead[count] | code);
-    return true;
+    place[0] = static_cast<char>(kLead[size] | code);
 }
 
-template <class From, class To, class Decode>
-Conversion Convert(std::basic_string_view<From> text, To* buffer, std::size_t size, bool strict,
-                   Decode decode) {
-    Output<To> output(buffer, size);
-    std::size_t position = 0;
-    while (position < text.size()) {
-        if (!CopyAscii(text, position, output)) return {0, ERROR_INSUFFICIENT_BUFFER};
-        if (position == text.size()) break;
-        char32_t code = decode(text, position);
-        if (code == kIllFormed) {
-            if (strict) return {0, ERROR_NO_UNICODE_TRANSLATION};
-            code = kReplacement;
-        }
-        if (!Put(code, output)) return {0, ERROR_INSUFFICIENT_BUFFER};
+template <class From, class To>
+Conversion Write(Course<From, To> course, bool strict) {
+    To* const buffer = course.out;
+    while (course.Left() > 0) {
+        const From* const before = course.at;
+        ConvertRun(course);
+        if (course.at != before) continue;
+        char32_t code = DecodeNext(course);
+        if (code == kIllFormed && strict) return {0, ERROR_NO_UNICODE_TRANSLATION};
+        if (code == kIllFormed) code = kReplacement;
+        const std::size_t size = SizeOf(code, course.out);
+        if (course.Room() < size) return {0, ERROR_INSUFFICIENT_BUFFER};
+        Put(code, size, course.out);
+        course.out += size;
     }
-    return {output.Used(), NO_ERROR};
+    return {static_cast<std::size_t>(course.out - buffer), NO_ERROR};
+}
+
+template <class From, class To>
+Conversion Count(Course<From, To> course, bool strict) {
+    std::size_t length = 0;
+    while (course.Left() > 0) {
+        const std::size_t ascii = course.Left() >= kAsciiStep ? AsciiPrefix(course.at) : 0;
+        length += ascii;
+        course.at += ascii;
+        if (ascii == kAsciiStep) continue;
+        char32_t code = DecodeNext(course);
+        if (code == kIllFormed && strict) return {0, ERROR_NO_UNICODE_TRANSLATION};
+        if (code == kIllFormed) code = kReplacement;
+        length += SizeOf(code, course.out);
+    }
+    return {length, NO_ERROR};
+}
+
+template <class From, class To>
+Conversion Convert(std::basic_string_view<From> text, To* buffer, std::size_t size, bool strict) {
+    const Course<From, To> course{text.data(), text.data() + text.size(), buffer,
+                                  buffer == nullptr ? nullptr : buffer + size};
+    return buffer == nullptr ? Count(course, strict) : Write(course, strict);
 }
 
 }  // namespace
 
 Conversion Utf8ToWide(std::string_view text, WCHAR* buffer, std::size_t size, bool strict) {
-    return Convert(text, buffer, size, strict, DecodeUtf8);
+    return Convert(text, buffer, size, strict);
 }
 
 Conversion WideToUtf8(std::basic_string_view<WCHAR> text, char* buffer, std::size_t size,
                       bool strict) {
-    return Convert(text, buffer, size, strict, DecodeUtf16);
+    return Convert(text, buffer, size, strict);
 }
 
 }  // namespace host

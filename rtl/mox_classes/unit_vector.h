@@ -1,0 +1,78 @@
+// Sixteen bytes of text at a time, for comparing, searching and counting: every x86-64 has SSE2,
+// any other machine takes the plain loops below. A mask has two bits for each unit, the first unit
+// lowest.
+#pragma once
+
+#include <windows.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace System {
+
+constexpr int kUnitStep = 8;   // units that one look takes in
+constexpr int kByteStep = 16;  // the same in bytes
+
+#ifdef __SSE2__
+
+struct TUnits8 {
+    __m128i units;
+
+    explicit TUnits8(const WCHAR* from)
+        : units(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from))) {}
+    explicit TUnits8(WCHAR unit) : units(_mm_set1_epi16(static_cast<short>(unit))) {}
+    unsigned Equal(const TUnits8& other) const {
+        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, other.units)));
+    }
+};
+
+// UTF-16 units that sixteen bytes of UTF-8 begin.
+inline int UnitsBegun(const char* from) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+    const __m128i four = _mm_set1_epi8(static_cast<char>(0xF0));
+    const __m128i leads = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xBF)));
+    const __m128i pairs = _mm_cmpeq_epi8(_mm_max_epu8(bytes, four), bytes);
+    const __m128i counts = _mm_sub_epi8(_mm_setzero_si128(), _mm_add_epi8(leads, pairs));
+    const __m128i sums = _mm_sad_epu8(counts, _mm_setzero_si128());
+    return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
+}
+
+#else
+
+struct TUnits8 {
+    WCHAR units[kUnitStep];
+
+    explicit TUnits8(const WCHAR* from) { std::copy_n(from, kUnitStep, units); }
+    explicit TUnits8(WCHAR unit) { std::fill_n(units, kUnitStep, unit); }
+    unsigned Equal(const TUnits8& other) const {
+        unsigned mask = 0;
+        for (int i = 0; i < kUnitStep; ++i) {
+            if (units[i] == other.units[i]) mask |= 3U << (2 * i);
+        }
+        return mask;
+    }
+};
+
+inline int UnitsBegun(const char* from) {
+    int units = 0;
+    for (int i = 0; i < kByteStep; ++i) {
+        const auto byte = static_cast<unsigned char>(from[i]);
+        units += ((byte & 0xC0) != 0x80) + (byte >= 0xF0);
+    }
+    return units;
+}
+
+#endif
+
+constexpr unsigned kAllUnits = 0xFFFF;
+
+inline int FirstUnit(unsigned mask) {
+    return std::countr_zero(mask) / 2;
+}
+
+}  // namespace System
