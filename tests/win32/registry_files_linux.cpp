@@ -1,5 +1,6 @@
 // The registry's files: what the reader takes and refuses, what the writer makes, several
 // processes.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <qv_host.h>
 #include <sys/stat.h>
@@ -171,6 +172,37 @@ TEST_F(RegFiles, AFileThatWasEditedByHandIsReadAgain) {
     EXPECT_EQ(Read(file), kHead + "[HKEY_USERS\\K]\n");
     unlink(Path(file).c_str());
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
+}
+
+// What a clock with coarse ticks does: the new file has the old one's size and times.
+TEST_F(RegFiles, AReplacementIsSeenWithinOneTickOfTheClock) {
+    const std::string file = "registry/HKEY_CURRENT_USER.reg";
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"v"), ERROR_SUCCESS);
+    struct stat before;
+    ASSERT_EQ(stat(Path(file).c_str(), &before), 0);
+    const timespec times[] = {before.st_atim, before.st_mtim};
+    for (const char* value : {"02", "03", "04"}) {
+        const std::string text = "\n[HKEY_CURRENT_USER]\n\"v\"=hex:" + std::string(value) + "\n";
+        Write("next.reg", kHead.substr(0, kHead.size() - 1) + text);
+        utimensat(AT_FDCWD, Path("next.reg").c_str(), times, 0);
+        ASSERT_EQ(rename(Path("next.reg").c_str(), Path(file).c_str()), 0);
+        EXPECT_EQ(Export(TEXT("HKCU")), text);
+    }
+    const std::string edited = "\n[HKEY_CURRENT_USER]\n\"v\"=hex:05\n";
+    Write(file, kHead.substr(0, kHead.size() - 1) + edited);
+    utimensat(AT_FDCWD, Path(file).c_str(), times, 0);
+    EXPECT_EQ(Export(TEXT("HKCU")), edited);
+}
+
+TEST_F(RegFiles, KeysOfTheDeepestKindComeAndGoAndLieInOrder) {
+    std::u16string deep;
+    for (int i = 0; i < 512; ++i) deep += i == 0 ? u"k" : u"\\k";
+    EXPECT_EQ(Create(deep), ERROR_SUCCESS);
+    for (const char16_t* name : {u"b", u"C", u"a"}) EXPECT_EQ(Create(name), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, u"K\\k\\k"), ERROR_SUCCESS);
+    EXPECT_EQ(Export(TEXT("HKCU")),
+              "\n[HKEY_CURRENT_USER\\a]\n\n[HKEY_CURRENT_USER\\b]\n\n[HKEY_CURRENT_USER\\C]\n"
+              "\n[HKEY_CURRENT_USER\\k\\k]\n");
 }
 
 TEST_F(RegFiles, NamesThatTheFileCannotHoldAreRefused) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string_view>
 
 namespace host {
 namespace {
@@ -32,6 +33,23 @@ std::string HostRoot() {
     if (!chosen.empty()) return chosen;
     const std::string state = AbsoluteFromEnvironment("XDG_STATE_HOME");
     return (state.empty() ? Home() + "/.local/state" : state) + "/qv_rtl";
+}
+
+bool HostRootKey::StillHolds() {
+    constexpr const char* kNames[kVariables] = {"QV_HOST_ROOT", "XDG_STATE_HOME", "HOME"};
+    bool holds = is_set_;
+    for (int i = 0; i < kVariables; ++i) {
+        const char* const value = std::getenv(kNames[i]);
+        const std::string_view now = value == nullptr ? std::string_view() : value;
+        if (now != values_[i]) {
+            values_[i] = now;
+            holds = false;
+        }
+        // A folder that is named outright leaves the names behind it without a meaning.
+        if (now.starts_with('/')) break;
+    }
+    is_set_ = true;
+    return holds;
 }
 
 }  // namespace host

@@ -10,4 +10,17 @@ namespace host {
 // Relative names in these variables are ignored.
 std::string HostRoot();
 
+// Tells whether HostRoot() is still what it was, for those who keep something that they made of it.
+// One thread at a time.
+class HostRootKey {
+  public:
+    // False at the first call, and once after each change of the environment.
+    bool StillHolds();
+
+  private:
+    static constexpr int kVariables = 3;
+    std::string values_[kVariables];
+    bool is_set_ = false;
+};
+
 }  // namespace host

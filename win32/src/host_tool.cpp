@@ -72,17 +72,22 @@ BOOL Guarded(LPWSTR message, DWORD size, const Run& run) {
 
 using EntriesByHive = std::map<RegHive*, std::vector<RegEntry>>;
 
-EntriesByHive SplitByHive(std::vector<RegEntry> entries) {
+EntriesByHive SplitByHive(std::string_view bytes) {
     EntriesByHive parts;
     RegHive* hive = nullptr;
-    for (RegEntry& entry : entries) {
+    ReadRegText(bytes, [&](const RegEntry& entry) {
         if (entry.kind == RegEntry::Kind::Key || entry.kind == RegEntry::Kind::DeleteKey) {
             hive = FindHive(std::u16string_view(entry.name).substr(0, entry.name.find(u'\\')));
             if (hive == nullptr) throw RegTextError(entry.line, "a key of an unknown root");
         }
-        parts[hive].push_back(std::move(entry));
-    }
+        parts[hive].push_back(entry);
+    });
     return parts;
+}
+
+void RunAll(const std::vector<RegEntry>& entries, RegKey& root) {
+    RegEntryRunner runner([&root](std::u16string_view) { return &root; });
+    for (const RegEntry& entry : entries) runner.Run(entry);
 }
 
 // Reads the file and tries it on an empty registry, so that nothing can fail half-way.
@@ -93,10 +98,10 @@ EntriesByHive ReadEntries(const std::string& file) {
     const LSTATUS code = ReadWholeFile(fd.get(), bytes);
     if (code != ERROR_SUCCESS) FailWithCode(code, file);
     try {
-        EntriesByHive parts = SplitByHive(ReadRegText(bytes));
+        EntriesByHive parts = SplitByHive(bytes);
         for (const auto& [hive, entries] : parts) {
             RegKey scratch(hive->Name());
-            ApplyRegEntries(entries, [&scratch](std::u16string_view) { return &scratch; });
+            RunAll(entries, scratch);
         }
         return parts;
     } catch (const RegTextError& error) {
@@ -113,7 +118,7 @@ void RefreshOrFail(RegHive& hive) {
 void Apply(RegHive& hive, const std::vector<RegEntry>& entries) {
     RefreshOrFail(hive);
     const LSTATUS code = hive.Change([&](bool& changed) {
-        ApplyRegEntries(entries, [&hive](std::u16string_view) { return &hive.Root(); });
+        RunAll(entries, hive.Root());
         changed = true;
         return LSTATUS{ERROR_SUCCESS};
     });
@@ -170,7 +175,7 @@ BOOL QvHostExport(LPCWSTR key, LPCWSTR file, LPWSTR message, DWORD size) {
         } else {
             for (const auto& hive : RegHives()) {
                 RefreshOrFail(*hive);
-                if (hive->Root().Keys().empty() && hive->Root().Values().empty()) continue;
+                if (!hive->Root().HasKeys() && hive->Root().Values().empty()) continue;
                 WriteRegKey(hive->Root(), hive->Name(), writer);
             }
         }

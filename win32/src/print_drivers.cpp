@@ -62,8 +62,8 @@ BOOL EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE 
     const DWORD place = CheckPlace(server, environment);
     if (place != NO_ERROR) return Fail(place);
     Drivers drivers;
-    const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, kDriversKey, [&](const RegKey& all) {
-        for (const auto& key : all.Keys()) AddDriver(*key, drivers);
+    const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, DriversPath(), [&](const RegKey& all) {
+        for (const RegKey* key : all.Keys()) AddDriver(*key, drivers);
     });
     return Succeeded(code) ? drivers.Deliver(buffer, size, needed, count) : FALSE;
 }
@@ -88,8 +88,8 @@ BOOL EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWOR
     if (level != 2) return Fail(ERROR_INVALID_LEVEL);
     if (!ViewOf(server).empty()) return Fail(ERROR_INVALID_NAME);
     RecordBuffer<MONITOR_INFO_2W> monitors;
-    const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, kMonitorsKey, [&](const RegKey& all) {
-        for (const auto& key : all.Keys()) {
+    const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, MonitorsPath(), [&](const RegKey& all) {
+        for (const RegKey* key : all.Keys()) {
             monitors.Add();
             monitors.Text(&MONITOR_INFO_2W::pName, key->Name());
             monitors.Text(&MONITOR_INFO_2W::pEnvironment, kEnvironment);

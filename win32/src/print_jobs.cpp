@@ -33,9 +33,9 @@ std::vector<Job> JobsOf(const RegKey& printer) {
     std::vector<Job> jobs;
     const RegKey* const keys = printer.FindKey(u"Jobs");
     if (keys == nullptr) return jobs;
-    for (const auto& key : keys->Keys()) {
+    for (const RegKey* key : keys->Keys()) {
         const DWORD id = JobId(key->Name());
-        if (id != 0) jobs.push_back({id, NumberValue(*key, u"Position", ~DWORD{0}), key.get()});
+        if (id != 0) jobs.push_back({id, NumberValue(*key, u"Position", ~DWORD{0}), key});
     }
     std::ranges::sort(jobs, [](const Job& a, const Job& b) {
         return a.position != b.position ? a.position < b.position : a.id < b.id;

@@ -26,23 +26,44 @@ std::u16string Units(const std::vector<BYTE>& data) {
 
 }  // namespace
 
-LSTATUS ReadPrintKey(HKEY root, std::u16string_view path,
-                     const std::function<void(const RegKey&)>& read) {
+// These are never destroyed: the spooler may be asked while the process exits.
+const RegPath& PrintersPath() {
+    static const RegPath& path =
+        *new RegPath{u"SYSTEM", u"CurrentControlSet", u"Control", u"Print", u"Printers"};
+    return path;
+}
+
+const RegPath& DriversPath() {
+    static const RegPath& path =
+        *new RegPath{u"SYSTEM",       u"CurrentControlSet", u"Control", u"Print",
+                     u"Environments", kEnvironment,         u"Drivers", u"Version-3"};
+    return path;
+}
+
+const RegPath& MonitorsPath() {
+    static const RegPath& path =
+        *new RegPath{u"SYSTEM", u"CurrentControlSet", u"Control", u"Print", u"Monitors"};
+    return path;
+}
+
+const RegPath& UserBlocksPath() {
+    static const RegPath& path = *new RegPath{u"Printers", u"DevModePerUser"};
+    return path;
+}
+
+LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read) {
     return ReadKey(root, 0, [&](const KeyContext& on) -> LSTATUS {
-        RegPath names;
-        SplitKeyPath(path, names);
-        const RegKey* const key = on.hive.Root().FindPath(names);
-        static const RegKey kNone(u"");
-        read(key != nullptr ? *key : kNone);
+        const RegKey* const key = on.hive.Root().FindPath(path);
+        static const RegKey& none = *new RegKey(u"");
+        read(key != nullptr ? *key : none);
         return ERROR_SUCCESS;
     });
 }
 
-LSTATUS ReadPrinterKey(std::u16string_view printer,
-                       const std::function<void(const RegKey&)>& read) {
+LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read) {
     bool found = false;
     const LSTATUS code =
-        ReadPrintKey(HKEY_LOCAL_MACHINE, kPrintersKey, [&](const RegKey& printers) {
+        ReadPrintKey(HKEY_LOCAL_MACHINE, PrintersPath(), [&](const RegKey& printers) {
             const RegKey* const key = printers.FindKey(printer);
             found = key != nullptr;
             if (found) read(*key);
@@ -91,7 +112,7 @@ std::vector<BYTE> BlockValue(const RegKey& key, std::u16string_view name) {
 }
 
 LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block) {
-    return ReadPrintKey(HKEY_CURRENT_USER, kUserBlocksKey,
+    return ReadPrintKey(HKEY_CURRENT_USER, UserBlocksPath(),
                         [&](const RegKey& blocks) { block = BlockValue(blocks, printer); });
 }
 

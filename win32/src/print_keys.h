@@ -6,29 +6,29 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "call_ref.h"
 #include "reg_tree.h"
 
 namespace host {
 
-inline constexpr WCHAR kPrintersKey[] = u"SYSTEM\\CurrentControlSet\\Control\\Print\\Printers";
-inline constexpr WCHAR kDriversKey[] =
-    u"SYSTEM\\CurrentControlSet\\Control\\Print\\Environments\\Windows x64\\Drivers\\Version-3";
-inline constexpr WCHAR kMonitorsKey[] = u"SYSTEM\\CurrentControlSet\\Control\\Print\\Monitors";
-inline constexpr WCHAR kUserBlocksKey[] = u"Printers\\DevModePerUser";
+// Below HKEY_LOCAL_MACHINE, the last one below HKEY_CURRENT_USER.
+const RegPath& PrintersPath();
+const RegPath& DriversPath();
+const RegPath& MonitorsPath();
+const RegPath& UserBlocksPath();
+
 inline constexpr WCHAR kEnvironment[] = u"Windows x64";
 inline constexpr WCHAR kDriverFolder[] = u"C:\\Windows\\System32\\spool\\drivers\\x64";
 
 // Runs `read` on the key at `path` below a root, with the registry locked; a missing key reads as
 // an empty one. The code is the registry's.
-LSTATUS ReadPrintKey(HKEY root, std::u16string_view path,
-                     const std::function<void(const RegKey&)>& read);
+LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read);
 // Runs `read` on a printer's key; ERROR_INVALID_PRINTER_NAME when there is none.
-LSTATUS ReadPrinterKey(std::u16string_view printer, const std::function<void(const RegKey&)>& read);
+LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read);
 
 // A REG_SZ or REG_EXPAND_SZ value up to its first zero character; else empty.
 std::u16string TextValue(const RegKey& key, std::u16string_view name);

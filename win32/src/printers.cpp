@@ -80,8 +80,7 @@ LSTATUS SetUserBlock(const OpenPrinter& printer, const DEVMODEW* block) {
     const LSTATUS found = ReadPrinterKey(printer.Name(), [](const RegKey&) {});
     if (found != ERROR_SUCCESS) return found;
     return ChangeKey(HKEY_CURRENT_USER, 0, [&](const KeyContext& on, bool& changed) -> LSTATUS {
-        RegPath path;
-        SplitKeyPath(kUserBlocksKey, path);
+        const RegPath& path = UserBlocksPath();
         if (block == nullptr) {
             RegKey* const blocks = on.hive.Root().FindPath(path);
             changed = blocks != nullptr && blocks->RemoveValue(printer.Name());
@@ -113,10 +112,8 @@ LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, 
     if (record.pDevMode != nullptr && BlockSize(record.pDevMode) == 0) {
         return ERROR_INVALID_PARAMETER;
     }
-    RegPath drivers;
-    SplitKeyPath(kDriversKey, drivers);
     if (record.pDriverName == nullptr) return ERROR_SUCCESS;
-    const RegKey* const installed = machine.FindPath(drivers);
+    const RegKey* const installed = machine.FindPath(DriversPath());
     return installed != nullptr && installed->FindKey(record.pDriverName) != nullptr
                ? ERROR_SUCCESS
                : ERROR_UNKNOWN_PRINTER_DRIVER;
@@ -125,8 +122,7 @@ LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, 
 // A null text or block leaves what is there.
 LSTATUS SetPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record) {
     return ChangeKey(HKEY_LOCAL_MACHINE, 0, [&](const KeyContext& on, bool& changed) -> LSTATUS {
-        RegPath path;
-        SplitKeyPath(kPrintersKey, path);
+        RegPath path = PrintersPath();
         path.push_back(printer.Name());
         RegKey* const key = on.hive.Root().FindPath(path);
         if (key == nullptr) return ERROR_INVALID_PRINTER_NAME;
@@ -203,9 +199,10 @@ BOOL EnumPrintersW(DWORD flags, LPWSTR, DWORD level, LPBYTE buffer, DWORD size, 
     }
     Printers printers;
     if ((flags & PRINTER_ENUM_LOCAL) != 0) {
-        const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, kPrintersKey, [&](const RegKey& all) {
-            for (const auto& key : all.Keys()) AddPrinter(*key, printers);
-        });
+        const LSTATUS code =
+            ReadPrintKey(HKEY_LOCAL_MACHINE, PrintersPath(), [&](const RegKey& all) {
+                for (const RegKey* key : all.Keys()) AddPrinter(*key, printers);
+            });
         if (code != ERROR_SUCCESS) return Succeeded(code);
     }
     return printers.Deliver(buffer, size, needed, count);

@@ -1,7 +1,7 @@
 #include "reg_calls.h"
 
-#include <memory>
 #include <new>
+#include <optional>
 
 namespace host {
 
@@ -14,7 +14,7 @@ class Target {
   public:
     explicit Target(HKEY handle) : root_(FindHive(handle)) {
         if (root_ == nullptr) {
-            pin_ = std::make_unique<HandlePin<OpenKey>>(reinterpret_cast<HANDLE>(handle));
+            pin_.emplace(reinterpret_cast<HANDLE>(handle));
         }
     }
     explicit operator bool() const { return root_ != nullptr || *pin_; }
@@ -23,7 +23,7 @@ class Target {
         return root_ != nullptr || ((*pin_)->Access() & needed) == needed;
     }
     const RegPath& Path() const {
-        static const RegPath none;
+        static const RegPath& none = *new RegPath;
         return root_ != nullptr ? none : (*pin_)->State().path;
     }
     RegKey* Find() const {
@@ -32,11 +32,11 @@ class Target {
 
   private:
     RegHive* const root_;
-    std::unique_ptr<HandlePin<OpenKey>> pin_;
+    std::optional<HandlePin<OpenKey>> pin_;
 };
 
 // The lock is given up before the pin, whose end may destroy the handle's object.
-LSTATUS OnKey(HKEY handle, REGSAM needed, const std::function<LSTATUS(const Target&)>& run) {
+LSTATUS OnKey(HKEY handle, REGSAM needed, const CallRef<LSTATUS(const Target&)>& run) {
     try {
         const Target target(handle);
         if (!target) return ERROR_INVALID_HANDLE;

@@ -4,9 +4,9 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <memory>
 
+#include "call_ref.h"
 #include "handles.h"
 #include "host_text.h"
 #include "reg_hive.h"
@@ -36,8 +36,8 @@ struct KeyContext {
     RegKey& key;
 };
 
-using KeyReader = std::function<LSTATUS(const KeyContext&)>;
-using KeyChanger = std::function<LSTATUS(const KeyContext&, bool& changed)>;
+using KeyReader = CallRef<LSTATUS(const KeyContext&)>;
+using KeyChanger = CallRef<LSTATUS(const KeyContext&, bool& changed)>;
 
 // ERROR_INVALID_HANDLE, ERROR_ACCESS_DENIED when the handle lacks one of the `needed` rights,
 // ERROR_KEY_DELETED, or the code of the hive or of the function. Nothing is thrown.

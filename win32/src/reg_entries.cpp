@@ -51,39 +51,59 @@ void RemovePlace(const KeyPlace& place) {
 
 }  // namespace
 
-void ApplyRegEntries(const std::vector<RegEntry>& entries, const RegRootFinder& find_root) {
-    RegKey* key = nullptr;
-    for (const RegEntry& entry : entries) {
-        switch (entry.kind) {
-            case RegEntry::Kind::Key: {
-                const KeyPlace place = FindPlace(entry, find_root);
-                key = &place.root->MakePath(place.path);
-                break;
-            }
-            case RegEntry::Kind::DeleteKey:
-                RemovePlace(FindPlace(entry, find_root));
-                key = nullptr;
-                break;
-            case RegEntry::Kind::Value: {
-                const LSTATUS code = CheckValueName(entry.name);
-                if (code != ERROR_SUCCESS) throw RegTextError(entry.line, NameProblem(code));
-                key->SetValue(entry.name, entry.type, entry.data);
-                break;
-            }
-            case RegEntry::Kind::DeleteValue:
-                key->RemoveValue(entry.name);
-                break;
+void RegEntryRunner::Run(const RegEntry& entry) {
+    switch (entry.kind) {
+        case RegEntry::Kind::Key: {
+            const KeyPlace place = FindPlace(entry, find_root_);
+            key_ = &place.root->MakePath(place.path);
+            break;
         }
+        case RegEntry::Kind::DeleteKey:
+            RemovePlace(FindPlace(entry, find_root_));
+            key_ = nullptr;
+            break;
+        case RegEntry::Kind::Value: {
+            const LSTATUS code = CheckValueName(entry.name);
+            if (code != ERROR_SUCCESS) throw RegTextError(entry.line, NameProblem(code));
+            key_->SetValue(entry.name, entry.type, entry.data);
+            break;
+        }
+        case RegEntry::Kind::DeleteValue:
+            key_->RemoveValue(entry.name);
+            break;
     }
 }
 
+namespace {
+
+void WriteOneKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
+    if (key.Values().empty() && key.HasKeys()) return;
+    writer.Key(path);
+    for (const auto& value : key.Values()) writer.Value(value->name, value->type, value->data);
+}
+
+}  // namespace
+
 void WriteRegKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
-    if (!key.Values().empty() || key.Keys().empty()) {
-        writer.Key(path);
-        for (const auto& value : key.Values()) writer.Value(value->name, value->type, value->data);
-    }
-    for (const auto& below : key.Keys()) {
-        WriteRegKey(*below, path + u'\\' + below->Name(), writer);
+    struct Level {
+        const RegKey* key;
+        std::size_t next;  // of its subkeys
+        std::size_t path_length;
+    };
+    std::u16string here = path;
+    std::vector<Level> levels{{&key, 0, here.size()}};
+    WriteOneKey(key, here, writer);
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        here.resize(level.path_length);
+        if (level.next == level.key->Keys().size()) {
+            levels.pop_back();
+            continue;
+        }
+        const RegKey& below = *level.key->Keys()[level.next++];
+        here += u'\\' + below.Name();
+        WriteOneKey(below, here, writer);
+        levels.push_back({&below, 0, here.size()});
     }
 }
 

@@ -17,7 +17,7 @@ namespace host {
 
 namespace {
 
-constexpr off_t kMaxFileBytes = off_t{1} << 30;
+constexpr off_t kMaxFileBytes = off_t{4} << 30;
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
 
@@ -29,9 +29,13 @@ std::string RegistryFolder() {
     return HostRoot() + "/registry";
 }
 
+bool SameTime(const struct timespec& a, const struct timespec& b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
 bool SameVersion(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+           SameTime(a.st_mtim, b.st_mtim) && SameTime(a.st_ctim, b.st_ctim);
 }
 
 void MakeFolders(const std::string& path) {
@@ -106,44 +110,57 @@ FILETIME RegHive::Written() const {
 void RegHive::Forget() {
     ++generation_;
     root_.Clear();
-    path_.clear();
+    is_read_ = false;
     file_ = UniqueFd();
     status_ = ERROR_SUCCESS;
     problem_.clear();
 }
 
-LSTATUS RegHive::Refresh() {
+// Sets path_ unless it is what the environment asks for. False for a root without a file name.
+bool RegHive::FindFileName() {
+    if (host_root_.StillHolds() && !path_.empty()) return true;
     std::string utf8;
-    if (!NameToUtf8(name_, utf8)) return ERROR_INVALID_NAME;
-    const std::string path = RegistryFolder() + '/' + utf8 + ".reg";
+    if (!NameToUtf8(name_, utf8)) return false;
+    std::string path = RegistryFolder() + '/' + utf8 + ".reg";
+    if (path == path_) return true;
+    Forget();
+    path_ = std::move(path);
+    return true;
+}
+
+LSTATUS RegHive::Refresh() {
+    if (!FindFileName()) return ERROR_INVALID_NAME;
     struct stat now;
-    if (stat(path.c_str(), &now) == 0) {
-        if (file_ && path == path_ && SameVersion(now, stamp_)) return status_;
-        return Load(path);
+    if (stat(path_.c_str(), &now) == 0) {
+        return file_ && is_read_ && SameVersion(now, stamp_) ? status_ : Load();
     }
     if (errno != ENOENT) return CodeFromErrno();
-    if (file_ || path != path_) Forget();
-    path_ = path;
+    if (file_ || !is_read_) Forget();
+    is_read_ = true;
     return ERROR_SUCCESS;
 }
 
-LSTATUS RegHive::Load(const std::string& path) {
+LSTATUS RegHive::Load() {
     Forget();
-    UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    UniqueFd file(open(path_.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file || fstat(file.get(), &stamp_) != 0) return CodeFromErrno();
     std::string bytes;
     const LSTATUS code = ReadWholeFile(file.get(), bytes);
     if (code != ERROR_SUCCESS) return code;
     try {
-        ApplyRegEntries(ReadRegText(bytes), [this](std::u16string_view name) {
+        RegEntryRunner runner([this](std::u16string_view name) {
             return EqualFolded(name, name_) ? &root_ : nullptr;
         });
+        ReadRegText(bytes, [&runner](const RegEntry& entry) { runner.Run(entry); });
     } catch (const RegTextError& error) {
         root_.Clear();
-        problem_ = path + ", " + error.what();
+        problem_ = path_ + ", " + error.what();
         status_ = ERROR_BADDB;
+    } catch (...) {
+        Forget();
+        throw;
     }
-    path_ = path;
+    is_read_ = true;
     file_ = std::move(file);
     return status_;
 }
@@ -158,11 +175,14 @@ LSTATUS RegHive::Save() {
     if (code != ERROR_SUCCESS) return code;
     if (fstat(file.get(), &stamp_) != 0) return CodeFromErrno();
     if (rename(next.c_str(), path_.c_str()) != 0) return CodeFromErrno();
+    // The rename changed nothing of the file but the time of its last change.
+    struct stat renamed;
+    if (fstat(file.get(), &renamed) == 0) stamp_.st_ctim = renamed.st_ctim;
     file_ = std::move(file);
     return ERROR_SUCCESS;
 }
 
-LSTATUS RegHive::Change(const std::function<LSTATUS(bool& changed)>& change) {
+LSTATUS RegHive::Change(const CallRef<LSTATUS(bool& changed)>& change) {
     UniqueFd lock;
     LSTATUS code = LockRegistry(lock);
     if (code == ERROR_SUCCESS) code = Refresh();

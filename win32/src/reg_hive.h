@@ -2,8 +2,10 @@
 //
 // The file is the truth: it is reread when it changed, and every change is made under a lock that
 // all processes share, on the file's current state, and replaces the file by a rename. So a reader
-// sees the old state or the new one, never a mixture, and needs no lock. The read version's file
-// stays open, so that its inode number cannot come back with another content.
+// sees the old state or the new one, never a mixture, and needs no lock. Whether it changed is one
+// `stat` per call: the read version's file stays open, so that its inode number cannot come back
+// with another content, however little time lies between two replacements; an edit in place shows
+// by size and times.
 //
 // All members are guarded by RegistryMutex().
 #pragma once
@@ -12,12 +14,13 @@
 #include <windows.h>
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "call_ref.h"
+#include "host_root.h"
 #include "reg_tree.h"
 #include "unique_fd.h"
 
@@ -50,7 +53,7 @@ class RegHive {
 
     // Runs `change` on the file's current state, alone among all processes, and keeps the outcome
     // when it returns ERROR_SUCCESS and set its flag; else nothing has changed.
-    LSTATUS Change(const std::function<LSTATUS(bool& changed)>& change);
+    LSTATUS Change(const CallRef<LSTATUS(bool& changed)>& change);
 
     // Brings the file's current state to the disk.
     LSTATUS Flush();
@@ -62,15 +65,17 @@ class RegHive {
     void MarkDeleted(const RegPath& path, bool itself);
 
   private:
-    LSTATUS Load(const std::string& path);
-    void Parse();
+    bool FindFileName();
+    LSTATUS Load();
     LSTATUS Save();
     void Forget();
 
     const std::u16string name_;
     RegKey root_;
     std::uint64_t generation_ = 0;  // grows whenever keys of root_ may have been destroyed
-    std::string path_;              // the file that root_ was read from; empty: nothing was read
+    HostRootKey host_root_;         // what path_ was made of
+    std::string path_;              // of the file
+    bool is_read_ = false;          // root_ is what `file_` holds, or empty when there is no file
     UniqueFd file_;                 // that version of it, or none when there was no file
     struct stat stamp_ = {};
     LSTATUS status_ = ERROR_SUCCESS;

@@ -1,8 +1,8 @@
 // The registry as text: the .reg format of the Windows registry editor, version 5.00.
 //
 // The reader takes UTF-16LE with a byte-order mark or UTF-8 with or without one, lines that end in
-// LF or CR LF, and gives the file's statements in order. The writer makes UTF-8 with LF, text
-// values as quoted text wherever that keeps every byte. Reader and writer share no code.
+// LF or CR LF, and gives the file's statements in order, one at a time. The writer makes UTF-8 with
+// LF, text values as quoted text wherever that keeps every byte. Reader and writer share no code.
 #pragma once
 
 #include <windows.h>
@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "call_ref.h"
 
 namespace host {
 
@@ -32,8 +34,12 @@ class RegTextError : public std::runtime_error {
         : std::runtime_error("line " + std::to_string(line) + ": " + what) {}
 };
 
-// Throws RegTextError for the first line that is not understood.
-std::vector<RegEntry> ReadRegText(std::string_view bytes);
+using RegEntryTaker = CallRef<void(const RegEntry&)>;
+
+// Gives the statements in order; an entry lives until the next one is asked for. Throws
+// RegTextError for bytes that are no text, before it gives any statement, else for the first line
+// that is not understood.
+void ReadRegText(std::string_view bytes, const RegEntryTaker& take);
 
 // Makes the text, key by key. Names must be well-formed UTF-16, key names without line breaks.
 class RegTextWriter {

@@ -1,108 +1,146 @@
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <type_traits>
 
 #include "host_path.h"
 #include "reg_text.h"
+#include "utf8.h"
 
 namespace host {
 
 namespace {
 
-constexpr std::u16string_view kHeader = u"Windows Registry Editor Version 5.00";
+constexpr std::string_view kHeader = "Windows Registry Editor Version 5.00";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
-bool IsBlank(WCHAR unit) {
-    return unit == u' ' || unit == u'\t' || unit == u'\r';
+// The reader works on the file's own units, bytes of UTF-8 or units of UTF-16, and converts names
+// and texts alone: most of a large file is hexadecimal digits. (58 MB of settings blocks: see
+template <class Unit>
+using View = std::basic_string_view<Unit>;
+
+template <class Unit>
+bool IsBlank(Unit unit) {
+    return unit == ' ' || unit == '\t' || unit == '\r';
 }
 
-int HexDigit(WCHAR unit) {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
-    if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
-    return -1;
-}
-
-// The file's text in one encoding. Finds the line when a byte sequence is no text.
-std::u16string Decode(std::string_view bytes) {
-    if (bytes.starts_with(kUtf16Mark)) {
-        bytes.remove_prefix(kUtf16Mark.size());
-        std::u16string text(bytes.size() / sizeof(WCHAR), u'\0');
-        std::memcpy(text.data(), bytes.data(), text.size() * sizeof(WCHAR));
-        if (bytes.size() % sizeof(WCHAR) == 0) return text;
-        const auto breaks = std::count(text.begin(), text.end(), u'\n');
-        throw RegTextError(static_cast<std::size_t>(breaks) + 1, "half a UTF-16 character");
+// The value of each ASCII character as a hexadecimal digit, -1 for the others.
+constexpr auto kDigits = [] {
+    std::array<signed char, 128> values{};
+    for (int unit = 0; unit < 128; ++unit) {
+        const int value = unit >= '0' && unit <= '9'   ? unit - '0'
+                          : unit >= 'a' && unit <= 'f' ? unit - 'a' + 10
+                          : unit >= 'A' && unit <= 'F' ? unit - 'A' + 10
+                                                       : -1;
+        values[static_cast<std::size_t>(unit)] = static_cast<signed char>(value);
     }
-    if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
+    return values;
+}();
+
+template <class Unit>
+int HexDigit(Unit unit) {
+    const auto index = static_cast<std::make_unsigned_t<Unit>>(unit);
+    return index < kDigits.size() ? kDigits[index] : -1;
+}
+
+std::u16string ToText(View<WCHAR> units) {
+    return std::u16string(units);
+}
+
+// Of bytes that CheckUtf8 let pass.
+std::u16string ToText(std::string_view bytes) {
     std::u16string text;
-    if (NameFromUtf8(bytes, text)) return text;
+    if (!NameFromUtf8(bytes, text)) text.clear();
+    return text;
+}
+
+// Finds the line when a byte sequence is no UTF-8.
+void CheckUtf8(std::string_view bytes) {
+    if (Utf8ToWide(bytes, nullptr, 0, true).error == NO_ERROR) return;
     std::size_t line = 1;
     for (std::size_t start = 0; start < bytes.size(); ++line) {
         const std::size_t end = std::min(bytes.find('\n', start), bytes.size());
-        if (!NameFromUtf8(bytes.substr(start, end - start), text)) break;
+        if (Utf8ToWide(bytes.substr(start, end - start), nullptr, 0, true).error != NO_ERROR) break;
         start = end + 1;
     }
     throw RegTextError(line, "neither UTF-8 nor UTF-16 with a byte-order mark");
 }
 
+std::u16string FromUtf16Bytes(std::string_view bytes) {
+    std::u16string text(bytes.size() / sizeof(WCHAR), u'\0');
+    std::memcpy(text.data(), bytes.data(), text.size() * sizeof(WCHAR));
+    if (bytes.size() % sizeof(WCHAR) == 0) return text;
+    const auto breaks = std::count(text.begin(), text.end(), u'\n');
+    throw RegTextError(static_cast<std::size_t>(breaks) + 1, "half a UTF-16 character");
+}
+
+template <class Unit>
 class Reader {
   public:
-    explicit Reader(std::u16string text) : text_(std::move(text)) {}
-    std::vector<RegEntry> Run();
+    Reader(View<Unit> text, const RegEntryTaker& take) : text_(text), take_(take) {}
+    void Run();
 
   private:
     [[noreturn]] static void Fail(std::size_t line, const char* what) {
         throw RegTextError(line, what);
     }
     bool AtEnd() const { return at_ == text_.size(); }
-    WCHAR Peek() const { return AtEnd() ? u'\n' : text_[at_]; }
-    WCHAR Next();
-    bool Take(std::u16string_view word);
+    Unit Peek() const { return AtEnd() ? Unit{'\n'} : text_[at_]; }
+    Unit Next();
+    bool Take(std::string_view word);
     void SkipBlanks();
     bool FindStatement();
-    std::u16string_view RestOfLine();
+    View<Unit> RestOfLine();
     void EndStatement();
 
     void Header();
     void Key();
     void Value();
-    void Data(RegEntry& entry);
+    void Data();
     std::u16string Quoted();
     DWORD HexNumber();
-    void Bytes(std::vector<BYTE>& data);
+    void Bytes();
+    void PlainBytes();
     void SkipContinuation();
 
-    const std::u16string text_;
+    const View<Unit> text_;
+    const RegEntryTaker& take_;
     std::size_t at_ = 0, line_ = 1;
     bool in_key_ = false;
-    std::vector<RegEntry> entries_;
+    RegEntry entry_{};  // the statement that is being read; keeps its memory for the next one
 };
 
-WCHAR Reader::Next() {
-    const WCHAR unit = text_[at_++];
-    if (unit == u'\n') ++line_;
-    if (unit == u'\0') Fail(line_, "a zero character");
+template <class Unit>
+Unit Reader<Unit>::Next() {
+    const Unit unit = text_[at_++];
+    if (unit == '\n') ++line_;
+    if (unit == 0) Fail(line_, "a zero character");
     return unit;
 }
 
-bool Reader::Take(std::u16string_view word) {
-    if (!std::u16string_view(text_).substr(at_).starts_with(word)) return false;
+template <class Unit>
+bool Reader<Unit>::Take(std::string_view word) {
+    const View<Unit> next = text_.substr(at_, word.size());
+    if (!std::equal(next.begin(), next.end(), word.begin(), word.end())) return false;
     at_ += word.size();
     return true;
 }
 
-void Reader::SkipBlanks() {
+template <class Unit>
+void Reader<Unit>::SkipBlanks() {
     while (!AtEnd() && IsBlank(text_[at_])) ++at_;
 }
 
 // Goes to the next line that is neither empty nor a comment.
-bool Reader::FindStatement() {
+template <class Unit>
+bool Reader<Unit>::FindStatement() {
     for (;;) {
         SkipBlanks();
         if (AtEnd()) return false;
-        if (Peek() == u';') {
+        if (Peek() == ';') {
             RestOfLine();
-        } else if (Peek() != u'\n') {
+        } else if (Peek() != '\n') {
             return true;
         }
         if (!AtEnd()) Next();
@@ -110,91 +148,96 @@ bool Reader::FindStatement() {
 }
 
 // Up to the line's end, blanks at its end left out.
-std::u16string_view Reader::RestOfLine() {
-    const std::size_t end = std::min(text_.find(u'\n', at_), text_.size());
-    auto rest = std::u16string_view(text_).substr(at_, end - at_);
+template <class Unit>
+View<Unit> Reader<Unit>::RestOfLine() {
+    const std::size_t end = std::min(text_.find(Unit{'\n'}, at_), text_.size());
+    View<Unit> rest = text_.substr(at_, end - at_);
     at_ = end;
     while (!rest.empty() && IsBlank(rest.back())) rest.remove_suffix(1);
     return rest;
 }
 
-void Reader::EndStatement() {
+template <class Unit>
+void Reader<Unit>::EndStatement() {
     SkipBlanks();
-    if (Peek() == u';') RestOfLine();
-    if (Peek() != u'\n') Fail(line_, "unexpected text behind the value");
+    if (Peek() == ';') RestOfLine();
+    if (Peek() != '\n') Fail(line_, "unexpected text behind the value");
 }
 
-void Reader::Header() {
-    if (!FindStatement() || RestOfLine() != kHeader) {
-        Fail(line_, "the file does not begin with \"Windows Registry Editor Version 5.00\"");
+template <class Unit>
+void Reader<Unit>::Header() {
+    if (FindStatement()) {
+        const View<Unit> rest = RestOfLine();
+        if (std::equal(rest.begin(), rest.end(), kHeader.begin(), kHeader.end())) return;
     }
+    Fail(line_, "the file does not begin with \"Windows Registry Editor Version 5.00\"");
 }
 
-void Reader::Key() {
-    auto path = RestOfLine().substr(1);
-    if (!path.ends_with(u']')) Fail(line_, "a key without a closing bracket");
+template <class Unit>
+void Reader<Unit>::Key() {
+    View<Unit> path = RestOfLine().substr(1);
+    if (!path.ends_with(Unit{']'})) Fail(line_, "a key without a closing bracket");
     path.remove_suffix(1);
-    const bool remove = path.starts_with(u'-');
+    const bool remove = path.starts_with(Unit{'-'});
     if (remove) path.remove_prefix(1);
     if (path.empty()) Fail(line_, "a key without a name");
-    if (path.find(u'\0') != path.npos) Fail(line_, "a zero character");
+    if (path.find(Unit{0}) != path.npos) Fail(line_, "a zero character");
     in_key_ = !remove;
-    entries_.push_back({remove ? RegEntry::Kind::DeleteKey : RegEntry::Kind::Key,
-                        line_,
-                        std::u16string(path),
-                        REG_NONE,
-                        {}});
+    entry_.kind = remove ? RegEntry::Kind::DeleteKey : RegEntry::Kind::Key;
+    entry_.name = ToText(path);
 }
 
-void Reader::Value() {
+template <class Unit>
+void Reader<Unit>::Value() {
     if (!in_key_) Fail(line_, "a value without a key");
-    RegEntry entry{RegEntry::Kind::Value, line_, {}, REG_NONE, {}};
-    if (!Take(u"@")) entry.name = Quoted();
+    entry_.kind = RegEntry::Kind::Value;
+    if (!Take("@")) entry_.name = Quoted();
     SkipBlanks();
-    if (!Take(u"=")) Fail(line_, "no '=' behind the value's name");
+    if (!Take("=")) Fail(line_, "no '=' behind the value's name");
     SkipBlanks();
-    Data(entry);
+    Data();
     EndStatement();
-    entries_.push_back(std::move(entry));
 }
 
-void Reader::Data(RegEntry& entry) {
-    if (Take(u"-")) {
-        entry.kind = RegEntry::Kind::DeleteValue;
-    } else if (Peek() == u'"') {
-        entry.type = REG_SZ;
+template <class Unit>
+void Reader<Unit>::Data() {
+    if (Take("-")) {
+        entry_.kind = RegEntry::Kind::DeleteValue;
+    } else if (Peek() == '"') {
+        entry_.type = REG_SZ;
         const std::u16string text = Quoted();
         const auto* bytes = reinterpret_cast<const BYTE*>(text.c_str());
-        entry.data.assign(bytes, bytes + (text.size() + 1) * sizeof(WCHAR));
-    } else if (Take(u"dword:")) {
-        entry.type = REG_DWORD;
+        entry_.data.assign(bytes, bytes + (text.size() + 1) * sizeof(WCHAR));
+    } else if (Take("dword:")) {
+        entry_.type = REG_DWORD;
         const DWORD number = HexNumber();
         for (int shift = 0; shift < 32; shift += 8) {
-            entry.data.push_back(static_cast<BYTE>(number >> shift));
+            entry_.data.push_back(static_cast<BYTE>(number >> shift));
         }
-    } else if (Take(u"hex:")) {
-        entry.type = REG_BINARY;
-        Bytes(entry.data);
-    } else if (Take(u"hex(")) {
-        entry.type = HexNumber();
-        if (!Take(u"):")) Fail(line_, "no \"):\" behind the type's number");
-        Bytes(entry.data);
+    } else if (Take("hex:")) {
+        entry_.type = REG_BINARY;
+        Bytes();
+    } else if (Take("hex(")) {
+        entry_.type = HexNumber();
+        if (!Take("):")) Fail(line_, "no \"):\" behind the type's number");
+        Bytes();
     } else {
         Fail(line_, "no value of a known form (text in quotes, dword:, hex:, hex(n): or -)");
     }
 }
 
 // A quoted text may run over several lines; its line breaks belong to it.
-std::u16string Reader::Quoted() {
+template <class Unit>
+std::u16string Reader<Unit>::Quoted() {
     const std::size_t start = line_;
-    if (!Take(u"\"")) Fail(line_, "no quoted text");
-    std::u16string text;
+    if (!Take("\"")) Fail(line_, "no quoted text");
+    std::basic_string<Unit> text;
     while (!AtEnd()) {
-        const WCHAR unit = Next();
-        if (unit == u'"') return text;
-        if (unit != u'\\') {
+        const Unit unit = Next();
+        if (unit == '"') return ToText(View<Unit>(text));
+        if (unit != '\\') {
             text += unit;
-        } else if (Peek() == u'\\' || Peek() == u'"') {
+        } else if (Peek() == '\\' || Peek() == '"') {
             text += Next();
         } else {
             Fail(line_, "a backslash in quotes is doubled, or stands before a quote");
@@ -203,7 +246,8 @@ std::u16string Reader::Quoted() {
     Fail(start, "a quoted text without a closing quote");
 }
 
-DWORD Reader::HexNumber() {
+template <class Unit>
+DWORD Reader<Unit>::HexNumber() {
     DWORD number = 0;
     int digits = 0;
     for (; HexDigit(Peek()) >= 0; ++at_) {
@@ -215,20 +259,34 @@ DWORD Reader::HexNumber() {
 }
 
 // Blanks, and a line's end behind a backslash.
-void Reader::SkipContinuation() {
+template <class Unit>
+void Reader<Unit>::SkipContinuation() {
     SkipBlanks();
-    while (Take(u"\\")) {
+    while (Take("\\")) {
         SkipBlanks();
-        if (Peek() != u'\n') Fail(line_, "text behind the backslash that continues a line");
+        if (Peek() != '\n') Fail(line_, "text behind the backslash that continues a line");
         if (!AtEnd()) Next();
         SkipBlanks();
     }
 }
 
-void Reader::Bytes(std::vector<BYTE>& data) {
+// The form that writers use, two digits and a comma, as far as it goes on without a break.
+template <class Unit>
+void Reader<Unit>::PlainBytes() {
+    for (; text_.size() - at_ >= 3 && text_[at_ + 2] == ','; at_ += 3) {
+        const int high = HexDigit(text_[at_]);
+        const int low = HexDigit(text_[at_ + 1]);
+        if ((high | low) < 0) return;
+        entry_.data.push_back(static_cast<BYTE>(high << 4 | low));
+    }
+}
+
+template <class Unit>
+void Reader<Unit>::Bytes() {
     SkipContinuation();
     if (HexDigit(Peek()) < 0) return;
     do {
+        PlainBytes();
         SkipContinuation();
         int value = HexDigit(Peek());
         if (value < 0) Fail(line_, "no byte of two hexadecimal digits");
@@ -237,29 +295,40 @@ void Reader::Bytes(std::vector<BYTE>& data) {
             value = value << 4 | HexDigit(Peek());
             ++at_;
         }
-        data.push_back(static_cast<BYTE>(value));
+        entry_.data.push_back(static_cast<BYTE>(value));
         SkipContinuation();
-    } while (Take(u","));
+    } while (Take(","));
 }
 
-std::vector<RegEntry> Reader::Run() {
+template <class Unit>
+void Reader<Unit>::Run() {
     Header();
     while (FindStatement()) {
-        if (Peek() == u'[') {
+        entry_.line = line_;
+        entry_.name.clear();
+        entry_.type = REG_NONE;
+        entry_.data.clear();
+        if (Peek() == '[') {
             Key();
-        } else if (Peek() == u'"' || Peek() == u'@') {
+        } else if (Peek() == '"' || Peek() == '@') {
             Value();
         } else {
             Fail(line_, "neither a key in brackets, a value nor a comment");
         }
+        take_(entry_);
     }
-    return std::move(entries_);
 }
 
 }  // namespace
 
-std::vector<RegEntry> ReadRegText(std::string_view bytes) {
-    return Reader(Decode(bytes)).Run();
+void ReadRegText(std::string_view bytes, const RegEntryTaker& take) {
+    if (bytes.starts_with(kUtf16Mark)) {
+        Reader<WCHAR>(FromUtf16Bytes(bytes.substr(kUtf16Mark.size())), take).Run();
+        return;
+    }
+    if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
+    CheckUtf8(bytes);
+    Reader<char>(bytes, take).Run();
 }
 
 }  // namespace host

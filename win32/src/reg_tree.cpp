@@ -6,16 +6,17 @@
 
 namespace host {
 
-std::vector<std::unique_ptr<RegKey>>::const_iterator RegKey::Place(std::u16string_view name) const {
-    return std::lower_bound(keys_.begin(), keys_.end(), name,
-                            [](const std::unique_ptr<RegKey>& key, std::u16string_view wanted) {
-                                return CompareFolded(key->name_, wanted) < 0;
-                            });
+const std::vector<RegKey*>& RegKey::Keys() const {
+    if (sorted_.empty()) {
+        sorted_.reserve(keys_by_name_.size());
+        for (const auto& [name, place] : keys_by_name_) sorted_.push_back(&*place);
+    }
+    return sorted_;
 }
 
 RegKey* RegKey::FindKey(std::u16string_view name) const {
-    const auto at = Place(name);
-    return at != keys_.end() && EqualFolded((*at)->name_, name) ? at->get() : nullptr;
+    const auto at = keys_by_name_.find(name);
+    return at == keys_by_name_.end() ? nullptr : &*at->second;
 }
 
 RegKey* RegKey::FindPath(std::span<const std::u16string> path) {
@@ -30,19 +31,28 @@ RegKey* RegKey::FindPath(std::span<const std::u16string> path) {
 RegKey& RegKey::MakePath(std::span<const std::u16string> path) {
     RegKey* key = this;
     for (const std::u16string& name : path) {
-        RegKey* next = key->FindKey(name);
-        if (next == nullptr) {
-            next = key->keys_.insert(key->Place(name), std::make_unique<RegKey>(name))->get();
-        }
-        key = next;
+        RegKey* const next = key->FindKey(name);
+        key = next != nullptr ? next : &key->MakeKey(name);
     }
     return *key;
 }
 
+RegKey& RegKey::MakeKey(std::u16string_view name) {
+    std::list<RegKey> made;
+    made.emplace_back(name);
+    keys_by_name_.emplace(made.back().name_, made.begin());
+    keys_.splice(keys_.end(), made);
+    sorted_.clear();
+    return keys_.back();
+}
+
 bool RegKey::RemoveKey(std::u16string_view name) {
-    const auto at = Place(name);
-    if (at == keys_.end() || !EqualFolded((*at)->name_, name)) return false;
-    keys_.erase(at);
+    const auto at = keys_by_name_.find(name);
+    if (at == keys_by_name_.end()) return false;
+    const auto place = at->second;
+    keys_by_name_.erase(at);
+    keys_.erase(place);
+    sorted_.clear();
     return true;
 }
 
@@ -75,10 +85,21 @@ bool RegKey::RemoveValue(std::u16string_view name) {
     return true;
 }
 
-void RegKey::Clear() {
-    keys_.clear();
+// The keys below come down one by one from a list, whatever their depth: without recursion and
+// without memory.
+void RegKey::Clear() noexcept {
     values_by_name_.clear();
     values_.clear();
+    sorted_.clear();
+    keys_by_name_.clear();
+    std::list<RegKey> doomed = std::move(keys_);
+    keys_.clear();
+    while (!doomed.empty()) {
+        RegKey& key = doomed.front();
+        key.keys_by_name_.clear();
+        doomed.splice(doomed.end(), key.keys_);
+        doomed.pop_front();
+    }
 }
 
 LSTATUS SplitKeyPath(std::u16string_view text, RegPath& path) {

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <list>
 #include <map>
 #include <memory>
 #include <span>
@@ -27,14 +28,20 @@ struct RegValue {
     std::vector<BYTE> data;
 };
 
+// Neither making nor destroying a tree recurses, and keys may be made in any order: each costs the
+// logarithm of its siblings' number.
 class RegKey {
   public:
     explicit RegKey(std::u16string_view name) : name_(name) {}
+    RegKey(const RegKey&) = delete;
+    RegKey& operator=(const RegKey&) = delete;
+    ~RegKey() { Clear(); }
 
     const std::u16string& Name() const { return name_; }
 
-    // Subkeys lie in the order of their folded names, values in the order they were made in.
-    const std::vector<std::unique_ptr<RegKey>>& Keys() const { return keys_; }
+    // Subkeys in the order of their folded names, values in the order they were made in.
+    const std::vector<RegKey*>& Keys() const;
+    bool HasKeys() const { return !keys_.empty(); }
     const std::vector<std::unique_ptr<RegValue>>& Values() const { return values_; }
 
     RegKey* FindKey(std::u16string_view name) const;
@@ -49,13 +56,17 @@ class RegKey {
     bool RemoveValue(std::u16string_view name);
 
     // Takes all keys and values away.
-    void Clear();
+    void Clear() noexcept;
 
   private:
-    std::vector<std::unique_ptr<RegKey>>::const_iterator Place(std::u16string_view name) const;
+    using KeyPlaces = std::map<std::u16string_view, std::list<RegKey>::iterator, FoldedLess>;
 
-    std::u16string name_;
-    std::vector<std::unique_ptr<RegKey>> keys_;
+    RegKey& MakeKey(std::u16string_view name);
+
+    const std::u16string name_;
+    std::list<RegKey> keys_;
+    KeyPlaces keys_by_name_;               // views into keys_
+    mutable std::vector<RegKey*> sorted_;  // what Keys() gave; empty when keys have changed since
     std::vector<std::unique_ptr<RegValue>> values_;
     std::map<std::u16string_view, RegValue*, FoldedLess> values_by_name_;  // views into values_
 };

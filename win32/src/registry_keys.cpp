@@ -34,7 +34,7 @@ LSTATUS Remove(const KeyContext& on, const RegPath& path, bool whole, bool& chan
     RegKey* const parent = on.hive.Root().FindPath(Parent(path));
     const RegKey* const key = parent == nullptr ? nullptr : parent->FindKey(path.back());
     if (key == nullptr) return ERROR_FILE_NOT_FOUND;
-    if (!whole && !key->Keys().empty()) return ERROR_ACCESS_DENIED;
+    if (!whole && key->HasKeys()) return ERROR_ACCESS_DENIED;
     changed = parent->RemoveKey(path.back());
     on.hive.MarkDeleted(path, true);
     return ERROR_SUCCESS;
@@ -101,7 +101,7 @@ LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR path) {
         const LSTATUS code = PathBelow(on.path, path, whole);
         if (code != ERROR_SUCCESS) return code;
         if (itself) return Remove(on, whole, true, changed);
-        changed = !on.key.Keys().empty() || !on.key.Values().empty();
+        changed = on.key.HasKeys() || !on.key.Values().empty();
         on.key.Clear();
         on.hive.MarkDeleted(whole, false);
         return LSTATUS{ERROR_SUCCESS};
