@@ -1,5 +1,7 @@
 #include "log_file/log_file_ring.h"
 
+#include <minwinbase.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -85,11 +87,9 @@ bool TLogFileRing::WaitForLock() {
 }
 
 void TLogFileRing::Unlock() {
-    if (header_.counter != counter_at_lock_ && Seek(0)) {
-        if (Write(&header_, kHeaderSize) != kHeaderSize) {
-            Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("Write"), Shown(file_),
-                   kHeaderSize, GetSysError(GetLastError(), true));
-        }
+    if (header_.counter != counter_at_lock_ && Write(0, &header_, kHeaderSize) != kHeaderSize) {
+        Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("Write"), Shown(file_),
+               kHeaderSize, GetSysError(GetLastError(), true));
     }
     counter_after_unlock_ = header_.counter;
     if (!UnlockFile(file_, 0, 0, kHeaderSize, 0)) {
@@ -100,10 +100,9 @@ void TLogFileRing::Unlock() {
 
 // False when the file cannot be read: what is not known is not overwritten.
 bool TLogFileRing::ReadHeader() {
-    if (!Seek(0)) return false;
     TLogFileHeader image{};
     bool failed = false;
-    const DWORD size = Read(&image, kHeaderSize, failed);
+    const DWORD size = Read(0, &image, kHeaderSize, failed);
     if (failed) return false;
     if (size == 0) return CreateHeader();
     header_ = image;
@@ -117,17 +116,16 @@ bool TLogFileRing::CreateHeader() {
     counter_at_lock_ = header_.counter;
     const DWORD no_slot = 0;
     const DWORD written =
-        Seek(0) ? Write(&header_, kHeaderSize) + Write(&no_slot, sizeof(no_slot)) : 0;
+        Write(0, &header_, kHeaderSize) + Write(kFirstSlot, &no_slot, sizeof(no_slot));
     return written == kHeaderSize + sizeof(no_slot);
 }
 
 bool TLogFileRing::Place(const TLogRecordBytes& record) {
     const std::uint64_t need = std::uint64_t{kLinkSize} + record.Size();
     MakeRoom(need);
-    if (!Seek(header_.write_position)) return false;
     const auto end = static_cast<DWORD>(header_.write_position + need);
-    Write(&end, kLinkSize);
-    Write(record.Data(), record.Size());
+    Write(header_.write_position, &end, kLinkSize);
+    Write(header_.write_position + kLinkSize, record.Data(), record.Size());
     header_.counter = header_.counter + 1;
     header_.count = header_.count + 1;
     header_.write_position = end;
@@ -166,7 +164,7 @@ void TLogFileRing::DropOldest() {
     TLogFileHeader& h = header_;
     std::uint8_t head[kSlotHeadSize];
     bool failed = false;
-    const DWORD size = Seek(h.oldest) ? Read(head, sizeof(head), failed) : 0;
+    const DWORD size = Read(h.oldest, head, sizeof(head), failed);
     const DWORD end = CredibleSlotEnd(h.oldest, {head, size}, h.wrap);
     if (end == 0) return Recover();
     h.count = h.count - 1;
@@ -201,37 +199,39 @@ TLogChain TLogFileRing::FindChain(DWORD from, DWORD end) {
     from = std::max(from, end - std::min(end, kLongestSearch));
     std::vector<std::uint8_t> region(end - from);
     bool failed = false;
-    const DWORD size = Seek(from) ? Read(region.data(), end - from, failed) : 0;
+    const DWORD size = Read(from, region.data(), end - from, failed);
     if (size != region.size()) return TLogChain{};
     return FindChainToEnd(region, from);
 }
 
-bool TLogFileRing::Seek(DWORD offset) {
-    LONG high = 0;
-    const DWORD low = SetFilePointer(file_, static_cast<LONG>(offset), &high, FILE_BEGIN);
-    if (low != INVALID_SET_FILE_POINTER) return true;
+DWORD TLogFileRing::Read(DWORD offset, void* bytes, DWORD size, bool& failed) {
+    OVERLAPPED at{};
+    at.Offset = offset;
+    DWORD done = 0;
+    failed = !ReadFile(file_, bytes, size, &done, &at) && GetLastError() != ERROR_HANDLE_EOF;
+    if (failed) ReportTransfer(TEXT("::ReadFile"), offset, size, __builtin_LINE());
+    return failed ? 0 : done;
+}
+
+DWORD TLogFileRing::Write(DWORD offset, const void* bytes, DWORD size) {
+    OVERLAPPED at{};
+    at.Offset = offset;
+    DWORD done = 0;
+    if (WriteFile(file_, bytes, size, &done, &at)) return done;
+    ReportTransfer(TEXT("::WriteFile"), offset, size, __builtin_LINE());
+    return 0;
+}
+
+// A device without positions refuses the transfer's offset: its report names the step that failed.
+void TLogFileRing::ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line) {
     const DWORD code = GetLastError();
-    if (code == ERROR_SUCCESS) return true;
-    Report(__builtin_LINE(), texts_, log_file::kSeekFailed, TEXT("::SetFilePointer"), Shown(file_),
-           offset, GetSysError(code, true));
-    return false;
-}
-
-DWORD TLogFileRing::Read(void* bytes, DWORD size, bool& failed) {
-    DWORD done = 0;
-    failed = !ReadFile(file_, bytes, size, &done, nullptr);
-    if (!failed) return done;
-    Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("::ReadFile"), Shown(file_),
-           size, GetSysError(GetLastError(), true));
-    return 0;
-}
-
-DWORD TLogFileRing::Write(const void* bytes, DWORD size) {
-    DWORD done = 0;
-    if (WriteFile(file_, bytes, size, &done, nullptr)) return done;
-    Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("::WriteFile"), Shown(file_),
-           size, GetSysError(GetLastError(), true));
-    return 0;
+    const UnicodeString error = GetSysError(code, true);
+    if (code == ERROR_INVALID_FUNCTION) {
+        Report(line, texts_, log_file::kSeekFailed, TEXT("::SetFilePointer"), Shown(file_), offset,
+               error);
+    } else {
+        Report(line, texts_, log_file::kTransferFailed, call, Shown(file_), size, error);
+    }
 }
 
 }  // namespace Mox

@@ -48,9 +48,9 @@ class TLogFileRing {
     void Recover();
     TLogChain FindChain(DWORD from, DWORD end);
 
-    bool Seek(DWORD offset);
-    DWORD Read(void* bytes, DWORD size, bool& failed);
-    DWORD Write(const void* bytes, DWORD size);
+    DWORD Read(DWORD offset, void* bytes, DWORD size, bool& failed);
+    DWORD Write(DWORD offset, const void* bytes, DWORD size);
+    void ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line);
 
     TLogFileHeader header_{};
     HANDLE file_ = INVALID_HANDLE_VALUE;

@@ -1,6 +1,8 @@
 // Files as both hosts have them: opening, share modes, locks, data, positions.
 #include "win32/file_fixture.h"
 
+#include <minwinbase.h>
+
 #include <thread>
 
 using namespace test;
@@ -153,6 +155,24 @@ TEST_F(Files, PositionsMoveAndRefuseToBeNegative) {
     EXPECT_TRUE(SetEndOfFile(file));
     EXPECT_EQ(GetFileSize(file, nullptr), 3u);
     EXPECT_TRUE(FlushFileBuffers(file));
+}
+
+TEST_F(Files, TransfersAtOffsetsOfTheirOwn) {
+    const HANDLE file = OpenShared(Path(TEXT("offsets")));
+    OVERLAPPED at{};
+    DWORD done = 0;
+    at.Offset = 2;
+    EXPECT_TRUE(WriteFile(file, "cdef", 4, &done, &at));
+    EXPECT_EQ(done, 4u);
+    char text[4] = {};
+    at.Offset = 4;
+    EXPECT_TRUE(ReadFile(file, text, 4, &done, &at)) << "what there is up to the end";
+    EXPECT_EQ(std::string(text, done), "ef");
+    at.Offset = 6;
+    EXPECT_FALSE(ReadFile(file, text, 4, &done, &at));
+    EXPECT_EQ(GetLastError(), 38u);
+    EXPECT_EQ(done, 0u);
+    EXPECT_EQ(GetFileSize(file, nullptr), 6u);
 }
 
 TEST_F(Files, PositionsBeyondFourGigabytes) {

@@ -1,6 +1,7 @@
 // Data of open files: reading, writing, position and size. The descriptor's own position is the
-// handle's, so each call is one system call.
+// handle's, so each call is one system call; a transfer at an offset of its own leaves it alone.
 #include <fcntl.h>
+#include <minwinbase.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,6 +32,10 @@ DWORD Transfer(DWORD bytes, bool short_ends, DWORD& done, Step step) {
         if (moved == 0 || (short_ends && static_cast<DWORD>(moved) < size)) break;
     }
     return NO_ERROR;
+}
+
+off_t OffsetOf(const OVERLAPPED& overlapped) {
+    return static_cast<off_t>(std::uint64_t{overlapped.OffsetHigh} << 32 | overlapped.Offset);
 }
 
 DWORD SeekError(std::int64_t distance) {
@@ -71,12 +76,21 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD done, LPOVERLAPPE
     if (done != nullptr) *done = 0;
     const host::Pin object(file);
     if (!object) return FALSE;
-    if (overlapped != nullptr) return host::Fail(ERROR_NOT_SUPPORTED);
+    if (overlapped != nullptr && overlapped->hEvent != nullptr) {
+        return host::Fail(ERROR_NOT_SUPPORTED);
+    }
     if (!object->access().read) return host::Fail(ERROR_ACCESS_DENIED);
-    const DWORD error = host::Transfer(bytes, true, count, [&](DWORD at, DWORD size) {
-        return read(object->fd(), static_cast<BYTE*>(buffer) + at, size);
+    DWORD error = host::Transfer(bytes, true, count, [&](DWORD at, DWORD size) {
+        BYTE* const target = static_cast<BYTE*>(buffer) + at;
+        return overlapped == nullptr
+                   ? read(object->fd(), target, size)
+                   : pread(object->fd(), target, size, host::OffsetOf(*overlapped) + at);
     });
     if (done != nullptr) *done = count;
+    // Only at an offset of its own is the end of the file an error.
+    if (error == NO_ERROR && overlapped != nullptr && count == 0 && bytes > 0) {
+        error = ERROR_HANDLE_EOF;
+    }
     return error == NO_ERROR || host::Fail(error);
 }
 
@@ -85,10 +99,15 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD done, LPOVERLAP
     if (done != nullptr) *done = 0;
     const host::Pin object(file);
     if (!object) return FALSE;
-    if (overlapped != nullptr) return host::Fail(ERROR_NOT_SUPPORTED);
+    if (overlapped != nullptr && overlapped->hEvent != nullptr) {
+        return host::Fail(ERROR_NOT_SUPPORTED);
+    }
     if (!object->access().write) return host::Fail(ERROR_ACCESS_DENIED);
     const DWORD error = host::Transfer(bytes, false, count, [&](DWORD at, DWORD size) {
-        return write(object->fd(), static_cast<const BYTE*>(buffer) + at, size);
+        const BYTE* const source = static_cast<const BYTE*>(buffer) + at;
+        return overlapped == nullptr
+                   ? write(object->fd(), source, size)
+                   : pwrite(object->fd(), source, size, host::OffsetOf(*overlapped) + at);
     });
     if (done != nullptr) *done = count;
     return error == NO_ERROR || host::Fail(error);

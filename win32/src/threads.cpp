@@ -103,7 +103,14 @@ BOOL TryEnterCriticalSection(LPCRITICAL_SECTION section) {
 }
 
 DWORD GetCurrentThreadId() {
-    return static_cast<DWORD>(gettid());
+    // The kernel is asked once per thread; the thread that a fork leaves is another one.
+    static thread_local DWORD id = 0;
+    if (id == 0) {
+        static const bool forgets = pthread_atfork(nullptr, nullptr, [] { id = 0; }) == 0;
+        if (!forgets) return static_cast<DWORD>(gettid());
+        id = static_cast<DWORD>(gettid());
+    }
+    return id;
 }
 
 DWORD GetCurrentProcessId() {
