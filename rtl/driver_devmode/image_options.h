@@ -66,6 +66,7 @@ struct QV_API TImageProcessOptions {
     std::uint8_t reserved_39;
     std::uint8_t reserved_40[6];
 
+    // cppcheck-suppress uninitMemberVar ; bytes that nobody reads
     TImageProcessOptions() { Init(); }
     // Sets the named members and the byte at 39 to their defaults; the other reserved bytes are
     // left alone.

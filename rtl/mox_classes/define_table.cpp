@@ -18,8 +18,8 @@ static_assert(kRowSize == kNameOffset + sizeof(UnicodeString));
 // A string whose pointer is brought in from a row, or taken out to one, as bytes: a row's own name
 // is not aligned.
 union TNameSlot {
-    TNameSlot() {}
-    ~TNameSlot() {}
+    TNameSlot() {}   // NOLINT(modernize-use-equals-default): would be deleted, the name has one
+    ~TNameSlot() {}  // NOLINT(modernize-use-equals-default)
     UnicodeString name;
 };
 

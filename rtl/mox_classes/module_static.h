@@ -41,6 +41,7 @@ T& KeepUntilUnload(std::unique_ptr<T> object) {
     };
     T& kept = *object;
     TModuleStatic::Keep(std::make_unique<Holder>(std::move(object)));
+    // cppcheck-suppress returnReference ; the object, which the holder keeps
     return kept;
 }
 

@@ -10,8 +10,8 @@ namespace System {
 class QV_API TObject {
   public:
     TObject() = default;
-    TObject(const TObject&) {}
-    TObject& operator=(const TObject&) { return *this; }
+    TObject(const TObject&) = default;
+    TObject& operator=(const TObject&) = default;
     virtual ~TObject();
 };
 

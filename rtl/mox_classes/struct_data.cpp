@@ -19,6 +19,7 @@ TW32StructDataBase::TW32StructDataBase(const TW32StructDataBase& other) {
     Assign(other.FData);
 }
 
+// cppcheck-suppress operatorEqVarError ; assigned through its address
 // Sharing the own block changes nothing.  NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 TW32StructDataBase& TW32StructDataBase::operator=(const TW32StructDataBase& other) {
     Assign(other.FData);

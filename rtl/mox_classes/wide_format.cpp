@@ -84,8 +84,9 @@ bool ReadConversion(const WCHAR*& p, TFormatKind& kind) {
 }  // namespace
 
 bool FormatTakes(const WCHAR* format, const TFormatKind* kinds, int count) {
+    if (format == nullptr) return count == 0;
     int taken = 0;
-    for (const WCHAR* p = format; p != nullptr && *p != 0;) {
+    for (const WCHAR* p = format; *p != 0;) {
         if (*p++ != '%') continue;
         if (*p == '%') {
             ++p;

@@ -24,6 +24,7 @@ HANDLE FromManifest(TCreate create, const UnicodeString& module) {
     context.dwFlags = ACTCTX_FLAG_RESOURCE_NAME_VALID;
     context.lpSource = module.t_str();
     context.lpResourceName = MAKEINTRESOURCEW(kManifest);
+    // cppcheck-suppress returnDanglingLifetime ; a handle, not the description
     return create(&context);
 }
 

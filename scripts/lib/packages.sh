@@ -10,6 +10,7 @@ packages_for() {
             echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
                 libicu-dev libfmt-dev libspdlog-dev
             ;;
+        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev ;;
         style) echo clang-format git ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;
     esac

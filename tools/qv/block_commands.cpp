@@ -57,7 +57,7 @@ std::vector<std::string> Complaints(QV_DEVMODE& block, int size) {
     }
     if (std::string(block.exID, sizeof(block.exID)) !=
         std::string("QV DEVMODEex", sizeof(block.exID))) {
-        found.push_back("exID is not the product's identifier");
+        found.emplace_back("exID is not the product's identifier");
     }
     if (block.exVersion < QV_DEVMODE_EXTRA::kOldestVersion) {
         found.push_back("exVersion is " + std::to_string(block.exVersion) + ", below 261");

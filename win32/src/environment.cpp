@@ -1,5 +1,7 @@
 // Environment variables: the process's own, found without case, with the folders that every Windows
 // process can rely on.
+#include "environment.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -18,6 +20,19 @@ namespace {
 
 // Constant-initialised and without a destructor: usable until the last moment of the process.
 constinit std::mutex environment_lock;
+
+// The process's environment is read and changed here only, under the lock.
+// NOLINTBEGIN(concurrency-mt-unsafe)
+const char* Get(const char* name) {
+    return std::getenv(name);
+}
+bool Set(const char* name, const char* value) {
+    return setenv(name, value, 1) == 0;
+}
+bool Remove(const char* name) {
+    return unsetenv(name) == 0;
+}
+// NOLINTEND(concurrency-mt-unsafe)
 
 struct DefaultVariable {
     WideView name;
@@ -39,7 +54,7 @@ constexpr DefaultVariable kDefaults[] = {
 // The name under which the environment holds a variable, exact spelling first. Lock held.
 std::optional<std::string> ActualName(WideView name) {
     const std::string exact = ToUtf8(name);
-    if (std::getenv(exact.c_str()) != nullptr) return exact;
+    if (Get(exact.c_str()) != nullptr) return exact;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const std::string_view line = *entry;
         const std::string_view key = line.substr(0, line.find('='));
@@ -51,7 +66,7 @@ std::optional<std::string> ActualName(WideView name) {
 std::optional<WideString> Variable(WideView name) {
     {
         const std::lock_guard lock(environment_lock);
-        if (const auto actual = ActualName(name)) return FromUtf8(std::getenv(actual->c_str()));
+        if (const auto actual = ActualName(name)) return FromUtf8(Get(actual->c_str()));
     }
     for (const DefaultVariable& row : kDefaults) {
         if (SameFileName(row.name, name)) return WideString(row.value);
@@ -80,6 +95,12 @@ WideString Expand(WideView text) {
 
 }  // namespace
 
+std::string EnvironmentText(const char* name) {
+    const std::lock_guard lock(environment_lock);
+    const char* const value = Get(name);
+    return value == nullptr ? std::string() : value;
+}
+
 }  // namespace host
 
 using namespace host;
@@ -107,7 +128,7 @@ BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value) {
     const std::string narrow_name = actual.value_or(ToUtf8(wide_name));
     if (value == nullptr) {
         if (!actual) SetLastError(ERROR_ENVVAR_NOT_FOUND);
-        return actual && unsetenv(narrow_name.c_str()) == 0 ? TRUE : FALSE;
+        return actual && Remove(narrow_name.c_str()) ? TRUE : FALSE;
     }
-    return setenv(narrow_name.c_str(), ToUtf8(value).c_str(), 1) == 0 ? TRUE : FALSE;
+    return Set(narrow_name.c_str(), ToUtf8(value).c_str()) ? TRUE : FALSE;
 }

@@ -1,5 +1,4 @@
 // FindFirstFileW: the first entry of a folder, in the order of folded names, that matches.
-#include <dirent.h>
 #include <fcntl.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 #include "file_attributes.h"
 #include "handles.h"
 #include "host_path.h"
+#include "open_folder.h"
 #include "os_error.h"
 
 namespace host {
@@ -26,10 +26,6 @@ class SearchObject final : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kSearch;
     SearchObject() : HandleObject(kKind) {}
-};
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
 };
 
 struct Found {
@@ -65,10 +61,10 @@ bool Before(std::u16string_view a, std::u16string_view b) {
 
 // Entries whose names do not fit or are not UTF-8 have no Windows name and are passed over.
 DWORD FindIn(const std::string& folder, std::u16string_view pattern, Found& found) {
-    const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
+    const OpenFolder open(opendir(folder.c_str()));
     if (open == nullptr) return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
     std::u16string name;
-    while (const dirent* const entry = readdir(open.get())) {
+    while (const dirent* const entry = NextEntry(open)) {
         if (!NameFromUtf8(entry->d_name, name) || name.size() >= MAX_PATH) continue;
         if (!Matches(pattern, name) || (!found.name.empty() && !Before(name, found.name))) continue;
         struct stat info;

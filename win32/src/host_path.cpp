@@ -1,7 +1,5 @@
 #include "host_path.h"
 
-#include <dirent.h>
-#include <locale.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <wctype.h>
@@ -14,6 +12,7 @@
 
 #include "host_root.h"
 #include "host_text.h"
+#include "open_folder.h"
 #include "os_error.h"
 #include "utf8.h"
 
@@ -137,16 +136,12 @@ bool Exists(const std::string& path) {
     return lstat(path.c_str(), &info) == 0;
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 // The entry of `folder` that differs from `name` in nothing but case; `name` when there is none.
 std::string FindIgnoringCase(const std::string& folder, const std::string& name) {
-    const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.empty() ? "/" : folder.c_str()));
+    const OpenFolder open(opendir(folder.empty() ? "/" : folder.c_str()));
     std::u16string wanted, entry_name;
     if (open == nullptr || !NameFromUtf8(name, wanted)) return name;
-    while (const dirent* const entry = readdir(open.get())) {
+    while (const dirent* const entry = NextEntry(open)) {
         if (NameFromUtf8(entry->d_name, entry_name) && SameFileName(entry_name, wanted)) {
             return entry->d_name;
         }

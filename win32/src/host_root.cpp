@@ -3,15 +3,14 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <string_view>
+#include "environment.h"
 
 namespace host {
 namespace {
 
 std::string AbsoluteFromEnvironment(const char* name) {
-    const char* const value = std::getenv(name);
-    std::string path = value != nullptr && value[0] == '/' ? value : "";
+    std::string path = EnvironmentText(name);
+    if (!path.starts_with('/')) path.clear();
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;
 }
@@ -39,8 +38,7 @@ bool HostRootKey::StillHolds() {
     constexpr const char* kNames[kVariables] = {"QV_HOST_ROOT", "XDG_STATE_HOME", "HOME"};
     bool holds = is_set_;
     for (int i = 0; i < kVariables; ++i) {
-        const char* const value = std::getenv(kNames[i]);
-        const std::string_view now = value == nullptr ? std::string_view() : value;
+        const std::string now = EnvironmentText(kNames[i]);
         if (now != values_[i]) {
             values_[i] = now;
             holds = false;

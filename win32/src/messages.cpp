@@ -2,13 +2,13 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "environment.h"
 #include "host_text.h"
 
 using namespace host;
@@ -195,13 +195,14 @@ DWORD FormatMessageW(DWORD flags, LPCVOID /*source*/, DWORD id, DWORD language, 
 }
 
 void OutputDebugStringW(LPCWSTR text) {
-    const char* target = std::getenv("QV_HOST_DEBUG_OUTPUT");
-    if (target == nullptr || *target == 0) return;
+    const std::string target = EnvironmentText("QV_HOST_DEBUG_OUTPUT");
+    if (target.empty()) return;
     std::string line = ToUtf8(ViewOf(text));
     if (line.empty() || line.back() != '\n') line += '\n';
-    const bool to_stderr = std::strcmp(target, "-") == 0;
-    const int file =
-        to_stderr ? STDERR_FILENO : open(target, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    const bool to_stderr = target == "-";
+    const int file = to_stderr
+                         ? STDERR_FILENO
+                         : open(target.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (file < 0) return;
     // One write, so that the lines of several processes do not mix; nobody hears of a failure.
     [[maybe_unused]] const ssize_t written = write(file, line.data(), line.size());

@@ -22,7 +22,7 @@ namespace {
 [[noreturn]] void BecomeProgram(char* const* arguments, const char* folder, int report) {
     sigset_t none;
     sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
     syscall(SYS_close_range, 3u, ~0u, static_cast<unsigned int>(CLOSE_RANGE_CLOEXEC));
     if (*folder == 0 || chdir(folder) == 0) execve(arguments[0], arguments, environ);

@@ -20,9 +20,9 @@ struct SecurityId {
         std::copy(list.begin(), list.end(), parts);
     }
 
-    BYTE revision;
-    BYTE count;
-    SID_IDENTIFIER_AUTHORITY authority;
+    BYTE revision = 0;
+    BYTE count = 0;
+    SID_IDENTIFIER_AUTHORITY authority = {};
     DWORD parts[kMaxSubAuthorities] = {};
 };
 static_assert(offsetof(SecurityId, parts) == 8);

@@ -1,9 +1,9 @@
 // The temporary and the system folder, as paths that the file calls of this host take.
 #include <windows.h>
 
-#include <cstdlib>
 #include <filesystem>
 
+#include "environment.h"
 #include "host_root.h"
 #include "host_text.h"
 
@@ -14,8 +14,8 @@ namespace {
 // TMP, else TEMP, else TMPDIR, as they stand; else C:\Temp, made when it is missing.
 WideString TempFolder() {
     for (const char* name : {"TMP", "TEMP", "TMPDIR"}) {
-        const char* value = std::getenv(name);
-        if (value != nullptr && *value != 0) return FromUtf8(value);
+        const std::string value = EnvironmentText(name);
+        if (!value.empty()) return FromUtf8(value);
     }
     std::error_code ignored;
     std::filesystem::create_directories(HostRoot() + "/drive_c/Temp", ignored);

@@ -1,6 +1,5 @@
 #include "window_records.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/socket.h>
@@ -12,6 +11,7 @@
 #include <cstring>
 #include <string>
 
+#include "open_folder.h"
 #include "os_error.h"
 #include "run_folder.h"
 
@@ -177,17 +177,16 @@ std::vector<LiveWindow> LiveWindows() {
     std::vector<LiveWindow> windows;
     UniqueFd folder = OpenRunFolder(kFolder);
     const int listing = folder ? fcntl(folder.get(), F_DUPFD_CLOEXEC, 0) : -1;
-    DIR* const entries = listing < 0 ? nullptr : fdopendir(listing);
+    const OpenFolder entries(listing < 0 ? nullptr : fdopendir(listing));
     if (entries == nullptr) {
         const UniqueFd unused(listing);
         return windows;
     }
-    while (const dirent* entry = readdir(entries)) {
+    while (const dirent* entry = NextEntry(entries)) {
         const WindowNumber number = ParseName(entry->d_name);
         auto record = number == 0 ? std::nullopt : ReadIn(folder.get(), number);
         if (record) windows.push_back({number, std::move(*record)});
     }
-    closedir(entries);
     std::sort(windows.begin(), windows.end(),
               [](const LiveWindow& a, const LiveWindow& b) { return a.number > b.number; });
     return windows;
