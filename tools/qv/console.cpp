@@ -5,6 +5,34 @@
 
 namespace qv {
 
+namespace {
+
+// Units that make a terminal act or a line read otherwise than it is: controls, line separators and
+// the marks that turn the direction of writing.
+bool IsHarmful(unsigned unit) {
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
+           unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) ||
+           (unit >= 0x2066 && unit <= 0x2069);
+}
+
+std::string Escaped(unsigned unit) {
+    switch (unit) {
+        case '\t':
+            return "\\t";
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        default:
+            break;
+    }
+    char text[8];
+    std::snprintf(text, sizeof(text), unit < 0x100 ? "\\x%02X" : "\\u%04X", unit);
+    return text;
+}
+
+}  // namespace
+
 UnicodeString FromUtf8(const std::string& text) {
     UnicodeString result;
     if (text.empty()) return result;
@@ -28,25 +56,16 @@ std::string ToUtf8(const UnicodeString& text) {
 }
 
 std::string OneLine(const UnicodeString& text) {
-    std::string line;
-    for (const char c : ToUtf8(text)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte >= 0x20 && byte != 0x7F) {
-            line += c;
-        } else if (c == '\t') {
-            line += "\\t";
-        } else if (c == '\n') {
-            line += "\\n";
-        } else if (c == '\r') {
-            line += "\\r";
-        } else {
-            constexpr char kDigits[] = "0123456789ABCDEF";
-            line += "\\x";
-            line += kDigits[byte >> 4];
-            line += kDigits[byte & 15];
-        }
+    UnicodeString line;
+    int done = 0;
+    for (int i = 0; i < text.Length(); ++i) {
+        const unsigned unit = text.t_str()[i];
+        if (!IsHarmful(unit)) continue;
+        line += text.SubString(done + 1, i - done);
+        line += FromUtf8(Escaped(unit));
+        done = i + 1;
     }
-    return line;
+    return ToUtf8(line + text.SubString(done + 1, text.Length() - done));
 }
 
 void Print(const std::string& text) {

@@ -18,8 +18,8 @@ struct Failure : std::runtime_error {
 UnicodeString FromUtf8(const std::string& text);
 std::string ToUtf8(const UnicodeString& text);
 
-// The text with control characters made harmless, on one line: tab, line break and the like as \t,
-// \n, \r, \xNN.
+// The text on one line, with what makes a terminal act or turns the direction of writing made
+// harmless: tab, line break and the like as \t, \n, \r, \xNN, \uNNNN.
 std::string OneLine(const UnicodeString& text);
 
 // Writes to standard output, byte for byte; throws Failure when that fails (a closed pipe ends the
