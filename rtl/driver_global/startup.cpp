@@ -52,6 +52,7 @@ void TakeAvailableFields() {
 // one find the new one.
 std::unique_ptr<Mox::TLogRecorder> ExchangeRecorder(std::unique_ptr<Mox::TLogRecorder> recorder) {
     Mox::TLogger& logger = *Mox::GetLogger();
+    if (recorder == nullptr) Mox::LeaveLogSoon();
     logger.Lock();
     std::unique_ptr<Mox::TLogRecorder> replaced(logger.recorder);
     if (recorder != nullptr) {

@@ -74,7 +74,7 @@ bool TLogFileRing::WaitForLock() {
     if (!IsOpen()) return false;
     while (!LockFile(file_, 0, 0, kHeaderSize, 0)) {
         const DWORD code = GetLastError();
-        if (code != ERROR_LOCK_VIOLATION) {
+        if (code != ERROR_LOCK_VIOLATION || (leaving_.load() && last_waits_-- <= 0)) {
             Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("LockFile"), Shown(file_),
                    0, kHeaderSize, GetSysError(code, true));
             return false;

@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstdint>
 
 #include "log_file/log_format.h"
@@ -34,7 +35,18 @@ class TLogFileRing {
     // appended.
     bool Append(TLogMsg& message, TLogRecordBytes& record, log_file::TReportTexts texts);
 
+    // Who takes the ring out of use must not depend on a process that keeps the lock: after
+    // LeaveSoon, which any thread may call, all appends together wait half a second, and then fail
+    // when they find the lock taken. Stay ends that.
+    void LeaveSoon() { leaving_.store(true); }
+    void Stay() {
+        leaving_.store(false);
+        last_waits_ = kLastWaits;
+    }
+
   private:
+    static constexpr int kLastWaits = 500;  // milliseconds
+
     class THeaderLock;
 
     bool WaitForLock();
@@ -58,6 +70,8 @@ class TLogFileRing {
     std::uint64_t counter_after_unlock_ = 0;
     std::uint64_t counter_at_lock_ = 0;
     log_file::TReportTexts texts_ = log_file::TReportTexts::Translated;
+    std::atomic<bool> leaving_{false};
+    int last_waits_ = kLastWaits;
 };
 
 }  // namespace Mox

@@ -52,12 +52,22 @@ class TLiveRecorders {
     }
     bool HasOpen(const TLogRecorder* recorder) {
         const std::lock_guard hold(guard_);
-        const TLogRecorder* at = first_;
-        while (at != nullptr && at != recorder) at = at->next_live_;
-        return at != nullptr && at->IsOpen();
+        const TLogRecorder* found = Find(recorder);
+        return found != nullptr && found->IsOpen();
+    }
+    void LeaveSoon(const TLogRecorder* recorder) {
+        const std::lock_guard hold(guard_);
+        TLogRecorder* found = Find(recorder);
+        if (found != nullptr) found->ring_.LeaveSoon();
     }
 
   private:
+    TLogRecorder* Find(const TLogRecorder* recorder) const {
+        TLogRecorder* at = first_;
+        while (at != nullptr && at != recorder) at = at->next_live_;
+        return at;
+    }
+
     std::mutex guard_;
     TLogRecorder* first_ = nullptr;
 };
@@ -151,6 +161,7 @@ TLogRecorder::TLogRecorder() {
 }
 
 TLogRecorder::~TLogRecorder() {
+    ring_.LeaveSoon();
     const TLoggerLock lock;
     TLiveRecorders::All().Remove(this);
     ring_.Close();
@@ -164,13 +175,19 @@ bool TLogRecorder::Open(UnicodeString fileName, DWORD sizeLimit) {
 void SetLogRecorder(TLogRecorder* recorder) {
     TLogger& logger = *GetLogger();
     const TLoggerLock lock;
+    if (recorder != nullptr) recorder->ring_.Stay();
     if (logger.recordProc != LogRecorderProc) PreviousRecordProc().store(logger.recordProc);
     Store(logger.recorder, recorder);
     Store<TLogRecordProc>(logger.recordProc, LogRecorderProc);
 }
 
+void LeaveLogSoon() {
+    TLiveRecorders::All().LeaveSoon(std::atomic_ref(GetLogger()->recorder).load());
+}
+
 void ClearLogRecorder(TLogRecorder* recorder) {
     TLogger& logger = *GetLogger();
+    if (recorder != nullptr && std::atomic_ref(logger.recorder).load() == recorder) LeaveLogSoon();
     const TLoggerLock lock;
     if (recorder == nullptr || logger.recorder != recorder) return;
     Store(logger.recordProc, PreviousRecordProc().load());

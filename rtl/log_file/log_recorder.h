@@ -28,6 +28,7 @@ class QV_API TLogRecorder {
 
   private:
     friend class TLiveRecorders;
+    friend QV_API void SetLogRecorder(TLogRecorder* recorder);
     friend class TThreadWriter;
 
     TLogFileRing ring_;
@@ -37,7 +38,12 @@ class QV_API TLogRecorder {
 // Makes `recorder` the logger's recorder and LogRecorderProc its record callback. The callback that
 // was installed before gets every message after it is written. The recorder stays its caller's.
 QV_API void SetLogRecorder(TLogRecorder* recorder);
-// Takes `recorder` out and puts the callback of before back; nothing when another one is installed.
+// For who is about to take the installed recorder out, before the logger's lock: threads that wait
+// in it for a process that keeps the file's lock give up after half a second, and their messages
+// are dropped.
+void LeaveLogSoon();
+// Takes `recorder` out, after LeaveLogSoon, and puts the callback of before back; nothing when
+// another one is installed.
 QV_API void ClearLogRecorder(TLogRecorder* recorder);
 // The record callback. Takes the message, writes and frees it; one that is logged while its thread
 // is already writing waits in the thread's queue.

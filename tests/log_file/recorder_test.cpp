@@ -150,6 +150,22 @@ TEST_F(Recorder, AFileThatDoesNotOpenBlocksNobody) {
     Mox::ClearLogRecorder(&recorder);
 }
 
+TEST_F(Recorder, WhoIsTakenOutWaitsForNobodyForLong) {
+    Record(0x1000);
+    Log("before");
+    const HANDLE other = OpenShared(Name());
+    ASSERT_TRUE(LockFile(other, 0, 0, 96, 0));
+    std::thread waiting([] { Log("dropped"); });
+    Sleep(50);
+    Close();
+    waiting.join();
+    ASSERT_TRUE(UnlockFile(other, 0, 0, 96, 0));
+    FileTest::Close(other);
+    Record(0x1000);
+    Log("after");
+    EXPECT_EQ(Read().texts, (Texts{"before", "after"}));
+}
+
 struct Chained {
     Texts texts;
     int left = 0;
