@@ -51,10 +51,15 @@ inline void LogNumber(TNumber n) {
                           block.data(), static_cast<int>(block.size()));
 }
 
+// By its source; other records may stand between these.
+inline bool IsNumbered(const Mox::TLogMsg& message) {
+    return message.source == UnicodeString(TEXT("stress"));
+}
+
 // False when the record is not one of these, or not whole.
 inline bool ReadNumber(const Mox::TLogMsg& message, TNumber& n) {
     const int colon = message.text.Pos(TEXT(":"));
-    if (colon == 0 || !(message.source == UnicodeString(TEXT("stress")))) return false;
+    if (colon == 0 || !IsNumbered(message)) return false;
     n.writer =
         static_cast<std::uint32_t>(Sysutils::StrToIntDef(message.text.SubString(1, colon - 1), 0));
     n.number = static_cast<std::uint32_t>(message.line);

@@ -118,11 +118,12 @@ class TRingCheck {
         TNumber n;
         Mox::TLogMsg copy = message;
         const int size = Mox::WriteLogMsg(nullptr, &copy);
+        ++records_;
+        used_ += Mox::kLinkSize + static_cast<std::uint64_t>(size);
+        if (!IsNumbered(message)) return {};
         if (!ReadNumber(message, n)) return "a record is not whole after " + Name(last_);
         if (!crowd_.Has(n.writer)) return "a record of nobody: " + Name(n);
         last_ = n;
-        ++records_;
-        used_ += Mox::kLinkSize + static_cast<std::uint64_t>(size);
         const TWriterState& state = crowd_.states[n.writer];
         if (n.writer >= crowd_.living && n.number == state.Returned().number + 1) {
             interrupted_.push_back(n);
