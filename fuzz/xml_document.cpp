@@ -27,6 +27,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     } catch (const UnicodeString&) {
         return 0;
     }
+    if (!fuzz::HasWholeCharacters({data, size}, document.CodePage)) return 0;
     const std::string first = Saved(document);
     if (first.empty()) return 0;  // an instruction in the declaration's place
     const std::string second = SavedAgain(first, document.CodePage);

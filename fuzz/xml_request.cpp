@@ -8,7 +8,7 @@
 
 namespace {
 
-// The response's layout is the request's own: only blanks leave it readable for certain.
+// The response's layout and some of its names are the request's own.
 bool IsPlain(const fuzz::Bytes request) {
     TXmlDoc document;
     try {
@@ -16,11 +16,10 @@ bool IsPlain(const fuzz::Bytes request) {
     } catch (const UnicodeString&) {
         return true;
     }
-    for (const WCHAR* name : {TEXT("linebreak"), TEXT("indentation")}) {
-        const UnicodeString text = document.FRoot->AttrGetString(name, System::kCodePageUtf8);
-        if (!text.Trim().IsEmpty()) return false;
-    }
-    return true;
+    constexpr auto kUtf8 = System::kCodePageUtf8;
+    return document.FRoot->AttrGetString(TEXT("linebreak"), kUtf8).Trim().IsEmpty() &&
+           document.FRoot->AttrGetString(TEXT("indentation"), kUtf8).Trim().IsEmpty() &&
+           fuzz::HasWholeCharacters(request, document.CodePage);
 }
 
 }  // namespace

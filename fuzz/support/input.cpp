@@ -52,6 +52,13 @@ std::string Narrow(Bytes bytes) {
     return std::string(bytes.begin(), bytes.end());
 }
 
+bool HasWholeCharacters(Bytes bytes, System::TCodePage code_page) {
+    if (code_page != System::kCodePageUtf8 || bytes.empty()) return true;
+    return MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS,
+                               reinterpret_cast<const char*>(bytes.data()),
+                               static_cast<int>(bytes.size()), nullptr, 0) > 0;
+}
+
 void TakeTagTable(Input& input) {
     constexpr std::uint8_t kDefaults[8] = {0x0F, 1, 2, 3, 4, 0x10, 0x30, 0x50};
     const auto wanted = input.Number<std::uint64_t>();

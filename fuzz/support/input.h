@@ -49,6 +49,9 @@ UnicodeString Text(Bytes bytes);
 // The code units and the length are equal.
 bool Same(const UnicodeString& a, const UnicodeString& b);
 std::string Narrow(Bytes bytes);
+// A UTF-8 lead byte takes the bytes behind it along, be they a '<': only of an input without broken
+// sequences can names be told to be names. Of other encodings no byte has that power.
+bool HasWholeCharacters(Bytes bytes, System::TCodePage code_page);
 
 // Makes the next eight bytes the tag table of the string encoding; its defaults when they do not
 // make one.
