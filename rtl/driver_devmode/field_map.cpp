@@ -21,9 +21,16 @@ TField FieldOf(const TFieldInfo& row, DEVMODEW* dm) {
 }  // namespace
 
 void DevModeToXmlNode(DEVMODEW* dm, TXmlNode* node) {
+    const bool is_new = node->ChildCount() == 0;
     for (const TFieldInfo& row : DevModeFields()) {
-        if (IsPublicField(row, *dm))
-            node->SetChild(row.Name, ReadField(FieldOf(row, dm)), System::kCodePageUtf8);
+        if (!IsPublicField(row, *dm)) continue;
+        const UnicodeString& name = StringsOf(row).name;
+        const UnicodeString text = ReadField(FieldOf(row, dm));
+        if (is_new) {
+            node->AddChild(name)->FValue = text;
+        } else {
+            node->SetChild(name, text, System::kCodePageUtf8);
+        }
     }
 }
 
@@ -31,10 +38,13 @@ void XmlNodeToDevMode(TXmlNode* node, DEVMODEW* dm, TXmlNode* result) {
     const DEVMODEW as_given = *dm;
     for (int i = 0; i < node->ChildCount(); ++i) {
         const TXmlNode& child = *node->GetChild(i);
-        const TFieldInfo* row = FindField(DevModeFields(), child.FName);
+        const UnicodeString& name = child.FName;
+        const TFieldInfo* row =
+            FindDevModeField({{}, {name.t_str(), static_cast<std::size_t>(name.Length())}});
         UnicodeString previous;
         if (row == nullptr || !IsPublicField(*row, as_given)) continue;
-        if (SetField(FieldOf(*row, dm), child.FValue, previous) && result != nullptr) {
+        if (SetField(FieldOf(*row, dm), child.FValue, result != nullptr ? &previous : nullptr) &&
+            result != nullptr) {
             result->SetChild(child.FName, previous, System::kCodePageUtf8);
         }
     }

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <string_view>
+#include <functional>
+#include <memory>
 
 #include "driver_devmode/qv_devmode.h"
+#include "mox_classes/module_static.h"
 
 namespace driver_devmode {
 
@@ -123,6 +125,13 @@ constexpr auto kDevModeFields = WithOffsets(std::to_array<TFieldInfo>({
 static_assert(kDevModeFields.back().End() ==
               QV_DEVMODE_EXTRA::kPublicSize + offsetof(QV_DEVMODE_EXTRA, exPool));
 
+// Several numbers in one field are plain ones: their text is put together without a look at names.
+static_assert(std::ranges::all_of(kDevModeFields, [](const TFieldInfo& row) {
+    const bool is_plain = row.Kind != Bool8 && row.Values == ValueTable::None;
+    return row.IsText() || row.Kind == Gap || row.Count == 1 ||
+           (is_plain && row.Count <= kMostElements);
+}));
+
 constexpr auto kWrapperFields = WithOffsets(std::to_array<TFieldInfo>({
     Unlisted(TEXT("DeviceName"), String),
     Unlisted(TEXT("FormName"), String),
@@ -130,6 +139,72 @@ constexpr auto kWrapperFields = WithOffsets(std::to_array<TFieldInfo>({
     Field(TEXT("exOut.FileName"), String),
     Field(TEXT("exRun.Target"), String),
 }));
+
+using TView = std::basic_string_view<WCHAR>;
+
+struct TNamedRow {
+    TView name;
+    const TFieldInfo* row;
+};
+
+// The rows that have a name, in the order of the names.
+template <const auto& kRows>
+constexpr auto SortedByName() {
+    constexpr auto kNamed = static_cast<std::size_t>(
+        std::ranges::count_if(kRows, [](const TFieldInfo& row) { return row.Kind != Gap; }));
+    std::array<TNamedRow, kNamed> sorted{};
+    std::size_t count = 0;
+    for (const TFieldInfo& row : kRows) {
+        if (row.Kind != Gap) sorted[count++] = {row.Name, &row};
+    }
+    std::ranges::sort(sorted, {}, &TNamedRow::name);
+    return sorted;
+}
+
+constexpr auto kDevModeByName = SortedByName<kDevModeFields>();
+constexpr auto kWrapperByName = SortedByName<kWrapperFields>();
+
+// Compares a row's name with "group.leaf", or with the leaf alone.
+int Compare(TView row, const TFieldName& wanted) {
+    if (wanted.group.empty()) return row.compare(wanted.leaf);
+    const std::size_t length = wanted.group.size();
+    const int groups = row.compare(0, length, wanted.group);
+    if (groups != 0) return groups;
+    if (row.size() == length) return -1;
+    if (row[length] != '.') return row[length] < '.' ? -1 : 1;
+    return row.compare(length + 1, TView::npos, wanted.leaf);
+}
+
+const TFieldInfo* FindByName(std::span<const TNamedRow> sorted, const TFieldName& name) {
+    const auto at = std::lower_bound(sorted.begin(), sorted.end(), name,
+                                     [](const TNamedRow& row, const TFieldName& wanted) {
+                                         return Compare(row.name, wanted) < 0;
+                                     });
+    return at != sorted.end() && Compare(at->name, name) == 0 ? at->row : nullptr;
+}
+
+using TAllStrings = std::array<TFieldStrings, kDevModeFields.size() + kWrapperFields.size()>;
+
+void AddStrings(std::span<const TFieldInfo> rows, TFieldStrings* strings) {
+    const UnicodeString* group = nullptr;
+    for (const TFieldInfo& row : rows) {
+        TFieldStrings& made = *strings++;
+        made.name = row.Name;
+        const int dot = made.name.Pos(TEXT("."));
+        made.leaf = made.name.SubString(dot + 1, made.name.Length());
+        if (dot == 0) continue;
+        made.group = made.name.SubString(1, dot - 1);
+        if (group != nullptr && *group == made.group) made.group = *group;
+        group = &made.group;
+    }
+}
+
+std::unique_ptr<TAllStrings> MakeStrings() {
+    auto strings = std::make_unique<TAllStrings>();
+    AddStrings(kDevModeFields, strings->data());
+    AddStrings(kWrapperFields, strings->data() + kDevModeFields.size());
+    return strings;
+}
 
 }  // namespace
 
@@ -141,13 +216,22 @@ std::span<const TFieldInfo> WrapperFields() {
     return kWrapperFields;
 }
 
-const TFieldInfo* FindField(std::span<const TFieldInfo> rows, const UnicodeString& name) {
-    const std::basic_string_view<WCHAR> wanted(name.t_str(),
-                                               static_cast<std::size_t>(name.Length()));
-    const auto row = std::find_if(rows.begin(), rows.end(), [wanted](const TFieldInfo& field) {
-        return field.Kind != Gap && wanted == field.Name;
-    });
-    return row == rows.end() ? nullptr : &*row;
+const TFieldInfo* FindDevModeField(const TFieldName& name) {
+    return FindByName(kDevModeByName, name);
+}
+
+const TFieldInfo* FindWrapperField(const TFieldName& name) {
+    return FindByName(kWrapperByName, name);
+}
+
+const TFieldStrings& StringsOf(const TFieldInfo& row) {
+    static const TAllStrings& strings = System::KeepUntilUnload(MakeStrings());
+    const std::less<> before;
+    const TFieldInfo* const first = kDevModeFields.data();
+    const bool is_block = !before(&row, first) && before(&row, first + kDevModeFields.size());
+    return is_block ? strings[static_cast<std::size_t>(&row - first)]
+                    : strings[kDevModeFields.size() +
+                              static_cast<std::size_t>(&row - kWrapperFields.data())];
 }
 
 }  // namespace driver_devmode

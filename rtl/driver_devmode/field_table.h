@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <span>
+#include <string_view>
 
 #include "driver_devmode/value_tables.h"
 #include "mox_classes/unicode_string.h"
@@ -23,6 +24,9 @@ enum class FieldKind : unsigned char {
     String,
     Gap
 };
+
+// More elements than any row of numbers has.
+inline constexpr int kMostElements = 8;
 
 // One row. `Size` is bytes per element, `Count` elements (characters for texts, bytes for gaps),
 // `Offset` bytes from the start of the block, or the place of the member among the wrapper's
@@ -46,7 +50,24 @@ std::span<const TFieldInfo> DevModeFields();
 // The wrapper's strings: DeviceName, FormName, exOut.Directory, exOut.FileName, exRun.Target.
 std::span<const TFieldInfo> WrapperFields();
 
-// The row of that exact name, or null; gaps have no name.
-const TFieldInfo* FindField(std::span<const TFieldInfo> rows, const UnicodeString& name);
+// A name that is looked up: a leaf alone, or one in a group, which stands for "group.leaf".
+struct TFieldName {
+    std::basic_string_view<WCHAR> group;
+    std::basic_string_view<WCHAR> leaf;
+};
+
+// The row of that exact name, or null; gaps have no name. The cost is the logarithm of the rows'
+// number.
+const TFieldInfo* FindDevModeField(const TFieldName& name);
+const TFieldInfo* FindWrapperField(const TFieldName& name);
+
+// The row's names as strings, made once: all documents share their buffers. `group` is null for a
+// name without a dot, `leaf` is then the whole name. Valid until the library is unloaded.
+struct TFieldStrings {
+    UnicodeString name;
+    UnicodeString group;
+    UnicodeString leaf;
+};
+const TFieldStrings& StringsOf(const TFieldInfo& row);
 
 }  // namespace driver_devmode

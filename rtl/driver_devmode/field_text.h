@@ -20,8 +20,8 @@ struct TField {
 UnicodeString ReadField(const TField& field);
 
 // Sets the elements that `text` supplies; element-wise all or nothing. True when every one could be
-// set, and then `previous` is what the field was; else `previous` is left alone. Texts are cut to
-// the field and always succeed.
-bool SetField(const TField& field, const UnicodeString& text, UnicodeString& previous);
+// set, and then `previous`, unless it is null, is what the field was; else it is left alone. Texts
+// are cut to the field and always succeed.
+bool SetField(const TField& field, const UnicodeString& text, UnicodeString* previous);
 
 }  // namespace driver_devmode

@@ -25,11 +25,15 @@ TField WrapperField(const TFieldInfo& row, TQVDM& wrapper) {
     return {&row, &(wrapper.*kWrapperMembers[index])};
 }
 
-TField FindNamedField(TQVDM& wrapper, const UnicodeString& name) {
-    if (const TFieldInfo* row = FindField(DevModeFields(), name); row != nullptr) {
+std::basic_string_view<WCHAR> ViewOf(const UnicodeString& text) {
+    return {text.t_str(), static_cast<std::size_t>(text.Length())};
+}
+
+TField FindNamedField(TQVDM& wrapper, const TFieldName& name) {
+    if (const TFieldInfo* row = FindDevModeField(name); row != nullptr) {
         return wrapper.GetDM() == nullptr ? TField{} : BlockField(*row, wrapper.GetDM());
     }
-    if (const TFieldInfo* row = FindField(WrapperFields(), name); row != nullptr)
+    if (const TFieldInfo* row = FindWrapperField(name); row != nullptr)
         return WrapperField(*row, wrapper);
     return {};
 }
@@ -45,21 +49,46 @@ void ForEachField(TQVDM& wrapper, int first, Visit visit) {
     for (const TFieldInfo& row : WrapperFields()) visit(WrapperField(row, wrapper));
 }
 
-void AddGroupedChild(TXmlNode* node, const UnicodeString& name, const UnicodeString& text) {
-    const int dot = name.Pos(TEXT("."));
-    if (dot > 0) {
-        const UnicodeString group = name.SubString(1, dot - 1);
-        TXmlNode* found = node->FindChild(group, kCodePageUtf8);
-        node = found != nullptr ? found : node->AddChild(group);
+// Puts fields as elements below a node. A node that had no children needs no look for those of the
+// same name: the names of fields differ, and the groups are the few that were added here.
+class TFieldElements {
+  public:
+    explicit TFieldElements(TXmlNode* node) : node_(node), is_new_(node->ChildCount() == 0) {}
+
+    void Add(const TFieldStrings& name, const UnicodeString& text) {
+        TXmlNode* const parent = name.group.IsEmpty() ? node_ : Group(name.group);
+        if (is_new_) {
+            parent->AddChild(name.leaf)->FValue = text;
+        } else {
+            parent->SetChild(name.leaf, text, kCodePageUtf8);
+        }
     }
-    node->SetChild(name.SubString(dot + 1, name.Length()), text, kCodePageUtf8);
-}
+
+  private:
+    TXmlNode* Group(const UnicodeString& name) {
+        TXmlNode* found = nullptr;
+        if (!is_new_) {
+            found = node_->FindChild(name, kCodePageUtf8);
+        } else {
+            for (int i = node_->ChildCount(); i > 0 && found == nullptr; --i) {
+                TXmlNode* const child = node_->GetChild(i - 1);
+                if (child->ChildCount() == 0) break;
+                if (child->FName == name) found = child;
+            }
+        }
+        return found != nullptr ? found : node_->AddChild(name);
+    }
+
+    TXmlNode* const node_;
+    const bool is_new_;
+};
 
 }  // namespace
 
 bool TQVDM::ToXmlNode(TXmlNode* node) {
-    ForEachField(*this, 0, [node](const TField& field) {
-        if (field.row->Listed) AddGroupedChild(node, field.row->Name, ReadField(field));
+    TFieldElements elements(node);
+    ForEachField(*this, 0, [&elements](const TField& field) {
+        if (field.row->Listed) elements.Add(StringsOf(*field.row), ReadField(field));
     });
     return true;
 }
@@ -96,11 +125,10 @@ bool TQVDM::InternalFromXmlNode(UnicodeString prefix, TXmlNode* node, TXmlNode* 
             levels.push_back({child, group, child->FName});
             continue;
         }
-        const bool prefixed = level.prefix.Length() > 0;
-        const TField field = FindNamedField(
-            *this, prefixed ? level.prefix + TEXT(".") + child->FName : child->FName);
+        const TField field = FindNamedField(*this, {ViewOf(level.prefix), ViewOf(child->FName)});
         UnicodeString previous;
-        if (field && SetField(field, child->FValue, previous) && out != nullptr) {
+        if (field && SetField(field, child->FValue, out == nullptr ? nullptr : &previous) &&
+            out != nullptr) {
             out->SetChild(child->FName, previous, kCodePageUtf8);
         }
     }
@@ -120,13 +148,13 @@ UnicodeString TQVDM::FromStrings(TStrings* items, int first, const UnicodeString
     TStringList changed;
     for (int i = first < 0 ? 0 : first; i < items->GetCount() - 1;) {
         const UnicodeString name = items->Get(i);
-        const TField field = FindNamedField(*this, name);
+        const TField field = FindNamedField(*this, {{}, ViewOf(name)});
         if (!field) {
             ++i;
             continue;
         }
         UnicodeString previous;
-        if (SetField(field, items->Get(i + 1), previous)) {
+        if (SetField(field, items->Get(i + 1), &previous)) {
             changed.Add(name);
             changed.Add(previous);
         }

@@ -1,12 +1,13 @@
 #include "mox_classes/define_table.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 #include "mox_classes/string_list.h"
 #include "mox_classes/sysutils_numbers.h"
-#include "mox_classes/sysutils_text.h"
 
 namespace {
 
@@ -18,8 +19,9 @@ static_assert(kRowSize == kNameOffset + sizeof(UnicodeString));
 // A string whose pointer is brought in from a row, or taken out to one, as bytes: a row's own name
 // is not aligned.
 union TNameSlot {
-    TNameSlot() {}   // NOLINT(modernize-use-equals-default): would be deleted, the name has one
-    ~TNameSlot() {}  // NOLINT(modernize-use-equals-default)
+    TNameSlot() : none(nullptr) {}
+    ~TNameSlot() {}  // NOLINT(modernize-use-equals-default): would be deleted, the name has one
+    const void* none;
     UnicodeString name;
 };
 
@@ -27,63 +29,79 @@ void* NamePlace(std::byte* rows, std::size_t row) {
     return rows + row * kRowSize + kNameOffset;
 }
 
-struct TRow {
-    std::int32_t value;
-    UnicodeString name;
-};
-
-// Walks the value rows of a table; a null table has none.
+// Walks the value rows of a table; a null table has none. A row's name is looked at where it is,
+// not shared: most rows are only passed by.
 class TRows {
   public:
-    explicit TRows(const TDefineInfo* table)
-        : next_(reinterpret_cast<const std::byte*>(table)),
-          first_(table == nullptr ? TRow{0, UnicodeString()} : Read()) {}
+    explicit TRows(const TDefineInfo* table) : next_(reinterpret_cast<const std::byte*>(table)) {
+        if (table != nullptr) first_value_ = Read(prefix_);
+    }
 
-    bool IsFlagSet() const { return first_.value != 0; }
-    const UnicodeString& Prefix() const { return first_.name; }
+    bool IsFlagSet() const { return first_value_ != 0; }
+    const UnicodeString& Prefix() const { return prefix_.name; }
     // False after the last value row.
-    bool Next(TRow& row) {
+    bool Next() {
         if (next_ == nullptr) return false;
-        row = Read();
-        if (!row.name.IsEmpty()) return true;
+        value_ = Read(row_);
+        if (!row_.name.IsEmpty()) return true;
         next_ = nullptr;
         return false;
     }
+    std::int32_t Value() const { return value_; }
+    const UnicodeString& Name() const { return row_.name; }
 
   private:
-    TRow Read() {
-        TNameSlot slot;
-        TRow row;
-        std::memcpy(&row.value, next_, sizeof row.value);
-        std::memcpy(static_cast<void*>(&slot.name), next_ + kNameOffset, sizeof slot.name);
-        row.name = slot.name;
+    std::int32_t Read(TNameSlot& name) {
+        std::int32_t value;
+        std::memcpy(&value, next_, sizeof value);
+        std::memcpy(static_cast<void*>(&name.name), next_ + kNameOffset, sizeof name.name);
         next_ += kRowSize;
-        return row;
+        return value;
     }
 
     const std::byte* next_;
-    TRow first_;
+    std::int32_t first_value_ = 0;
+    std::int32_t value_ = 0;
+    TNameSlot prefix_;
+    TNameSlot row_;
 };
+
+using TView = std::basic_string_view<WCHAR>;
+
+// Up to the first 0, where comparisons of strings end.
+TView ViewOf(const UnicodeString& text) {
+    const TView units(text.t_str(), static_cast<std::size_t>(text.Length()));
+    return units.substr(0, units.find(WCHAR{0}));
+}
+
+WCHAR Upper(WCHAR unit) {
+    return unit >= 'a' && unit <= 'z' ? static_cast<WCHAR>(unit - 'a' + 'A') : unit;
+}
+
+// Whether `text` in upper case is `name`.
+bool IsUpperCaseOf(TView name, TView text) {
+    return std::equal(text.begin(), text.end(), name.begin(), name.end(),
+                      [](WCHAR a, WCHAR b) { return Upper(a) == b; });
+}
 
 // The value of the row that `text` names or numbers.
 bool FindDefineRow(const TDefineInfo* table, int& value, const UnicodeString& text) {
     TRows rows(table);
-    TRow row;
     int number;
     if (Sysutils::TryStrToInt(text, number)) {
-        while (rows.Next(row)) {
-            if (row.value != number) continue;
+        while (rows.Next()) {
+            if (rows.Value() != number) continue;
             value = number;
             return true;
         }
         return false;
     }
-    UnicodeString name = Sysutils::UpperCase(text);
-    const int prefix_length = rows.Prefix().Length();
-    if (name.SubString(1, prefix_length) == rows.Prefix()) name.Delete(1, prefix_length);
-    while (rows.Next(row)) {
-        if (row.name != name) continue;
-        value = row.value;
+    TView name = ViewOf(text);
+    const TView prefix = ViewOf(rows.Prefix());
+    if (IsUpperCaseOf(prefix, name.substr(0, prefix.size()))) name.remove_prefix(prefix.size());
+    while (rows.Next()) {
+        if (!IsUpperCaseOf(ViewOf(rows.Name()), name)) continue;
+        value = rows.Value();
         return true;
     }
     return false;
@@ -114,9 +132,8 @@ TDefineTable::~TDefineTable() {
 UnicodeString DefineToString(const TDefineInfo* table, int value, bool withPrefix) {
     TRows rows(table);
     if (rows.IsFlagSet()) return FlagsToString(table, value, withPrefix);
-    TRow row;
-    while (rows.Next(row)) {
-        if (row.value == value) return withPrefix ? rows.Prefix() + row.name : row.name;
+    while (rows.Next()) {
+        if (rows.Value() == value) return withPrefix ? rows.Prefix() + rows.Name() : rows.Name();
     }
     return UnicodeString(value);
 }
@@ -133,11 +150,10 @@ bool TryStringToDefine(const TDefineInfo* table, int& value, const UnicodeString
 UnicodeString FlagsToString(const TDefineInfo* table, int value, bool withPrefix) {
     TRows rows(table);
     UnicodeString text;
-    TRow row;
-    while (rows.Next(row)) {
-        if ((row.value & value) != row.value) continue;
+    while (rows.Next()) {
+        if ((rows.Value() & value) != rows.Value()) continue;
         if (!text.IsEmpty()) text += UnicodeString(kFlagSeparator);
-        text += withPrefix ? rows.Prefix() + row.name : row.name;
+        text += withPrefix ? rows.Prefix() + rows.Name() : rows.Name();
     }
     return text;
 }
@@ -157,9 +173,12 @@ bool TryStringToFlags(const TDefineInfo* table, int& value, const UnicodeString&
 }
 
 bool StringToBool(const UnicodeString& text) {
-    const UnicodeString word = Sysutils::LowerCase(Sysutils::Trim(text));
-    for (const WCHAR* no : {TEXT("0"), TEXT("false"), TEXT("off")}) {
-        if (word == UnicodeString(no)) return false;
+    TView word(text.t_str(), static_cast<std::size_t>(text.Length()));
+    while (!word.empty() && word.front() <= 0x20) word.remove_prefix(1);
+    while (!word.empty() && word.back() <= 0x20) word.remove_suffix(1);
+    word = word.substr(0, word.find(WCHAR{0}));
+    for (const TView no : {TView(TEXT("0")), TView(TEXT("FALSE")), TView(TEXT("OFF"))}) {
+        if (IsUpperCaseOf(no, word)) return false;
     }
     return true;
 }

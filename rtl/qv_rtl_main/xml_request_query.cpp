@@ -3,6 +3,7 @@
 #include <winspool.h>
 
 #include <cstddef>
+#include <optional>
 
 #include "driver_devmode/field_map.h"
 #include "driver_devmode/qvdm.h"
@@ -80,7 +81,20 @@ void ReportDrivers(const UnicodeString& name, TXmlNode& response, TXmlMessages& 
     if (!found) messages.Warning(TEXT("No printer driver was found"));
 }
 
-void ReportSettings(const UnicodeString& name, TXmlNode& printer, TXmlMessages& messages) {
+// Wrappers that start from the same defaults: making these asks the registry, once per query.
+class TWrappers {
+  public:
+    TQVDM Make() {
+        if (!defaults_) defaults_.emplace();
+        return *defaults_;
+    }
+
+  private:
+    std::optional<TQVDM> defaults_;
+};
+
+void ReportSettings(const UnicodeString& name, TWrappers& wrappers, TXmlNode& printer,
+                    TXmlMessages& messages) {
     TW32StructData<DEVMODEW> settings = GetGlobalDevMode(name);
     // A block that ends before the fields that state its size cannot be read at all.
     constexpr int kLeastBytes = offsetof(DEVMODEW, dmFields);
@@ -101,7 +115,7 @@ void ReportSettings(const UnicodeString& name, TXmlNode& printer, TXmlMessages& 
         DevModeToXmlNode(block, node);
         return;
     }
-    TQVDM wrapper;
+    TQVDM wrapper = wrappers.Make();
     wrapper.SetDEVMODE(block, settings.Size());
     wrapper.ToXmlNode(node);
 }
@@ -112,6 +126,7 @@ void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessage
         messages.Error(TEXT("Cannot get installed printers"), printers.GetErrorCode());
         return;
     }
+    TWrappers wrappers;
     bool found = false;
     for (int i = 0; i < printers.Count(); ++i) {
         if (!Passes(driver, printers[i].pDriverName)) continue;
@@ -119,7 +134,7 @@ void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessage
         TXmlNode* printer = response.AddChild(TEXT("printer"));
         AddText(*printer, TEXT("name"), name);
         AddText(*printer, TEXT("port"), printers[i].pPortName);
-        ReportSettings(name, *printer, messages);
+        ReportSettings(name, wrappers, *printer, messages);
         found = true;
     }
     if (!found) messages.Warning(TEXT("No printer was found"));
