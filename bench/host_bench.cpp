@@ -1,37 +1,128 @@
-// The Linux host: registry, load and unload.
+// The Linux host: reading the registry, loading and unloading the library.
+#include <dlfcn.h>
+#include <sys/stat.h>
 #include <windows.h>
 
-#include "support.h"
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <vector>
 
-#include <sys/stat.h>
+#include "mox_log/logger.h"
+#include "mox_log/registry.h"
+#include "support.h"
 
 namespace {
 
-void ReadValueOurs(benchmark::State& state) {
-    HKEY key = nullptr;
-    RegCreateKeyExW(HKEY_CURRENT_USER, TEXT("Software\\Bench"), 0, nullptr, 0, KEY_ALL_ACCESS,
-                    nullptr, &key, nullptr);
-    const DWORD stored = 7;
-    RegSetValueExW(key, TEXT("Value"), 0, REG_DWORD, reinterpret_cast<const BYTE*>(&stored),
-                   sizeof(stored));
-    for (auto _ : state) {
-        DWORD value = 0;
-        DWORD size = sizeof(value);
-        RegQueryValueExW(key, TEXT("Value"), nullptr, nullptr, reinterpret_cast<BYTE*>(&value),
-                         &size);
-        if (value != stored) state.SkipWithError("not read");
+constexpr int kValues = 1000;
+
+// A key of the registry with a thousand texts.
+class Values {
+  public:
+    static const Values& Get() {
+        static const Values values;
+        return values;
     }
-    RegCloseKey(key);
+    HKEY Key() const { return key_; }
+    const std::vector<UnicodeString>& Names() const { return names_; }
+    const std::string& File() const { return file_; }
+
+  private:
+    // A file that a program has put there, as an installer does: one change, not a thousand.
+    Values() : file_(bench::HostRoot() + "/registry/HKEY_CURRENT_USER.reg") {
+        std::filesystem::create_directories(bench::HostRoot() + "/registry");
+        std::FILE* const file = std::fopen(file_.c_str(), "w");
+        std::fputs("Windows Registry Editor Version 5.00\n\n[HKEY_CURRENT_USER\\Software\\Bench]\n",
+                   file);
+        for (int i = 0; i < kValues; ++i) {
+            std::fprintf(file, "\"Value %d\"=\"C:\\\\Users\\\\anna\\\\Documents\\\\%d\"\n", i, i);
+            names_.push_back(bench::Wide("Value " + std::to_string(i)));
+        }
+        std::fclose(file);
+        key_ = Mox::RegOpenToRead(HKEY_CURRENT_USER, TEXT("Software\\Bench"));
+    }
+
+    std::string file_;
+    HKEY key_ = nullptr;
+    std::vector<UnicodeString> names_;
+};
+
+// An iteration is one value; they take turns.
+template <class Read>
+void ReadValues(benchmark::State& state, Read read) {
+    const Values& values = Values::Get();
+    std::size_t next = 0;
+    for (auto _ : state) {
+        if (!read(values, values.Names()[next])) state.SkipWithError("not read");
+        next = next + 1 == kValues ? 0 : next + 1;
+    }
+}
+
+void QueryValueOurs(benchmark::State& state) {
+    ReadValues(state, [](const Values& values, const UnicodeString& name) {
+        WCHAR text[64];
+        DWORD size = sizeof text;
+        DWORD type = 0;
+        const LSTATUS code = RegQueryValueExW(values.Key(), name.t_str(), nullptr, &type,
+                                              reinterpret_cast<BYTE*>(text), &size);
+        return code == ERROR_SUCCESS && type == REG_SZ;
+    });
+}
+
+void ReadStringOurs(benchmark::State& state) {
+    ReadValues(state, [](const Values& values, const UnicodeString& name) {
+        return Mox::RegReadString(values.Key(), name, UnicodeString()).Length() > 0;
+    });
 }
 
 void StatFloor(benchmark::State& state) {
-    struct stat info {};
+    ReadValues(state, [](const Values& values, const UnicodeString&) {
+        struct stat info;
+        return stat(values.File().c_str(), &info) == 0;
+    });
+}
+
+BENCHMARK(QueryValueOurs)->Name("host/registry_query/ours");
+BENCHMARK(StatFloor)->Name("host/registry_query/stat");
+BENCHMARK(ReadStringOurs)->Name("host/registry_read/ours");
+BENCHMARK(StatFloor)->Name("host/registry_read/stat");
+
+std::string FolderOf(const void* address) {
+    Dl_info info{};
+    dladdr(address, &info);
+    return std::filesystem::canonical(info.dli_fname).parent_path();
+}
+
+// In a process of its own, which has nothing loaded: seconds of processor time, 0 for a failure.
+double LoadSeconds(const std::string& library) {
+    constexpr const char* kTimes = " 200";
+    const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    const std::string command = folder + "/load_timer " + library + kTimes;
+    std::FILE* const program = popen(command.c_str(), "r");
+    long long nanoseconds = 0;
+    if (program == nullptr || std::fscanf(program, "%lld", &nanoseconds) != 1) nanoseconds = 0;
+    if (program != nullptr) pclose(program);
+    return static_cast<double>(nanoseconds) / 1e9;
+}
+
+void Load(benchmark::State& state, const std::string& library) {
     for (auto _ : state) {
-        if (stat(bench::HostRoot().c_str(), &info) != 0) state.SkipWithError("no host root");
+        const double seconds = LoadSeconds(library);
+        if (seconds == 0) state.SkipWithError("not loaded");
+        state.SetIterationTime(seconds);
     }
 }
 
-BENCHMARK(ReadValueOurs)->Name("host/registry_read/ours");
-BENCHMARK(StatFloor)->Name("host/registry_read/stat");
+void LoadOurs(benchmark::State& state) {
+    Load(state, FolderOf(reinterpret_cast<const void*>(&Mox::GetLogger)) + "/libqv_rtl.so");
+}
+
+void LoadSmall(benchmark::State& state) {
+    const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    Load(state, folder + "/qv_small_module.so");
+}
+
+BENCHMARK(LoadOurs)->Name("host/load/ours")->UseManualTime()->Iterations(3);
+BENCHMARK(LoadSmall)->Name("host/load/small_library")->UseManualTime()->Iterations(3);
 
 }  // namespace
