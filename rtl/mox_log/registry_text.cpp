@@ -1,6 +1,6 @@
 #include "mox_log/registry_text.h"
 
-#include <cstring>
+#include <iterator>
 #include <vector>
 
 namespace Mox {
@@ -10,43 +10,42 @@ namespace {
 constexpr DWORD kSmallestText = 3;  // fewer bytes hold at most a terminator
 constexpr int kReadAttempts = 8;
 
-UnicodeString TextOfBytes(const std::vector<BYTE>& bytes, DWORD size) {
-    if (size < kSmallestText) return UnicodeString();
-    std::vector<WCHAR> units(size / sizeof(WCHAR));
-    std::memcpy(units.data(), bytes.data(), units.size() * sizeof(WCHAR));
-    if (units.back() == 0) units.pop_back();
-    return UnicodeString(units.data(), static_cast<long long>(units.size()));
+UnicodeString TextOfUnits(const WCHAR* units, DWORD bytes) {
+    if (bytes < kSmallestText) return UnicodeString();
+    DWORD count = bytes / sizeof(WCHAR);
+    if (units[count - 1] == 0) --count;
+    return UnicodeString(units, static_cast<long long>(count));
+}
+
+// Reads into `bytes` of room; the result's code, and its text when it is one.
+void ReadInto(HKEY key, const UnicodeString& name, WCHAR* units, DWORD& bytes, TRegText& result) {
+    result.code = RegQueryValueExW(key, name.t_str(), nullptr, &result.type,
+                                   reinterpret_cast<BYTE*>(units), &bytes);
+    if (result.code == ERROR_SUCCESS && result.type == REG_SZ) {
+        result.state = TRegTextState::Found;
+        result.text = TextOfUnits(units, bytes);
+    }
 }
 
 }  // namespace
 
+// Nearly every value fits the first buffer: one call instead of two, half the time of a read.
 TRegText ReadRegText(HKEY key, const UnicodeString& name) {
     TRegText result;
-    DWORD size = 0;
-    if (RegQueryValueExW(key, name.t_str(), nullptr, &result.type, nullptr, &size) !=
-        ERROR_SUCCESS) {
-        return result;
+    WCHAR first[256];
+    DWORD bytes = sizeof first;
+    ReadInto(key, name, first, bytes, result);
+    if (result.code != ERROR_SUCCESS && result.code != ERROR_MORE_DATA) return result;
+    std::vector<WCHAR> units;
+    for (int attempt = 0; attempt < kReadAttempts && result.code == ERROR_MORE_DATA; ++attempt) {
+        if (result.type != REG_SZ) break;
+        units.resize(bytes / sizeof(WCHAR) + 1);
+        ReadInto(key, name, units.data(), bytes, result);
     }
-    std::vector<BYTE> bytes;
-    result.code = ERROR_SUCCESS;
-    for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
-        if (result.type != REG_SZ) {
-            result.state = TRegTextState::WrongType;
-            return result;
-        }
-        if (size < kSmallestText) break;
-        bytes.resize(size);
-        result.code =
-            RegQueryValueExW(key, name.t_str(), nullptr, &result.type, bytes.data(), &size);
-        if (result.code != ERROR_MORE_DATA) break;
-    }
-    if (result.code != ERROR_SUCCESS) {
-        result.state = TRegTextState::Failed;
-    } else if (result.type != REG_SZ) {
+    if (result.type != REG_SZ) {
         result.state = TRegTextState::WrongType;
-    } else {
-        result.state = TRegTextState::Found;
-        result.text = TextOfBytes(bytes, size);
+    } else if (result.code != ERROR_SUCCESS) {
+        result.state = TRegTextState::Failed;
     }
     return result;
 }
