@@ -1,5 +1,6 @@
 #include "mox_classes/format_fields.h"
 
+#include <algorithm>
 #include <string>
 
 #include "mox_classes/format_scan.h"
@@ -157,7 +158,11 @@ bool TFormatFields::FillSingleField(const UnicodeString& name, const UnicodeStri
 }
 
 UnicodeString TFormatFields::FillFromTable(const WCHAR* format, const TFormatValue* table) const {
+    int longest = 0;
+    for (const auto& field : fields_) longest = std::max(longest, field->FName.Length());
     return ReplaceFields(format, [&](const TFieldSpan& field, UnicodeString& out) {
+        // A name that no field can have is not made: a text full of '{' has one at every unit.
+        if (field.spec - field.begin - 1 > longest) return false;
         return FillSingleField(field.Name(), field.Spec(), table, out);
     });
 }

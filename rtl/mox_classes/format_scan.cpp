@@ -6,6 +6,7 @@ bool FindField(const WCHAR* text, TFieldSpan& field) {
     // What the first '{' misses, the later ones miss as well: one look is enough.
     field.begin = Sysutils::StrScan(text, '{');
     if (field.begin == nullptr) return false;
+    if (field.begin < field.spec) return true;
     field.spec = field.begin + 1;
     while (*field.spec != '%' && *field.spec != '#' && *field.spec != '}') {
         if (*field.spec++ == 0) return false;

@@ -15,5 +15,7 @@ struct TFieldSpan {
     UnicodeString Spec() const { return UnicodeString(spec, end - spec - 1); }
 };
 
-// The first field at or behind `text`; false when there is none. Null is an empty text.
+// The first field at or behind `text`; false when there is none. Null is an empty text. `field` is
+// fresh, or holds what the last search in the same text found: a '{' inside that field's name
+// begins one that ends with it, and is not searched again.
 bool FindField(const WCHAR* text, TFieldSpan& field);

@@ -123,6 +123,7 @@ class QV_API TStringList : public TStrings {
     virtual void InsertItem(int index, UnicodeString s, TObject* object);
 
   private:
+    friend class TItemReader;
     struct TItem {
         UnicodeString Text;
         TObject* Object;

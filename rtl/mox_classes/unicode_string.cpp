@@ -4,19 +4,44 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <new>
 
 #include "mox_classes/memory.h"
-#include "mox_classes/rcm_spec.h"
 
 namespace System {
 
 namespace {
 
-constexpr TRCMSpec kBlocks(sizeof(StrRec), offsetof(StrRec, ref_count), 1, 1);
+// A string's block is that of TRCMSpec(12, 4, 1, 1). Strings are made and resized far more often
+// than anything else that is counted, so those steps stand here with their numbers known to the
+// compiler: an append by way of the description takes half as long again.
+static_assert(sizeof(StrRec) == 12 && offsetof(StrRec, ref_count) == 4);
 constexpr int kMaxLength = std::numeric_limits<int>::max();
 
+int BlockSize(int units) {
+    constexpr int kLargest = (kMaxLength - static_cast<int>(sizeof(StrRec))) / 2 - 1;
+    if (units > kLargest) throw std::bad_alloc();
+    return static_cast<int>(sizeof(StrRec)) + (units + 1) * static_cast<int>(sizeof(WCHAR));
+}
+
+// The characters of a block that has one holder; they are as they are, up to the terminator.
+WCHAR* Prepared(void* block, int units) {
+    if (block == nullptr) throw std::bad_alloc();
+    auto* const rec = static_cast<StrRec*>(block);
+    *rec = {1200, sizeof(WCHAR), 1, units};
+    auto* const data = reinterpret_cast<WCHAR*>(rec + 1);
+    data[units] = 0;
+    return data;
+}
+
+WCHAR* NewBuffer(int units) {
+    return Prepared(GetMemory(BlockSize(units)), units);
+}
+
 void CopyUnits(WCHAR* dest, const WCHAR* source, int count) {
-    if (count > 0) std::memcpy(dest, source, static_cast<std::size_t>(count) * sizeof(WCHAR));
+    // A call for one unit costs more than the unit.
+    if (count == 1) *dest = *source;
+    if (count > 1) std::memcpy(dest, source, static_cast<std::size_t>(count) * sizeof(WCHAR));
 }
 
 void MoveUnits(WCHAR* dest, const WCHAR* source, int count) {
@@ -25,37 +50,12 @@ void MoveUnits(WCHAR* dest, const WCHAR* source, int count) {
 
 }  // namespace
 
-UnicodeString::UnicodeString(const UnicodeString& other) noexcept : data_(other.data_) {
-    if (data_ == nullptr) return;
-    auto count = kBlocks.Count(data_);
-    if (count.load(std::memory_order_relaxed) >= 1) count.fetch_add(1, std::memory_order_relaxed);
-}
-
-UnicodeString::~UnicodeString() {
-    void* data = data_;
-    kBlocks.Clear(data);
-}
-
-// Sharing the own buffer changes nothing.  NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
-UnicodeString& UnicodeString::operator=(const UnicodeString& other) noexcept {
-    void* data = data_;
-    kBlocks.Assign(data, other.data_);
-    data_ = other.data_;
-    return *this;
-}
-
-UnicodeString& UnicodeString::operator=(UnicodeString&& other) noexcept {
-    UnicodeString taken(std::move(other));
-    return swap(taken);
-}
-
-UnicodeString& UnicodeString::swap(UnicodeString& other) noexcept {
-    std::swap(data_, other.data_);
-    return *this;
-}
-
-int UnicodeString::RefCount() const {
-    return data_ == nullptr ? 0 : kBlocks.Count(data_).load(std::memory_order_acquire);
+void UnicodeString::Release() noexcept {
+    // Two holders that let go at the same time both see 2; the decrement decides who is the last.
+    if (count().load(std::memory_order_acquire) <= 1 ||
+        count().fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        FreeMemory(rec());
+    }
 }
 
 void UnicodeString::ThrowIfOutOfRange(int index) const {
@@ -75,34 +75,33 @@ WCHAR& UnicodeString::operator[](int index) {
 
 UnicodeString& UnicodeString::SetLength(long long length) {
     if (length > kMaxLength || length < -1) throw UnicodeString("Out of length");
-    const int units = static_cast<int>(length);
-    void* data = data_;
-    if (units < 0) {
-        data_ = nullptr;
-        kBlocks.Clear(data);
-        return *this;
+    if (length < 0) {
+        UnicodeString().swap(*this);
+    } else {
+        Resize(static_cast<int>(length));
     }
-    const int size = kBlocks.CalcAllocSize(units, sizeof(WCHAR));
-    if (RefCount() > 1) {
-        // The old share is kept while its characters are copied: the other holders may let go.
-        void* fresh = nullptr;
-        kBlocks.SetSize(fresh, size);
-        CopyUnits(static_cast<WCHAR*>(fresh), data_, std::min(Length(), units));
-        kBlocks.Clear(data);
-        data = fresh;
-    } else if (data_ == nullptr || Length() != units) {
-        kBlocks.SetSize(data, size);
-    }
-    data_ = static_cast<WCHAR*>(data);
-    rec()->code_page = 1200;
-    rec()->element_size = sizeof(WCHAR);
-    rec()->length = units;
-    data_[units] = 0;
     return *this;
 }
 
+// Gives the string a buffer of its own of this length, with as many of its characters as fit.
+void UnicodeString::Resize(int units) {
+    if (data_ == nullptr) {
+        data_ = NewBuffer(units);
+    } else if (RefCount() > 1) {
+        // The old share is kept while its characters are copied: the other holders may let go.
+        UnicodeString fresh;
+        fresh.data_ = NewBuffer(units);
+        CopyUnits(fresh.data_, data_, std::min(Length(), units));
+        swap(fresh);
+    } else {
+        void* const block = Length() == units ? rec() : ReallocMemory(rec(), BlockSize(units));
+        data_ = Prepared(block, units);
+    }
+}
+
 UnicodeString& UnicodeString::Unique() {
-    return SetLength(Length());
+    Resize(Length());
+    return *this;
 }
 
 UnicodeString& UnicodeString::Insert(const UnicodeString& sub, int index) {
@@ -113,7 +112,7 @@ UnicodeString& UnicodeString::Insert(const UnicodeString& sub, int index) {
     if (added > kMaxLength - old_length) throw UnicodeString("Integer overflow!");
     // A share of its own keeps the inserted text whole when it is this string.
     const UnicodeString inserted(sub);
-    SetLength(static_cast<long long>(old_length) + added);
+    Resize(old_length + added);
     MoveUnits(data_ + position + added, data_ + position, old_length - position);
     CopyUnits(data_ + position, inserted.data_, added);
     return *this;
@@ -130,7 +129,13 @@ UnicodeString& UnicodeString::Delete(int index, int count) {
 }
 
 UnicodeString& UnicodeString::operator+=(const UnicodeString& other) {
-    return Insert(other, kMaxLength);
+    const int added = other.Length();
+    if (added == 0) return *this;
+    const int old_length = Length();
+    if (added > kMaxLength - old_length) throw UnicodeString("Integer overflow!");
+    Resize(old_length + added);
+    CopyUnits(data_ + old_length, other.data_, added);
+    return *this;
 }
 
 UnicodeString UnicodeString::operator+(const UnicodeString& other) const {
@@ -139,7 +144,7 @@ UnicodeString UnicodeString::operator+(const UnicodeString& other) const {
     const int length = Length();
     if (added > kMaxLength - length) throw UnicodeString("Integer overflow!");
     UnicodeString sum;
-    sum.SetLength(static_cast<long long>(length) + added);
+    sum.Resize(length + added);
     CopyUnits(sum.data_, data_, length);
     CopyUnits(sum.data_ + length, other.data_, added);
     return sum;

@@ -7,7 +7,9 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstdint>
+#include <utility>
 
 #include "mox_classes/code_page.h"
 #include "mox_classes/wide_format.h"
@@ -37,7 +39,12 @@ class QV_API UnicodeString {
     enum TStringLeadCharType : unsigned char { lctSingle = 0, lctLead = 1, lctTrail = 2 };
 
     UnicodeString() noexcept : data_(nullptr) {}
-    UnicodeString(const UnicodeString& other) noexcept;
+    // Copies and releases are all over a program: what is not the last share costs no call.
+    UnicodeString(const UnicodeString& other) noexcept : data_(other.data_) {
+        if (data_ != nullptr && count().load(std::memory_order_relaxed) >= 1) {
+            count().fetch_add(1, std::memory_order_relaxed);
+        }
+    }
     UnicodeString(UnicodeString&& other) noexcept : data_(other.data_) { other.data_ = nullptr; }
     // One code unit: the char's value sign-extended (0xE9 gives U+FFE9).
     UnicodeString(char c);
@@ -62,18 +69,29 @@ class QV_API UnicodeString {
     UnicodeString(const WCHAR* text, long long count);
     // UTF-32, up to `count` code points or a 0; code points above 0x10FFFF become U+FFFD.
     UnicodeString(const unsigned int* text, long long count);
-    ~UnicodeString();
+    ~UnicodeString() {
+        if (data_ != nullptr) Release();
+    }
 
-    UnicodeString& operator=(const UnicodeString& other) noexcept;
-    UnicodeString& operator=(UnicodeString&& other) noexcept;
-    UnicodeString& swap(UnicodeString& other) noexcept;
+    UnicodeString& operator=(const UnicodeString& other) noexcept {
+        UnicodeString shared(other);
+        return swap(shared);
+    }
+    UnicodeString& operator=(UnicodeString&& other) noexcept {
+        UnicodeString taken(std::move(other));
+        return swap(taken);
+    }
+    UnicodeString& swap(UnicodeString& other) noexcept {
+        std::swap(data_, other.data_);
+        return *this;
+    }
     // No change: every string is UTF-16 already.
     UnicodeString& EnsureUnicode() { return *this; }
 
     int Length() const { return data_ == nullptr ? 0 : rec()->length; }
     // True for the null string only.
     bool IsEmpty() const { return data_ == nullptr; }
-    int RefCount() const;
+    int RefCount() const { return data_ == nullptr ? 0 : count().load(std::memory_order_acquire); }
     int CodePage() const { return data_ == nullptr ? 1200 : rec()->code_page; }
     int ElementSize() const { return data_ == nullptr ? 2 : rec()->element_size; }
     // Never null, always terminated; valid until the string changes or dies.
@@ -173,6 +191,11 @@ class QV_API UnicodeString {
     StrRec* rec() const {
         return reinterpret_cast<StrRec*>(reinterpret_cast<char*>(data_) - sizeof(StrRec));
     }
+    std::atomic_ref<std::int32_t> count() const {
+        return std::atomic_ref<std::int32_t>(rec()->ref_count);
+    }
+    void Release() noexcept;
+    void Resize(int units);
     int printf_passed(const WCHAR* format, ...);
     int cat_printf_passed(const WCHAR* format, ...);
 

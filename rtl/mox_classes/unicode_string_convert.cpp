@@ -1,10 +1,11 @@
 // The constructors of the string: from numbers, narrow text, UTF-16 and UTF-32.
 #include <windows.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <limits>
-#include <string>
 
 #include "mox_classes/sysutils_numbers.h"
 #include "mox_classes/unicode_string.h"
@@ -57,16 +58,26 @@ UnicodeString FromAnsi(const char* text, int bytes) {
     return result;
 }
 
-template <class Number>
-UnicodeString FromNumber(Number value, int base = 10) {
-    char digits[24];
-    const char* end = std::to_chars(std::begin(digits), std::end(digits), value, base).ptr;
-    UnicodeString result;
-    result.SetLength(end - digits);
-    for (int i = 0; i < result.Length(); ++i) {
-        result.data()[i] = static_cast<WCHAR>(static_cast<unsigned char>(digits[i]));
+// The digits are made from the last to the first, two at a time: half the divisions.
+UnicodeString FromNumber(unsigned long long value, bool negative) {
+    constexpr int kMost = 21;
+    WCHAR digits[kMost];
+    WCHAR* first = digits + kMost;
+    const auto put = [&first](unsigned digit) { *--first = static_cast<WCHAR>('0' + digit); };
+    for (; value >= 100; value /= 100) {
+        const auto pair = static_cast<unsigned>(value % 100);
+        put(pair % 10);
+        put(pair / 10);
     }
-    return result;
+    put(static_cast<unsigned>(value % 10));
+    if (value >= 10) put(static_cast<unsigned>(value / 10));
+    if (negative) *--first = '-';
+    return UnicodeString(first, digits + kMost - first);
+}
+
+UnicodeString FromSigned(long long value) {
+    const auto bits = static_cast<unsigned long long>(value);
+    return FromNumber(value < 0 ? 0 - bits : bits, value < 0);
 }
 
 int Utf16Units(unsigned int code_point) {
@@ -91,13 +102,13 @@ UnicodeString::UnicodeString(char c)
 UnicodeString::UnicodeString(WCHAR unit) : UnicodeString(&unit, 1) {}
 UnicodeString::UnicodeString(unsigned short unit) : UnicodeString(&unit, 1) {}
 
-UnicodeString::UnicodeString(short value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(int value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(unsigned int value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(long value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(unsigned long value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(long long value) : UnicodeString(FromNumber(value)) {}
-UnicodeString::UnicodeString(unsigned long long value) : UnicodeString(FromNumber(value)) {}
+UnicodeString::UnicodeString(short value) : UnicodeString(FromSigned(value)) {}
+UnicodeString::UnicodeString(int value) : UnicodeString(FromSigned(value)) {}
+UnicodeString::UnicodeString(unsigned int value) : UnicodeString(FromNumber(value, false)) {}
+UnicodeString::UnicodeString(long value) : UnicodeString(FromSigned(value)) {}
+UnicodeString::UnicodeString(unsigned long value) : UnicodeString(FromNumber(value, false)) {}
+UnicodeString::UnicodeString(long long value) : UnicodeString(FromSigned(value)) {}
+UnicodeString::UnicodeString(unsigned long long value) : UnicodeString(FromNumber(value, false)) {}
 UnicodeString::UnicodeString(double value) : UnicodeString(Sysutils::FloatToStr(value)) {}
 
 UnicodeString::UnicodeString(const char* text) : UnicodeString() {
@@ -133,9 +144,15 @@ UnicodeString::UnicodeString(const unsigned int* text, long long count) : Unicod
 }
 
 UnicodeString UnicodeString::IntToHex(int value, int digits) {
-    UnicodeString text = FromNumber(static_cast<unsigned int>(value), 16).UpperCase();
-    if (text.Length() >= digits) return text;
-    return StringOfChar(TEXT('0'), digits - text.Length()) + text;
+    char text[8];
+    const char* end =
+        std::to_chars(std::begin(text), std::end(text), static_cast<unsigned int>(value), 16).ptr;
+    const auto length = static_cast<int>(end - text);
+    UnicodeString result = StringOfChar(TEXT('0'), std::max(length, digits));
+    WCHAR* const last = result.data() + result.Length();
+    std::transform(static_cast<const char*>(text), end, last - length,
+                   [](char c) { return static_cast<WCHAR>(c >= 'a' ? c - 'a' + 'A' : c); });
+    return result;
 }
 
 }  // namespace System

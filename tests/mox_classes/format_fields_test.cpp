@@ -124,6 +124,17 @@ TEST(TemplateString, MarksAndFills) {
     EXPECT_EQ(TemplateStringFindField(TEXT("ab{c}"), TEXT("c")), -1);
 }
 
+// As many fields as braces, one inside the other's name: only the innermost is known. The text is
+// long enough that a search from every brace to the end would be noticed.
+TEST(FormatFields, BracesInsideNames) {
+    const int braces = 1 << 20;
+    const UnicodeString head = UnicodeString::StringOfChar('{', braces - 1);
+    const TFormatFields fields(TEXT("{a%d}"));
+    EXPECT_EQ(fields.printf((head + TEXT("{a}-{a}}")).t_str(), 7), head + TEXT("7-7}"));
+    EXPECT_EQ(FillFormat(TEXT("{{{a}{{a%s}"), FillKnown, nullptr), TEXT("{{x{x"));
+    EXPECT_EQ(FindFormatField(TEXT("{{a}"), TEXT("{a")), 0);
+}
+
 TEST(TemplateString, Tags) {
     EXPECT_EQ(Tags(TEXT("Dear [name][x]!"), TEXT("John Smith")), TEXT("Dear \"John Smith\"!"));
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT("")), TEXT("\"\""));

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <vector>
 
 #include "support/captured_log.h"
@@ -172,4 +173,38 @@ TEST(StringList, AJoinedTextThatWouldPassTheLongestStringIsRefused) {
     for (int i = 0; i < 2048; ++i) list.Add(long_item);
     EXPECT_EQ(ThrownText([&] { list.GetTextStr(); }), TEXT("Integer overflow!"));
     EXPECT_EQ(ThrownText([&] { list.GetDelimitedText(); }), TEXT("Integer overflow!"));
+}
+
+TEST(StringList, LargeListsKeepTheirStepsAndTheirItems) {
+    TStringList list;
+    TStrings& items = list;
+    for (int i = 0; i < 5000; ++i) items.Add(UnicodeString(i));
+    EXPECT_EQ(list.GetCapacity(), 5008);
+    list.SetCapacity(3001);
+    for (int i = 3001; i < 4000; ++i) items.Insert(0, UnicodeString(i));
+    EXPECT_EQ(list.GetCapacity(), 3001 + 63 * 16);
+    EXPECT_EQ(items.Get(0), TEXT("3999"));
+    EXPECT_EQ(items.Get(999), TEXT("0"));
+    EXPECT_EQ(items.IndexOf(TEXT("3000")), 3999);
+    EXPECT_THROW(list.SetCapacity(0x7FFFFFFF), std::bad_alloc);
+    EXPECT_EQ(list.GetCount(), 4000);
+}
+
+namespace {
+
+// Answers in capitals.
+class LoudList : public TStringList {
+  public:
+    UnicodeString Get(int index) override { return TStringList::Get(index).UpperCase(); }
+};
+
+}  // namespace
+
+TEST(StringList, ADerivedListIsAskedForItsItems) {
+    LoudList list;
+    list.SetCommaText(TEXT("a=1,b"));
+    EXPECT_EQ(list.GetCommaText(), TEXT("A=1,B"));
+    EXPECT_EQ(list.GetTextStr(), TEXT("A=1\r\nB\r\n"));
+    EXPECT_EQ(list.IndexOf(TEXT("B")), 1);
+    EXPECT_EQ(list.IndexOfName(TEXT("A")), 0);
 }

@@ -8,20 +8,12 @@
 
 #include "support/fresh_host_root.h"
 #include "support/string_print.h"
+#include "support/thrown_text.h"
 
 using namespace Sysutils;
+using test::ThrownText;
 
 namespace {
-
-template <class Action>
-UnicodeString ThrownBy(Action action) {
-    try {
-        action();
-    } catch (const UnicodeString& message) {
-        return message;
-    }
-    return TEXT("nothing");
-}
 
 void MakeFile(const UnicodeString& name) {
     const HANDLE file =
@@ -60,8 +52,9 @@ TEST(Sysutils, Integers) {
         EXPECT_EQ(value, row.value);
         EXPECT_EQ(StrToIntDef(row.text, -5), row.whole ? row.value : -5);
     }
-    EXPECT_EQ(ThrownBy([] { StrToInt(TEXT("12a")); }), TEXT("'12a' is not a valid integer value"));
-    EXPECT_EQ(ThrownBy([] { StrToInt64(TEXT("")); }), TEXT("'' is not a valid integer value"));
+    EXPECT_EQ(ThrownText([] { StrToInt(TEXT("12a")); }),
+              TEXT("'12a' is not a valid integer value"));
+    EXPECT_EQ(ThrownText([] { StrToInt64(TEXT("")); }), TEXT("'' is not a valid integer value"));
     EXPECT_EQ(StrToInt64(TEXT("-9223372036854775808")), INT64_MIN);
     EXPECT_EQ(StrToInt64Def(TEXT("0x7fffffffffffffff"), 0), INT64_MAX);
     EXPECT_EQ(StrToHandleDef(TEXT("0x100000000"), nullptr), reinterpret_cast<void*>(1ULL << 32));
@@ -104,7 +97,7 @@ TEST(Sysutils, FloatingPoint) {
         EXPECT_EQ(value, row.value);
         EXPECT_EQ(StrToFloatDef(row.text, 7), row.whole ? row.value : 7);
     }
-    EXPECT_EQ(ThrownBy([] { StrToFloat(TEXT("1.5x")); }),
+    EXPECT_EQ(ThrownText([] { StrToFloat(TEXT("1.5x")); }),
               TEXT("'1.5x' is not a valid floating point value"));
     float narrow = 0;
     EXPECT_TRUE(TryStrToFloat(TEXT("1e300"), narrow));

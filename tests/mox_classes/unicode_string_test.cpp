@@ -6,27 +6,22 @@
 
 #include <cstring>
 #include <new>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include "mox_classes/memory.h"
 #include "mox_classes/strhlpr.h"
+#include "mox_classes/utf8_text.h"
 #include "support/string_print.h"
+#include "support/thrown_text.h"
+
+using test::ThrownText;
 
 namespace {
 
 bool IsBufferOfLength0(const UnicodeString& s) {
     return !s.IsEmpty() && s.Length() == 0 && s.RefCount() == 1 && s.t_str()[0] == 0;
-}
-
-template <class Action>
-UnicodeString ThrownBy(Action action) {
-    try {
-        action();
-    } catch (const UnicodeString& message) {
-        return message;
-    }
-    return TEXT("nothing");
 }
 
 UnicodeString FromUtf32(std::vector<unsigned int> text, long long count = -1) {
@@ -181,12 +176,12 @@ TEST(UnicodeString, TrimSharesWhatStays) {
 
 TEST(UnicodeString, FailuresLeaveTheStringAsItWas) {
     UnicodeString text(TEXT("abc"));
-    EXPECT_EQ(ThrownBy([&] { text[0]; }), TEXT("Out of index"));
-    EXPECT_EQ(ThrownBy([&] { text[4] = 'x'; }), TEXT("Out of index"));
-    EXPECT_EQ(ThrownBy([&] { text.SetLength(2147483648LL); }), TEXT("Out of length"));
-    EXPECT_EQ(ThrownBy([&] { text.SetLength(-2); }), TEXT("Out of length"));
-    EXPECT_EQ(ThrownBy([] { UnicodeString(TEXT("a"), 2147483648LL); }), TEXT("Out of length"));
-    EXPECT_EQ(ThrownBy([] { UnicodeString("a", 2147483648LL); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownText([&] { text[0]; }), TEXT("Out of index"));
+    EXPECT_EQ(ThrownText([&] { text[4] = 'x'; }), TEXT("Out of index"));
+    EXPECT_EQ(ThrownText([&] { text.SetLength(2147483648LL); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownText([&] { text.SetLength(-2); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownText([] { UnicodeString(TEXT("a"), 2147483648LL); }), TEXT("Out of length"));
+    EXPECT_EQ(ThrownText([] { UnicodeString("a", 2147483648LL); }), TEXT("Out of length"));
     EXPECT_THROW(text.SetLength(2147483647), std::bad_alloc);
     const UnicodeString shared(text);
     EXPECT_THROW(text.SetLength(1073741900), std::bad_alloc);
@@ -198,8 +193,8 @@ TEST(UnicodeString, LengthsThatDoNotAddUp) {
     WCHAR* longest = ForeignBuffer(TEXT("x"), 2147483647, 2);
     UnicodeString text;
     std::memcpy(static_cast<void*>(&text), &longest, sizeof longest);
-    EXPECT_EQ(ThrownBy([&] { text += TEXT("y"); }), TEXT("Integer overflow!"));
-    EXPECT_EQ(ThrownBy([&] { text + TEXT("y"); }), TEXT("Integer overflow!"));
+    EXPECT_EQ(ThrownText([&] { text += TEXT("y"); }), TEXT("Integer overflow!"));
+    EXPECT_EQ(ThrownText([&] { text + TEXT("y"); }), TEXT("Integer overflow!"));
     EXPECT_EQ(text.data(), longest);
     text.SetLength(-1);
     System::FreeMemory(reinterpret_cast<char*>(longest) - sizeof(System::StrRec));
@@ -263,4 +258,101 @@ TEST(Strhlpr, WorksOnReferences) {
     Strhlpr::UnicodeFromPChar(b, "");
     Strhlpr::UnicodeFree(a);
     EXPECT_TRUE(a.IsEmpty() && b.IsEmpty());
+}
+
+namespace {
+
+// Units up to the first 0, compared one by one.
+int PlainOrder(const UnicodeString& a, const UnicodeString& b) {
+    const WCHAR* p = a.t_str();
+    const WCHAR* q = b.t_str();
+    while (*p == *q && *p != 0) ++p, ++q;
+    return *p < *q ? -1 : *p > *q ? 1 : 0;
+}
+
+int PlainPos(const UnicodeString& text, const UnicodeString& sub) {
+    const std::basic_string<WCHAR> units = text.t_str();
+    return static_cast<int>(units.find(sub.t_str()) + 1);
+}
+
+// Units that repeat after seven, none of them 0.
+UnicodeString Pattern(int length) {
+    UnicodeString text = UnicodeString::StringOfChar('a', length);
+    for (int i = 1; i <= length; ++i) text[i] = static_cast<WCHAR>(0x7F00 + 0x200 * (i % 7));
+    return text;
+}
+
+void ExpectPlainOrder(const UnicodeString& a, const UnicodeString& b) {
+    const int order = PlainOrder(a, b);
+    ASSERT_EQ(a == b, order == 0);
+    ASSERT_EQ(a < b, order < 0);
+    ASSERT_EQ(a > b, order > 0);
+}
+
+}  // namespace
+
+TEST(UnicodeString, ComparesAsUnitByUnitWhereverTextsDifferOrEnd) {
+    for (const int length : {0, 1, 2, 7, 8, 9, 15, 16, 17, 24, 31, 33}) {
+        const UnicodeString text = Pattern(length);
+        for (int at = 1; at <= length; ++at) {
+            for (const int unit : {0, 1, 0x7EFF, 0xFFFF}) {
+                UnicodeString other = text;
+                other[at] = static_cast<WCHAR>(unit);
+                ExpectPlainOrder(text, other);
+                ExpectPlainOrder(text, other.SubString(1, at));
+                UnicodeString both_end = text;
+                both_end[at] = 0;
+                ExpectPlainOrder(both_end, other);
+                ExpectPlainOrder(both_end, both_end.SubString(1, at) + TEXT("behind"));
+                if (HasFatalFailure()) return;
+            }
+        }
+        ExpectPlainOrder(text, text + TEXT("x"));
+        ExpectPlainOrder(text, UnicodeString(text.t_str(), length));
+    }
+}
+
+TEST(UnicodeString, PosFindsAsUnitByUnitAcrossAnyBorder) {
+    for (const int length : {0, 1, 5, 8, 9, 16, 17, 25, 40}) {
+        for (const int size : {1, 2, 3, 7, 8, 9, 17}) {
+            // A needle whose ends are all over the text, one that is there once, one that is not.
+            const UnicodeString needles[] = {Pattern(size), Pattern(size) + TEXT("!"),
+                                             TEXT("?") + Pattern(size)};
+            for (int at = 1; at <= length + 1; ++at) {
+                UnicodeString text = Pattern(length).Insert(needles[1], at);
+                for (const UnicodeString& needle : needles) {
+                    ASSERT_EQ(text.Pos(needle), PlainPos(text, needle));
+                }
+                text[at] = 0;
+                for (const UnicodeString& needle : needles) {
+                    ASSERT_EQ(text.Pos(needle), PlainPos(text, needle));
+                }
+            }
+        }
+    }
+}
+
+TEST(UnicodeString, Utf8FillsTheExactBlockWhateverItHolds) {
+    struct {
+        const char* bytes;
+        int times;
+        int units;
+    } const rows[] = {{"a", 1, 1},
+                      {"\xC3\xA9", 200, 200},
+                      {"x\xE5\x8D\xB0", 300, 600},
+                      {"\x80", 300, 300},
+                      {"\xF5", 300, 300},
+                      {"\xF0\x9F\x98\x80", 100, 200},
+                      {"\xF0\x9Fz", 99, 198},
+                      {"\xC3", 257, 257}};
+    for (const auto& row : rows) {
+        std::string bytes;
+        for (int i = 0; i < row.times; ++i) bytes += row.bytes;
+        const UnicodeString text =
+            System::StringFromUtf8(bytes.data(), static_cast<int>(bytes.size()));
+        EXPECT_EQ(text.Length(), row.units);
+        EXPECT_EQ(text.t_str()[text.Length()], 0);
+    }
+    EXPECT_TRUE(System::StringFromUtf8("", 0).IsEmpty());
+    EXPECT_TRUE(System::StringFromUtf8(nullptr, 5).IsEmpty());
 }

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "support/wine_gap.h"
 
@@ -59,6 +61,102 @@ TEST(TextConvert, EachMaximalIllFormedPartBecomesOneReplacement) {
     for (const char* bytes : {"\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE0\x80\x80"}) {
         EXPECT_EQ(ToWide(bytes).text[0], WCHAR{0xFFFD});
         EXPECT_EQ(ToWide(bytes, MB_ERR_INVALID_CHARS).length, 0);
+    }
+}
+
+namespace {
+
+// A piece of text in both forms; one that is ill-formed has no way back.
+struct Piece {
+    std::string bytes;
+    Wide text;
+    bool well_formed = true;
+};
+
+Piece operator+(Piece a, const Piece& b) {
+    return {a.bytes + b.bytes, a.text + b.text, a.well_formed && b.well_formed};
+}
+
+Piece Times(const Piece& piece, int count) {
+    Piece result;
+    for (int i = 0; i < count; ++i) result = result + piece;
+    return result;
+}
+
+// Converts into buffers of exactly the size and of one less; units behind the text stay.
+void ExpectConverted(const Piece& piece) {
+    const int bytes = static_cast<int>(piece.bytes.size());
+    const int units = static_cast<int>(piece.text.size());
+    ASSERT_EQ(MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, nullptr, 0), units);
+    std::vector<WCHAR> exact(piece.text.size());
+    ASSERT_EQ(MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, exact.data(), units),
+              units);
+    ASSERT_TRUE(std::equal(exact.begin(), exact.end(), piece.text.begin()));
+    std::vector<WCHAR> large(piece.text.size() + 40, 'Z');
+    MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, large.data(), units + 40);
+    ASSERT_EQ(Wide(large.data(), large.size()), piece.text + Wide(40, 'Z'));
+    if (units > 1) {
+        ASSERT_EQ(
+            MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, exact.data(), units - 1), 0);
+    }
+    if (!piece.well_formed) return;
+    std::string back(piece.bytes.size() + 40, 'Z');
+    ASSERT_EQ(WideCharToMultiByte(CP_UTF8, 0, piece.text.data(), units, back.data(), bytes + 40,
+                                  nullptr, nullptr),
+              bytes);
+    ASSERT_EQ(back, piece.bytes + std::string(40, 'Z'));
+    ASSERT_EQ(
+        WideCharToMultiByte(CP_UTF8, 0, piece.text.data(), units, nullptr, 0, nullptr, nullptr),
+        bytes);
+    if (bytes > 1) {
+        ASSERT_EQ(WideCharToMultiByte(CP_UTF8, 0, piece.text.data(), units, back.data(), bytes - 1,
+                                      nullptr, nullptr),
+                  0);
+    }
+}
+
+}  // namespace
+
+TEST(TextConvert, AnyPieceConvertsAtAnyPlaceOfAnyRun) {
+    const Piece runs[] = {{"x", TEXT("x")},
+                          {"\xC3\xA9", TEXT("\u00e9")},
+                          {"\xE5\x8D\xB0", TEXT("\u5370")},
+                          {"ab\xD0\x96", TEXT("ab\u0416")}};
+    const Piece pieces[] = {{"y", TEXT("y")},
+                            {"\xDF\xBF", TEXT("\u07ff")},
+                            {"\xE0\xA0\x80", TEXT("\u0800")},
+                            {"\xED\x9F\xBF\xEF\xBF\xBF", TEXT("\uD7FF\uFFFF")},
+                            {"\xF0\x9F\x98\x80", TEXT("\xD83D\xDE00")},
+                            {std::string(1, '\0'), Wide(1, 0)},
+                            {"\x80", TEXT("\uFFFD"), false},
+                            {"\xC3", TEXT("\uFFFD"), false},
+                            {"\xE2\x82", TEXT("\uFFFD"), false},
+                            {"\xF0\x9F\x98", TEXT("\uFFFD"), false},
+                            {"\xF5", TEXT("\uFFFD"), false}};
+    for (const Piece& run : runs) {
+        for (const Piece& piece : pieces) {
+            for (int before = 0; before <= 17; ++before) {
+                for (const int behind : {0, 1, 5, 15, 16, 17, 40}) {
+                    ExpectConverted(Times(run, before) + piece + Times(run, behind));
+                    if (HasFatalFailure()) return;
+                }
+            }
+        }
+    }
+}
+
+TEST(TextConvert, SurrogatesAndOverlongFormsAreFoundInTheMiddleOfARun) {
+    for (const char* bytes : {"\xED\xA0\x80", "\xED\xBF\xBF", "\xE0\x9F\xBF", "\xC1\xBF"}) {
+        for (int before = 0; before <= 17; ++before) {
+            const Piece run = Times({"\xE5\x8D\xB0", TEXT("\u5370")}, before);
+            const std::string text = run.bytes + bytes + std::string(60, 'x');
+            EXPECT_EQ(MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(),
+                                          static_cast<int>(text.size()), nullptr, 0),
+                      0);
+            WCHAR wide[128];
+            MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide, 128);
+            EXPECT_EQ(wide[before], WCHAR{0xFFFD});
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "text_shuffle.h"
 #include "text_vector.h"
 
 namespace host {
@@ -93,6 +94,11 @@ void DecodeAscii(Decoding& course) {
 }
 
 void DecodeTwoByte(Decoding& course) {
+    if (CanShuffle()) {
+        const Progress done = DecodeShuffled(course.at, course.Left(), course.out, course.Room());
+        course.Move(done.read, done.written);
+        if (done.read > 0) return;
+    }
     while (course.Left() >= 2 && course.Room() > 0) {
         const unsigned lead = Byte(course.at[0]);
         const unsigned trail = Byte(course.at[1]);
@@ -134,6 +140,11 @@ void EncodeAscii(Encoding& course) {
 }
 
 void EncodeTwoByte(Encoding& course) {
+    if (CanShuffle()) {
+        const Progress done = EncodeShuffled(course.at, course.Left(), course.out, course.Room());
+        course.Move(done.read, done.written);
+        if (done.read > 0) return;
+    }
     while (course.Left() > 0 && course.Room() >= 2) {
         const unsigned unit = *course.at;
         if (unit < 0x80 || unit >= 0x800) return;

@@ -2,6 +2,7 @@
 // wide text, "%hs" and "%S" narrow text, a long has 32 bits, a long double is a double.
 #include <windows.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <string>
@@ -26,7 +27,9 @@ class Output {
     }
     template <class Unit>
     void Put(std::basic_string_view<Unit> text) {
-        for (const Unit unit : text) Put(static_cast<WCHAR>(unit));
+        const std::size_t room = count_ < size_ ? size_ - count_ : 0;
+        std::copy_n(text.data(), std::min(text.size(), room), buffer_ + count_);
+        count_ += text.size();
     }
     void Fill(WCHAR unit, std::size_t times) {
         for (std::size_t i = count_; i < size_ && i - count_ < times; ++i) buffer_[i] = unit;
@@ -51,6 +54,34 @@ struct Conversion {
     WCHAR letter = 0;
 };
 
+// The digits of a number, without leading zeros; a 0 has one.
+class Digits {
+  public:
+    std::string_view Write(unsigned long long value, unsigned base, WCHAR letter) {
+        // A division by a number that the compiler knows is no division.
+        if (base == 10) return Write<10>(value, kUpper);
+        if (base == 8) return Write<8>(value, kUpper);
+        return Write<16>(value, letter == u'x' ? kLower : kUpper);
+    }
+
+  private:
+    static constexpr const char* kUpper = "0123456789ABCDEF";
+    static constexpr const char* kLower = "0123456789abcdef";
+
+    template <unsigned base>
+    std::string_view Write(unsigned long long value, const char* digits) {
+        char* const end = text_ + sizeof text_;
+        char* start = end;
+        do {
+            *--start = digits[value % base];
+            value /= base;
+        } while (value != 0);
+        return {start, static_cast<std::size_t>(end - start)};
+    }
+
+    char text_[24];
+};
+
 struct Arguments {
     std::va_list list;
 };
@@ -67,12 +98,31 @@ class Formatter {
                 continue;
             }
             ++next_;
+            if (WritePlain()) continue;
             Conversion conversion = Parse();
             if (conversion.letter != 0) Write(conversion);
         }
     }
 
   private:
+    // "%s" and "%d", which most conversions are: half the time of the general way.
+    bool WritePlain() {
+        if (*next_ == u's') {
+            const auto* text = va_arg(arguments_.list, const WCHAR*);
+            output_.Put(text == nullptr ? WideView(u"(null)") : WideView(text));
+        } else if (*next_ == u'd') {
+            const int value = va_arg(arguments_.list, int);
+            if (value < 0) output_.Put(u'-');
+            const auto bits = static_cast<unsigned>(value);
+            Digits digits;
+            output_.Put(digits.Write(value < 0 ? 0 - bits : bits, 10, u'd'));
+        } else {
+            return false;
+        }
+        ++next_;
+        return true;
+    }
+
     Conversion Parse() {
         Conversion c;
         for (;; ++next_) {
@@ -126,6 +176,7 @@ class Formatter {
     }
 
     void ParseSize(Conversion& c) {
+        if (WideView(u"IlhwLjzt").find(*next_) == WideView::npos) return;
         struct Row {
             const char16_t* prefix;
             Size size;
@@ -216,16 +267,16 @@ class Formatter {
 
     void WriteNumber(const Conversion& c, unsigned long long value, unsigned base,
                      std::string_view prefix) {
-        const char* digits = c.letter == u'x' ? "0123456789abcdef" : "0123456789ABCDEF";
-        char text[24];
-        char* start = text + sizeof text;
-        for (; value != 0; value /= base) *--start = digits[value % base];
-        const auto length = static_cast<std::size_t>(text + sizeof text - start);
+        Digits buffer;
+        // The general way asks for at least one digit itself, or for none.
+        const std::string_view digits =
+            value == 0 ? std::string_view() : buffer.Write(value, base, c.letter);
+        const std::size_t length = digits.size();
         std::size_t least = c.precision < 0 ? 1 : static_cast<std::size_t>(c.precision);
         if (base == 8 && c.alternate && least <= length) least = length + 1;
         const std::size_t zeros = least > length ? least - length : 0;
         const bool zero_pad = c.zero && !c.left && c.precision < 0;
-        WriteField(c, zero_pad, prefix, zeros, std::string_view(start, length));
+        WriteField(c, zero_pad, prefix, zeros, digits);
     }
 
     // Blanks, prefix, zeros, text and blanks, as the width and the flags ask for.
