@@ -2,7 +2,7 @@
 
 packages_for() {
     case $1 in
-        native) echo cmake ninja-build ccache g++ googletest libcli11-dev ;;
+        native) echo cmake ninja-build ccache g++ googletest libcli11-dev libmimalloc-dev ;;
         clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev ;;
         fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev ;;
         windows) echo cmake ninja-build ccache g++ googletest libcli11-dev g++-mingw-w64-x86-64-posix wine wine64 ;;

@@ -2,11 +2,13 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "heap_blocks.h"
 
 namespace {
 
-// More than any block that is meant; a size that wrapped around is refused before malloc sees it.
+// More than any block that is meant; a size that wrapped around is refused before the allocator
+// sees it.
 constexpr SIZE_T kLargestBlock = SIZE_T{1} << 39;
 
 char process_heap;
@@ -33,7 +35,8 @@ HANDLE GetProcessHeap() {
 LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
     if (Refused(heap, bytes)) return nullptr;
     const SIZE_T size = std::max<SIZE_T>(bytes, 1);
-    return Obtained((flags & HEAP_ZERO_MEMORY) != 0 ? std::calloc(1, size) : std::malloc(size));
+    return Obtained((flags & HEAP_ZERO_MEMORY) != 0 ? host::NewZeroedBlock(size)
+                                                    : host::NewBlock(size));
 }
 
 LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {
@@ -42,12 +45,12 @@ LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    return Obtained(std::realloc(block, std::max<SIZE_T>(bytes, 1)));
+    return Obtained(host::ResizedBlock(block, std::max<SIZE_T>(bytes, 1)));
 }
 
 BOOL HeapFree(HANDLE heap, DWORD /*flags*/, LPVOID block) {
     if (Refused(heap, 0)) return FALSE;
-    std::free(block);
+    host::DeleteBlock(block);
     return TRUE;
 }
 
@@ -60,7 +63,7 @@ HGLOBAL GlobalAlloc(UINT flags, SIZE_T bytes) {
 }
 
 HGLOBAL GlobalFree(HGLOBAL block) {
-    std::free(block);
+    host::DeleteBlock(block);
     return nullptr;
 }
 
