@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "mox_classes/sysutils.h"
+#include "mox_classes/utf8_text.h"
 
 using System::kCodePageAnsi;
 using System::kCodePageAscii;
@@ -18,16 +19,28 @@ using System::kCodePageUtf8;
 
 namespace {
 
-// Eight bytes at a time.
+// The length of a span that is looked at block by block.
+std::ptrdiff_t WholeBlocks(int count) {
+    return count - count % TByteBlock::kSize;
+}
+
 bool IsAscii(const unsigned char* bytes, int count) {
-    std::uint64_t high_bits = 0;
-    for (; count >= 8; bytes += 8, count -= 8) {
-        std::uint64_t word;
-        std::memcpy(&word, bytes, sizeof word);
-        high_bits |= word;
+    const std::ptrdiff_t blocks = WholeBlocks(count);
+    TByteMarks high = TByteBlock::None();
+    for (std::ptrdiff_t i = 0; i < blocks; i += TByteBlock::kSize) {
+        high = high | TByteBlock(bytes + i).NotAscii();
     }
-    for (; count > 0; ++bytes, --count) high_bits |= *bytes;
-    return (high_bits & 0x8080808080808080u) == 0;
+    unsigned rest = 0;
+    for (std::ptrdiff_t i = blocks; i < count; ++i) rest |= bytes[i];
+    return high.Bits() == 0 && rest < 0x80;
+}
+
+void WidenAscii(const unsigned char* bytes, int count, WCHAR* units) {
+    const std::ptrdiff_t blocks = WholeBlocks(count);
+    for (std::ptrdiff_t i = 0; i < blocks; i += TByteBlock::kSize) {
+        TByteBlock(bytes + i).Widen(units + i);
+    }
+    for (std::ptrdiff_t i = blocks; i < count; ++i) units[i] = bytes[i];
 }
 
 }  // namespace
@@ -112,6 +125,18 @@ unsigned char TAsciiCharFinder::Find(const TSearchSet* set) {
     return at < end ? *at : static_cast<unsigned char>(255);
 }
 
+const unsigned char* TAsciiCharFinder::PassOdd(const unsigned char* at, const unsigned char* end) {
+    while (at < end && (*at == 0 || *at >= 0x80)) {
+        const std::ptrdiff_t step = FStep[*at];
+        if (step == 0) {
+            FPos = static_cast<int>(at - FBuffer);
+            throw UnicodeString("Invalid char found");
+        }
+        at += std::min(step, end - at);
+    }
+    return at;
+}
+
 unsigned short TAsciiCharFinder::FindW(const TSearchSet* set) {
     if (FCodePage == kCodePageUtf16) return FindUnit(set, 0);
     if (FCodePage == kCodePageUtf16BigEndian) return FindUnit(set, 1);
@@ -136,13 +161,8 @@ UnicodeString TAsciiCharFinder::Read(int from, int to) const {
     const int bytes = to - from;
     if (IsAscii(first, bytes)) {
         text.SetLength(bytes);
-        std::copy_n(first, bytes, text.data());
+        WidenAscii(first, bytes, text.data());
         return text;
     }
-    const auto* narrow = reinterpret_cast<const char*>(first);
-    const int length = MultiByteToWideChar(CP_UTF8, 0, narrow, bytes, nullptr, 0);
-    if (length <= 0) return text;
-    text.SetLength(length);
-    MultiByteToWideChar(CP_UTF8, 0, narrow, bytes, text.data(), length);
-    return text;
+    return System::StringFromUtf8(reinterpret_cast<const char*>(first), bytes);
 }

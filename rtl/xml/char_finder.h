@@ -4,6 +4,7 @@
 
 #include "mox_classes/unicode_string.h"
 #include "qv_api.h"
+#include "xml/byte_block.h"
 
 using System::TCodePage;
 
@@ -43,6 +44,25 @@ class QV_API TAsciiCharFinder {
     // Advances to the next member of the set and returns it; 255 at the end. A byte that cannot
     // start a character throws "Invalid char found" and stays at the position.
     unsigned char Find(const TSearchSet* set);
+    // The same for a set of a few ASCII characters, in input that is scanned by bytes.
+    template <class... Chars>
+    unsigned char FindAny(Chars... wanted) {
+        const unsigned char* const end = FBuffer + FSize;
+        const unsigned char* at = FBuffer + FPos;
+        while (true) {
+            at = FindOrOdd(at, end, wanted...);
+            const bool found = at < end && ((*at == static_cast<unsigned char>(wanted)) || ...);
+            if (at == end || found) {
+                FPos = static_cast<int>(at - FBuffer);
+                return found ? *at : static_cast<unsigned char>(255);
+            }
+            at = PassOdd(at, end);
+        }
+    }
+    // Moves on to the next byte that is not one of 1 to 32.
+    void SkipBlanks() {
+        FPos = static_cast<int>(SkipBlank(FBuffer + FPos, FBuffer + FSize) - FBuffer);
+    }
     // The same for UTF-16 input; 65535 at the end, and at once for any other code page.
     unsigned short FindW(const TSearchSet* set);
     // A span from the position plus offset ...
@@ -64,6 +84,8 @@ class QV_API TAsciiCharFinder {
 
     int Position() const { return FPos; }
     int Size() const { return FSize; }
+    // To a position that was passed before.
+    void BackTo(int position) { FPos = position; }
     // Moves on by `count` bytes, at most to the end.
     void Skip(int count) { FPos = count < FSize - FPos ? FPos + count : FSize; }
     TCodePage CodePage() const { return FCodePage; }
@@ -84,6 +106,8 @@ class QV_API TAsciiCharFinder {
         const long long at = static_cast<long long>(FPos) + offset;
         return at < 0 ? -1 : at > FSize ? FSize : static_cast<int>(at);
     }
+    // Steps over characters that begin with 0 or no ASCII, as Find does.
+    const unsigned char* PassOdd(const unsigned char* at, const unsigned char* end);
     unsigned short FindUnit(const TSearchSet* set, int low_byte);
     TCodePage GuessFromContent() const;
     void StepByAnsi();

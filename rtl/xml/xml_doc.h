@@ -12,7 +12,7 @@
 
 class TAsciiCharFinder;
 struct TXmlSearchSets;
-class TXmlNameCache;
+struct TXmlParseState;
 
 // Owns its tree. One thread at a time. The load operations do not clear the document first: they
 // are meant for a fresh one.
@@ -69,10 +69,10 @@ class QV_API TXmlDoc {
     // With a stream the bytes written, otherwise the length of `out` behind the root.
     int SaveTo(Classes::TStream* stream, UnicodeString* out);
 
-    TXmlNode* FCurrent = nullptr;         // the element being filled; not owned
-    bool FRootSeen = false;               // the root's start tag has been read
-    TAsciiCharFinder* FFinder = nullptr;  // set only during a parse
-    TXmlSearchSets* FSets = nullptr;      // set only during a parse
+    TXmlNode* FCurrent = nullptr;           // the element being filled; not owned
+    bool FRootSeen = false;                 // the root's start tag has been read
+    TAsciiCharFinder* FFinder = nullptr;    // set only during a parse
+    const TXmlSearchSets* FSets = nullptr;  // set only during a parse
     System::TFileHandle FFile;
 
   public:
@@ -90,12 +90,14 @@ class QV_API TXmlDoc {
     int ParseElements();
     int ParseInstruction();
     int ParseEndTag();
+    bool FindEndOfName(int start);
     int ParseStartTag();
+    bool FindEndOfText(bool in_attribute);
+    int ParsePieces(UnicodeString& text, bool in_attribute);
     int CloseElement();
     void SkipComment();
     int Error() const;
 
-    TXmlNameCache* names_ = nullptr;  // set only during a parse
-    bool bare_name_ = false;          // the attributes ended at a name without '='
+    TXmlParseState* state_ = nullptr;  // set only during a parse
     int parse_result_ = 0;
 };

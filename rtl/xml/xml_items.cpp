@@ -39,15 +39,23 @@ class TFreeSlots {
     std::vector<std::uint32_t> next_;
 };
 
+// Lists may be larger than System::ReallocMemory can say.
+void* ResizedBlock(void* block, SIZE_T size) {
+    const HANDLE heap = GetProcessHeap();
+    void* resized = block == nullptr ? HeapAlloc(heap, 0, size) : HeapReAlloc(heap, 0, block, size);
+    if (resized == nullptr) throw std::bad_alloc();
+    return resized;
+}
+
 }  // namespace
 
-void* TXmlPair::operator new(std::size_t size) {
+void* TXmlBlock::operator new(std::size_t size) {
     void* block = System::GetMemory(static_cast<int>(size));
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
-void TXmlPair::operator delete(void* block) noexcept {
+void TXmlBlock::operator delete(void* block) noexcept {
     if (block != nullptr) System::FreeMemory(block);
 }
 
@@ -59,27 +67,29 @@ TXmlItems::~TXmlItems() {
             delete FList[i];
         }
     }
+    System::FreeMemory(FList);
 }
 
 int TXmlItems::AddItem(TXmlPair* item) {
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     const int count = GetCount();
     if (item == nullptr) return -1;
-    if (count == capacity_) {
-        if (count == kMost) throw UnicodeString("Out of length");
-        const std::int32_t capacity = count == 0 ? 4 : count > kMost / 2 ? kMost : count * 2;
-        auto list = std::make_unique<TXmlPair*[]>(static_cast<std::size_t>(capacity));
-        std::copy_n(FList.get(), count, list.get());
-        FList = std::move(list);
-        capacity_ = capacity;
-    }
+    if (count == capacity_) Grow();
     FList[count] = item;
     FCount = -(count + 1);
     return count;
 }
 
-TXmlPair* TXmlItems::Items(int i) const {
-    return i < 0 || i >= GetCount() ? nullptr : FList[i];
+// Half as much again: most lists are short, and a heap that resizes within a size class moves
+// nothing.
+void TXmlItems::Grow() {
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kFirst = 2;
+    if (capacity_ == kMost) throw UnicodeString("Out of length");
+    const std::int64_t wanted = std::int64_t{capacity_} + capacity_ / 2 + kFirst;
+    const auto capacity = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, kMost));
+    FList = static_cast<TXmlPair**>(
+        ResizedBlock(FList, static_cast<SIZE_T>(capacity) * sizeof(TXmlPair*)));
+    capacity_ = capacity;
 }
 
 int TXmlItems::IndexOf(const UnicodeString& name, TCodePage code_page) {
@@ -114,12 +124,12 @@ TXmlPair* TXmlItems::Find(const UnicodeString& name, TCodePage code_page) {
 
 int TXmlItems::FirstOf(const UnicodeString& name) {
     if (GetCount() <= kSmallList) return Scan(name, 0);
-    return Names().First(FList.get(), name);
+    return Names().First(FList, name);
 }
 
 int TXmlItems::NextOf(const UnicodeString& name, int index) {
     if (GetCount() <= kSmallList) return Scan(name, index + 1);
-    return Names().Next(FList.get(), name, index);
+    return Names().Next(FList, name, index);
 }
 
 int TXmlItems::Scan(const UnicodeString& name, int from) const {
@@ -131,7 +141,7 @@ int TXmlItems::Scan(const UnicodeString& name, int from) const {
 
 const TXmlNameIndex& TXmlItems::Names() {
     if (names_ == nullptr) names_ = std::make_unique<TXmlNameIndex>();
-    names_->Extend(FList.get(), GetCount());
+    names_->Extend(FList, GetCount());
     return *names_;
 }
 

@@ -20,15 +20,19 @@
 
 using System::TCodePage;
 
-// A name and a value: an attribute, and what an element shares with it. Pairs and elements come
-// from the process heap, so that a module may hand one that it made to a list of another module.
-class QV_API TXmlPair {
+// What the tree is made of comes from the process heap: a module may hand an element that it made
+// to a list of another module.
+class QV_API TXmlBlock {
+  public:
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block) noexcept;
+};
+
+// A name and a value: an attribute, and what an element shares with it.
+class QV_API TXmlPair : public TXmlBlock {
   public:
     UnicodeString FName;
     UnicodeString FValue;
-
-    static void* operator new(std::size_t size);
-    static void operator delete(void* block) noexcept;
 };
 
 // One slot of the exact table. Plain value.
@@ -44,7 +48,7 @@ class THashSlot {
 // Owns its items. One thread at a time. Names compare exactly, code unit by code unit; the code
 // page arguments have no effect. Renaming an item that stands in the list does not mark the table
 // stale: lookups of the new name can miss until the next addition.
-class QV_API TXmlItems {
+class QV_API TXmlItems : public TXmlBlock {
   public:
     // What the list holds, and so how it deletes its items: a list of nodes deletes each with its
     // subtree.
@@ -61,7 +65,7 @@ class QV_API TXmlItems {
     int AddItem(TXmlPair* item);
     int GetCount() const { return FCount < 0 ? -FCount : FCount; }
     // Null outside 0 .. count - 1.
-    TXmlPair* Items(int i) const;
+    TXmlPair* Items(int i) const { return i < 0 || i >= GetCount() ? nullptr : FList[i]; }
     // Position of the first item of that name in insertion order, -1 when there is none.
     int IndexOf(const UnicodeString& name, TCodePage);
     // Stores the first `max` positions of the items of that name; how many there are in all.
@@ -78,12 +82,13 @@ class QV_API TXmlItems {
     int FindEmptySlot(int start) const;
 
     std::unique_ptr<THashSlot[]> FSlots;  // null before the first rebuild
-    std::unique_ptr<TXmlPair*[]> FList;
+    TXmlPair** FList = nullptr;
     std::int32_t FCount = 0;  // -count while the table is stale, count once it has been rebuilt
 
   private:
     friend class TXmlNode;
 
+    void Grow();
     int NextOf(const UnicodeString& name, int index);
     int Scan(const UnicodeString& name, int from) const;
     const TXmlNameIndex& Names();

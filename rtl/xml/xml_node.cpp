@@ -34,18 +34,14 @@ TXmlNode* TXmlNode::AddChild(TXmlNode* node) {
 }
 
 TXmlNode* TXmlNode::AddChild(const UnicodeString& name) {
+    return AppendChild(name);
+}
+
+TXmlNode* TXmlNode::AppendChild(UnicodeString name) {
     auto node = std::make_unique<TXmlNode>(this);
-    node->FName = name;
+    node->FName = std::move(name);
     AddChild(node.get());
     return node.release();
-}
-
-TXmlNode* TXmlNode::GetChild(int i) const {
-    return FChildren == nullptr ? nullptr : static_cast<TXmlNode*>(FChildren->Items(i));
-}
-
-int TXmlNode::ChildCount() const {
-    return FChildren == nullptr ? 0 : FChildren->GetCount();
 }
 
 TXmlNode* TXmlNode::FindChild(const UnicodeString& name, TCodePage code_page) const {
@@ -85,24 +81,20 @@ TXmlNode* TXmlNode::Find(const UnicodeString& path, TCodePage code_page) {
 }
 
 TXmlPair* TXmlNode::AddAttribute(const UnicodeString& name, const UnicodeString& value) {
+    return AppendAttribute(name, value);
+}
+
+TXmlPair* TXmlNode::AppendAttribute(UnicodeString name, UnicodeString value) {
     if (FAttributes == nullptr) {
         FAttributes = new TXmlItems;
     } else if (FAttributes->FirstOf(name) >= 0) {
         return nullptr;
     }
     auto pair = std::make_unique<TXmlPair>();
-    pair->FName = name;
-    pair->FValue = value;
+    pair->FName = std::move(name);
+    pair->FValue = std::move(value);
     FAttributes->AddItem(pair.get());
     return pair.release();
-}
-
-TXmlPair* TXmlNode::GetAttribute(int i) const {
-    return FAttributes == nullptr ? nullptr : FAttributes->Items(i);
-}
-
-int TXmlNode::AttributeCount() const {
-    return FAttributes == nullptr ? 0 : FAttributes->GetCount();
 }
 
 TXmlPair* TXmlNode::FindAttribute(const UnicodeString& name, TCodePage code_page) const {

@@ -29,8 +29,10 @@ class QV_API TXmlNode : public TXmlPair {
     // Takes ownership of `node`, whose owner member stays as it is; returns it.
     TXmlNode* AddChild(TXmlNode* node);
     TXmlNode* AddChild(const UnicodeString& name);
-    TXmlNode* GetChild(int i) const;
-    int ChildCount() const;
+    TXmlNode* GetChild(int i) const {
+        return FChildren == nullptr ? nullptr : static_cast<TXmlNode*>(FChildren->Items(i));
+    }
+    int ChildCount() const { return FChildren == nullptr ? 0 : FChildren->GetCount(); }
     TXmlNode* FindChild(const UnicodeString& name, TCodePage code_page) const;
     // Stores the first `max` positions of the children of that name; how many there are in all.
     int EnumChild(int* indices, int max, const UnicodeString& name, TCodePage code_page) const;
@@ -44,8 +46,10 @@ class QV_API TXmlNode : public TXmlPair {
 
     // Null, and no change, when there is an attribute of that name already.
     TXmlPair* AddAttribute(const UnicodeString& name, const UnicodeString& value);
-    TXmlPair* GetAttribute(int i) const;
-    int AttributeCount() const;
+    TXmlPair* GetAttribute(int i) const {
+        return FAttributes == nullptr ? nullptr : FAttributes->Items(i);
+    }
+    int AttributeCount() const { return FAttributes == nullptr ? 0 : FAttributes->GetCount(); }
     TXmlPair* FindAttribute(const UnicodeString& name, TCodePage code_page) const;
     // An attribute that exists keeps its place.
     TXmlPair* SetAttribute(const UnicodeString& name, const UnicodeString& value,
@@ -75,5 +79,7 @@ class QV_API TXmlNode : public TXmlPair {
     UnicodeString FTail;  // text between the end tag and the next tag
 
   private:
+    TXmlNode* AppendChild(UnicodeString name);
+    TXmlPair* AppendAttribute(UnicodeString name, UnicodeString value);
     void ReleaseInto(TXmlNode*& pending) noexcept;
 };

@@ -1,93 +1,160 @@
 // The parsing members of TXmlDoc: one forward pass over the bytes.
 #include "xml/xml_parser.h"
 
-#include <functional>
-#include <memory>
-#include <string>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <utility>
 
 #include "mox_classes/sysutils.h"
 #include "xml/xml_decode.h"
 #include "xml/xml_doc.h"
 
-TXmlSearchSets::TXmlSearchSets() {
-    for (const char octet : {'<', '>'}) Tag[octet] = 1;
-    for (const char octet : {'"', '&', ';', '<', '>'}) Text[octet] = 1;
-    Significant.NoneControl(1);
+namespace {
+
+std::uint64_t Word(const char* bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
 }
 
-UnicodeString TXmlNameCache::Get(const TAsciiCharFinder& finder, int from, int to) {
+// Both ends and the length: names that agree in all of them are rare enough.
+std::size_t HashOf(std::string_view key) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (key.size() >= 8) {
+        first = Word(key.data());
+        last = Word(key.data() + key.size() - 8);
+    } else {
+        for (const char octet : key) first = first << 8 | static_cast<unsigned char>(octet);
+    }
+    const std::uint64_t mixed =
+        (first ^ std::rotl(last, 23) ^ key.size()) * std::uint64_t{0x9E3779B97F4A7C15u};
+    return static_cast<std::size_t>(mixed >> 55);
+}
+
+void TrimSpan(const TAsciiCharFinder& finder, int& from, int& to) {
     const unsigned char* bytes = finder.Bytes(0);
     while (from < to && bytes[from] <= 0x20) ++from;
     while (from < to && bytes[to - 1] <= 0x20) --to;
-    const std::string_view key(reinterpret_cast<const char*>(bytes) + from,
-                               static_cast<std::size_t>(to - from));
-    if (key.empty()) return UnicodeString();
-    Entry& entry = entries_[std::hash<std::string_view>()(key) % entries_.size()];
-    if (entry.bytes != key) entry = {key, finder.Read(from, to)};
-    return entry.name;
+}
+
+std::string_view Bytes(const TAsciiCharFinder& finder, int from, int to) {
+    return {reinterpret_cast<const char*>(finder.Bytes(from)), static_cast<std::size_t>(to - from)};
+}
+
+}  // namespace
+
+UnicodeString TXmlNameCache::Get(const TAsciiCharFinder& finder, int from, int to) {
+    TrimSpan(finder, from, to);
+    if (from == to) return UnicodeString();
+    const std::string_view key = Bytes(finder, from, to);
+    std::size_t slot = HashOf(key);
+    for (; slots_[slot] != 0; slot = (slot + 1) % slots_.size()) {
+        const Entry& entry = entries_[slots_[slot] - 1u];
+        if (entry.bytes == key) return entry.name;
+    }
+    if (entries_.size() == kMost) {
+        entries_.clear();
+        slots_.fill(0);
+        slot = HashOf(key);
+    }
+    entries_.push_back({key, finder.Read(from, to)});
+    slots_[slot] = static_cast<unsigned char>(entries_.size());
+    return entries_.back().name;
 }
 
 namespace {
 
 // The code point of a numeric reference: what stands behind its '#'. Other characters than digits
 // are passed over, too large numbers wrap.
-std::uint32_t NumberOf(const UnicodeString& reference) {
-    const bool hexadecimal = reference.Length() > 0 && *reference.t_str() == TEXT('x');
-    const UnicodeString digits = Sysutils::LowerCase(
-        Sysutils::Trim(hexadecimal ? reference.SubString(2, reference.Length()) : reference));
-    if (hexadecimal && digits.Length() > 8) return 0;
+template <class Unit>
+std::uint32_t NumberOf(std::basic_string_view<Unit> digits) {
+    const bool hexadecimal = !digits.empty() && digits.front() == Unit{'x'};
+    if (hexadecimal) digits.remove_prefix(1);
+    while (!digits.empty() && digits.front() <= Unit{0x20}) digits.remove_prefix(1);
+    while (!digits.empty() && digits.back() <= Unit{0x20}) digits.remove_suffix(1);
+    if (hexadecimal && digits.size() > 8) return 0;
     std::uint32_t value = 0;
-    for (int i = 0; i < digits.Length(); ++i) {
-        const WCHAR unit = digits.t_str()[i];
-        if (unit >= TEXT('0') && unit <= TEXT('9')) {
-            value = value * (hexadecimal ? 16u : 10u) + (unit - TEXT('0'));
-        } else if (hexadecimal && unit >= TEXT('a') && unit <= TEXT('f')) {
-            value = value * 16u + 10u + (unit - TEXT('a'));
+    for (const std::uint32_t unit : digits) {
+        const std::uint32_t lower = unit >= 'A' && unit <= 'Z' ? unit + ('a' - 'A') : unit;
+        if (lower >= '0' && lower <= '9') {
+            value = value * (hexadecimal ? 16u : 10u) + (lower - '0');
+        } else if (hexadecimal && lower >= 'a' && lower <= 'f') {
+            value = value * 16u + 10u + (lower - 'a');
         }
     }
     return value;
 }
 
 struct TNamedReference {
-    const WCHAR* name;
-    const WCHAR* text;
+    std::string_view name;
+    WCHAR unit;
 };
 constexpr TNamedReference kReferences[] = {
-    {TEXT("gt"), TEXT(">")},  {TEXT("lt"), TEXT("<")},   {TEXT("quot"), TEXT("\"")},
-    {TEXT("amp"), TEXT("&")}, {TEXT("nbsp"), TEXT(" ")}, {TEXT("apos"), TEXT("'")},
+    {"gt", TEXT('>')},  {"lt", TEXT('<')},   {"quot", TEXT('"')},
+    {"amp", TEXT('&')}, {"nbsp", TEXT(' ')}, {"apos", TEXT('\'')},
 };
 
-void Append(std::basic_string<WCHAR>& text, const UnicodeString& piece) {
-    text.append(piece.t_str(), static_cast<std::size_t>(piece.Length()));
+bool IsSameName(std::string_view lower, std::string_view name) {
+    return std::equal(lower.begin(), lower.end(), name.begin(), name.end(), [](char a, char b) {
+        return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b + ('a' - 'A')) : b);
+    });
 }
 
-void AppendPieces(UnicodeString& text, const std::basic_string<WCHAR>& pieces) {
-    text += UnicodeString(pieces.data(), static_cast<long long>(pieces.size()));
+using TPieces = std::basic_string<WCHAR>;
+
+void AppendPoint(TPieces& pieces, std::uint32_t point) {
+    const UnicodeString text(&point, 1);
+    pieces.append(text.t_str(), static_cast<std::size_t>(text.Length()));
+}
+
+void AppendSpan(TPieces& pieces, const TAsciiCharFinder& finder, int from, int to) {
+    const UnicodeString text = finder.Read(from, to);
+    pieces.append(text.t_str(), static_cast<std::size_t>(text.Length()));
 }
 
 // Appends what the reference between '&' and ';' stands for; false for an unknown name.
-bool AppendReference(std::basic_string<WCHAR>& text, const UnicodeString& reference) {
-    if (reference.Length() > 0 && *reference.t_str() == TEXT('#')) {
-        const std::uint32_t point = NumberOf(reference.SubString(2, reference.Length()));
-        Append(text, UnicodeString(&point, 1));
+bool AppendReference(TPieces& pieces, const TAsciiCharFinder& finder, int from, int to) {
+    const std::string_view name = Bytes(finder, from, to);
+    if (!name.empty() && name.front() == '#') {
+        const UnicodeString digits = finder.Read(from + 1, to);
+        AppendPoint(pieces, NumberOf(std::basic_string_view<WCHAR>(
+                                digits.t_str(), static_cast<std::size_t>(digits.Length()))));
         return true;
     }
-    const UnicodeString name = Sysutils::LowerCase(reference);
     for (const TNamedReference& row : kReferences) {
-        if (!XmlNamesEqual(name, row.name)) continue;
-        text.append(row.text);
+        if (!IsSameName(row.name, name)) continue;
+        pieces.push_back(row.unit);
         return true;
     }
     return false;
 }
 
-// The text from `from` to `to` of the scanned bytes, trimmed.
-UnicodeString ReadTrimmed(const TAsciiCharFinder& finder, int from, int to) {
-    const unsigned char* bytes = finder.Bytes(0);
-    while (from < to && bytes[from] <= 0x20) ++from;
-    while (from < to && bytes[to - 1] <= 0x20) --to;
-    return finder.Read(from, to);
+void AppendPieces(UnicodeString& text, const TPieces& pieces) {
+    text += UnicodeString(pieces.data(), static_cast<long long>(pieces.size()));
 }
+
+// Whether the units are these bytes, all of them ASCII.
+bool IsAsciiText(const UnicodeString& text, const unsigned char* bytes, int count) {
+    if (text.Length() != count) return false;
+    const WCHAR* units = text.t_str();
+    int i = 0;
+    while (i < count && bytes[i] < 0x80 && units[i] == bytes[i]) ++i;
+    return i == count;
+}
+
+// Set for as long as it lives.
+class TInAttributes {
+  public:
+    explicit TInAttributes(bool& mark) : mark_(mark) { mark_ = true; }
+    ~TInAttributes() { mark_ = false; }
+    TInAttributes(const TInAttributes&) = delete;
+    TInAttributes& operator=(const TInAttributes&) = delete;
+
+  private:
+    bool& mark_;
+};
 
 }  // namespace
 
@@ -96,21 +163,21 @@ UnicodeString ReadTrimmed(const TAsciiCharFinder& finder, int from, int to) {
 struct TXmlDoc::TParsing {
     TParsing(TXmlDoc& document, TAsciiCharFinder& finder) : doc(document) {
         doc.FFinder = &finder;
+        static const TXmlSearchSets sets;
         doc.FSets = &sets;
-        doc.names_ = names.get();
+        doc.state_ = &state;
         if (!doc.FRootSeen) doc.FCurrent = nullptr;
     }
     ~TParsing() {
         doc.FFinder = nullptr;
         doc.FSets = nullptr;
-        doc.names_ = nullptr;
+        doc.state_ = nullptr;
     }
     TParsing(const TParsing&) = delete;
     TParsing& operator=(const TParsing&) = delete;
 
     TXmlDoc& doc;
-    TXmlSearchSets sets;
-    std::unique_ptr<TXmlNameCache> names = std::make_unique<TXmlNameCache>();
+    TXmlParseState state;
 };
 
 int TXmlDoc::Parse(const void* buffer, int size) {
@@ -145,7 +212,7 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
 // end tag, or the negated position of an error.
 int TXmlDoc::ParseElements() {
     while (!FFinder->Eof()) {
-        if (FFinder->Find(&FSets->Tag) != '<') {
+        if (FFinder->FindAny('<', '>') != '<') {
             FFinder->Skip(1);
             continue;
         }
@@ -184,7 +251,7 @@ int TXmlDoc::ParseInstruction() {
     FCurrent = FProlog->AddChild(name);
     if (FFinder->Current() != '?' || FFinder->Next() != '>') {
         const int result = ParseAttributes('?');
-        if (result < 0 && !bare_name_) return result;
+        if (result < 0 && !state_->bare_name) return result;
         if (FFinder->Current() != '?' || FFinder->Next() != '>') return Error();
     }
     FFinder->Skip(2);
@@ -198,7 +265,7 @@ void TXmlDoc::SkipComment() {
     FFinder->Skip(3);
     while (!FFinder->Eof()) {
         const bool end =
-            FFinder->Find(&FSets->Tag) == '>' && FFinder->b(-1) == '-' && FFinder->b(-2) == '-';
+            FFinder->FindAny('<', '>') == '>' && FFinder->b(-1) == '-' && FFinder->b(-2) == '-';
         FFinder->Skip(1);
         if (end) return;
     }
@@ -206,27 +273,40 @@ void TXmlDoc::SkipComment() {
 
 int TXmlDoc::ParseEndTag() {
     FFinder->Skip(2);
-    const UnicodeString name = ParseKey('>');
-    if (FFinder->Current() != '>' || FCurrent == nullptr) return Error();
-    if (!XmlNamesEqual(name, FCurrent->FName)) return Error();
+    const int start = FFinder->Position();
+    if (!FindEndOfName(start)) {
+        FFinder->BackTo(start);
+        const UnicodeString name = ParseKey('>');
+        if (FFinder->Current() != '>' || FCurrent == nullptr) return Error();
+        if (!XmlNamesEqual(name, FCurrent->FName)) return Error();
+    }
     FFinder->Skip(1);
     return CloseElement();
 }
 
+// The common end tag: moves to its '>' when the bytes before it, blanks at neither end, are the
+// name of the current element.
+bool TXmlDoc::FindEndOfName(int start) {
+    if (FCurrent == nullptr || FFinder->FindAny('<', '>', ' ', '=') != '>') return false;
+    const int length = FFinder->Position() - start;
+    return length > 0 && FFinder->b(-1) > 0x20 && FFinder->b(-length) > 0x20 &&
+           IsAsciiText(FCurrent->FName, FFinder->Bytes(start), length);
+}
+
 int TXmlDoc::ParseStartTag() {
     FFinder->Skip(1);
-    const UnicodeString name = ParseKey('/');
+    UnicodeString name = ParseKey('/');
     if (name.IsEmpty()) return Error();
     if (!FRootSeen) {
-        FRoot->FName = name;
+        FRoot->FName = std::move(name);
         FCurrent = FRoot;
         FRootSeen = true;
     } else {
-        FCurrent = FCurrent->AddChild(name);
+        FCurrent = FCurrent->AppendChild(std::move(name));
     }
     if (FFinder->Current() != '/' && FFinder->Current() != '>') {
         const int result = ParseAttributes('/');
-        if (result < 0 && !bare_name_) return result;
+        if (result < 0 && !state_->bare_name) return result;
     }
     if (FFinder->Current() == '/' && FFinder->Next() == '>') {
         FFinder->Skip(2);
@@ -248,35 +328,32 @@ int TXmlDoc::CloseElement() {
 }
 
 UnicodeString TXmlDoc::ParseKey(char end) {
-    const TMemberFor blank(FSets->Tag, ' ');
-    const TMemberFor equal(FSets->Tag, '=');
-    const TMemberFor last(FSets->Tag, end);
     const int start = FFinder->Position();
-    FFinder->Find(&FSets->Tag);
+    FFinder->FindAny('<', '>', ' ', '=', end, state_->in_attributes ? '"' : '<');
     if (FFinder->Eof()) return UnicodeString();
-    const UnicodeString key = names_->Get(*FFinder, start, FFinder->Position());
+    UnicodeString key = state_->names.Get(*FFinder, start, FFinder->Position());
     FFinder->Find(&FSets->Significant);
     return key;
 }
 
 int TXmlDoc::ParseAttributes(char end) {
-    const TMemberFor quote(FSets->Tag, '"');
-    bare_name_ = false;
+    const TInAttributes mark(state_->in_attributes);
+    state_->bare_name = false;
     while (FFinder->Current() != '>') {
         if (FFinder->Current() == static_cast<unsigned char>(end)) break;
-        const UnicodeString name = ParseKey(end);
+        UnicodeString name = ParseKey(end);
         if (name.IsEmpty()) return Error();
         if (FFinder->Current() != '=') {
-            bare_name_ = true;
+            state_->bare_name = true;
             return Error();
         }
         FFinder->Skip(1);
-        if (FFinder->Find(&FSets->Tag) != '"') return Error();
+        if (FFinder->FindAny('<', '>', '"') != '"') return Error();
         FFinder->Skip(1);
         UnicodeString value;
         const int result = ParseText(value, true);
         if (result < 0) return result;
-        FCurrent->AddAttribute(name, value);
+        FCurrent->AppendAttribute(std::move(name), std::move(value));
         FFinder->Skip(1);
         FFinder->Find(&FSets->Significant);
         if (FFinder->Eof()) return Error();
@@ -285,20 +362,41 @@ int TXmlDoc::ParseAttributes(char end) {
 }
 
 int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
+    int start = FFinder->Position();
+    if (!text.IsEmpty() || !FindEndOfText(in_attribute)) {
+        FFinder->BackTo(start);
+        return ParsePieces(text, in_attribute);
+    }
+    const int at = FFinder->Position();
+    int end = at;
+    if (!in_attribute) TrimSpan(*FFinder, start, end);
+    text = FFinder->Read(start, end);
+    return at;
+}
+
+// The common text, without references: moves to its end.
+bool TXmlDoc::FindEndOfText(bool in_attribute) {
+    if (in_attribute) return FFinder->FindAny('"', '&', '>') == '"';
+    FFinder->SkipBlanks();
+    return FFinder->Current() == '<' || FFinder->FindAny('<', '&', '>') == '<';
+}
+
+int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
     const unsigned char end = in_attribute ? '"' : '<';
-    std::basic_string<WCHAR> pieces;  // what stands before `start`, once there is a reference
+    TPieces& pieces = state_->pieces;  // what stands before `start`
+    pieces.clear();
     int start = FFinder->Position();
     bool in_reference = false;
     unsigned char octet = 0;
-    while ((octet = FFinder->Find(&FSets->Text)) != end) {
+    while ((octet = FFinder->FindAny('"', '&', ';', '<', '>')) != end) {
         const int at = FFinder->Position();
         bool failed = octet == '>' || (octet == '&' && in_reference);
         if (octet == '&' && !in_reference) {
-            Append(pieces, FFinder->Read(start, at));
+            AppendSpan(pieces, *FFinder, start, at);
             start = at;
             in_reference = true;
         } else if (octet == ';' && in_reference) {
-            failed = !AppendReference(pieces, FFinder->Read(start + 1, at));
+            failed = !AppendReference(pieces, *FFinder, start + 1, at);
             start = at + 1;
             in_reference = false;
         }
@@ -309,11 +407,7 @@ int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
         FFinder->Skip(1);
     }
     const int at = FFinder->Position();
-    if (pieces.empty() && text.IsEmpty()) {
-        text = in_attribute ? FFinder->Read(start, at) : ReadTrimmed(*FFinder, start, at);
-        return at;
-    }
-    Append(pieces, FFinder->Read(start, at));
+    AppendSpan(pieces, *FFinder, start, at);
     AppendPieces(text, pieces);
     if (!in_attribute) text = Sysutils::Trim(text);
     return at;

@@ -1,25 +1,29 @@
 // What the parser holds during one parse.
 #pragma once
 
+#include <windows.h>
+
 #include <array>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "xml/char_finder.h"
 
-// The parser's character classes. Tag changes while a key or attributes are read.
+// The parser's character classes.
 struct TXmlSearchSets {
-    TXmlSearchSets();
+    TXmlSearchSets() { Significant.NoneControl(1); }
 
-    TSearchSet Tag;          // '<' '>'; in a key also ' ' '=' and its end, in attributes also '"'
-    TSearchSet Text;         // '"' '&' ';' '<' '>'
     TSearchSet Significant;  // neither blank nor control
 };
 
-// Element and attribute names, so that equal names of a document share one buffer. It remembers the
-// latest name for each of a fixed number of hashes: a document with ever new names costs no memory.
+// Element and attribute names, so that equal names of a document share one buffer: three quarters
+// of the time of a name is its allocation. It starts over when it is full, so that a document with
+// ever new names costs no memory.
 class TXmlNameCache {
   public:
-    // The trimmed bytes, decoded; null when nothing is left. `key` lies in the scanned buffer.
+    // The trimmed bytes, decoded; null when nothing is left. They lie in the scanned buffer, which
+    // outlives the cache.
     UnicodeString Get(const TAsciiCharFinder& finder, int from, int to);
 
   private:
@@ -27,21 +31,16 @@ class TXmlNameCache {
         std::string_view bytes;
         UnicodeString name;
     };
-    std::array<Entry, 256> entries_;
+    static constexpr std::size_t kMost = 255;
+
+    // Open addressing, at most half full: 1 + an index of entries_, or 0.
+    std::array<unsigned char, 512> slots_{};
+    std::vector<Entry> entries_;
 };
 
-// Adds a byte to a set for as long as it lives.
-class TMemberFor {
-  public:
-    TMemberFor(TSearchSet& set, char octet)
-        : entry_(set[static_cast<unsigned char>(octet)]), before_(entry_) {
-        entry_ = 1;
-    }
-    ~TMemberFor() { entry_ = before_; }
-    TMemberFor(const TMemberFor&) = delete;
-    TMemberFor& operator=(const TMemberFor&) = delete;
-
-  private:
-    unsigned char& entry_;
-    unsigned char before_;
+struct TXmlParseState {
+    TXmlNameCache names;
+    std::basic_string<WCHAR> pieces;  // a text with references, as far as it has been read
+    bool in_attributes = false;
+    bool bare_name = false;  // the attributes ended at a name without '='
 };

@@ -45,42 +45,87 @@ struct TOpenElement {
     bool block;  // the end tag stands on a line of its own
 };
 
-// Writes the start tag with what belongs to its line; whether an end tag must follow.
-bool WriteStart(TXmlSink& sink, TXmlFormatter& format, TOpenElement& element) {
-    const TXmlNode& node = *element.node;
-    const bool instruction = format.GetLevel() == -1;
-    sink.Put(format.Indent());
-    sink.Put(instruction ? TEXT("<?") : TEXT("<"));
-    sink.Put(node.FName);
-    for (int i = 0; i < node.AttributeCount(); ++i) {
-        const TXmlPair* attribute = node.GetAttribute(i);
-        sink.Put(TEXT(" "));
-        sink.Put(attribute->FName);
-        sink.Put(TEXT("=\""));
-        sink.PutEscaped(attribute->FValue);
-        sink.Put(TEXT("\""));
-    }
-    const bool empty = node.ChildCount() == 0 && node.FValue.IsEmpty();
-    if (instruction || empty) {
-        sink.Put(instruction ? TEXT("?>") : TEXT("/>"));
-        sink.Put(format.LineBreak());
-        return false;
-    }
-    sink.Put(TEXT(">"));
-    const int lines = node.FValue.IsEmpty() ? 1 : sink.PutEscaped(node.FValue);
-    element.block = lines > 1 || node.ChildCount() > 0;
-    if (element.block) sink.Put(format.LineBreak());
-    return true;
-}
+// Writes one subtree. The layout is the formatter's; its level follows the element that is written.
+template <class Unit>
+class TXmlTreeWriter {
+  public:
+    TXmlTreeWriter(TXmlSink<Unit>& sink, TXmlFormatter& format, const UnicodeString& unit)
+        : sink_(sink), format_(format), unit_(unit), line_break_(format.LineBreak()) {}
 
-void WriteEnd(TXmlSink& sink, TXmlFormatter& format, const TOpenElement& element) {
-    if (element.block) sink.Put(format.Indent());
-    sink.Put(TEXT("</"));
-    sink.Put(element.node->FName);
-    sink.Put(TEXT(">"));
-    sink.Put(format.LineBreak());
-    if (!element.node->FTail.IsEmpty()) sink.PutEscaped(element.node->FTail);
-}
+    void Write(const TXmlNode* root) {
+        std::vector<TOpenElement> open;
+        TOpenElement element{root, 0, false};
+        // The last element of `open` is the parent of the one that is written next.
+        while (true) {
+            if (WriteStart(element)) {
+                open.push_back(element);
+                format_.IncLevel(1);
+            }
+            while (!open.empty() && open.back().next_child == open.back().node->ChildCount()) {
+                format_.IncLevel(-1);
+                WriteEnd(open.back());
+                open.pop_back();
+            }
+            if (open.empty()) return;
+            TOpenElement& parent = open.back();
+            element = {parent.node->GetChild(parent.next_child++), 0, false};
+        }
+    }
+
+  private:
+    // Writes the start tag with what belongs to its line; whether an end tag must follow.
+    bool WriteStart(TOpenElement& element) {
+        const TXmlNode& node = *element.node;
+        const bool instruction = format_.GetLevel() == -1;
+        Indent();
+        sink_.PutMarkup(instruction ? "<?" : "<");
+        sink_.Put(node.FName);
+        for (int i = 0; i < node.AttributeCount(); ++i) {
+            const TXmlPair* attribute = node.GetAttribute(i);
+            sink_.PutMarkup(" ");
+            sink_.Put(attribute->FName);
+            sink_.PutMarkup("=\"");
+            sink_.PutEscaped(attribute->FValue);
+            sink_.PutMarkup("\"");
+        }
+        const bool empty = node.ChildCount() == 0 && node.FValue.IsEmpty();
+        if (instruction || empty) {
+            sink_.PutMarkup(instruction ? "?>" : "/>");
+            sink_.Put(line_break_);
+            return false;
+        }
+        sink_.PutMarkup(">");
+        const int lines = node.FValue.IsEmpty() ? 1 : sink_.PutEscaped(node.FValue);
+        element.block = lines > 1 || node.ChildCount() > 0;
+        if (element.block) sink_.Put(line_break_);
+        return true;
+    }
+
+    void WriteEnd(const TOpenElement& element) {
+        if (element.block) Indent();
+        sink_.PutMarkup("</");
+        sink_.Put(element.node->FName);
+        sink_.PutMarkup(">");
+        sink_.Put(line_break_);
+        if (!element.node->FTail.IsEmpty()) sink_.PutEscaped(element.node->FTail);
+    }
+
+    // The indentation of any level begins that of a deeper one: no string for every change of the
+    // level.
+    void Indent() {
+        const int level = format_.GetLevel();
+        if (unit_.IsEmpty() || level <= 0) return;
+        const long long length = static_cast<long long>(unit_.Length()) * level;
+        if (length > indent_.Length()) indent_ = format_.Indent();
+        sink_.Put(indent_, static_cast<int>(length));
+    }
+
+    TXmlSink<Unit>& sink_;
+    TXmlFormatter& format_;
+    UnicodeString unit_;
+    UnicodeString line_break_;
+    UnicodeString indent_;  // of the deepest level so far
+};
 
 const WCHAR* EncodingName(TCodePage code_page) {
     switch (code_page) {
@@ -98,25 +143,20 @@ const WCHAR* EncodingName(TCodePage code_page) {
 
 int TXmlNode::SaveTo(Classes::TStream* stream, UnicodeString* out, TXmlFormatter& format,
                      TCodePage code_page) const {
-    TXmlSink sink(stream, out, code_page);
-    std::vector<TOpenElement> open;
-    TOpenElement element{this, 0, false};
-    // The last element of `open` is the parent of the one that is written next.
-    while (true) {
-        if (WriteStart(sink, format, element)) {
-            open.push_back(element);
-            format.IncLevel(1);
-        }
-        sink.Checkpoint();
-        while (!open.empty() && open.back().next_child == open.back().node->ChildCount()) {
-            format.IncLevel(-1);
-            WriteEnd(sink, format, open.back());
-            open.pop_back();
-        }
-        if (open.empty()) return sink.Finish();
-        TOpenElement& parent = open.back();
-        element = {parent.node->GetChild(parent.next_child++), 0, false};
+    if (stream == nullptr) {
+        TXmlSink<WCHAR> sink;
+        TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
+        return sink.FinishInto(*out);
     }
+    if (code_page == System::kCodePageUtf16) {
+        TXmlSink<WCHAR> sink(stream);
+        TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
+        return sink.Finish();
+    }
+    if (EncodingName(code_page) == nullptr) return 0;
+    TXmlSink<char> sink(stream);
+    TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
+    return sink.Finish();
 }
 
 UnicodeString TXmlNode::SaveToString(TXmlFormatter& format) const {

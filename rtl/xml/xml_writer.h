@@ -5,6 +5,8 @@
 #include "mox_classes/unicode_string.h"
 #include "qv_api.h"
 
+class TXmlNode;
+
 namespace Classes {
 class TStream;
 }
@@ -30,6 +32,8 @@ class QV_API TXmlFormatter {
     int IncLevel(int delta);
 
   protected:
+    friend class TXmlNode;
+
     UnicodeString FIndentCache;
     UnicodeString FIndentUnit;
     UnicodeString FLineBreak;
