@@ -2,8 +2,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
-#include <sstream>
 
 #include "driver_devmode/qvdm.h"
 #include "log_file/log_recorder.h"
@@ -174,12 +172,12 @@ void WriteResponse(benchmark::State& state) {
     PerPrinter(state, kPrinters);
 }
 
-BENCHMARK(Query<200>)->Name("query/printers/ours")->UseRealTime();
-BENCHMARK(ParseRequest)->Name("query/parse/ours")->UseRealTime();
-BENCHMARK(AskSpooler)->Name("query/spooler/ours")->UseRealTime();
-BENCHMARK(LogLines)->Name("query/log/ours")->UseRealTime();
-BENCHMARK(WriteSettings)->Name("query/settings/ours")->UseRealTime();
-BENCHMARK(WriteResponse)->Name("query/write/ours")->UseRealTime();
+BENCHMARK(Query<200>)->Name("query/printers/ours");
+BENCHMARK(ParseRequest)->Name("query/parse/ours");
+BENCHMARK(AskSpooler)->Name("query/spooler/ours");
+BENCHMARK(LogLines)->Name("query/log/ours");
+BENCHMARK(WriteSettings)->Name("query/settings/ours");
+BENCHMARK(WriteResponse)->Name("query/write/ours");
 BENCHMARK(Query<20>)->Name("query/growth_200/of_20");
 BENCHMARK(Query<200>)->Name("query/growth_200/ours");
 BENCHMARK(Query<2000>)->Name("query/growth_2000/ours");

@@ -118,7 +118,7 @@ void PublicAll(benchmark::State& state) {
     PublicToXml(state, 220, 34);
 }
 void PublicHalf(benchmark::State& state) {
-    PublicToXml(state, 96, 17);
+    PublicToXml(state, 98, 17);
 }
 
 BENCHMARK(Decode)->Name("settings/decode/ours");

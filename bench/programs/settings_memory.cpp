@@ -1,6 +1,7 @@
 // settings_memory: counts the blocks of memory that each operation of a settings block takes, and
 // how many of them it has given back at its end. A line per operation: its name, blocks taken,
 // blocks not kept.
+// A block that grows in its place is one block.
 //
 // The process's heap calls and operators new and delete stand in front of the libraries' own.
 #include <dlfcn.h>
@@ -51,8 +52,10 @@ LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
 
 LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {
     static auto* const next = Next(&HeapReAlloc, "HeapReAlloc");
+    void* const resized = next(heap, flags, block, bytes);
+    if (resized == block) return block;
     Given(block);
-    return Taken(next(heap, flags, block, bytes));
+    return Taken(resized);
 }
 
 BOOL HeapFree(HANDLE heap, DWORD flags, LPVOID block) {
