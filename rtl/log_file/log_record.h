@@ -22,8 +22,23 @@ namespace Mox {
 QV_API int WriteUnicodeString(void** cursor, UnicodeString s, System::TCodePage codePage);
 // 0 when the record would pass 2147483647 bytes.
 QV_API int WriteLogMsg(void** cursor, TLogMsg* msg);
-// The record's size without that bound.
-std::int64_t LogMsgSize(const TLogMsg& msg);
+
+// A message that has been measured: its strings are converted once to count and once to write,
+// which is most of what a record costs besides its system calls. The message must not change
+// meanwhile.
+class TMeasuredRecord {
+  public:
+    explicit TMeasuredRecord(const TLogMsg& msg);
+    std::int64_t Size() const;
+    // Size() bytes, which must not pass 2147483647.
+    void Write(void* target) const;
+
+  private:
+    std::int64_t VariableSize() const;
+
+    const TLogMsg& msg_;
+    std::uint32_t source_, text_, label_;  // bytes of the strings in UTF-8
+};
 
 // Readers: they advance *cursor; what is malformed is reported, gives "" and advances it by 1.
 

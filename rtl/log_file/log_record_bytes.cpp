@@ -44,15 +44,15 @@ void CutData(TLogMsg& message, std::int64_t excess) {
 
 // `message` is a copy: its data block belongs to another one.
 bool CutToFit(TLogMsg& message, std::int64_t room) {
-    std::int64_t excess = LogMsgSize(message) - room;
+    std::int64_t excess = TMeasuredRecord(message).Size() - room;
     if (excess > 0 && message.data != nullptr && message.dataSize != 0) {
         CutData(message, excess);
-        excess = LogMsgSize(message) - room;
+        excess = TMeasuredRecord(message).Size() - room;
     }
     for (UnicodeString* field : {&message.text, &message.dataLabel, &message.source}) {
         if (excess <= 0) break;
         *field = CutText(*field, StoredSize(*field) - excess);
-        excess = LogMsgSize(message) - room;
+        excess = TMeasuredRecord(message).Size() - room;
     }
     return excess <= 0;
 }
@@ -71,16 +71,16 @@ void TLogRecordBytes::Release() {
 
 bool TLogRecordBytes::Serialise(TLogMsg& message, std::int64_t room) {
     Release();
-    const int size = WriteLogMsg(nullptr, &message);
-    if (size == 0 || size > room) {
+    room = std::min<std::int64_t>(room, INT32_MAX);
+    const TMeasuredRecord record(message);
+    if (record.Size() > room) {
         TLogMsg cut = message;
-        return CutToFit(cut, std::min<std::int64_t>(room, INT32_MAX)) && Serialise(cut, room);
+        return CutToFit(cut, room) && Serialise(cut, room);
     }
-    data_ = System::GetMemory(size);
+    data_ = System::GetMemory(static_cast<int>(record.Size()));
     if (data_ == nullptr) return false;
-    void* cursor = data_;
-    WriteLogMsg(&cursor, &message);
-    size_ = static_cast<std::uint32_t>(size);
+    record.Write(data_);
+    size_ = static_cast<std::uint32_t>(record.Size());
     return true;
 }
 

@@ -7,100 +7,95 @@ namespace Mox {
 
 namespace {
 
-constexpr auto kRecordCodePage = System::kCodePageAnsi;  // stored as UTF-8
-
-// Writes to a cursor, or only counts when there is none.
 class TByteWriter {
   public:
-    explicit TByteWriter(void** cursor) : cursor_(cursor) {}
+    explicit TByteWriter(void* target) : at_(static_cast<std::uint8_t*>(target)) {}
 
     void Put(const void* bytes, std::size_t size) {
-        if (void* at = Room(size); at != nullptr && size > 0) std::memcpy(at, bytes, size);
+        if (size > 0) std::memcpy(Room(size), bytes, size);
     }
-    // A tag with the narrowest width that holds the number, then the number.
     void PutTagged(std::uint8_t kind, std::uint32_t number) {
-        const unsigned width = number < 0x100 ? 1 : number < 0x10000 ? 2 : 4;
-        const auto tag = static_cast<std::uint8_t>(kind | width);
+        const auto tag = static_cast<std::uint8_t>(kind | WidthOf(number));
         Put(&tag, 1);
-        Put(&number, width);
+        Put(&number, WidthOf(number));
     }
-    // Space for `size` bytes that the caller fills; null when only counting.
-    void* Room(std::size_t size) {
-        size_ += static_cast<std::int64_t>(size);
-        if (cursor_ == nullptr) return nullptr;
-        void* at = *cursor_;
-        *cursor_ = static_cast<char*>(at) + size;
-        return at;
+    // Space for `size` bytes that the caller fills.
+    std::uint8_t* Room(std::size_t size) {
+        at_ += size;
+        return at_ - size;
     }
-    std::int64_t Size() const { return size_; }
+    // The narrowest width that holds the number.
+    static unsigned WidthOf(std::int64_t number) {
+        return number < 0x100 ? 1 : number < 0x10000 ? 2 : 4;
+    }
 
   private:
-    void** cursor_;
-    std::int64_t size_ = 0;
+    std::uint8_t* at_;
 };
 
-void PutConverted(TByteWriter& out, const UnicodeString& s, TLogEncoding encoding) {
-    const UINT code_page = encoding == TLogEncoding::Ansi ? CP_ACP : CP_UTF8;
-    const int bytes = s.Length() == 0 ? 0
-                                      : WideCharToMultiByte(code_page, 0, s.t_str(), s.Length(),
-                                                            nullptr, 0, nullptr, nullptr);
-    if (bytes <= 0) {
-        out.Put(&kEmptyStringTag, 1);
-        return;
+// How a string is stored and what the file counts for it. To count takes a conversion, so it is
+// done once, before the size of the whole is known.
+struct TStoredForm {
+    TLogEncoding encoding;
+    std::uint32_t count;  // 0: the empty string
+
+    UINT CodePage() const { return encoding == TLogEncoding::Ansi ? CP_ACP : CP_UTF8; }
+    bool IsConverted() const {
+        return encoding == TLogEncoding::Ansi || encoding == TLogEncoding::Utf8;
     }
-    out.PutTagged(static_cast<std::uint8_t>(encoding), static_cast<std::uint32_t>(bytes));
-    if (auto* at = static_cast<char*>(out.Room(static_cast<std::size_t>(bytes)))) {
-        WideCharToMultiByte(code_page, 0, s.t_str(), s.Length(), at, bytes, nullptr, nullptr);
+    std::int64_t Size() const {
+        const std::int64_t bytes = IsConverted() ? count : std::int64_t{2} * count;
+        return count == 0 ? 1 : 1 + TByteWriter::WidthOf(count) + bytes;
+    }
+};
+
+TStoredForm FormOf(const UnicodeString& s, TLogEncoding encoding) {
+    TStoredForm form{encoding, static_cast<std::uint32_t>(s.Length())};
+    if (form.count == 0 || !form.IsConverted()) return form;
+    const int bytes = WideCharToMultiByte(form.CodePage(), 0, s.t_str(), s.Length(), nullptr, 0,
+                                          nullptr, nullptr);
+    form.count = static_cast<std::uint32_t>(bytes < 0 ? 0 : bytes);
+    return form;
+}
+
+TStoredForm FormOf(const UnicodeString& s, System::TCodePage code_page) {
+    switch (code_page) {
+        case System::kCodePageUtf16:
+            return FormOf(s, TLogEncoding::Utf16);
+        case System::kCodePageUtf16BigEndian:
+            return FormOf(s, TLogEncoding::Utf16BigEndian);
+        case System::kCodePageAscii:
+            return FormOf(s, TLogEncoding::Ansi);
+        default:
+            return FormOf(s, TLogEncoding::Utf8);
     }
 }
 
-void PutUnits(TByteWriter& out, const UnicodeString& s, TLogEncoding encoding) {
-    const int count = s.Length();
-    if (count == 0) {
-        out.Put(&kEmptyStringTag, 1);
-        return;
-    }
-    out.PutTagged(static_cast<std::uint8_t>(encoding), static_cast<std::uint32_t>(count));
-    auto* at = static_cast<std::uint8_t*>(out.Room(static_cast<std::size_t>(count) * 2));
-    if (at == nullptr) return;
-    const bool swap = encoding == TLogEncoding::Utf16BigEndian;
-    for (int i = 0; i < count; ++i, at += 2) {
+void PutUnits(TByteWriter& out, const UnicodeString& s, bool swap) {
+    std::uint8_t* at = out.Room(static_cast<std::size_t>(s.Length()) * 2);
+    for (int i = 0; i < s.Length(); ++i, at += 2) {
         const auto unit = static_cast<std::uint16_t>(s.t_str()[i]);
         at[swap ? 1 : 0] = static_cast<std::uint8_t>(unit & 0xFF);
         at[swap ? 0 : 1] = static_cast<std::uint8_t>(unit >> 8);
     }
 }
 
-void PutString(TByteWriter& out, const UnicodeString& s, System::TCodePage code_page) {
-    switch (code_page) {
-        case System::kCodePageUtf16:
-            return PutUnits(out, s, TLogEncoding::Utf16);
-        case System::kCodePageUtf16BigEndian:
-            return PutUnits(out, s, TLogEncoding::Utf16BigEndian);
-        case System::kCodePageAscii:
-            return PutConverted(out, s, TLogEncoding::Ansi);
-        default:
-            return PutConverted(out, s, TLogEncoding::Utf8);
-    }
+void PutString(TByteWriter& out, const UnicodeString& s, TStoredForm form) {
+    if (form.count == 0) return out.Put(&kEmptyStringTag, 1);
+    out.PutTagged(static_cast<std::uint8_t>(form.encoding), form.count);
+    if (!form.IsConverted()) return PutUnits(out, s, form.encoding == TLogEncoding::Utf16BigEndian);
+    WideCharToMultiByte(form.CodePage(), 0, s.t_str(), s.Length(),
+                        reinterpret_cast<char*>(out.Room(form.count)), static_cast<int>(form.count),
+                        nullptr, nullptr);
 }
 
 std::size_t BlockSize(const TLogMsg& msg) {
     const auto size = static_cast<std::int64_t>(msg.dataSize);
-    return static_cast<std::size_t>(size < 0 ? -size : size);
+    return msg.data == nullptr ? 0 : static_cast<std::size_t>(size < 0 ? -size : size);
 }
 
-void PutVariablePart(TByteWriter& out, const TLogMsg& msg) {
-    PutString(out, msg.source, kRecordCodePage);
-    PutString(out, msg.text, kRecordCodePage);
-    if (msg.dataLabel.Length() == 0 && msg.dataSize == 0) return;
-    PutString(out, msg.dataLabel, kRecordCodePage);
-    if (msg.data != nullptr) out.Put(msg.data, BlockSize(msg));
-}
-
-std::int64_t VariableSize(const TLogMsg& msg) {
-    TByteWriter measure(nullptr);
-    PutVariablePart(measure, msg);
-    return measure.Size();
+bool HasLabel(const TLogMsg& msg) {
+    return msg.dataLabel.Length() != 0 || msg.dataSize != 0;
 }
 
 TLogRecordFixed FixedPart(const TLogMsg& msg) {
@@ -114,34 +109,59 @@ TLogRecordFixed FixedPart(const TLogMsg& msg) {
     return fixed;
 }
 
-std::int64_t RecordSize(std::int64_t variable_size) {
-    const int width = variable_size < 0x100 ? 1 : variable_size < 0x10000 ? 2 : 4;
-    return 1 + width + std::int64_t{kRecordFixedSize} + variable_size;
+TStoredForm Utf8(std::uint32_t bytes) {
+    return {TLogEncoding::Utf8, bytes};
 }
 
 }  // namespace
 
 int WriteUnicodeString(void** cursor, UnicodeString s, System::TCodePage codePage) {
-    TByteWriter out(cursor);
-    PutString(out, s, codePage);
-    return static_cast<int>(out.Size());
+    const TStoredForm form = FormOf(s, codePage);
+    const auto size = static_cast<int>(form.Size());
+    if (cursor == nullptr) return size;
+    TByteWriter out(*cursor);
+    PutString(out, s, form);
+    *cursor = static_cast<std::uint8_t*>(*cursor) + size;
+    return size;
 }
 
-std::int64_t LogMsgSize(const TLogMsg& msg) {
-    return RecordSize(VariableSize(msg));
+TMeasuredRecord::TMeasuredRecord(const TLogMsg& msg)
+    : msg_(msg),
+      source_(FormOf(msg.source, TLogEncoding::Utf8).count),
+      text_(FormOf(msg.text, TLogEncoding::Utf8).count),
+      label_(FormOf(msg.dataLabel, TLogEncoding::Utf8).count) {}
+
+std::int64_t TMeasuredRecord::VariableSize() const {
+    const std::int64_t strings = Utf8(source_).Size() + Utf8(text_).Size();
+    if (!HasLabel(msg_)) return strings;
+    return strings + Utf8(label_).Size() + static_cast<std::int64_t>(BlockSize(msg_));
+}
+
+std::int64_t TMeasuredRecord::Size() const {
+    const std::int64_t variable = VariableSize();
+    return 1 + TByteWriter::WidthOf(variable) + std::int64_t{kRecordFixedSize} + variable;
+}
+
+void TMeasuredRecord::Write(void* target) const {
+    TByteWriter out(target);
+    const TLogRecordFixed fixed = FixedPart(msg_);
+    out.PutTagged(kRecordTag, static_cast<std::uint32_t>(VariableSize()));
+    out.Put(&fixed, sizeof(fixed));
+    PutString(out, msg_.source, Utf8(source_));
+    PutString(out, msg_.text, Utf8(text_));
+    if (!HasLabel(msg_)) return;
+    PutString(out, msg_.dataLabel, Utf8(label_));
+    out.Put(msg_.data, BlockSize(msg_));
 }
 
 int WriteLogMsg(void** cursor, TLogMsg* msg) {
-    const std::int64_t variable_size = VariableSize(*msg);
-    const std::int64_t size = RecordSize(variable_size);
-    if (size > INT32_MAX) return 0;
-    if (cursor == nullptr) return static_cast<int>(size);
-    TByteWriter out(cursor);
-    const TLogRecordFixed fixed = FixedPart(*msg);
-    out.PutTagged(kRecordTag, static_cast<std::uint32_t>(variable_size));
-    out.Put(&fixed, sizeof(fixed));
-    PutVariablePart(out, *msg);
-    return static_cast<int>(out.Size());
+    const TMeasuredRecord record(*msg);
+    if (record.Size() > INT32_MAX) return 0;
+    const auto size = static_cast<int>(record.Size());
+    if (cursor == nullptr) return size;
+    record.Write(*cursor);
+    *cursor = static_cast<std::uint8_t*>(*cursor) + size;
+    return size;
 }
 
 }  // namespace Mox
