@@ -29,15 +29,16 @@ std::mutex& ErrorReaderGuard() {
     return guard;
 }
 
-TLogMsg* NewMessage(TLogger& logger, int level, const UnicodeString& source, int line,
-                    const UnicodeString& text, const UnicodeString& label, void* data, int size) {
+// Takes source and label out of the caller's strings.
+TLogMsg* NewMessage(TLogger& logger, int level, UnicodeString& source, int line,
+                    const UnicodeString& text, UnicodeString& label, void* data, int size) {
     TLogMsg* message = TLogMsg::Alloc();
     if (message == nullptr) return nullptr;
     message->level = level;
-    message->source = source;
+    message->source.swap(source);
     message->line = line;
     message->text = text;
-    message->dataLabel = label;
+    message->dataLabel.swap(label);
     message->data = data;
     message->dataSize = size > 0 ? -size : 0;
     message->processId = logger.processId;

@@ -13,15 +13,6 @@
 namespace host {
 namespace {
 
-struct flock Range(short type, off_t start, off_t length) {
-    struct flock range = {};
-    range.l_type = type;
-    range.l_whence = SEEK_SET;
-    range.l_start = start;
-    range.l_len = length;
-    return range;
-}
-
 // The file's gate for as long as the object lives. Somebody else's flock() is waited for, not long.
 class Gate {
   public:
@@ -61,7 +52,11 @@ constexpr Right kRights[] = {
 constexpr off_t kDeniesDelete = kRights[2].denies;
 
 bool MarkedByOther(int fd, off_t marker) {
-    struct flock range = Range(F_WRLCK, marker, 1);
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    range.l_whence = SEEK_SET;
+    range.l_start = marker;
+    range.l_len = 1;
     return fcntl(fd, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
 }
 
@@ -74,14 +69,6 @@ bool Conflicts(int fd, FileUse use, DWORD share) {
 }
 
 }  // namespace
-
-int LockRange(int fd, short type, off_t start, off_t length) {
-    struct flock range = Range(type, start, length);
-    while (fcntl(fd, F_OFD_SETLK, &range) != 0) {
-        if (errno != EINTR) return errno;
-    }
-    return 0;
-}
 
 DWORD ClaimShareMode(int fd, FileUse use, DWORD share) {
     const Gate gate(fd);

@@ -8,7 +8,10 @@
 
 #include <windows.h>
 
+#include <fcntl.h>
 #include <sys/types.h>
+
+#include <cerrno>
 
 namespace host {
 
@@ -31,6 +34,16 @@ DWORD ClaimShareMode(int fd, FileUse use, DWORD share);
 DWORD RemoveShared(int fd, const char* path);
 
 // One non-blocking open file description lock of `type` (F_RDLCK, F_WRLCK, F_UNLCK); 0 or errno.
-int LockRange(int fd, short type, off_t start, off_t length);
+inline int LockRange(int fd, short type, off_t start, off_t length) {
+    struct flock range {};
+    range.l_type = type;
+    range.l_whence = SEEK_SET;
+    range.l_start = start;
+    range.l_len = length;
+    while (fcntl(fd, F_OFD_SETLK, &range) != 0) {
+        if (errno != EINTR) return errno;
+    }
+    return 0;
+}
 
 }  // namespace host
