@@ -18,6 +18,7 @@ namespace host {
 namespace {
 
 constexpr off_t kMaxFileBytes = off_t{4} << 30;
+constexpr std::size_t kFewStates = 64;
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
 
@@ -209,9 +210,10 @@ LSTATUS RegHive::Flush() {
 }
 
 std::shared_ptr<KeyState> RegHive::Open(RegPath path) {
-    if (states_.size() == states_.capacity()) {
+    // Of closed keys nothing is kept for long; many open ones are not looked through every time.
+    if (states_.size() < kFewStates || states_.size() == states_.capacity()) {
         std::erase_if(states_, [](const auto& state) { return state.expired(); });
-        states_.reserve(std::max<std::size_t>(64, states_.size() * 2));
+        states_.reserve(std::max(kFewStates, states_.size() * 2));
     }
     auto state = std::make_shared<KeyState>();
     state->path = std::move(path);
