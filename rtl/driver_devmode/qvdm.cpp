@@ -21,14 +21,15 @@ UnicodeString FromField(const WCHAR* field, int capacity) {
 
 }  // namespace
 
-TQVDM::TQVDM()
-    : FOwnDM(true),
-      FDM(std::make_unique<QV_DEVMODE>().release()),
-      DeviceName(TEXT("Vantrel")),
-      FormName(TEXT("A4")),
-      Directory(GetUserDocument(UnicodeString())),
-      FileName(Sysutils::ConfirmPathString(Directory) + TEXT("fax.tif")),
-      block_size_(QV_DEVMODE::Size()) {
+// The block belongs to a complete object already when one of the texts cannot be made.
+TQVDM::TQVDM() : TQVDM(static_cast<DEVMODEW*>(nullptr)) {
+    FDM = std::make_unique<QV_DEVMODE>().release();
+    FOwnDM = true;
+    block_size_ = QV_DEVMODE::Size();
+    DeviceName = TEXT("Vantrel");
+    FormName = TEXT("A4");
+    Directory = GetUserDocument(UnicodeString());
+    FileName = Sysutils::ConfirmPathString(Directory) + TEXT("fax.tif");
     Encode();
 }
 
