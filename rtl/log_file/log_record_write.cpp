@@ -84,9 +84,12 @@ void PutString(TByteWriter& out, const UnicodeString& s, TStoredForm form) {
     if (form.count == 0) return out.Put(&kEmptyStringTag, 1);
     out.PutTagged(static_cast<std::uint8_t>(form.encoding), form.count);
     if (!form.IsConverted()) return PutUnits(out, s, form.encoding == TLogEncoding::Utf16BigEndian);
-    WideCharToMultiByte(form.CodePage(), 0, s.t_str(), s.Length(),
-                        reinterpret_cast<char*>(out.Room(form.count)), static_cast<int>(form.count),
-                        nullptr, nullptr);
+    const auto count = static_cast<int>(form.count);
+    auto* at = reinterpret_cast<char*>(out.Room(form.count));
+    const int written =
+        WideCharToMultiByte(form.CodePage(), 0, s.t_str(), s.Length(), at, count, nullptr, nullptr);
+    // What the block held before must not get into the file.
+    if (written != count) std::memset(at, '?', form.count);
 }
 
 std::size_t BlockSize(const TLogMsg& msg) {
