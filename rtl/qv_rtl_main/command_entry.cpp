@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <string>
 
 #include "mox_classes/string_list.h"
@@ -92,8 +93,11 @@ std::string AnsiText(const UnicodeString& text) {
                                    nullptr);
     };
     if (text.Length() == 0) return std::string();
-    std::string bytes(static_cast<std::size_t>(std::max(convert(nullptr, 0), 0)), '\0');
-    convert(bytes.data(), static_cast<int>(bytes.size()));
+    const int size = convert(nullptr, 0);
+    std::string bytes(static_cast<std::size_t>(std::max(size, 0)), '\0');
+    if (size < 1 || convert(bytes.data(), size) != size) {
+        throw std::runtime_error("The result cannot be converted");
+    }
     return bytes;
 }
 
