@@ -8,6 +8,7 @@
 #include "qv_rtl_main/source_log.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 #include "xml/xml_doc.h"
+#include "xml/xml_file.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ void AnswerFile(const UnicodeString& request_file, const UnicodeString& response
     UnicodeString fault;
     const auto request = OpenRequest(request_file, fault);
     // A request in the response's place is open now, so that it cannot be overwritten.
-    Classes::TFileStream response(response_file, Classes::TFileStream::kCreate);
+    TXmlFile response(response_file);
     if (request != nullptr) {
         AnswerStream(*request, response, request_file);
         return;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mox_classes/streams.h"
+#include "xml/xml_file.h"
 
 TXmlDoc::TXmlDoc() {
     _Init();
@@ -95,6 +96,6 @@ bool TXmlDoc::LoadFromString(const UnicodeString& text, const UnicodeString& roo
 }
 
 void TXmlDoc::SaveToFile(UnicodeString file_name) {
-    Classes::TFileStream stream(file_name, 0xFFFF);
+    TXmlFile stream(file_name);
     SaveTo(&stream, nullptr);
 }

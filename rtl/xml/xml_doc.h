@@ -60,6 +60,7 @@ class QV_API TXmlDoc {
     // 0, 65001 (UTF-8) and 1200 (UTF-16).
     UnicodeString SaveToString();
     void SaveToStream(Classes::TStream* stream);
+    // A file that does not take all of it ("Stream write failed") is left as far as it got.
     void SaveToFile(UnicodeString file_name);
 
   protected:
