@@ -1,0 +1,190 @@
+#include "faults/fault_loop.h"
+
+#include <windows.h>
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <new>
+#include <vector>
+
+namespace faults {
+
+namespace {
+
+constexpr unsigned kSecondsPerStep = 10;
+constexpr int kMostFailures = 12;
+
+// The step that is being run, for a report of a program that ends in it.
+std::array<char, 256> now_running;
+
+[[noreturn]] void ReportEnd(int signal) {
+    const char* const how = signal == SIGALRM ? "hangs at: " : "breaks down at: ";
+    for (const char* text : {how, static_cast<const char*>(now_running.data()), "\n"}) {
+        if (write(STDERR_FILENO, text, std::strlen(text)) < 0) break;
+    }
+    std::_Exit(3);
+}
+
+// Of the process; a folder's own descriptor, open while they are counted, counts each time.
+int OpenDescriptors() {
+    DIR* const folder = opendir("/proc/self/fd");
+    int count = 0;
+    while (readdir(folder) != nullptr) ++count;
+    closedir(folder);
+    return count;
+}
+
+struct Holdings {
+    long blocks = BlocksInUse();
+    int descriptors = OpenDescriptors();
+};
+
+struct Totals {
+    int names = 0, calls = 0, steps = 0, hits = 0;
+};
+
+class Loops {
+  public:
+    Loops(Scenario& scenario, Kind kind, std::string name)
+        : scenario_(scenario), kind_(kind), name_(std::move(name)) {
+        const char* const all = std::getenv("QV_FAULTS");
+        every_ = all != nullptr && std::string_view(all) == "all";
+    }
+
+    void Run() {
+        // The first run fills what is made once and kept.
+        for (int i = 0; i < 2; ++i) RunStep(Plan{kind_});
+        const std::vector<Site*> sites = Used();
+        totals_.names = static_cast<int>(sites.size());
+        totals_.calls = CallsSeen();
+        Loop(Plan{kind_});
+        Loop(Plan{kind_, nullptr, 0, true});
+        if (kind_ != Kind::Memory) {
+            for (const Site* site : sites) LoopOver(*site);
+        }
+        std::printf("[ faults   ] %s: %d names, %d calls, %d steps, %d with a failing call\n",
+                    name_.c_str(), totals_.names, totals_.calls, totals_.steps, totals_.hits);
+    }
+
+  private:
+    std::vector<Site*> Used() const {
+        std::vector<Site*> sites;
+        for (Site* site = FirstSite(); site != nullptr; site = site->next) {
+            if (site->kind == kind_ && site->calls > 0) sites.push_back(site);
+        }
+        return sites;
+    }
+
+    void LoopOver(const Site& site) {
+        for (std::size_t choice = 0; choice < site.codes.size(); ++choice) {
+            Loop(Plan{kind_, &site, 0, false, choice});
+        }
+        Loop(Plan{kind_, &site, 0, true});
+    }
+
+    static int FailedParts() {
+        const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+        int failed = 0;
+        for (int i = 0; i < result.total_part_count(); ++i)
+            failed += result.GetTestPartResult(i).failed();
+        return failed;
+    }
+
+    // Every call of a short scenario; of a long one the first calls and ever fewer of the rest.
+    int Next(int nth) const {
+        return nth + (every_ ? 1 : 1 + nth / (kind_ == Kind::Memory ? 60 : 30));
+    }
+
+    // Ends after a few steps that failed: more of them say nothing new.
+    void Loop(Plan plan) {
+        for (plan.nth = 1; failed_ < kMostFailures; plan.nth = Next(plan.nth)) {
+            if (!RunAgainWhenItGrows(plan)) return;
+        }
+    }
+
+    // A leak grows with every run; what is made once and kept does not.
+    bool RunAgainWhenItGrows(const Plan& plan) {
+        for (int run = 0;; ++run) {
+            const Holdings before;
+            const int failed_before = failed_;
+            const bool hit = RunStep(plan);
+            const Holdings after;
+            const bool grew =
+                after.blocks > before.blocks || after.descriptors > before.descriptors;
+            if (!grew || failed_ > failed_before) return hit;
+            if (run < 2) continue;
+            ++failed_;
+            ADD_FAILURE() << name_ << ", " << plan.Text() << ": " << after.blocks - before.blocks
+                          << " blocks and " << after.descriptors - before.descriptors
+                          << " descriptors are left behind";
+            return hit;
+        }
+    }
+
+    bool RunStep(const Plan& plan) {
+        const std::string text = name_ + ", " + plan.Text();
+        text.copy(now_running.data(), now_running.size() - 1);
+        now_running[std::min(text.size(), now_running.size() - 1)] = 0;
+        const testing::ScopedTrace trace(__FILE__, __LINE__, text);
+        scenario_.Prepare();
+        Step step;
+        step.plan = plan;
+        alarm(kSecondsPerStep);
+        RunArmed(step);
+        alarm(0);
+        const int parts = FailedParts();
+        scenario_.Check(step);
+        failed_ += FailedParts() > parts;
+        ++totals_.steps;
+        totals_.hits += step.hit;
+        return step.hit;
+    }
+
+    void RunArmed(Step& step) {
+        std::exception_ptr thrown;
+        try {
+            const Armed armed(step.plan);
+            scenario_.Run();
+        } catch (...) {
+            thrown = std::current_exception();
+        }
+        step.hit = WasHit();
+        if (thrown == nullptr) return;
+        step.threw = true;
+        try {
+            std::rethrow_exception(thrown);
+        } catch (const std::bad_alloc&) {
+            step.exhausted = true;
+        } catch (const std::exception& failure) {
+            step.thrown = failure.what();
+        } catch (...) {
+            step.thrown = "a message";
+        }
+    }
+
+    Scenario& scenario_;
+    const Kind kind_;
+    const std::string name_;
+    bool every_ = false;
+    int failed_ = 0;
+    Totals totals_;
+};
+
+}  // namespace
+
+void RunLoops(Scenario& scenario, Kind kind, const std::string& name) {
+    for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+        std::signal(signal, ReportEnd);
+    }
+    Loops(scenario, kind, name).Run();
+}
+
+}  // namespace faults

@@ -1,0 +1,51 @@
+// Loading and unloading the library in a program that has nothing to do with it. The host's load
+// call is not among those that fail: what is tried is what the library does from within it.
+#include <dlfcn.h>
+
+#include <filesystem>
+
+#include "faults/scenario_tests.h"
+#include "support/fresh_host_root.h"
+#include "support/test_registry.h"
+
+namespace faults {
+
+namespace {
+
+std::string LibraryFile() {
+    const std::filesystem::path own = std::filesystem::read_symlink("/proc/self/exe");
+    return own.parent_path().parent_path() / "bin" / "libqv_rtl.so";
+}
+
+class LoadAndUnload : public Scenario {
+  public:
+    static constexpr const char* kName = "load and unload";
+    LoadAndUnload() {
+        test::TestKey(HKEY_LOCAL_MACHINE, TEXT("Software\\Halvorn\\Vantrel"))
+            .Set(TEXT("Logfile"), TEXT("C:\\qv.log"));
+    }
+    void Run() override {
+        loaded_ = false;
+        void* const library = dlopen(file_.c_str(), RTLD_NOW | RTLD_LOCAL);
+        loaded_ = library != nullptr;
+        unloaded_ = loaded_ && dlclose(library) == 0;
+    }
+    void Check(const Step& step) override {
+        EXPECT_FALSE(step.threw) << step.thrown;
+        EXPECT_TRUE(loaded_ && unloaded_);
+        EXPECT_EQ(dlopen(file_.c_str(), RTLD_NOW | RTLD_NOLOAD), nullptr) << "still loaded";
+    }
+
+  private:
+    test::FreshHostRoot root_;
+    const std::string file_ = LibraryFile();
+    bool loaded_ = false;
+    bool unloaded_ = false;
+};
+
+}  // namespace
+
+using Scenarios = testing::Types<LoadAndUnload>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Load, Faults, Scenarios);
+
+}  // namespace faults

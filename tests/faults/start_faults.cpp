@@ -1,0 +1,64 @@
+// A unit's start and stop: registry, resource file, log file, all of it in one call.
+#include <filesystem>
+#include <fstream>
+
+#include "driver_devmode/qv_devmode.h"
+#include "driver_global/startup.h"
+#include "faults/scenario_tests.h"
+#include "log_file/log_reader.h"
+#include "support/clean_logger.h"
+#include "support/fresh_host_root.h"
+#include "support/test_registry.h"
+#include "xml/xml_resource.h"
+
+namespace faults {
+
+namespace {
+
+class StartAndStop : public Scenario {
+  public:
+    static constexpr const char* kName = "start-up";
+    StartAndStop() {
+        std::filesystem::create_directories(root_.Folder() + "/drive_c/QV");
+        std::ofstream(root_.Folder() + "/drive_c/QV/qv_res.xml")
+            << "<res><devmode><fields>511</fields></devmode></res>";
+        test::TestKey(HKEY_LOCAL_MACHINE, TEXT("Software\\Halvorn\\Vantrel"))
+            .Set(TEXT("InstallPath"), TEXT("C:\\QV"))
+            .Set(TEXT("Logfile"), TEXT("C:\\qv.log"));
+    }
+    void Prepare() override {
+        DeleteFileW(TEXT("C:\\qv.log"));
+        QV_DEVMODE_AvailableFields = 527;
+    }
+    void Run() override {
+        QVInitApp(TEXT("tests"), UnicodeString(), UnicodeString());
+        QVUninitApp(TEXT("tests"));
+    }
+    void Check(const Step& step) override {
+        EXPECT_TRUE(!step.threw || step.plan.kind == Kind::Memory) << step.thrown;
+        // Who was told that the start failed has nothing to end.
+        EXPECT_EQ(test::CleanLogger::Logger().refCount, 0);
+        EXPECT_EQ(test::CleanLogger::Logger().recorder, nullptr);
+        EXPECT_EQ(GetXmlRes(), nullptr);
+        EXPECT_TRUE(QV_DEVMODE_AvailableFields == 511 || QV_DEVMODE_AvailableFields == 527);
+        Mox::TLogReader reader;
+        const bool readable = reader.Open(TEXT("C:\\qv.log"));
+        int records = 0;
+        while (readable && reader.Next() != nullptr) ++records;
+        if (step.hit) return;
+        EXPECT_EQ(QV_DEVMODE_AvailableFields, 511u);
+        EXPECT_EQ(records, 2);
+        EXPECT_EQ(reader.SkipCount(), 0);
+    }
+
+  private:
+    test::FreshHostRoot root_;
+    test::CleanLogger logger_{0};
+};
+
+}  // namespace
+
+using Scenarios = testing::Types<StartAndStop>;
+INSTANTIATE_TYPED_TEST_SUITE_P(Start, Faults, Scenarios);
+
+}  // namespace faults
