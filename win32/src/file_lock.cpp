@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 #include "file_object.h"
 #include "os_error.h"
@@ -23,6 +24,15 @@ constexpr std::uint64_t Join(DWORD low, DWORD high) {
 
 }  // namespace
 
+bool FileObject::MakeRoom() {
+    try {
+        locked_.reserve(locked_.size() + 1);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 DWORD FileObject::Lock(std::uint64_t start, std::uint64_t length) {
     if (length == 0 || start >= kEnd || start + length < start) return ERROR_INVALID_PARAMETER;
     const std::scoped_lock lock(mutex_);
@@ -31,6 +41,8 @@ DWORD FileObject::Lock(std::uint64_t start, std::uint64_t length) {
             return ERROR_LOCK_VIOLATION;
         }
     }
+    // First, since nothing may fail once the range is locked.
+    if (!MakeRoom()) return ERROR_NOT_ENOUGH_MEMORY;
     const short type = access_.write ? F_WRLCK : F_RDLCK;
     const off_t from = static_cast<off_t>(start);
     const int code = LockRange(fd(), type, from, LengthBelowMarkers(start, length));
@@ -44,12 +56,12 @@ DWORD FileObject::Unlock(std::uint64_t start, std::uint64_t length) {
         return range.start == start && range.length == length;
     });
     if (own == locked_.end()) return ERROR_NOT_LOCKED;
-    const off_t from = static_cast<off_t>(start);
-    const int code = LockRange(fd(), F_UNLCK, from, LengthBelowMarkers(start, length));
-    if (code != 0) return ErrorFromErrno(code);
+    // Given back even when the kernel refuses: it would shut out this very handle from now on.
     *own = locked_.back();
     locked_.pop_back();
-    return NO_ERROR;
+    const off_t from = static_cast<off_t>(start);
+    const int code = LockRange(fd(), F_UNLCK, from, LengthBelowMarkers(start, length));
+    return code == 0 ? NO_ERROR : ErrorFromErrno(code);
 }
 
 }  // namespace host

@@ -38,6 +38,9 @@ class FileObject final : public HandleObject {
         std::uint64_t length;
     };
 
+    // For one more range; false without memory.
+    bool MakeRoom();
+
     const UniqueFd fd_;
     const FileAccess access_;
     std::mutex mutex_;
