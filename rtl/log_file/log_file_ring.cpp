@@ -130,11 +130,17 @@ QV_APPEND_STEP bool TLogFileRing::ReadHeader() {
     TLogFileHeader image{};
     bool failed = false;
     const DWORD size = Read(0, &image, kHeaderSize, failed);
-    if (failed) return false;
+    if (failed || (size < kHeaderSize && !EndsAt(size))) return false;
     if (size == 0) return CreateHeader();
     header_ = image;
     counter_at_lock_ = header_.counter;
     return true;
+}
+
+// A short read of a file that is longer says nothing about what stands there.
+bool TLogFileRing::EndsAt(DWORD size) const {
+    DWORD high = 0;
+    return GetFileSize(file_, &high) == size && high == 0;
 }
 
 bool TLogFileRing::CreateHeader() {

@@ -52,6 +52,7 @@ class TLogFileRing {
     bool WaitForLock();
     void Unlock();
     bool ReadHeader();
+    bool EndsAt(DWORD size) const;
     bool CreateHeader();
     bool Place(const TLogRecordBytes& record);
     void MakeRoom(std::uint64_t need);
