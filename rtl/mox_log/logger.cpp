@@ -1,7 +1,9 @@
 #include "mox_log/logger.h"
 
 #include <atomic>
+#include <memory>
 #include <mutex>
+#include <new>
 
 #include "mox_log/log_line.h"
 #include "mox_log/source_log.h"
@@ -27,6 +29,20 @@ std::mutex& SetUpGuard() {
 std::mutex& ErrorReaderGuard() {
     static std::mutex guard;
     return guard;
+}
+
+// What the logger says of itself is no reason to fail: without memory it is not said.
+template <class Say>
+void Shielded(const Say& say) noexcept {
+    try {
+        say();
+    } catch (...) {
+        return;
+    }
+}
+
+void Status(const WCHAR* text, int line = __builtin_LINE()) {
+    Shielded([&] { mox_log::Status(text, line); });
 }
 
 // Takes source and label out of the caller's strings.
@@ -66,17 +82,18 @@ int TLogger::Init() {
     const std::lock_guard hold(SetUpGuard());
     const LONG count = std::atomic_ref(refCount).load() + 1;
     if (count == 1) {
+        auto error = std::make_unique<UnicodeString>();
         tlsIndex = TlsAlloc();
-        if (tlsIndex == TLS_OUT_OF_INDEXES) mox_log::Status(TEXT("TlsAlloc() failed"));
+        if (tlsIndex == TLS_OUT_OF_INDEXES) Status(TEXT("TlsAlloc() failed"));
         InitializeCriticalSection(&lock);
         processId = GetCurrentProcessId();
-        std::atomic_ref(lastError).store(new UnicodeString());
+        std::atomic_ref(lastError).store(error.release());
     }
     std::atomic_ref(refCount).fetch_add(1);
     if (count == 1) {
-        mox_log::Status(TEXT("MOX Log system was initialized successfully."));
+        Status(TEXT("MOX Log system was initialized successfully."));
     } else {
-        mox_log::Status(
+        Status(
             TEXT("Existing MOX Log system was connected to this unit, instead of "
                  "initializing"));
     }
@@ -89,19 +106,24 @@ int TLogger::Release() {
     if (before < 1) return before;
     const LONG count = std::atomic_ref(refCount).fetch_sub(1) - 1;
     if (count > 0) {
-        mox_log::Status(TEXT("MOX Log system was disconnected from this unit"));
+        Status(TEXT("MOX Log system was disconnected from this unit"));
         return count;
     }
     if (tlsIndex != TLS_OUT_OF_INDEXES && !TlsFree(tlsIndex)) {
-        UnicodeString line;
-        mox_log::Status(line.sprintf(TEXT("TlsFree(%d) failed: %s"), tlsIndex,
-                                     GetSysError(::GetLastError(), true)));
+        const DWORD code = ::GetLastError();
+        const int line = __builtin_LINE();
+        Shielded([&] {
+            UnicodeString text;
+            mox_log::Status(
+                text.sprintf(TEXT("TlsFree(%d) failed: %s"), tlsIndex, GetSysError(code, true)),
+                line);
+        });
     }
     tlsIndex = TLS_OUT_OF_INDEXES;
     DeleteCriticalSection(&lock);
     UnicodeString* text = std::atomic_ref(lastError).exchange(nullptr);
     if (text != ErrorBeingRead()) delete text;
-    mox_log::Status(TEXT("MOX Log system was uninitialized successfully."));
+    Status(TEXT("MOX Log system was uninitialized successfully."));
     return count;
 }
 
@@ -137,7 +159,8 @@ UnicodeString* TLogger::ErrorBeingRead() {
 }
 
 void TLogger::SetLastError(UnicodeString text) {
-    UnicodeString* fresh = new UnicodeString(text);
+    auto* fresh = new (std::nothrow) UnicodeString(text);
+    if (fresh == nullptr) return;  // the one before stays: logging goes on without memory
     std::atomic_ref<UnicodeString*> slot(lastError);
     UnicodeString* old = slot.load();
     while (old != nullptr && !slot.compare_exchange_weak(old, fresh)) {
