@@ -1,6 +1,7 @@
 #include "driver_global/startup.h"
 
 #include <memory>
+#include <optional>
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"
@@ -70,27 +71,48 @@ void InstallRecorder(const UnicodeString& log_file) {
     if (recorder->Open(log_file, kLogFileLimit)) ExchangeRecorder(std::move(recorder));
 }
 
+void Identify(const UnicodeString& module_name) {
+    UnicodeString text;
+    driver_global::Log('i', text.sprintf(TEXT("OS Version: %s"), GetOSInfo()));
+    driver_global::Log('i',
+                       text.sprintf(TEXT("'%s [%s%s]' initiated the log system. "), module_name,
+                                    TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
+}
+
+// A step that an exhausted heap ends is left out; the ones behind it still come, so that every
+// start of a unit has its end.
+template <class Step>
+void AsFarAsPossible(const Step& step) noexcept {
+    try {
+        step();
+    } catch (...) {
+        OutputDebugStringW(TEXT("[##qv_rtl] a step of a unit's start or end failed"));
+    }
+}
+
 }  // namespace
 
 void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFile,
                const UnicodeString& language) {
     Mox::GetLogger()->Init();
-    const UnicodeString log_file = GetPrinterLogFile();
-    InitXmlRes(resourceFile.Length() > 0 ? resourceFile : InstalledResourceFile(),
-               kFallbackResourceFile);
-    SetLanguage(language.Length() > 0 ? language : GetPrinterLanguage());
-    ReadResources();
-    TakeAvailableFields();
-    InstallRecorder(log_file);
-    UnicodeString text;
-    driver_global::Log('i', text.sprintf(TEXT("OS Version: %s"), GetOSInfo()));
-    driver_global::Log('i', text.sprintf(TEXT("'%s [%s%s]' initiated the log system. "), moduleName,
-                                         TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
+    std::optional<UnicodeString> log_file;
+    AsFarAsPossible([&] { log_file = GetPrinterLogFile(); });
+    AsFarAsPossible([&] {
+        InitXmlRes(resourceFile.Length() > 0 ? resourceFile : InstalledResourceFile(),
+                   kFallbackResourceFile);
+        SetLanguage(language.Length() > 0 ? language : GetPrinterLanguage());
+        ReadResources();
+        TakeAvailableFields();
+    });
+    AsFarAsPossible([&] {
+        if (log_file) InstallRecorder(*log_file);
+    });
+    AsFarAsPossible([&] { Identify(moduleName); });
 }
 
 void QVUninitApp(const UnicodeString& /*moduleName*/) {
     ExchangeRecorder(nullptr);
-    UninitXmlRes();
+    AsFarAsPossible([] { UninitXmlRes(); });
     Mox::GetLogger()->Release();
 }
 
