@@ -26,6 +26,7 @@ constexpr int kMostFailures = 12;
 std::array<char, 256> now_running;
 
 [[noreturn]] void ReportEnd(int signal) {
+    Disarm();
     const char* const how = signal == SIGALRM ? "hangs at: " : "breaks down at: ";
     for (const char* text : {how, static_cast<const char*>(now_running.data()), "\n"}) {
         if (write(STDERR_FILENO, text, std::strlen(text)) < 0) break;
@@ -134,14 +135,14 @@ class Loops {
         text.copy(now_running.data(), now_running.size() - 1);
         now_running[std::min(text.size(), now_running.size() - 1)] = 0;
         const testing::ScopedTrace trace(__FILE__, __LINE__, text);
+        alarm(kSecondsPerStep);
         scenario_.Prepare();
         Step step;
         step.plan = plan;
-        alarm(kSecondsPerStep);
         RunArmed(step);
-        alarm(0);
         const int parts = FailedParts();
         scenario_.Check(step);
+        alarm(0);
         failed_ += FailedParts() > parts;
         ++totals_.steps;
         totals_.hits += step.hit;

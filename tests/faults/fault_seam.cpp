@@ -54,6 +54,10 @@ Armed::Armed(const Plan& plan) {
 }
 
 Armed::~Armed() {
+    Disarm();
+}
+
+void Disarm() {
     state.armed = false;
 }
 

@@ -66,7 +66,7 @@ QV_FAILS(4, send, Errno, EPIPE, EAGAIN)
 QV_FAILS(4, recv, Errno, ECONNRESET)
 QV_FAILS(3, sendmsg, Errno, EPIPE, EAGAIN)
 QV_FAILS(3, recvmsg, Errno, ECONNRESET)
-QV_FAILS(3, poll, Errno, EINTR, ENOMEM)
+QV_FAILS(3, poll, Errno, ENOMEM, EINTR)
 QV_FAILS(2, pipe2, Errno, EMFILE)
 QV_FAILS(6, posix_spawnp, Status, ENOMEM, EACCES)
 
@@ -89,11 +89,17 @@ extern "C" int openat(int folder, const char* path, int flags, ...) {
     return Call(site, [&] { return next(folder, path, flags, mode); });
 }
 
+// Giving a lock back does its work, even when it reports a failure.
 extern "C" int fcntl(int file, int command, ...) {
-    QV_SITE(fcntl, Errno, false, ENOLCK, EACCES, EAGAIN);
+    static constexpr int kCodes[] = {ENOLCK, EACCES, EAGAIN};
+    static constinit Site lock{"fcntl", kKind, Errno, kCodes};
+    static constinit Site unlock{"fcntl, unlocking", kKind, Errno, kCodes, true};
+    static const auto next = Next<decltype(::fcntl)>("fcntl");
     std::va_list rest;
     va_start(rest, command);
     void* const argument = va_arg(rest, void*);
     va_end(rest);
-    return Call(site, [&] { return next(file, command, argument); });
+    const bool locks = command == F_SETLK || command == F_OFD_SETLK;
+    const bool unlocks = locks && static_cast<const struct flock*>(argument)->l_type == F_UNLCK;
+    return Call(unlocks ? unlock : lock, [&] { return next(file, command, argument); });
 }
