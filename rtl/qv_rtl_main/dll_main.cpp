@@ -29,7 +29,8 @@ extern "C" QV_API BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID
                 ' ', UnicodeString(TEXT("[qv_rtl] ExeName: ")) + Sysutils::ExeName(nullptr));
         });
     } else if (reason == DLL_PROCESS_DETACH) {
-        Shielded([] { QVUninitApp(TEXT("qv_rtl")); });
+        // The name is not used; making it could fail, and the unit's end with it.
+        Shielded([] { QVUninitApp(UnicodeString()); });
         OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_DETACH Leaved"));
         System::ReleaseModuleStatics();
     }
