@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 
 namespace host {
@@ -201,7 +202,8 @@ bool ThreadWindows::Wait(int connection, bool for_windows, const Deadline& deadl
         }
     }
     const int ready = poll(states.data(), states.size(), MillisecondsUntil(deadline));
-    return ready != 0 || MillisecondsUntil(deadline) != 0;
+    if (ready < 0 && errno != EINTR) return false;  // it would fail again at once, without waiting
+    return ready > 0 || MillisecondsUntil(deadline) != 0;
 }
 
 UniqueFd ThreadWindows::Connect(WindowNumber number, const Deadline& deadline, bool deaf,

@@ -63,7 +63,7 @@ class ThreadWindows {
     // The next posted message, WM_QUIT after all others; false when there is none.
     bool Take(const MessageFilter& filter, bool remove, MSG& message);
     // Waits until something arrives for a window, or until `connection` (-1: none) can be read.
-    // False when the deadline has passed.
+    // False when the deadline has passed, or the system cannot wait.
     bool Wait(int connection, bool for_windows, const Deadline& deadline);
 
     // Sends to a window of another thread and waits for its answer; answers what is sent to this
