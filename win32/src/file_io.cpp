@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 
 #include "file_object.h"
 #include "os_error.h"
+#include "pipe_signal.h"
 
 namespace host {
 namespace {
@@ -103,6 +105,8 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD done, LPOVERLAP
         return host::Fail(ERROR_NOT_SUPPORTED);
     }
     if (!object->access().write) return host::Fail(ERROR_ACCESS_DENIED);
+    std::optional<host::HeldPipeSignal> held;
+    if (object->is_stream()) held.emplace();
     const DWORD error = host::Transfer(bytes, false, count, [&](DWORD at, DWORD size) {
         const BYTE* const source = static_cast<const BYTE*>(buffer) + at;
         return overlapped == nullptr
