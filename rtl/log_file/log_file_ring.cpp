@@ -16,6 +16,9 @@ using log_file::Report;
 // A search for slots in a damaged ring looks at no more than this much.
 constexpr DWORD kLongestSearch = 64U << 20;
 
+// An append is given up; the header stays as it is in the file.
+struct TUnreadable {};
+
 DWORD Shown(HANDLE file) {
     return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(file));
 }
@@ -93,7 +96,11 @@ bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::T
     }
     const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
     if (record.Size() > room && !record.Serialise(message, room)) return false;
-    return Place(record);
+    try {
+        return Place(record);
+    } catch (const TUnreadable&) {
+        return false;
+    }
 }
 
 QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
@@ -130,7 +137,7 @@ QV_APPEND_STEP bool TLogFileRing::ReadHeader() {
     TLogFileHeader image{};
     bool failed = false;
     const DWORD size = Read(0, &image, kHeaderSize, failed);
-    if (failed || (size < kHeaderSize && !EndsAt(size))) return false;
+    if (failed || (size < kHeaderSize && !EndsBy(size))) return false;
     if (size == 0) return CreateHeader();
     header_ = image;
     counter_at_lock_ = header_.counter;
@@ -138,9 +145,10 @@ QV_APPEND_STEP bool TLogFileRing::ReadHeader() {
 }
 
 // A short read of a file that is longer says nothing about what stands there.
-bool TLogFileRing::EndsAt(DWORD size) const {
+bool TLogFileRing::EndsBy(std::uint64_t offset) const {
     DWORD high = 0;
-    return GetFileSize(file_, &high) == size && high == 0;
+    const DWORD size = GetFileSize(file_, &high);
+    return high == 0 && size <= offset;
 }
 
 bool TLogFileRing::CreateHeader() {
@@ -196,8 +204,7 @@ void TLogFileRing::Wrap() {
 void TLogFileRing::DropOldest() {
     TLogFileHeader& h = header_;
     std::uint8_t head[kSlotHeadSize];
-    bool failed = false;
-    const DWORD size = Read(h.oldest, head, sizeof(head), failed);
+    const DWORD size = ReadOrGiveUp(h.oldest, head, sizeof(head));
     const DWORD end = CredibleSlotEnd(h.oldest, {head, size}, h.wrap);
     if (end == 0) return Recover();
     h.count = h.count - 1;
@@ -231,10 +238,17 @@ TLogChain TLogFileRing::FindChain(DWORD from, DWORD end) {
     if (from >= end) return TLogChain{};
     from = std::max(from, end - std::min(end, kLongestSearch));
     std::vector<std::uint8_t> region(end - from);
-    bool failed = false;
-    const DWORD size = Read(from, region.data(), end - from, failed);
+    const DWORD size = ReadOrGiveUp(from, region.data(), end - from);
     if (size != region.size()) return TLogChain{};
     return FindChainToEnd(region, from);
+}
+
+// Records that cannot be read now are not overwritten for that.
+DWORD TLogFileRing::ReadOrGiveUp(DWORD offset, void* bytes, DWORD size) {
+    bool failed = false;
+    const DWORD done = Read(offset, bytes, size, failed);
+    if (failed || (done < size && !EndsBy(std::uint64_t{offset} + done))) throw TUnreadable();
+    return done;
 }
 
 QV_APPEND_STEP DWORD TLogFileRing::Read(DWORD offset, void* bytes, DWORD size, bool& failed) {

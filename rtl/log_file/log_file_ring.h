@@ -52,7 +52,7 @@ class TLogFileRing {
     bool WaitForLock();
     void Unlock();
     bool ReadHeader();
-    bool EndsAt(DWORD size) const;
+    bool EndsBy(std::uint64_t offset) const;
     bool CreateHeader();
     bool Place(const TLogRecordBytes& record);
     void MakeRoom(std::uint64_t need);
@@ -62,6 +62,7 @@ class TLogFileRing {
     TLogChain FindChain(DWORD from, DWORD end);
 
     DWORD Read(DWORD offset, void* bytes, DWORD size, bool& failed);
+    DWORD ReadOrGiveUp(DWORD offset, void* bytes, DWORD size);
     DWORD Write(DWORD offset, const void* bytes, DWORD size);
     void ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line);
 
