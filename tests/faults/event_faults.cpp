@@ -36,7 +36,7 @@ class FireEvent : public Scenario {
     WCHAR document_[16] = TEXT("Annual report");
     TFillTagsInfo info_;
     const UnicodeString description_ =
-        TEXT("<e win=\"QvFaultPeer\" msg=\"1025\" param=\"{jobid} {docname}\"/>")
+        TEXT("<e win=\"QvFaultPeer\" msg=\"1025\" timeout=\"500\" param=\"{jobid} {docname}\"/>")
             TEXT("<e win=\"QvFaultPeer\" msg=\"1024\" timeout=\"0\" param=\"{docname}\"/>")
                 TEXT("<e file=\"/bin/true\" param=\"{docname}\"/>");
     bool fired_ = false;

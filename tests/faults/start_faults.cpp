@@ -31,8 +31,8 @@ class StartAndStop : public Scenario {
         QV_DEVMODE_AvailableFields = 527;
     }
     void Run() override {
-        QVInitApp(TEXT("tests"), UnicodeString(), UnicodeString());
-        QVUninitApp(TEXT("tests"));
+        QVInitApp(unit_, UnicodeString(), UnicodeString());
+        QVUninitApp(unit_);
     }
     void Check(const Step& step) override {
         EXPECT_TRUE(!step.threw || step.plan.kind == Kind::Memory) << step.thrown;
@@ -54,6 +54,7 @@ class StartAndStop : public Scenario {
   private:
     test::FreshHostRoot root_;
     test::CleanLogger logger_{0};
+    const UnicodeString unit_ = TEXT("tests");
 };
 
 }  // namespace
