@@ -57,12 +57,20 @@ class TByteBlock {
         const __m128i less = _mm_sub_epi8(bytes_, _mm_set1_epi8(1));
         return TByteMarks(_mm_cmpeq_epi8(_mm_min_epu8(less, _mm_set1_epi8(31)), less));
     }
+    TByteMarks Same(const TByteBlock& other) const {
+        return TByteMarks(_mm_cmpeq_epi8(bytes_, other.bytes_));
+    }
     // The bytes as 16-bit units.
     void Widen(void* units) const {
-        const __m128i zero = _mm_setzero_si128();
         auto* out = static_cast<__m128i*>(units);
-        _mm_storeu_si128(out, _mm_unpacklo_epi8(bytes_, zero));
-        _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(bytes_, zero));
+        _mm_storeu_si128(out, _mm_unpacklo_epi8(bytes_, _mm_setzero_si128()));
+        _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(bytes_, _mm_setzero_si128()));
+    }
+    // kHalf bytes as 16-bit units.
+    static void WidenHalf(const unsigned char* bytes, void* units) {
+        const __m128i half = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes));
+        _mm_storeu_si128(static_cast<__m128i*>(units),
+                         _mm_unpacklo_epi8(half, _mm_setzero_si128()));
     }
 
   private:
@@ -107,11 +115,22 @@ class TByteBlock {
     }
     static TByteMarks None() { return TByteMarks(0); }
     TByteMarks NotAscii() const { return TByteMarks(bytes_); }
+    TByteMarks Same(const TByteBlock& other) const {
+        const std::uint64_t different = bytes_ ^ other.bytes_;
+        return ~TByteMarks(Above(different, 0) | different);
+    }
     TByteMarks Odd() const { return NotAscii() | Is('\0'); }
     TByteMarks Blank() const { return ~(TByteMarks(Above(bytes_, 32)) | Odd()); }
     void Widen(void* units) const {
         std::uint16_t wide[kSize];
-        for (int i = 0; i < kSize; ++i) wide[i] = (bytes_ >> (8 * i)) & 0xFF;
+        for (int i = 0; i < kSize; ++i) {
+            wide[i] = static_cast<std::uint16_t>((bytes_ >> (8 * i)) & 0xFF);
+        }
+        std::memcpy(units, wide, sizeof wide);
+    }
+    static void WidenHalf(const unsigned char* bytes, void* units) {
+        std::uint16_t wide[kHalf];
+        for (int i = 0; i < kHalf; ++i) wide[i] = bytes[i];
         std::memcpy(units, wide, sizeof wide);
     }
 
@@ -153,4 +172,14 @@ inline const unsigned char* SkipBlank(const unsigned char* at, const unsigned ch
     }
     while (at < end && *at != 0 && *at <= 0x20) ++at;
     return at;
+}
+
+// Whether two texts of `count` bytes are the same. Both may be read up to `readable` bytes.
+inline bool SameBytes(const unsigned char* a, const unsigned char* b, std::ptrdiff_t count,
+                      std::ptrdiff_t readable) {
+    if (count > TByteBlock::kSize || readable < TByteBlock::kSize) {
+        return std::memcmp(a, b, static_cast<std::size_t>(count)) == 0;
+    }
+    const auto different = (~TByteBlock(a).Same(TByteBlock(b))).Bits();
+    return different == 0 || TByteMarks::First(different) >= count;
 }

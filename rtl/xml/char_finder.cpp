@@ -19,28 +19,33 @@ using System::kCodePageUtf8;
 
 namespace {
 
-// The length of a span that is looked at block by block.
-std::ptrdiff_t WholeBlocks(int count) {
-    return count - count % TByteBlock::kSize;
-}
-
 bool IsAscii(const unsigned char* bytes, int count) {
-    const std::ptrdiff_t blocks = WholeBlocks(count);
+    const unsigned char* const end = bytes + count;
     TByteMarks high = TByteBlock::None();
-    for (std::ptrdiff_t i = 0; i < blocks; i += TByteBlock::kSize) {
-        high = high | TByteBlock(bytes + i).NotAscii();
+    for (; end - bytes >= TByteBlock::kSize; bytes += TByteBlock::kSize) {
+        high = high | TByteBlock(bytes).NotAscii();
     }
-    unsigned rest = 0;
-    for (std::ptrdiff_t i = blocks; i < count; ++i) rest |= bytes[i];
-    return high.Bits() == 0 && rest < 0x80;
+    std::uint64_t rest = 0;
+    for (; end - bytes >= 4; bytes += 4) {
+        std::uint32_t word;
+        std::memcpy(&word, bytes, sizeof word);
+        rest |= word;
+    }
+    for (; bytes < end; ++bytes) rest |= *bytes;
+    return high.Bits() == 0 && (rest & 0x80808080u) == 0;
 }
 
+// The last block overlaps the one before it: short texts, which most are, take no loop.
 void WidenAscii(const unsigned char* bytes, int count, WCHAR* units) {
-    const std::ptrdiff_t blocks = WholeBlocks(count);
-    for (std::ptrdiff_t i = 0; i < blocks; i += TByteBlock::kSize) {
-        TByteBlock(bytes + i).Widen(units + i);
+    if (count < TByteBlock::kHalf) {
+        for (int i = 0; i < count; ++i) units[i] = bytes[i];
+        return;
     }
-    for (std::ptrdiff_t i = blocks; i < count; ++i) units[i] = bytes[i];
+    for (std::ptrdiff_t i = 0; i < count - TByteBlock::kHalf; i += TByteBlock::kHalf) {
+        TByteBlock::WidenHalf(bytes + i, units + i);
+    }
+    const std::ptrdiff_t last = count - TByteBlock::kHalf;
+    TByteBlock::WidenHalf(bytes + last, units + last);
 }
 
 }  // namespace
@@ -106,6 +111,11 @@ void TAsciiCharFinder::StepByUtf8() {
     fill(0xE0, 0xEF, 3);
     fill(0xF0, 0xF7, 4);
     fill(0xF8, 0xFF, 0);
+}
+
+bool TAsciiCharFinder::TakesUtf8() const {
+    return FCodePage == kCodePageUtf8 ||
+           std::all_of(FStep + 0x80, FStep + 256, [](unsigned char step) { return step == 1; });
 }
 
 unsigned char TAsciiCharFinder::Find(const TSearchSet* set) {

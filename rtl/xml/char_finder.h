@@ -59,7 +59,9 @@ class QV_API TAsciiCharFinder {
             at = PassOdd(at, end);
         }
     }
-    // Moves on to the next byte that is not one of 1 to 32.
+    // Whether well-formed UTF-8 is passed over character by character, or byte by byte.
+    bool TakesUtf8() const;
+    // Moves on to the next byte that is not one of 1 to 32, which are characters in any encoding.
     void SkipBlanks() {
         FPos = static_cast<int>(SkipBlank(FBuffer + FPos, FBuffer + FSize) - FBuffer);
     }
@@ -77,15 +79,22 @@ class QV_API TAsciiCharFinder {
     // The byte at position plus offset, 0 outside the buffer.
     char c(int offset) const { return static_cast<char>(b(offset)); }
     unsigned char b(int offset) const {
-        const int at = At(offset);
-        return at < 0 || at >= FSize ? static_cast<unsigned char>(0) : FBuffer[at];
+        // In front of the start wraps to far behind the end.
+        const unsigned at = static_cast<unsigned>(FPos) + static_cast<unsigned>(offset);
+        return at < static_cast<unsigned>(FSize) ? FBuffer[at] : static_cast<unsigned char>(0);
     }
     bool Eof() const { return FPos >= FSize; }
 
     int Position() const { return FPos; }
     int Size() const { return FSize; }
-    // To a position that was passed before.
-    void BackTo(int position) { FPos = position; }
+    // Moves on to the next byte that belongs to the set, which has 33 to 126 and no blank.
+    void FindSignificant(const TSearchSet* set) {
+        SkipBlanks();
+        const unsigned char octet = Current();
+        if (octet <= 32 || octet >= 127) Find(set);
+    }
+    // To any position of the input.
+    void MoveTo(int position) { FPos = position; }
     // Moves on by `count` bytes, at most to the end.
     void Skip(int count) { FPos = count < FSize - FPos ? FPos + count : FSize; }
     TCodePage CodePage() const { return FCodePage; }

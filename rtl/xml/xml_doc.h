@@ -91,9 +91,8 @@ class QV_API TXmlDoc {
     int ParseElements();
     int ParseInstruction();
     int ParseEndTag();
-    bool FindEndOfName(int start);
+    bool SkipNameOfOpen();
     int ParseStartTag();
-    bool FindEndOfText(bool in_attribute);
     int ParsePieces(UnicodeString& text, bool in_attribute);
     int CloseElement();
     void SkipComment();

@@ -70,22 +70,14 @@ TXmlItems::~TXmlItems() {
     System::FreeMemory(FList);
 }
 
-int TXmlItems::AddItem(TXmlPair* item) {
-    const int count = GetCount();
-    if (item == nullptr) return -1;
-    if (count == capacity_) Grow();
-    FList[count] = item;
-    FCount = -(count + 1);
-    return count;
-}
-
 // Half as much again: most lists are short, and a heap that resizes within a size class moves
 // nothing.
 void TXmlItems::Grow() {
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    constexpr std::int32_t kFirst = 2;
+    constexpr std::int32_t kFirst = 4;
     if (capacity_ == kMost) throw UnicodeString("Out of length");
-    const std::int64_t wanted = std::int64_t{capacity_} + capacity_ / 2 + kFirst;
+    const std::int64_t wanted =
+        std::int64_t{capacity_} + capacity_ / 2 + (capacity_ < 8 ? kFirst : 0);
     const auto capacity = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, kMost));
     FList = static_cast<TXmlPair**>(
         ResizedBlock(FList, static_cast<SIZE_T>(capacity) * sizeof(TXmlPair*)));

@@ -62,7 +62,14 @@ class QV_API TXmlItems : public TXmlBlock {
 
     // Takes ownership, appends, marks the table stale; the position of the item. Null is not added
     // (-1); a list that is full (2147483647 items) throws "Out of length".
-    int AddItem(TXmlPair* item);
+    int AddItem(TXmlPair* item) {
+        const int count = GetCount();
+        if (item == nullptr) return -1;
+        if (count == capacity_) Grow();
+        FList[count] = item;
+        FCount = -(count + 1);
+        return count;
+    }
     int GetCount() const { return FCount < 0 ? -FCount : FCount; }
     // Null outside 0 .. count - 1.
     TXmlPair* Items(int i) const { return i < 0 || i >= GetCount() ? nullptr : FList[i]; }

@@ -32,6 +32,7 @@ std::uint32_t HashOf(const UnicodeString& name, std::uint64_t seed) {
 bool XmlNamesEqual(const UnicodeString& a, const UnicodeString& b) {
     if (a.data() == b.data()) return true;
     if (a.Length() != b.Length()) return false;
+    if (*a.t_str() != *b.t_str()) return false;
     return std::memcmp(a.t_str(), b.t_str(),
                        static_cast<std::size_t>(a.Length()) * sizeof(WCHAR)) == 0;
 }

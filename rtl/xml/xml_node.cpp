@@ -13,15 +13,20 @@ void TXmlNode::Clear() {
     }
 }
 
-// Deletes both lists; the children go to the front of `pending`, which is linked through the owner
-// members: nodes about to die need no owner, and a tree of any depth comes down without recursion
-// and without memory.
+// Deletes both lists and the children that have none; the others go to the front of `pending`,
+// which is linked through the owner members: nodes about to die need no owner, and a tree of any
+// depth comes down without recursion and without memory.
 void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
     delete std::exchange(FAttributes, nullptr);
     if (FChildren == nullptr) return;
-    for (int i = 0; i < FChildren->GetCount(); ++i) {
+    const int count = FChildren->GetCount();
+    for (int i = 0; i < count; ++i) {
         auto* child = static_cast<TXmlNode*>(FChildren->FList[i]);
-        child->FOwner = std::exchange(pending, child);
+        if (child->IsLeaf()) {
+            delete child;
+        } else {
+            child->FOwner = std::exchange(pending, child);
+        }
     }
     FChildren->FCount = 0;
     delete std::exchange(FChildren, nullptr);

@@ -17,7 +17,9 @@ class QV_API TXmlNode : public TXmlPair {
     TXmlNode() = default;
     // Only remembers the owner; the node is not added to its children.
     explicit TXmlNode(TXmlNode* owner) : FOwner(owner) {}
-    ~TXmlNode() { Clear(); }
+    ~TXmlNode() {
+        if (!IsLeaf()) Clear();
+    }
     TXmlNode(const TXmlNode&) = delete;
     TXmlNode& operator=(const TXmlNode&) = delete;
 
@@ -79,6 +81,7 @@ class QV_API TXmlNode : public TXmlPair {
     UnicodeString FTail;  // text between the end tag and the next tag
 
   private:
+    bool IsLeaf() const { return FAttributes == nullptr && FChildren == nullptr; }
     TXmlNode* AppendChild(UnicodeString name);
     TXmlPair* AppendAttribute(UnicodeString name, UnicodeString value);
     void ReleaseInto(TXmlNode*& pending) noexcept;

@@ -18,21 +18,6 @@ std::uint64_t Word(const char* bytes) {
     return word;
 }
 
-// Both ends and the length: names that agree in all of them are rare enough.
-std::size_t HashOf(std::string_view key) {
-    std::uint64_t first = 0;
-    std::uint64_t last = 0;
-    if (key.size() >= 8) {
-        first = Word(key.data());
-        last = Word(key.data() + key.size() - 8);
-    } else {
-        for (const char octet : key) first = first << 8 | static_cast<unsigned char>(octet);
-    }
-    const std::uint64_t mixed =
-        (first ^ std::rotl(last, 23) ^ key.size()) * std::uint64_t{0x9E3779B97F4A7C15u};
-    return static_cast<std::size_t>(mixed >> 55);
-}
-
 void TrimSpan(const TAsciiCharFinder& finder, int& from, int& to) {
     const unsigned char* bytes = finder.Bytes(0);
     while (from < to && bytes[from] <= 0x20) ++from;
@@ -45,19 +30,48 @@ std::string_view Bytes(const TAsciiCharFinder& finder, int from, int to) {
 
 }  // namespace
 
+inline bool TXmlNameCache::Key::operator==(const Key& other) const {
+    return first == other.first && last == other.last && bytes.size() == other.bytes.size() &&
+           (bytes.size() <= 16 || bytes == other.bytes);
+}
+
+inline TXmlNameCache::Key TXmlNameCache::KeyOf(const TAsciiCharFinder& finder, int from, int to) {
+    Key key;
+    key.bytes = Bytes(finder, from, to);
+    const std::size_t length = key.bytes.size();
+    if (length >= sizeof key.first) {
+        key.first = Word(key.bytes.data());
+        key.last = Word(key.bytes.data() + length - sizeof key.last);
+    } else if (finder.Size() - from >= static_cast<int>(sizeof key.first)) {
+        key.first = Word(key.bytes.data()) & ((std::uint64_t{1} << (8 * length)) - 1);
+    } else {
+        std::memcpy(&key.first, key.bytes.data(), length);
+    }
+    return key;
+}
+
+inline std::size_t TXmlNameCache::HomeOf(const Key& key) {
+    const std::uint64_t mixed = (key.first ^ std::rotl(key.last, 23) ^ key.bytes.size()) *
+                                std::uint64_t{0x9E3779B97F4A7C15u};
+    return static_cast<std::size_t>(mixed >> 55);
+}
+
 UnicodeString TXmlNameCache::Get(const TAsciiCharFinder& finder, int from, int to) {
     TrimSpan(finder, from, to);
-    if (from == to) return UnicodeString();
-    const std::string_view key = Bytes(finder, from, to);
-    std::size_t slot = HashOf(key);
+    return from == to ? UnicodeString() : GetTrimmed(finder, from, to);
+}
+
+const UnicodeString& TXmlNameCache::GetTrimmed(const TAsciiCharFinder& finder, int from, int to) {
+    const Key key = KeyOf(finder, from, to);
+    std::size_t slot = HomeOf(key);
     for (; slots_[slot] != 0; slot = (slot + 1) % slots_.size()) {
         const Entry& entry = entries_[slots_[slot] - 1u];
-        if (entry.bytes == key) return entry.name;
+        if (entry.key == key) return entry.name;
     }
     if (entries_.size() == kMost) {
         entries_.clear();
         slots_.fill(0);
-        slot = HashOf(key);
+        slot = HomeOf(key);
     }
     entries_.push_back({key, finder.Read(from, to)});
     slots_[slot] = static_cast<unsigned char>(entries_.size());
@@ -135,13 +149,20 @@ void AppendPieces(UnicodeString& text, const TPieces& pieces) {
     text += UnicodeString(pieces.data(), static_cast<long long>(pieces.size()));
 }
 
-// Whether the units are these bytes, all of them ASCII.
-bool IsAsciiText(const UnicodeString& text, const unsigned char* bytes, int count) {
-    if (text.Length() != count) return false;
-    const WCHAR* units = text.t_str();
-    int i = 0;
-    while (i < count && bytes[i] < 0x80 && units[i] == bytes[i]) ++i;
-    return i == count;
+// The length of the key at the position when it is short, ASCII and ends right before one of the
+// characters that end keys; else 0.
+int PlainKeyLength(const TAsciiCharFinder& finder, char end, char quote) {
+    const int at = finder.Position();
+    if (finder.Size() - at < TByteBlock::kSize) return 0;
+    const unsigned char* bytes = finder.Bytes(at);
+    const TByteBlock block(bytes);
+    const auto bits = (block.Odd() | block.Blank() | block.Is('<') | block.Is('>') | block.Is('=') |
+                       block.Is(end) | block.Is(quote))
+                          .Bits();
+    if (bits == 0) return 0;
+    const std::ptrdiff_t length = TByteMarks::First(bits);
+    const unsigned char last = bytes[length];
+    return last >= 0x20 && last < 0x80 ? static_cast<int>(length) : 0;
 }
 
 // Set for as long as it lives.
@@ -161,7 +182,8 @@ class TInAttributes {
 // Gives the document its scanner, sets and names for one parse, and takes them back however the
 // parse ends.
 struct TXmlDoc::TParsing {
-    TParsing(TXmlDoc& document, TAsciiCharFinder& finder) : doc(document) {
+    TParsing(TXmlDoc& document, TAsciiCharFinder& finder)
+        : doc(document), state(finder.TakesUtf8()) {
         doc.FFinder = &finder;
         static const TXmlSearchSets sets;
         doc.FSets = &sets;
@@ -212,7 +234,7 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
 // end tag, or the negated position of an error.
 int TXmlDoc::ParseElements() {
     while (!FFinder->Eof()) {
-        if (FFinder->FindAny('<', '>') != '<') {
+        if (FFinder->Current() != '<' && FFinder->FindAny('<', '>') != '<') {
             FFinder->Skip(1);
             continue;
         }
@@ -273,9 +295,7 @@ void TXmlDoc::SkipComment() {
 
 int TXmlDoc::ParseEndTag() {
     FFinder->Skip(2);
-    const int start = FFinder->Position();
-    if (!FindEndOfName(start)) {
-        FFinder->BackTo(start);
+    if (!SkipNameOfOpen()) {
         const UnicodeString name = ParseKey('>');
         if (FFinder->Current() != '>' || FCurrent == nullptr) return Error();
         if (!XmlNamesEqual(name, FCurrent->FName)) return Error();
@@ -284,19 +304,24 @@ int TXmlDoc::ParseEndTag() {
     return CloseElement();
 }
 
-// The common end tag: moves to its '>' when the bytes before it, blanks at neither end, are the
-// name of the current element.
-bool TXmlDoc::FindEndOfName(int start) {
-    if (FCurrent == nullptr || FFinder->FindAny('<', '>', ' ', '=') != '>') return false;
-    const int length = FFinder->Position() - start;
-    return length > 0 && FFinder->b(-1) > 0x20 && FFinder->b(-length) > 0x20 &&
-           IsAsciiText(FCurrent->FName, FFinder->Bytes(start), length);
+// The common end tag, which repeats the bytes of the start tag: moves to its '>'.
+bool TXmlDoc::SkipNameOfOpen() {
+    if (state_->open.empty()) return false;
+    const TXmlNameSpan& name = state_->open.back();
+    const int left = FFinder->Size() - FFinder->Position();
+    if (left <= name.length || FFinder->b(name.length) != '>') return false;
+    const unsigned char* bytes = FFinder->Bytes(FFinder->Position());
+    if (!SameBytes(bytes, FFinder->Bytes(name.from), name.length, left)) return false;
+    FFinder->Skip(name.length);
+    return true;
 }
 
 int TXmlDoc::ParseStartTag() {
     FFinder->Skip(1);
+    const int start = FFinder->Position();
     UnicodeString name = ParseKey('/');
     if (name.IsEmpty()) return Error();
+    state_->open.push_back({start, state_->key_end - start});
     if (!FRootSeen) {
         FRoot->FName = std::move(name);
         FCurrent = FRoot;
@@ -320,6 +345,7 @@ int TXmlDoc::ParseStartTag() {
 
 // Behind an end tag or an empty element: the tail, then back to the owner.
 int TXmlDoc::CloseElement() {
+    if (!state_->open.empty()) state_->open.pop_back();
     if (FCurrent->GetOwner() == nullptr) return FFinder->Position();
     const int result = ParseText(FCurrent->FTail, false);
     if (result < 0) return result;
@@ -329,10 +355,19 @@ int TXmlDoc::CloseElement() {
 
 UnicodeString TXmlDoc::ParseKey(char end) {
     const int start = FFinder->Position();
-    FFinder->FindAny('<', '>', ' ', '=', end, state_->in_attributes ? '"' : '<');
+    const char quote = state_->in_attributes ? '"' : '<';
+    const int length = PlainKeyLength(*FFinder, end, quote);
+    if (length > 0) {
+        FFinder->Skip(length);
+        state_->key_end = start + length;
+        if (FFinder->Current() == ' ') FFinder->FindSignificant(&FSets->Significant);
+        return state_->names.GetTrimmed(*FFinder, start, start + length);
+    }
+    FFinder->FindAny('<', '>', ' ', '=', end, quote);
     if (FFinder->Eof()) return UnicodeString();
-    UnicodeString key = state_->names.Get(*FFinder, start, FFinder->Position());
-    FFinder->Find(&FSets->Significant);
+    state_->key_end = FFinder->Position();
+    UnicodeString key = state_->names.Get(*FFinder, start, state_->key_end);
+    FFinder->FindSignificant(&FSets->Significant);
     return key;
 }
 
@@ -348,37 +383,35 @@ int TXmlDoc::ParseAttributes(char end) {
             return Error();
         }
         FFinder->Skip(1);
-        if (FFinder->FindAny('<', '>', '"') != '"') return Error();
+        if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') return Error();
         FFinder->Skip(1);
         UnicodeString value;
         const int result = ParseText(value, true);
         if (result < 0) return result;
         FCurrent->AppendAttribute(std::move(name), std::move(value));
         FFinder->Skip(1);
-        FFinder->Find(&FSets->Significant);
+        FFinder->FindSignificant(&FSets->Significant);
         if (FFinder->Eof()) return Error();
     }
     return FFinder->Position();
 }
 
 int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
-    int start = FFinder->Position();
-    if (!text.IsEmpty() || !FindEndOfText(in_attribute)) {
-        FFinder->BackTo(start);
+    const int start = FFinder->Position();
+    if (!in_attribute) {
+        FFinder->SkipBlanks();
+        if (FFinder->Current() == '<' && text.IsEmpty()) return FFinder->Position();
+    }
+    const unsigned char* const from = FFinder->Bytes(FFinder->Position());
+    const unsigned char* const to = state_->text.Decode(from, FFinder->Bytes(FFinder->Size()),
+                                                        in_attribute ? '"' : '<', state_->utf8);
+    if (to == nullptr || !text.IsEmpty()) {
+        FFinder->MoveTo(start);
         return ParsePieces(text, in_attribute);
     }
-    const int at = FFinder->Position();
-    int end = at;
-    if (!in_attribute) TrimSpan(*FFinder, start, end);
-    text = FFinder->Read(start, end);
-    return at;
-}
-
-// The common text, without references: moves to its end.
-bool TXmlDoc::FindEndOfText(bool in_attribute) {
-    if (in_attribute) return FFinder->FindAny('"', '&', '>') == '"';
-    FFinder->SkipBlanks();
-    return FFinder->Current() == '<' || FFinder->FindAny('<', '&', '>') == '<';
+    text = in_attribute ? state_->text.Whole() : state_->text.Trimmed();
+    FFinder->MoveTo(FFinder->Position() + static_cast<int>(to - from));
+    return FFinder->Position();
 }
 
 int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
