@@ -27,12 +27,13 @@ fuzz_end() {
     rm -rf "$fuzz_roots"
 }
 
-# A target with arguments of libFuzzer: fuzz_program TARGET ARGUMENT...
+# A target with arguments of libFuzzer: fuzz_program TARGET ARGUMENT... The time-out is one of the
+# clock: on a busy machine a short one would find the machine, not the library.
 fuzz_program() {
     local target=$1
     shift
     env -u ASAN_OPTIONS -u UBSAN_OPTIONS "TMPDIR=$fuzz_roots" \
-        "$fuzz_binaries/$target" -timeout=10 -rss_limit_mb=2048 "$@"
+        "$fuzz_binaries/$target" -timeout=60 -rss_limit_mb=2048 "$@"
 }
 
 # Runs a target for a while and prints its line; false when it found something.
