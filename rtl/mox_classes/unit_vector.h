@@ -15,8 +15,9 @@
 
 namespace System {
 
-constexpr int kUnitStep = 8;   // units that one look takes in
-constexpr int kByteStep = 16;  // the same in bytes
+constexpr int kUnitStep = 8;      // units that one look takes in
+constexpr int kByteStep = 16;     // the same in bytes
+constexpr int kMostBlocks = 127;  // that are counted in bytes of 0 to 255, two at most at a time
 
 #ifdef __SSE2__
 
@@ -31,13 +32,16 @@ struct TUnits8 {
     }
 };
 
-// UTF-16 units that sixteen bytes of UTF-8 begin.
-inline int UnitsBegun(const char* from) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+// UTF-16 units that `blocks` times sixteen bytes of UTF-8 begin; at most kMostBlocks.
+inline int UnitsBegun(const char* from, int blocks) {
     const __m128i four = _mm_set1_epi8(static_cast<char>(0xF0));
-    const __m128i leads = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xBF)));
-    const __m128i pairs = _mm_cmpeq_epi8(_mm_max_epu8(bytes, four), bytes);
-    const __m128i counts = _mm_sub_epi8(_mm_setzero_si128(), _mm_add_epi8(leads, pairs));
+    __m128i counts = _mm_setzero_si128();
+    for (int i = 0; i < blocks; ++i, from += kByteStep) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i leads = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xBF)));
+        const __m128i pairs = _mm_cmpeq_epi8(_mm_max_epu8(bytes, four), bytes);
+        counts = _mm_sub_epi8(counts, _mm_add_epi8(leads, pairs));
+    }
     const __m128i sums = _mm_sad_epu8(counts, _mm_setzero_si128());
     return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
 }
@@ -58,10 +62,10 @@ struct TUnits8 {
     }
 };
 
-inline int UnitsBegun(const char* from) {
+inline int UnitsBegun(const char* from, int blocks) {
     int units = 0;
-    for (int i = 0; i < kByteStep; ++i) {
-        const auto byte = static_cast<unsigned char>(from[i]);
+    for (const char* const end = from + blocks * kByteStep; from != end; ++from) {
+        const auto byte = static_cast<unsigned char>(*from);
         units += ((byte & 0xC0) != 0x80) + (byte >= 0xF0);
     }
     return units;

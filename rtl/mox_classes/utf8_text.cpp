@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "mox_classes/unit_vector.h"
 
 namespace System {
@@ -24,7 +26,11 @@ UnicodeString Measured(const char* bytes, int count) {
 long long ExpectedUnits(const char* bytes, int count) {
     long long units = 0;
     const char* const end = bytes + count;
-    for (; end - bytes >= kByteStep; bytes += kByteStep) units += UnitsBegun(bytes);
+    while (end - bytes >= kByteStep) {
+        const int blocks = std::min(static_cast<int>(end - bytes) / kByteStep, kMostBlocks);
+        units += UnitsBegun(bytes, blocks);
+        bytes += blocks * kByteStep;
+    }
     for (; bytes != end; ++bytes) {
         const auto byte = static_cast<unsigned char>(*bytes);
         units += (byte & 0xC0) != 0x80;

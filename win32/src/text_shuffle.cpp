@@ -1,7 +1,9 @@
 #include "text_shuffle.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 #ifdef __SSE2__
 
@@ -76,6 +78,81 @@ QV_SSSE3 inline __m128i Joined(__m128i bytes, __m128i before, __m128i trail) {
     return Choose(trail, _mm_or_si128(high, low), bytes);
 }
 
+// Sixteen bytes into sixteen units, of which the first count; nothing read when other characters
+// are among them. A lead at the end waits for its trail.
+QV_SSSE3 inline Progress DecodeBlock(__m128i bytes, WCHAR* to) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i before = _mm_slli_si128(bytes, 1);
+    // Of the bytes from 0x80: trails are below 0xC0, leads from 0xC2 to 0xDF.
+    const __m128i trails = _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC0)));
+    const __m128i leads =
+        _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC1))),
+                      _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xE0))));
+    const unsigned lead = ByteMask(leads);
+    const unsigned trail = lead << 1 & 0xFFFF;
+    if (ByteMask(trails) != trail || ByteMask(bytes) != (lead | trail)) return {0, 0};
+    const __m128i low = Joined(_mm_unpacklo_epi8(bytes, zero), _mm_unpacklo_epi8(before, zero),
+                               _mm_unpacklo_epi8(trails, trails));
+    const __m128i high = Joined(_mm_unpackhi_epi8(bytes, zero), _mm_unpackhi_epi8(before, zero),
+                                _mm_unpackhi_epi8(trails, trails));
+    const unsigned lead_low = lead & 0xFF;
+    Store(to, _mm_shuffle_epi8(low, Load(kWithoutUnits[lead_low].data())));
+    Store(to + 8 - Bits(lead_low), _mm_shuffle_epi8(high, Load(kWithoutUnits[lead >> 8].data())));
+    return {16 - (lead >> 15), 16 - Bits(lead)};
+}
+
+// Eight units into sixteen bytes, likewise.
+QV_SSSE3 inline Progress EncodeBlock(__m128i units, char* to) {
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
+    if (ByteMask(_mm_cmpeq_epi16(beyond, zero)) != 0xFFFF) return {0, 0};
+    const __m128i twos = _mm_cmpgt_epi16(units, _mm_set1_epi16(0x7F));
+    const __m128i lead = _mm_srli_epi16(units, 6);
+    const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, _mm_set1_epi16(0x3F)), 8);
+    const __m128i pair =
+        _mm_or_si128(_mm_or_si128(lead, trail), _mm_set1_epi16(static_cast<short>(0x80C0)));
+    const unsigned two = ByteMask(_mm_packs_epi16(twos, zero));
+    Store(to, _mm_shuffle_epi8(Choose(twos, pair, units), Load(kBothBytes[two].data())));
+    return {8, 8 + Bits(two)};
+}
+
+QV_SSSE3 inline Progress Convert(__m128i block, WCHAR* to) {
+    return DecodeBlock(block, to);
+}
+QV_SSSE3 inline Progress Convert(__m128i block, char* to) {
+    return EncodeBlock(block, to);
+}
+
+// Blocks straight into the buffer while `loose` or more are left, which fill what a block writes
+// too much; the rest by way of a block beside it, filled up with zeros.
+template <class From, class To>
+QV_SSSE3 Progress ConvertBlocks(const From* text, std::size_t left, To* out, std::size_t room,
+                                std::size_t loose) {
+    constexpr std::size_t kStep = 16 / sizeof(From);
+    constexpr std::size_t kWritten = 16;
+    Progress done{0, 0};
+    while (left - done.read >= loose && room - done.written >= kWritten) {
+        const Progress step = Convert(Load(text + done.read), out + done.written);
+        if (step.read == 0) return done;
+        done.read += step.read;
+        done.written += step.written;
+    }
+    while (done.read < left) {
+        From source[kStep] = {};
+        To target[kWritten];
+        const std::size_t count = std::min(left - done.read, kStep);
+        std::memcpy(source, text + done.read, count * sizeof(From));
+        Progress step = Convert(Load(source), target);
+        if (step.read == 0) return done;
+        if (count < kStep) step = {count, step.written - (kStep - count)};
+        if (room - done.written < step.written) return done;
+        std::memcpy(out + done.written, target, step.written * sizeof(To));
+        done.read += step.read;
+        done.written += step.written;
+    }
+    return done;
+}
+
 }  // namespace
 
 bool CanShuffle() {
@@ -83,62 +160,12 @@ bool CanShuffle() {
 }
 
 QV_SSSE3 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out, std::size_t room) {
-    // Sixteen units are written at a time; 48 bytes become as many at least, whatever they are.
-    constexpr std::size_t kLeast = 48;
-    constexpr std::size_t kStep = 16;
-    const __m128i zero = _mm_setzero_si128();
-    Progress done{0, 0};
-    while (left - done.read >= kLeast && room - done.written >= kStep) {
-        const __m128i bytes = Load(text + done.read);
-        const __m128i before = _mm_slli_si128(bytes, 1);
-        // Of the bytes from 0x80: trails are below 0xC0, leads from 0xC2 to 0xDF.
-        const __m128i trails = _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC0)));
-        const __m128i leads =
-            _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC1))),
-                          _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xE0))));
-        const unsigned lead = ByteMask(leads);
-        if (ByteMask(trails) != (lead << 1 & 0xFFFF) ||
-            ByteMask(bytes) != (lead | (lead << 1 & 0xFFFF))) {
-            break;
-        }
-        const __m128i low = Joined(_mm_unpacklo_epi8(bytes, zero), _mm_unpacklo_epi8(before, zero),
-                                   _mm_unpacklo_epi8(trails, trails));
-        const __m128i high = Joined(_mm_unpackhi_epi8(bytes, zero), _mm_unpackhi_epi8(before, zero),
-                                    _mm_unpackhi_epi8(trails, trails));
-        WCHAR* const to = out + done.written;
-        const unsigned lead_low = lead & 0xFF;
-        Store(to, _mm_shuffle_epi8(low, Load(kWithoutUnits[lead_low].data())));
-        Store(to + 8 - Bits(lead_low),
-              _mm_shuffle_epi8(high, Load(kWithoutUnits[lead >> 8].data())));
-        // A lead at the end waits for its trail.
-        done.read += kStep - (lead >> 15);
-        done.written += kStep - Bits(lead);
-    }
-    return done;
+    // 48 bytes become sixteen units at least, whatever they are.
+    return ConvertBlocks(text, left, out, room, 48);
 }
 
 QV_SSSE3 Progress EncodeShuffled(const WCHAR* text, std::size_t left, char* out, std::size_t room) {
-    // Sixteen bytes are written at a time, which as many units fill.
-    constexpr std::size_t kLeast = 16;
-    constexpr std::size_t kStep = 8;
-    const __m128i zero = _mm_setzero_si128();
-    Progress done{0, 0};
-    while (left - done.read >= kLeast && room - done.written >= kLeast) {
-        const __m128i units = Load(text + done.read);
-        const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-        if (ByteMask(_mm_cmpeq_epi16(beyond, zero)) != 0xFFFF) break;
-        const __m128i twos = _mm_cmpgt_epi16(units, _mm_set1_epi16(0x7F));
-        const __m128i lead = _mm_srli_epi16(units, 6);
-        const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, _mm_set1_epi16(0x3F)), 8);
-        const __m128i pair =
-            _mm_or_si128(_mm_or_si128(lead, trail), _mm_set1_epi16(static_cast<short>(0x80C0)));
-        const unsigned two = ByteMask(_mm_packs_epi16(twos, zero));
-        Store(out + done.written,
-              _mm_shuffle_epi8(Choose(twos, pair, units), Load(kBothBytes[two].data())));
-        done.read += kStep;
-        done.written += kStep + Bits(two);
-    }
-    return done;
+    return ConvertBlocks(text, left, out, room, 16);
 }
 
 }  // namespace host

@@ -17,9 +17,9 @@ struct Progress {
     std::size_t written;
 };
 
-// Convert from the start of the text, as far as it holds no other characters; the last few stay for
-// the caller. Only what is converted is left in the buffer, provided that the whole text is
-// converted into it. Only when CanShuffle().
+// Convert from the start of the text, as far as it holds no other characters and fits. Only what is
+// converted is left in the buffer, provided that the whole text is converted into it. Only when
+// CanShuffle().
 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out, std::size_t room);
 Progress EncodeShuffled(const WCHAR* text, std::size_t left, char* out, std::size_t room);
 

@@ -87,17 +87,16 @@ void DecodeAscii(Decoding& course) {
         WidenAscii(course.at, course.out);
         course.Move(kAsciiStep, kAsciiStep);
     }
-    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
-        *course.out = static_cast<WCHAR>(*course.at);
-        course.Move(1, 1);
-    }
 }
 
-void DecodeTwoByte(Decoding& course) {
+void DecodeUpToTwoBytes(Decoding& course) {
     if (CanShuffle()) {
         const Progress done = DecodeShuffled(course.at, course.Left(), course.out, course.Room());
         course.Move(done.read, done.written);
-        if (done.read > 0) return;
+    }
+    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
+        *course.out = static_cast<WCHAR>(*course.at);
+        course.Move(1, 1);
     }
     while (course.Left() >= 2 && course.Room() > 0) {
         const unsigned lead = Byte(course.at[0]);
@@ -117,11 +116,10 @@ void DecodeThreeByte(Decoding& course) {
 
 // Runs of characters of one length, as far as they are well-formed and fit.
 void ConvertRun(Decoding& course) {
-    const unsigned lead = Byte(*course.at);
-    if (lead < 0x80) {
-        DecodeAscii(course);
-    } else if (lead < 0xE0) {
-        DecodeTwoByte(course);
+    if (IsAscii(*course.at)) DecodeAscii(course);
+    if (course.Left() == 0) return;
+    if (Byte(*course.at) < 0xE0) {
+        DecodeUpToTwoBytes(course);
     } else {
         DecodeThreeByte(course);
     }
@@ -133,17 +131,16 @@ void EncodeAscii(Encoding& course) {
         course.Move(run, run);
         if (run < kAsciiStep) return;
     }
-    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
-        *course.out = static_cast<char>(*course.at);
-        course.Move(1, 1);
-    }
 }
 
-void EncodeTwoByte(Encoding& course) {
+void EncodeUpToTwoBytes(Encoding& course) {
     if (CanShuffle()) {
         const Progress done = EncodeShuffled(course.at, course.Left(), course.out, course.Room());
         course.Move(done.read, done.written);
-        if (done.read > 0) return;
+    }
+    while (course.Left() > 0 && course.Room() > 0 && IsAscii(*course.at)) {
+        *course.out = static_cast<char>(*course.at);
+        course.Move(1, 1);
     }
     while (course.Left() > 0 && course.Room() >= 2) {
         const unsigned unit = *course.at;
@@ -163,11 +160,10 @@ void EncodeThreeByte(Encoding& course) {
 }
 
 void ConvertRun(Encoding& course) {
-    const unsigned unit = *course.at;
-    if (unit < 0x80) {
-        EncodeAscii(course);
-    } else if (unit < 0x800) {
-        EncodeTwoByte(course);
+    if (IsAscii(*course.at)) EncodeAscii(course);
+    if (course.Left() == 0) return;
+    if (*course.at < 0x800) {
+        EncodeUpToTwoBytes(course);
     } else {
         EncodeThreeByte(course);
     }
