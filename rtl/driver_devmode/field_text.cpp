@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "driver_devmode/field_numbers.h"
+#include "mox_classes/utf8_text.h"
 
 namespace driver_devmode {
 
@@ -12,21 +13,12 @@ namespace {
 
 using enum FieldKind;
 
-UnicodeString FromUtf8(const char* text, int bytes) {
-    UnicodeString result;
-    const int units = bytes == 0 ? 0 : MultiByteToWideChar(CP_UTF8, 0, text, bytes, nullptr, 0);
-    if (units <= 0) return result;
-    result.SetLength(units);
-    MultiByteToWideChar(CP_UTF8, 0, text, bytes, result.data(), units);
-    return result;
-}
-
 void SetAnsiText(const TField& field, const UnicodeString& text, UnicodeString* previous) {
     auto* bytes = static_cast<char*>(field.data);
     const int capacity = field.row->Count;
     if (previous != nullptr) {
-        *previous =
-            FromUtf8(bytes, static_cast<int>(std::find(bytes, bytes + capacity, '\0') - bytes));
+        *previous = System::StringFromUtf8(
+            bytes, static_cast<int>(std::find(bytes, bytes + capacity, '\0') - bytes));
     }
     // A unit takes three bytes at most, so the first `capacity` units fill the field whatever
     // follows them.

@@ -7,6 +7,7 @@
 #include "log_file/log_format.h"
 #include "log_file/log_report.h"
 #include "log_file/log_ring.h"
+#include "mox_classes/utf8_text.h"
 
 namespace Mox {
 
@@ -35,16 +36,6 @@ std::size_t UnitSize(TLogEncoding encoding) {
     }
 }
 
-UnicodeString FromUtf8(const std::uint8_t* bytes, int count) {
-    const auto* narrow = reinterpret_cast<const char*>(bytes);
-    UnicodeString text;
-    const int units = MultiByteToWideChar(CP_UTF8, 0, narrow, count, nullptr, 0);
-    if (units <= 0) return text;
-    text.SetLength(units);
-    MultiByteToWideChar(CP_UTF8, 0, narrow, count, text.data(), units);
-    return text;
-}
-
 UnicodeString FromUtf16(const std::uint8_t* bytes, int count, bool big_endian) {
     UnicodeString text;
     text.SetLength(count);
@@ -70,7 +61,7 @@ UnicodeString FromUtf32(const std::uint8_t* bytes, int count, bool big_endian) {
 UnicodeString Characters(TLogEncoding encoding, const std::uint8_t* bytes, int count) {
     switch (encoding) {
         case TLogEncoding::Utf8:
-            return FromUtf8(bytes, count);
+            return System::StringFromUtf8(reinterpret_cast<const char*>(bytes), count);
         case TLogEncoding::Utf16:
             return FromUtf16(bytes, count, false);
         case TLogEncoding::Utf16BigEndian:
