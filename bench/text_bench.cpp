@@ -109,16 +109,29 @@ void AppendOurs(benchmark::State& state) {
     }
 }
 
-// The block that a string of `length` characters has: header, characters, terminator.
+// Two strings that grow in turn: neither is the last block of its heap all the time.
+void AppendInTurnOurs(benchmark::State& state) {
+    const UnicodeString one = bench::Wide("x");
+    for (auto _ : state) {
+        UnicodeString texts[2];
+        for (int i = 0; i < kAppends; ++i) texts[i % 2] += one;
+        if (texts[1].Length() != kAppends / 2) state.SkipWithError("not appended");
+    }
+}
+
+// The blocks that strings have: header, characters, terminator, exactly.
+template <int strings>
 void AppendRealloc(benchmark::State& state) {
     for (auto _ : state) {
-        char* block = nullptr;
-        for (std::size_t length = 1; length <= kAppends; ++length) {
+        char* blocks[strings] = {};
+        for (std::size_t i = 0; i < kAppends; ++i) {
+            char*& block = blocks[i % strings];
+            const std::size_t length = i / strings + 1;
             block = static_cast<char*>(std::realloc(block, 12 + 2 * length + 2));
             std::memcpy(block + 12 + 2 * (length - 1), u"x", 4);
         }
-        benchmark::DoNotOptimize(block);
-        std::free(block);
+        benchmark::DoNotOptimize(blocks);
+        for (char* block : blocks) std::free(block);
     }
 }
 
@@ -221,7 +234,9 @@ void FormatSnprintf(benchmark::State& state) {
 BENCHMARK(CopyOurs)->Name("text/copy/ours");
 BENCHMARK(CopyAtomicPair)->Name("text/copy/atomic_pair");
 BENCHMARK(AppendOurs)->Name("text/append/ours");
-BENCHMARK(AppendRealloc)->Name("text/append/realloc");
+BENCHMARK(AppendRealloc<1>)->Name("text/append/realloc");
+BENCHMARK(AppendInTurnOurs)->Name("text/append_in_turn/ours");
+BENCHMARK(AppendRealloc<2>)->Name("text/append_in_turn/realloc");
 BENCHMARK(EqualOurs)->Name("text/equal_100/ours")->Arg(100);
 BENCHMARK(EqualStandard)->Name("text/equal_100/u16string")->Arg(100);
 BENCHMARK(EqualOurs)->Name("text/equal_1000/ours")->Arg(1000);

@@ -1,6 +1,8 @@
 // Ordinal comparison, search and the members that are utilities applied to the string.
 #include <windows.h>
 
+#include <cstring>
+
 #include "mox_classes/sysutils_numbers.h"
 #include "mox_classes/sysutils_text.h"
 #include "mox_classes/unicode_string.h"
@@ -8,9 +10,17 @@
 
 namespace System {
 
+// Most strings that are compared differ in their first unit or nowhere: neither asks for the look
+// at every unit for a difference and an end.
 bool UnicodeString::operator==(const UnicodeString& other) const {
-    return data_ == other.data_ ||
-           CompareUnits(t_str(), Length(), other.t_str(), other.Length()) == 0;
+    if (data_ == other.data_) return true;
+    const WCHAR* const a = t_str();
+    const WCHAR* const b = other.t_str();
+    const int length = Length();
+    if (*a != *b) return false;
+    const auto bytes = static_cast<std::size_t>(length) * sizeof(WCHAR);
+    if (length == other.Length() && std::memcmp(a, b, bytes) == 0) return true;
+    return CompareUnits(a, length, b, other.Length()) == 0;
 }
 bool UnicodeString::operator!=(const UnicodeString& other) const {
     return !(*this == other);
