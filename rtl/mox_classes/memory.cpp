@@ -6,17 +6,27 @@
 
 namespace System {
 
+namespace {
+
+// Asked for once: every block of every string passes here.
+HANDLE Heap() {
+    static const HANDLE heap = GetProcessHeap();
+    return heap;
+}
+
+}  // namespace
+
 void* GetMemory(int size) {
-    return size < 0 ? nullptr : HeapAlloc(GetProcessHeap(), 0, static_cast<SIZE_T>(size));
+    return size < 0 ? nullptr : HeapAlloc(Heap(), 0, static_cast<SIZE_T>(size));
 }
 
 void* ReallocMemory(void* block, int size) {
     if (block == nullptr) return GetMemory(size);
-    return size < 0 ? nullptr : HeapReAlloc(GetProcessHeap(), 0, block, static_cast<SIZE_T>(size));
+    return size < 0 ? nullptr : HeapReAlloc(Heap(), 0, block, static_cast<SIZE_T>(size));
 }
 
 int FreeMemory(void* block) {
-    return block == nullptr ? TRUE : HeapFree(GetProcessHeap(), 0, block);
+    return block == nullptr ? TRUE : HeapFree(Heap(), 0, block);
 }
 
 void Move(const void* source, void* dest, int count) {

@@ -123,7 +123,7 @@ class QV_API TStringList : public TStrings {
     virtual void InsertItem(int index, UnicodeString s, TObject* object);
 
   private:
-    friend class TItemReader;
+    friend class TItemAccess;
     struct TItem {
         UnicodeString Text;
         TObject* Object;

@@ -58,21 +58,28 @@ UnicodeString FromAnsi(const char* text, int bytes) {
     return result;
 }
 
-// The digits are made from the last to the first, two at a time: half the divisions.
+int DigitsOf(unsigned long long value) {
+    int digits = 1;
+    for (; value >= 10000; value /= 10000) digits += 4;
+    return digits + (value >= 10) + (value >= 100) + (value >= 1000);
+}
+
+// The digits are written where they stay, from the last to the first, two for a division: read back
+// from elsewhere they would be waited for.
 UnicodeString FromNumber(unsigned long long value, bool negative) {
-    constexpr int kMost = 21;
-    WCHAR digits[kMost];
-    WCHAR* first = digits + kMost;
-    const auto put = [&first](unsigned digit) { *--first = static_cast<WCHAR>('0' + digit); };
-    for (; value >= 100; value /= 100) {
+    int digits = DigitsOf(value);
+    UnicodeString text;
+    text.SetLength(digits + (negative ? 1 : 0));
+    WCHAR* place = text.data() + text.Length();
+    for (; digits >= 2; digits -= 2) {
         const auto pair = static_cast<unsigned>(value % 100);
-        put(pair % 10);
-        put(pair / 10);
+        value /= 100;
+        *--place = static_cast<WCHAR>('0' + pair % 10);
+        *--place = static_cast<WCHAR>('0' + pair / 10);
     }
-    put(static_cast<unsigned>(value % 10));
-    if (value >= 10) put(static_cast<unsigned>(value / 10));
-    if (negative) *--first = '-';
-    return UnicodeString(first, digits + kMost - first);
+    if (digits == 1) *--place = static_cast<WCHAR>('0' + value);
+    if (negative) *--place = '-';
+    return text;
 }
 
 UnicodeString FromSigned(long long value) {
