@@ -22,9 +22,11 @@ bool WriteAt(int fd, const void* bytes, std::size_t size, std::uint32_t offset) 
 
 }  // namespace
 
-BareLog::BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size)
+BareLog::BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size,
+                 Wait wait)
     : fd_(open(file_name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
       limit_(limit),
+      wait_(wait),
       record_(record_size, 'x') {}
 
 BareLog::~BareLog() {
@@ -36,7 +38,8 @@ bool BareLog::Lock(short type) {
     range.l_type = type;
     range.l_whence = SEEK_SET;
     range.l_len = kHeader;
-    while (fcntl(fd_, F_OFD_SETLK, &range) != 0) {
+    const int command = wait_ == Wait::InCall ? F_OFD_SETLKW : F_OFD_SETLK;
+    while (fcntl(fd_, command, &range) != 0) {
         if (errno != EAGAIN && errno != EACCES) return false;
         constexpr timespec kPause{0, 1000000};
         nanosleep(&kPause, nullptr);

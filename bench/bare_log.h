@@ -12,10 +12,14 @@ namespace bench {
 
 // Writes records that are there already, into a file of the log's layout. Lock, read the header,
 // in a full ring read the oldest slot's link, write the new link, write the record, write the
-// header, unlock. Waits for a lock as the recorder does, a millisecond at a time.
+// header, unlock.
 class BareLog {
   public:
-    BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size);
+    // How a lock that is taken is waited for: in the system call, or by trying every millisecond.
+    enum class Wait { InCall, Polling };
+
+    BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size,
+            Wait wait);
     BareLog(const BareLog&) = delete;
     BareLog& operator=(const BareLog&) = delete;
     ~BareLog();
@@ -28,6 +32,7 @@ class BareLog {
 
     int fd_;
     std::uint32_t limit_;
+    Wait wait_;
     std::vector<char> record_;
     Mox::TLogFileHeader header_{};
 };

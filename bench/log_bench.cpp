@@ -67,15 +67,18 @@ class Logging {
     bool open_ = false;
 };
 
-class Bare {
+template <bench::BareLog::Wait kWait>
+class BareCalls {
   public:
-    Bare(const std::string& file_name, std::uint32_t limit)
-        : log_(file_name, limit, RecordSize()) {}
+    BareCalls(const std::string& file_name, std::uint32_t limit)
+        : log_(file_name, limit, RecordSize(), kWait) {}
     bool Append() { return log_.Append(); }
 
   private:
     bench::BareLog log_;
 };
+using Bare = BareCalls<bench::BareLog::Wait::InCall>;
+using BarePolling = BareCalls<bench::BareLog::Wait::Polling>;
 
 // The ring never wraps: after some records a new file is begun.
 template <class Writer>
@@ -209,6 +212,10 @@ void Processes(benchmark::State& state) {
 BENCHMARK_TEMPLATE(Processes, Logging)->Name("log/processes/ours")->UseManualTime()->Iterations(1);
 BENCHMARK_TEMPLATE(Processes, Bare)
     ->Name("log/processes/six_bare_calls")
+    ->UseManualTime()
+    ->Iterations(1);
+BENCHMARK_TEMPLATE(Processes, BarePolling)
+    ->Name("log/processes/polling_bare_calls")
     ->UseManualTime()
     ->Iterations(1);
 

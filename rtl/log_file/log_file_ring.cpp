@@ -54,7 +54,8 @@ class TPatience {
 // Holds the lock of the header, and with it a header image that can be trusted.
 class TLogFileRing::THeaderLock {
   public:
-    explicit THeaderLock(TLogFileRing& ring) : ring_(ring), held_(ring.WaitForLock()) {}
+    QV_APPEND_STEP explicit THeaderLock(TLogFileRing& ring)
+        : ring_(ring), held_(ring.WaitForLock()) {}
     THeaderLock(const THeaderLock&) = delete;
     THeaderLock& operator=(const THeaderLock&) = delete;
     QV_APPEND_STEP ~THeaderLock() {

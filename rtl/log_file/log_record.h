@@ -23,15 +23,17 @@ QV_API int WriteUnicodeString(void** cursor, UnicodeString s, System::TCodePage 
 // 0 when the record would pass 2147483647 bytes.
 QV_API int WriteLogMsg(void** cursor, TLogMsg* msg);
 
-// A message that has been measured: its strings are converted once to count and once to write,
-// which is most of what a record costs besides its system calls. The message must not change
-// meanwhile.
+// A message that has been measured. To convert its strings is most of what a record costs besides
+// its system calls: they are measured once, or taken for ASCII, of which a code unit is a byte. The
+// message must not change meanwhile.
 class TMeasuredRecord {
   public:
-    explicit TMeasuredRecord(const TLogMsg& msg);
+    enum class TStrings { Measured, TakenForAscii };
+
+    explicit TMeasuredRecord(const TLogMsg& msg, TStrings strings = TStrings::Measured);
     std::int64_t Size() const;
-    // Size() bytes, which must not pass 2147483647.
-    void Write(void* target) const;
+    // Size() bytes, which must not pass 2147483647. False when the strings are not ASCII after all.
+    bool Write(void* target) const;
 
   private:
     std::int64_t VariableSize() const;

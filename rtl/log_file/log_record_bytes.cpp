@@ -64,7 +64,7 @@ TLogRecordBytes::~TLogRecordBytes() {
 }
 
 void TLogRecordBytes::Release() {
-    if (data_ != nullptr) System::FreeMemory(data_);
+    if (data_ != nullptr && data_ != small_) System::FreeMemory(data_);
     data_ = nullptr;
     size_ = 0;
 }
@@ -72,6 +72,20 @@ void TLogRecordBytes::Release() {
 bool TLogRecordBytes::Serialise(TLogMsg& message, std::int64_t room) {
     Release();
     room = std::min<std::int64_t>(room, INT32_MAX);
+    return SerialiseSmall(message, room) || SerialiseMeasured(message, room);
+}
+
+// Most messages are short and ASCII.
+bool TLogRecordBytes::SerialiseSmall(const TLogMsg& message, std::int64_t room) {
+    const TMeasuredRecord record(message, TMeasuredRecord::TStrings::TakenForAscii);
+    if (record.Size() > std::min<std::int64_t>(room, sizeof(small_))) return false;
+    if (!record.Write(small_)) return false;
+    data_ = small_;
+    size_ = static_cast<std::uint32_t>(record.Size());
+    return true;
+}
+
+bool TLogRecordBytes::SerialiseMeasured(TLogMsg& message, std::int64_t room) {
     const TMeasuredRecord record(message);
     if (record.Size() > room) {
         TLogMsg cut = message;

@@ -7,7 +7,7 @@
 
 namespace Mox {
 
-// Owns the serialised record: one block of the library's heap.
+// Owns the serialised record: in itself when it is small, else in one block of the library's heap.
 class TLogRecordBytes {
   public:
     TLogRecordBytes() = default;
@@ -25,9 +25,12 @@ class TLogRecordBytes {
 
   private:
     void Release();
+    bool SerialiseSmall(const TLogMsg& message, std::int64_t room);
+    bool SerialiseMeasured(TLogMsg& message, std::int64_t room);
 
-    void* data_ = nullptr;
+    void* data_ = nullptr;  // small_ or a block
     std::uint32_t size_ = 0;
+    std::uint8_t small_[480];
 };
 
 }  // namespace Mox

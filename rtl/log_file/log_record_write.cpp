@@ -71,25 +71,32 @@ TStoredForm FormOf(const UnicodeString& s, System::TCodePage code_page) {
     }
 }
 
-void PutUnits(TByteWriter& out, const UnicodeString& s, bool swap) {
+bool PutUnits(TByteWriter& out, const UnicodeString& s, bool swap) {
     std::uint8_t* at = out.Room(static_cast<std::size_t>(s.Length()) * 2);
     for (int i = 0; i < s.Length(); ++i, at += 2) {
         const auto unit = static_cast<std::uint16_t>(s.t_str()[i]);
         at[swap ? 1 : 0] = static_cast<std::uint8_t>(unit & 0xFF);
         at[swap ? 0 : 1] = static_cast<std::uint8_t>(unit >> 8);
     }
+    return true;
 }
 
-void PutString(TByteWriter& out, const UnicodeString& s, TStoredForm form) {
-    if (form.count == 0) return out.Put(&kEmptyStringTag, 1);
+// False when the string does not take what its form says.
+bool PutString(TByteWriter& out, const UnicodeString& s, TStoredForm form) {
+    if (form.count == 0) {
+        out.Put(&kEmptyStringTag, 1);
+        return true;
+    }
     out.PutTagged(static_cast<std::uint8_t>(form.encoding), form.count);
     if (!form.IsConverted()) return PutUnits(out, s, form.encoding == TLogEncoding::Utf16BigEndian);
     const auto count = static_cast<int>(form.count);
     auto* at = reinterpret_cast<char*>(out.Room(form.count));
     const int written =
         WideCharToMultiByte(form.CodePage(), 0, s.t_str(), s.Length(), at, count, nullptr, nullptr);
+    if (written == count) return true;
     // What the block held before must not get into the file.
-    if (written != count) std::memset(at, '?', form.count);
+    std::memset(at, '?', form.count);
+    return false;
 }
 
 std::size_t BlockSize(const TLogMsg& msg) {
@@ -128,11 +135,15 @@ int WriteUnicodeString(void** cursor, UnicodeString s, System::TCodePage codePag
     return size;
 }
 
-TMeasuredRecord::TMeasuredRecord(const TLogMsg& msg)
-    : msg_(msg),
-      source_(FormOf(msg.source, TLogEncoding::Utf8).count),
-      text_(FormOf(msg.text, TLogEncoding::Utf8).count),
-      label_(FormOf(msg.dataLabel, TLogEncoding::Utf8).count) {}
+TMeasuredRecord::TMeasuredRecord(const TLogMsg& msg, TStrings strings) : msg_(msg) {
+    const auto measure = [&](const UnicodeString& s) {
+        return strings == TStrings::Measured ? FormOf(s, TLogEncoding::Utf8).count
+                                             : static_cast<std::uint32_t>(s.Length());
+    };
+    source_ = measure(msg.source);
+    text_ = measure(msg.text);
+    label_ = measure(msg.dataLabel);
+}
 
 std::int64_t TMeasuredRecord::VariableSize() const {
     const std::int64_t strings = Utf8(source_).Size() + Utf8(text_).Size();
@@ -145,16 +156,18 @@ std::int64_t TMeasuredRecord::Size() const {
     return 1 + TByteWriter::WidthOf(variable) + std::int64_t{kRecordFixedSize} + variable;
 }
 
-void TMeasuredRecord::Write(void* target) const {
+bool TMeasuredRecord::Write(void* target) const {
     TByteWriter out(target);
     const TLogRecordFixed fixed = FixedPart(msg_);
     out.PutTagged(kRecordTag, static_cast<std::uint32_t>(VariableSize()));
     out.Put(&fixed, sizeof(fixed));
-    PutString(out, msg_.source, Utf8(source_));
-    PutString(out, msg_.text, Utf8(text_));
-    if (!HasLabel(msg_)) return;
-    PutString(out, msg_.dataLabel, Utf8(label_));
+    if (!PutString(out, msg_.source, Utf8(source_)) || !PutString(out, msg_.text, Utf8(text_))) {
+        return false;
+    }
+    if (!HasLabel(msg_)) return true;
+    if (!PutString(out, msg_.dataLabel, Utf8(label_))) return false;
     out.Put(msg_.data, BlockSize(msg_));
+    return true;
 }
 
 int WriteLogMsg(void** cursor, TLogMsg* msg) {
