@@ -35,7 +35,7 @@ inline void SleepFor(std::uint64_t microseconds) {
 
 template <class Condition>
 void WaitUntil(const Condition& condition, const char* what, std::uint64_t pause = 100) {
-    constexpr std::uint64_t kPatience = 30'000'000;
+    constexpr std::uint64_t kPatience = 120'000'000;
     const std::uint64_t began = Now();
     while (!condition()) {
         if (Now() - began > kPatience) Fail(std::string("waited in vain for a process ") + what);

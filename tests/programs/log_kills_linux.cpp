@@ -29,7 +29,6 @@ constexpr std::uint64_t kSmallestSize = 50;  // of a slot with a numbered record
 
 struct TShared {
     std::atomic<bool> stop{false};
-    std::atomic<std::uint32_t> ready{0};
     std::atomic<std::uint64_t> looks{0};
     std::atomic<std::uint64_t> looks_at_damage{0};
 };
@@ -87,7 +86,7 @@ class TCampaign {
         std::minstd_rand random(writer + 1);
         while (!shared_->stop) {
             states_[writer].LogNext(writer, log.Counter());
-            SleepFor(random() % 1500);
+            SleepFor(random() % 3000);
         }
     }
 
@@ -96,7 +95,6 @@ class TCampaign {
         const auto write = [&](std::uint32_t writer) {
             while (true) states_[writer].LogNext(writer, log.Counter());
         };
-        shared_->ready = life + 1;
         const std::thread second(write, WriterOf(life) + 1);
         write(WriterOf(life));
     }
@@ -119,8 +117,13 @@ class TCampaign {
     void KillOne(std::uint32_t life) {
         const pid_t victim = Start([this, life] { WriteUntilKilled(file_, life); });
         // Some die before they have written anything.
-        if (random_() % 16 != 0) WaitUntil([&] { return shared_->ready == life + 1; }, "to start");
-        SleepFor(random_() % 3000);
+        if (random_() % 16 != 0) {
+            const auto records = 1 + static_cast<std::uint32_t>(random_() % 20);
+            const TWriterState* const mine = states_ + WriterOf(life);
+            const auto busy = [&] { return mine[0].Started() + mine[1].Started() >= records; };
+            WaitUntil(busy, "to write", 20);
+        }
+        SleepFor(random_() % 300);
         Kill(victim);
         Count(Inspect(file_, Everyone(life + 1), "life " + std::to_string(life)), life);
         std::uint32_t before[kSteady];
