@@ -122,51 +122,57 @@ QV_SSSE3 inline __m128i Joined(__m128i bytes, __m128i before, __m128i trail) {
     return Choose(trail, _mm_or_si128(high, low), bytes);
 }
 
-// What a block became: one or two vectors of which the first units or bytes count. Nothing was read
-// when other characters are among them.
+// What a block became: one or two vectors of which the first units or bytes count; not good when
+// other characters are among them.
 struct Decoded {
+    bool good;
     __m128i low, high;
-    std::size_t read, low_units, high_units;
+    std::size_t low_units, high_units;
+    unsigned open;  // 1 when the last byte is a lead
 };
 struct Encoded {
+    bool good;
     __m128i bytes;
-    std::size_t read, size;
+    std::size_t size;
 };
 
-// Sixteen bytes. A lead at the end waits for its trail.
-QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes) {
+// Sixteen bytes behind sixteen others, whose last one is a lead when `open` is 1. So the next block
+// begins sixteen bytes further whatever this one holds, and need not wait for it.
+QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned open) {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i before = _mm_slli_si128(bytes, 1);
+    const __m128i before = _mm_alignr_epi8(bytes, previous, 15);
     // Of the bytes from 0x80: trails are below 0xC0, leads from 0xC2 to 0xDF.
     const __m128i trails = _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC0)));
     const __m128i leads =
         _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC1))),
                       _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xE0))));
     const unsigned lead = ByteMask(leads);
-    const unsigned trail = lead << 1 & 0xFFFF;
-    if (ByteMask(trails) != trail || ByteMask(bytes) != (lead | trail))
-        return {zero, zero, 0, 0, 0};
+    const unsigned trail = (lead << 1 & 0xFFFF) | open;
+    const bool good = ByteMask(trails) == trail && ByteMask(bytes) == (lead | trail);
     const __m128i low = Joined(_mm_unpacklo_epi8(bytes, zero), _mm_unpacklo_epi8(before, zero),
                                _mm_unpacklo_epi8(trails, trails));
     const __m128i high = Joined(_mm_unpackhi_epi8(bytes, zero), _mm_unpackhi_epi8(before, zero),
                                 _mm_unpackhi_epi8(trails, trails));
-    return {_mm_shuffle_epi8(low, Load(kWithoutUnits[lead & 0xFF].data())),
-            _mm_shuffle_epi8(high, Load(kWithoutUnits[lead >> 8].data())), 16 - (lead >> 15),
-            8 - Bits(lead & 0xFF), 8 - Bits(lead >> 8)};
+    return {good,
+            _mm_shuffle_epi8(low, Load(kWithoutUnits[lead & 0xFF].data())),
+            _mm_shuffle_epi8(high, Load(kWithoutUnits[lead >> 8].data())),
+            8 - Bits(lead & 0xFF),
+            8 - Bits(lead >> 8),
+            lead >> 15};
 }
 
 // Eight units.
 QV_SSSE3 inline Encoded EncodeBlock(__m128i units) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-    if (ByteMask(_mm_cmpeq_epi16(beyond, zero)) != 0xFFFF) return {zero, 0, 0};
+    const bool good = ByteMask(_mm_cmpeq_epi16(beyond, zero)) == 0xFFFF;
     const __m128i twos = _mm_cmpgt_epi16(units, _mm_set1_epi16(0x7F));
     const __m128i lead = _mm_srli_epi16(units, 6);
     const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, _mm_set1_epi16(0x3F)), 8);
     const __m128i pair =
         _mm_or_si128(_mm_or_si128(lead, trail), _mm_set1_epi16(static_cast<short>(0x80C0)));
     const unsigned two = ByteMask(_mm_packs_epi16(twos, zero));
-    return {_mm_shuffle_epi8(Choose(twos, pair, units), Load(kBothBytes[two].data())), 8,
+    return {good, _mm_shuffle_epi8(Choose(twos, pair, units), Load(kBothBytes[two].data())),
             8 + Bits(two)};
 }
 
@@ -178,33 +184,38 @@ bool CanShuffle() {
 
 QV_SSSE3 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out, std::size_t room) {
     Progress done{0, 0};
+    __m128i previous = _mm_setzero_si128();
+    unsigned open = 0;
     // 48 bytes become sixteen units at least, whatever they are: what is written too much is
     // written again.
     while (left - done.read >= 48 && room - done.written >= 16) {
-        const Decoded block = DecodeBlock(Load(text + done.read));
-        if (block.read == 0) return done;
+        const __m128i bytes = Load(text + done.read);
+        const Decoded block = DecodeBlock(bytes, previous, open);
+        if (!block.good) return {done.read - open, done.written};
         Store(out + done.written, block.low);
         Store(out + done.written + block.low_units, block.high);
-        done.read += block.read;
+        done.read += 16;
         done.written += block.low_units + block.high_units;
+        previous = bytes;
+        open = block.open;
     }
     while (done.read < left) {
         const std::size_t count = std::min<std::size_t>(left - done.read, 16);
-        Decoded block =
-            DecodeBlock(count == 16 ? Load(text + done.read) : LoadPart(text + done.read, count));
-        if (block.read == 0) return done;
+        const char* const from = text + done.read;
+        const __m128i bytes = count == 16 ? Load(from) : LoadPart(from, count);
+        const Decoded block = DecodeBlock(bytes, previous, open);
         // The zeros that filled it up are units at its end.
-        const std::size_t added = 16 - count;
-        block.read -= added;
-        const std::size_t units = block.low_units + block.high_units - added;
-        if (room - done.written < units) return done;
+        const std::size_t units = block.low_units + block.high_units - (16 - count);
+        if (!block.good || room - done.written < units) break;
         const std::size_t low = std::min(block.low_units, units);
         StorePart(out + done.written, block.low, 2 * low);
         StorePart(out + done.written + low, block.high, 2 * (units - low));
-        done.read += block.read;
+        done.read += count;
         done.written += units;
+        previous = bytes;
+        open = block.open;
     }
-    return done;
+    return {done.read - open, done.written};
 }
 
 QV_SSSE3 Progress EncodeShuffled(const WCHAR* text, std::size_t left, char* out, std::size_t room) {
@@ -212,17 +223,17 @@ QV_SSSE3 Progress EncodeShuffled(const WCHAR* text, std::size_t left, char* out,
     // Sixteen units fill the sixteen bytes that are written.
     while (left - done.read >= 16 && room - done.written >= 16) {
         const Encoded block = EncodeBlock(Load(text + done.read));
-        if (block.read == 0) return done;
+        if (!block.good) return done;
         Store(out + done.written, block.bytes);
-        done.read += block.read;
+        done.read += 8;
         done.written += block.size;
     }
     while (done.read < left) {
         const std::size_t count = std::min<std::size_t>(left - done.read, 8);
-        const Encoded block = EncodeBlock(count == 8 ? Load(text + done.read)
-                                                     : LoadPart(text + done.read, 2 * count));
+        const WCHAR* const from = text + done.read;
+        const Encoded block = EncodeBlock(count == 8 ? Load(from) : LoadPart(from, 2 * count));
         const std::size_t size = block.size - (8 - count);
-        if (block.read == 0 || room - done.written < size) return done;
+        if (!block.good || room - done.written < size) return done;
         StorePart(out + done.written, block.bytes, size);
         done.read += count;
         done.written += size;

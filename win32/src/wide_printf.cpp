@@ -31,11 +31,6 @@ class Output {
         std::copy_n(text.data(), std::min(text.size(), room), buffer_ + count_);
         count_ += text.size();
     }
-    // Text up to its zero, measured as it is copied.
-    void PutText(const WCHAR* text) {
-        while (*text != 0 && count_ < size_) buffer_[count_++] = *text++;
-        while (*text++ != 0) ++count_;
-    }
     void Fill(WCHAR unit, std::size_t times) {
         for (std::size_t i = count_; i < size_ && i - count_ < times; ++i) buffer_[i] = unit;
         count_ += times;
@@ -114,7 +109,7 @@ class Formatter {
     bool WritePlain() {
         if (*next_ == u's') {
             const auto* text = va_arg(arguments_.list, const WCHAR*);
-            output_.PutText(text == nullptr ? u"(null)" : text);
+            output_.Put(WideView(text == nullptr ? u"(null)" : text));
         } else if (*next_ == u'd') {
             const int value = va_arg(arguments_.list, int);
             if (value < 0) output_.Put(u'-');
