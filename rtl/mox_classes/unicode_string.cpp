@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <string>
 
 #include "mox_classes/memory.h"
 
@@ -49,6 +50,16 @@ void MoveUnits(WCHAR* dest, const WCHAR* source, int count) {
 }
 
 }  // namespace
+
+// Most strings begin here: straight from the text to the block.
+UnicodeString::UnicodeString(const WCHAR* text, long long count) : UnicodeString() {
+    if (text == nullptr) return;
+    if (count == -1) count = static_cast<long long>(std::char_traits<WCHAR>::length(text));
+    if (count > kMaxLength) throw UnicodeString("Out of length");
+    if (count < 1) return;
+    data_ = NewBuffer(static_cast<int>(count));
+    CopyUnits(data_, text, static_cast<int>(count));
+}
 
 void UnicodeString::Release() noexcept {
     // Two holders that let go at the same time both see 2; the decrement decides who is the last.

@@ -27,9 +27,7 @@ long long CountedLength(const Unit* text, long long count) {
     return end - text;
 }
 
-template <class Unit>
-UnicodeString FromUnits(const Unit* text, long long count) {
-    static_assert(sizeof(Unit) == sizeof(WCHAR));
+UnicodeString FromShorts(const unsigned short* text, long long count) {
     UnicodeString result;
     if (text == nullptr) return result;
     const long long length = CountedLength(text, count);
@@ -130,12 +128,10 @@ UnicodeString::UnicodeString(const char* text, long long count) : UnicodeString(
     if (IsEmpty()) SetLength(0);
 }
 
-UnicodeString::UnicodeString(const unsigned short* text) : UnicodeString(FromUnits(text, -1)) {}
+UnicodeString::UnicodeString(const unsigned short* text) : UnicodeString(FromShorts(text, -1)) {}
 UnicodeString::UnicodeString(const unsigned short* text, long long count)
-    : UnicodeString(FromUnits(text, count)) {}
-UnicodeString::UnicodeString(const WCHAR* text) : UnicodeString(FromUnits(text, -1)) {}
-UnicodeString::UnicodeString(const WCHAR* text, long long count)
-    : UnicodeString(FromUnits(text, count)) {}
+    : UnicodeString(FromShorts(text, count)) {}
+UnicodeString::UnicodeString(const WCHAR* text) : UnicodeString(text, -1) {}
 
 UnicodeString::UnicodeString(const unsigned int* text, long long count) : UnicodeString() {
     if (count > kMaxLength) throw UnicodeString("Out of length");
