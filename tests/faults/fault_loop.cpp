@@ -19,7 +19,7 @@ namespace faults {
 
 namespace {
 
-constexpr unsigned kSecondsPerStep = 10;
+constexpr unsigned kSecondsPerStep = 30;
 constexpr int kMostFailures = 12;
 
 // The step that is being run, for a report of a program that ends in it.

@@ -33,7 +33,7 @@ class Scenario {
 /// Runs the loops of a kind: any function, each function by name, each with each of its codes; one
 /// call alone, and with all later ones. The number of lines that a step logs at level X is counted
 /// through the logger's record callback, unless a recorder has it. Fails the test when a step
-/// leaks a block or a file descriptor, or takes longer than ten seconds.
+/// leaks a block or a file descriptor, or takes longer than thirty seconds.
 void RunLoops(Scenario& scenario, Kind kind, const std::string& name);
 
 }  // namespace faults
