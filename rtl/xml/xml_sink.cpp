@@ -44,7 +44,7 @@ int Clamped(long long amount) {
 
 // The bytes that leave the block as they are end at the first mark.
 template <bool escape>
-auto Marked(const TByteBlock& block) {
+[[gnu::always_inline]] inline auto Marked(const TByteBlock& block) {
     if constexpr (escape) {
         return (block.Odd() | block.Is('<') | block.Is('>') | block.Is('&') | block.Is('"') |
                 block.Is('\'') | block.Is('\r') | block.Is('\n'))
@@ -110,8 +110,14 @@ int TXmlSink<Unit>::PutUnits(const WCHAR* text, int length) {
         const WCHAR* const run_end = text + std::min<std::ptrdiff_t>(end - text, kRun);
         Reserve(static_cast<std::size_t>(run_end - text) * kMostPerUnit + kOdd + TByteBlock::kHalf);
         Unit* out = at_;
+        const WCHAR* plain_from = text;  // from here on every unit has become itself
         while (text < run_end) {
-            if (lead_ == 0 && run_end - text >= TByteBlock::kHalf) {
+            if (lead_ == 0 && run_end - plain_from >= TByteBlock::kHalf) {
+                // The last block overlaps the one before it.
+                const std::ptrdiff_t back =
+                    std::max<std::ptrdiff_t>(TByteBlock::kHalf - (run_end - text), 0);
+                text -= back;
+                out -= back;
                 const TByteBlock block = TByteBlock::OfUnits(text);
                 Store(block, text, out);
                 const std::ptrdiff_t plain = TByteMarks::First(Marked<escape>(block));
@@ -120,6 +126,7 @@ int TXmlSink<Unit>::PutUnits(const WCHAR* text, int length) {
                 if (plain == TByteBlock::kHalf) continue;
             }
             const WCHAR unit = *text++;
+            plain_from = text;
             if (escape && unit == TEXT('\r')) continue;
             if (unit >= 0x80 || lead_ != 0) out = PutOdd(unit, out);
             if (unit >= 0x80) continue;
@@ -172,7 +179,7 @@ void TXmlSink<Unit>::Flush() {
 
 template <class Unit>
 int TXmlSink<Unit>::Finish() {
-    PutMarkup({});
+    if (lead_ != 0) PutMarkup("");
     Flush();
     return Clamped(written_);
 }

@@ -27,11 +27,19 @@ class TXmlSink {
     TXmlSink(const TXmlSink&) = delete;
     TXmlSink& operator=(const TXmlSink&) = delete;
 
-    // ASCII.
-    void PutMarkup(std::string_view markup) {
-        Reserve(markup.size() + kOdd);
+    // An ASCII literal.
+    template <std::size_t size>
+    void PutMarkup(const char (&markup)[size]) {
+        Reserve(size + kOdd);
         if (lead_ != 0) at_ = PutOdd(0, at_);
-        at_ = std::copy(markup.begin(), markup.end(), at_);
+        for (std::size_t i = 0; i + 1 < size; ++i) at_[i] = static_cast<Unit>(markup[i]);
+        at_ += size - 1;
+    }
+    // What is encoded already.
+    void PutEncoded(const Unit* units, std::size_t count) {
+        Reserve(count + kOdd);
+        if (lead_ != 0) at_ = PutOdd(0, at_);
+        at_ = std::copy_n(units, count, at_);
     }
     void Put(const UnicodeString& text) { Put(text, text.Length()); }
     // Its first `length` units.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "xml/xml_doc.h"
@@ -45,6 +46,11 @@ struct TOpenElement {
     bool block;  // the end tag stands on a line of its own
 };
 
+bool IsAscii(const UnicodeString& text) {
+    const WCHAR* const units = text.t_str();
+    return std::all_of(units, units + text.Length(), [](WCHAR unit) { return unit < 0x80; });
+}
+
 // Writes one subtree. The layout is the formatter's; its level follows the element that is written.
 template <class Unit>
 class TXmlTreeWriter {
@@ -78,7 +84,11 @@ class TXmlTreeWriter {
         const TXmlNode& node = *element.node;
         const bool instruction = format_.GetLevel() == -1;
         Indent();
-        sink_.PutMarkup(instruction ? "<?" : "<");
+        if (instruction) {
+            sink_.PutMarkup("<?");
+        } else {
+            sink_.PutMarkup("<");
+        }
         sink_.Put(node.FName);
         for (int i = 0; i < node.AttributeCount(); ++i) {
             const TXmlPair* attribute = node.GetAttribute(i);
@@ -90,14 +100,18 @@ class TXmlTreeWriter {
         }
         const bool empty = node.ChildCount() == 0 && node.FValue.IsEmpty();
         if (instruction || empty) {
-            sink_.PutMarkup(instruction ? "?>" : "/>");
-            sink_.Put(line_break_);
+            if (instruction) {
+                sink_.PutMarkup("?>");
+            } else {
+                sink_.PutMarkup("/>");
+            }
+            BreakLine();
             return false;
         }
         sink_.PutMarkup(">");
         const int lines = node.FValue.IsEmpty() ? 1 : sink_.PutEscaped(node.FValue);
         element.block = lines > 1 || node.ChildCount() > 0;
-        if (element.block) sink_.Put(line_break_);
+        if (element.block) BreakLine();
         return true;
     }
 
@@ -106,7 +120,7 @@ class TXmlTreeWriter {
         sink_.PutMarkup("</");
         sink_.Put(element.node->FName);
         sink_.PutMarkup(">");
-        sink_.Put(line_break_);
+        BreakLine();
         if (!element.node->FTail.IsEmpty()) sink_.PutEscaped(element.node->FTail);
     }
 
@@ -116,8 +130,31 @@ class TXmlTreeWriter {
         const int level = format_.GetLevel();
         if (unit_.IsEmpty() || level <= 0) return;
         const long long length = static_cast<long long>(unit_.Length()) * level;
-        if (length > indent_.Length()) indent_ = format_.Indent();
-        sink_.Put(indent_, static_cast<int>(length));
+        if (length > indent_.Length()) {
+            indent_ = format_.Indent();
+            if (plain_layout_) encoded_indent_ = Encoded(indent_);
+        }
+        if (plain_layout_) {
+            sink_.PutEncoded(encoded_indent_.data(), static_cast<std::size_t>(length));
+        } else {
+            sink_.Put(indent_, static_cast<int>(length));
+        }
+    }
+
+    void BreakLine() {
+        if (plain_layout_) {
+            sink_.PutEncoded(encoded_break_.data(), encoded_break_.size());
+        } else {
+            sink_.Put(line_break_);
+        }
+    }
+
+    // ASCII.
+    static std::basic_string<Unit> Encoded(const UnicodeString& text) {
+        std::basic_string<Unit> units(static_cast<std::size_t>(text.Length()), Unit{0});
+        std::transform(text.t_str(), text.t_str() + text.Length(), units.begin(),
+                       [](WCHAR unit) { return static_cast<Unit>(unit); });
+        return units;
     }
 
     TXmlSink<Unit>& sink_;
@@ -125,6 +162,11 @@ class TXmlTreeWriter {
     UnicodeString unit_;
     UnicodeString line_break_;
     UnicodeString indent_;  // of the deepest level so far
+    // A third of an indented document is its layout; plain ASCII it is encoded once.
+    const bool plain_layout_ = IsAscii(unit_) && IsAscii(line_break_);
+    std::basic_string<Unit> encoded_indent_;
+    const std::basic_string<Unit> encoded_break_ =
+        plain_layout_ ? Encoded(line_break_) : std::basic_string<Unit>();
 };
 
 const WCHAR* EncodingName(TCodePage code_page) {
