@@ -440,6 +440,12 @@ int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
         FFinder->Skip(1);
     }
     const int at = FFinder->Position();
+    if (pieces.empty() && text.IsEmpty()) {
+        int to = at;
+        if (!in_attribute) TrimSpan(*FFinder, start, to);
+        text = FFinder->Read(start, to);
+        return at;
+    }
     AppendSpan(pieces, *FFinder, start, at);
     AppendPieces(text, pieces);
     if (!in_attribute) text = Sysutils::Trim(text);

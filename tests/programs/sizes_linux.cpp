@@ -4,7 +4,6 @@
 // sixteen. Then asks for what lies beyond the limits of strings, lists and streams.
 #include <qv_rtl.h>
 #include <sys/resource.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <climits>
@@ -15,6 +14,7 @@
 #include <new>
 #include <string>
 
+#include "growth.h"
 #include "mox_classes/format_fields.h"
 #include "mox_classes/memory_stream.h"
 #include "mox_classes/string_encoding.h"
@@ -22,39 +22,9 @@
 #include "mox_classes/sysutils.h"
 #include "mox_classes/template_string.h"
 
+using namespace stress;
+
 namespace {
-
-constexpr double kMostGrowth = 9;
-// Less than this is too little to be compared.
-constexpr double kLeastSeconds = 0.02;
-
-int failures = 0;
-
-double Seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
-
-void Expect(bool holds, const char* what) {
-    if (holds) return;
-    std::printf("FAILED: %s\n", what);
-    ++failures;
-}
-
-// `run(size)` does the work of that size, its preparation apart: it returns the seconds.
-template <class Run>
-void Compare(const char* what, int size, const Run& run) {
-    const double quarter = run(size / 4);
-    const double whole = run(size);
-    const double growth = whole / quarter;
-    std::printf("%-34s %8.3f s %8.3f s  x %.1f\n", what, quarter, whole, growth);
-    std::fflush(stdout);
-    if (whole > kLeastSeconds && growth > kMostGrowth) {
-        std::printf("FAILED: %s is not linear\n", what);
-        ++failures;
-    }
-}
 
 // Lines of 64 units with words, a quote, a comma, a tag and a letter that is not ASCII.
 UnicodeString MakeText(int units) {
