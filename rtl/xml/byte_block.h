@@ -1,7 +1,6 @@
 // Vectors of bytes: how the scanner and the writer look at a whole block at a time.
 //
-// SSE2 belongs to every x86-64 processor; elsewhere a block is one 64-bit number. Words of eight
-// bytes instead of sixteen cost the parser about a third more time.
+// SSE2 belongs to every x86-64 processor; elsewhere a block is one 64-bit number.
 #pragma once
 
 #include <bit>

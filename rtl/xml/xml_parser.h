@@ -19,9 +19,8 @@ struct TXmlSearchSets {
     TSearchSet Significant;  // neither blank nor control
 };
 
-// Element and attribute names, so that equal names of a document share one buffer: three quarters
-// of the time of a name is its allocation. It starts over when it is full, so that a document with
-// ever new names costs no memory.
+// Element and attribute names, so that equal names of a document share one buffer and are decoded
+// once. It starts over when it is full, so that a document with ever new names costs no memory.
 class TXmlNameCache {
   public:
     // The trimmed bytes, decoded; null when nothing is left. They lie in the scanned buffer, which

@@ -162,7 +162,7 @@ class TXmlTreeWriter {
     UnicodeString unit_;
     UnicodeString line_break_;
     UnicodeString indent_;  // of the deepest level so far
-    // A third of an indented document is its layout; plain ASCII it is encoded once.
+    // Much of an indented document is its layout; when it is ASCII it is encoded once.
     const bool plain_layout_ = IsAscii(unit_) && IsAscii(line_break_);
     std::basic_string<Unit> encoded_indent_;
     const std::basic_string<Unit> encoded_break_ =

