@@ -17,7 +17,6 @@ struct Step {
     bool threw = false;      // an exception came out of Run
     bool exhausted = false;  // it was that memory is short
     std::string thrown;      // what it said, as far as it is ASCII
-    int errors = 0;          // lines of level X that the library logged
 };
 
 /// One thing that a caller does. Prepare and Check are free of faults; nothing that they or Run
@@ -31,9 +30,8 @@ class Scenario {
 };
 
 /// Runs the loops of a kind: any function, each function by name, each with each of its codes; one
-/// call alone, and with all later ones. The number of lines that a step logs at level X is counted
-/// through the logger's record callback, unless a recorder has it. Fails the test when a step
-/// leaks a block or a file descriptor, or takes longer than thirty seconds.
+/// call alone, and with all later ones. Fails the test when a step leaks a block or a file
+/// descriptor, or takes longer than thirty seconds.
 void RunLoops(Scenario& scenario, Kind kind, const std::string& name);
 
 }  // namespace faults
