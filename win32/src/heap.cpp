@@ -29,6 +29,7 @@ LPVOID Obtained(LPVOID block) {
 }  // namespace
 
 HANDLE GetProcessHeap() {
+    [[maybe_unused]] static const bool once = (host::KeepFreedPages(), true);
     return &process_heap;
 }
 

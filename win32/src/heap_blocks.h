@@ -22,6 +22,13 @@ namespace host {
 // steps is moved a few times instead of every time. Memory that nobody touches is only an address.
 constexpr std::size_t kRoomFrom = std::size_t{1} << 16;
 
+// Freed pages go back to the system after two seconds, not after 25 ms: a process that waits for
+// its turn longer than that would fault in its memory anew for each piece of work (1 MB of text
+// converted and dropped: half of the time).
+inline void KeepFreedPages() {
+    mi_option_set(mi_option_decommit_delay, 2000);
+}
+
 inline void* NewBlock(std::size_t size) {
     return mi_malloc(size);
 }
@@ -40,6 +47,7 @@ inline void* ResizedBlock(void* block, std::size_t size) {
 
 #else
 
+inline void KeepFreedPages() {}
 inline void* NewBlock(std::size_t size) {
     return std::malloc(size);
 }
