@@ -27,8 +27,9 @@ class Output {
     }
     template <class Unit>
     void Put(std::basic_string_view<Unit> text) {
-        const std::size_t room = count_ < size_ ? size_ - count_ : 0;
-        std::copy_n(text.data(), std::min(text.size(), room), buffer_ + count_);
+        if (count_ < size_) {
+            std::copy_n(text.data(), std::min(text.size(), size_ - count_), buffer_ + count_);
+        }
         count_ += text.size();
     }
     void Fill(WCHAR unit, std::size_t times) {
