@@ -1,6 +1,7 @@
 // The benchmark program. It runs on a host root of its own, which scripts/bench takes no care of:
 // it is made here and removed at the end.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,6 +31,10 @@ class ThrowAwayRoot {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // The C library's heap, which the peers use, keeps its pages between two rounds of a case, as
+    // the process heap of the library does.
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
     const ThrowAwayRoot root;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;

@@ -52,7 +52,8 @@ def run_pass(program, group, min_time, figures):
     """Adds the pass's figures to {case: [figures of a pass]}; returns context and errors."""
     with tempfile.NamedTemporaryFile(suffix=".json") as out:
         command = [program, f"--benchmark_out={out.name}", "--benchmark_out_format=json",
-                   f"--benchmark_min_time={min_time}"]
+                   f"--benchmark_min_time={min_time}",
+                   f"--benchmark_min_warmup_time={min_time}"]
         if group:
             command.append(f"--benchmark_filter=^{group}/")
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
