@@ -343,7 +343,7 @@ TEST(UnicodeString, Utf8FillsTheExactBlockWhateverItHolds) {
                       {"\x80", 300, 300},
                       {"\xF5", 300, 300},
                       {"\xF0\x9F\x98\x80", 100, 200},
-                      {"\xF0\x9Fz", 99, 198},
+                      {"\xF0\x9Fzzz", 99, 396},
                       {"\xC3", 257, 257}};
     for (const auto& row : rows) {
         std::string bytes;

@@ -95,7 +95,9 @@ void ExpectConverted(const Piece& piece) {
     std::vector<WCHAR> large(piece.text.size() + 40, 'Z');
     MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, large.data(), units + 40);
     ASSERT_EQ(Wide(large.data(), large.size()), piece.text + Wide(40, 'Z'));
-    if (units > 1) {
+    // Wine hands out the first half of a pair.
+    const bool ends_in_pair = units > 1 && (piece.text.back() & 0xFC00) == 0xDC00;
+    if (units > 1 && !(ends_in_pair && test::UnderWine())) {
         ASSERT_EQ(
             MultiByteToWideChar(CP_UTF8, 0, piece.bytes.data(), bytes, exact.data(), units - 1), 0);
     }
