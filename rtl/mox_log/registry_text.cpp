@@ -12,7 +12,7 @@ constexpr int kReadAttempts = 8;
 
 UnicodeString TextOfUnits(const WCHAR* units, DWORD bytes) {
     if (bytes < kSmallestText) return UnicodeString();
-    DWORD count = bytes / sizeof(WCHAR);
+    DWORD count = bytes / DWORD{sizeof(WCHAR)};
     if (units[count - 1] == 0) --count;
     return UnicodeString(units, static_cast<long long>(count));
 }

@@ -23,7 +23,7 @@ stress_build() {
         # shellcheck disable=SC2086
         if ! cmake --preset "$preset" >"$log" 2>&1 ||
             ! cmake --build --preset "$preset" --target $targets >>"$log" 2>&1; then
-            grep -m1 -A8 -E 'error|FAILED' "$log" || tail -n 20 "$log"
+            grep -m1 -A8 -E 'error:|^FAILED:' "$log" || tail -n 20 "$log"
             return 1
         fi
     done < <(sed -n 's/^# build: //p' "tests/scripts/stress/$1")

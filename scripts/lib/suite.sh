@@ -18,7 +18,7 @@ build_preset() {
     if cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" >>"$log" 2>&1; then
         return 0
     fi
-    note_failure 1 "$(grep -m1 -A8 -E 'error|FAILED' "$log" || tail -n 20 "$log")"
+    note_failure 1 "$(grep -m1 -A8 -E 'error:|^FAILED:' "$log" || tail -n 20 "$log")"
     return 1
 }
 
