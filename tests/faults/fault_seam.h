@@ -52,7 +52,8 @@ class Armed {
     Armed& operator=(const Armed&) = delete;
 };
 
-/// Ends the plan of the calling thread, for the report of a program that ends in the middle of a run.
+/// Ends the plan of the calling thread, for the report of a program that ends in the middle of a
+/// run.
 void Disarm();
 /// Of the last run: whether a call failed, how many calls were counted.
 bool WasHit();
