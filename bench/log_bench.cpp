@@ -198,7 +198,7 @@ void Processes(benchmark::State& state) {
         Meeting& meeting = *new (shared) Meeting;
         RunProcesses<Writer>(meeting);
         const std::int64_t records = std::max<std::int64_t>(1, meeting.records.load());
-        state.SetIterationTime(1e-9 * static_cast<double>(kRunTime) / static_cast<double>(records));
+        state.SetIterationTime(1e-9 * static_cast<double>(kRunTime));
         std::int64_t longest = 0;
         for (const auto& one : meeting.longest) longest = std::max(longest, one.load());
         state.counters["records_per_s"] =
