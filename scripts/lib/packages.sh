@@ -2,15 +2,16 @@
 
 packages_for() {
     case $1 in
-        native) echo cmake ninja-build ccache g++ googletest libcli11-dev libmimalloc-dev ;;
-        clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev ;;
-        fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev ;;
-        windows) echo cmake ninja-build ccache g++ googletest libcli11-dev g++-mingw-w64-x86-64-posix wine wine64 ;;
+        native) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev ;;
+        clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev ;;
+        fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev ;;
+        windows) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix \
+                wine wine64 ;;
         bench)
             echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
                 libicu-dev libfmt-dev libspdlog-dev
             ;;
-        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev ;;
+        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev ;;
         style) echo clang-format git ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;
     esac

@@ -71,6 +71,7 @@ std::string OneLine(const UnicodeString& text) {
 void Print(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
+        if (OutputHasNoReader()) throw ClosedPipe();
         throw Failure("cannot write to standard output");
     }
 }

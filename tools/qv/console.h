@@ -2,18 +2,13 @@
 // hosts.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "exit_code.h"
 #include "mox_classes/unicode_string.h"
 
 namespace qv {
-
-// A failure of what the user asked for: the text goes to standard error, the exit code is 1.
-struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 UnicodeString FromUtf8(const std::string& text);
 std::string ToUtf8(const UnicodeString& text);
@@ -22,11 +17,14 @@ std::string ToUtf8(const UnicodeString& text);
 // harmless: tab, line break and the like as \t, \n, \r, \xNN, \uNNNN.
 std::string OneLine(const UnicodeString& text);
 
-// Writes to standard output, byte for byte; throws Failure when that fails (a closed pipe ends the
-// program quietly).
+// Writes to standard output, byte for byte; throws Failure when that fails, ClosedPipe when nobody
+// reads it.
 void Print(const std::string& text);
 void PrintLine(const std::string& text);
 void PrintError(const std::string& text);
+
+// Host: whether the write to standard output that failed last found no reader.
+bool OutputHasNoReader();
 
 // Host: the program's arguments in UTF-8, and the streams made ready for bytes.
 std::vector<std::string> PrepareConsole(int argc, char** argv);

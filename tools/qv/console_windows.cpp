@@ -11,6 +11,11 @@
 
 namespace qv {
 
+bool OutputHasNoReader() {
+    const DWORD error = GetLastError();
+    return error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE;
+}
+
 std::vector<std::string> PrepareConsole(int /*argc*/, char** /*argv*/) {
     for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);

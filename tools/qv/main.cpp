@@ -1,6 +1,6 @@
 // qv: the library's two command interfaces, its printers' settings and its log on the command line.
 //
-// Exit codes: 0 done, 1 the operation failed (the message is on standard error), 2 wrong usage.
+// Exit codes: exit_code.h. Data goes to standard output, messages to standard error.
 #include <algorithm>
 #include <exception>
 #include <string>
@@ -11,8 +11,7 @@
 
 namespace {
 
-constexpr int kFailed = 1;
-constexpr int kWrongUsage = 2;
+using qv::ExitCode;
 
 void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
@@ -28,7 +27,7 @@ void AddCommands(CLI::App& app) {
     qv::AddHostCommands(app);
 }
 
-int Run(std::vector<std::string> arguments) {
+ExitCode Run(std::vector<std::string> arguments) {
     CLI::App app("Settings, requests and the shared log of the fax printer", "qv");
     AddCommands(app);
     // The parser takes the arguments from the end of the vector, without the program's name.
@@ -37,20 +36,29 @@ int Run(std::vector<std::string> arguments) {
     try {
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : kWrongUsage;
+        return app.exit(error) == 0 ? ExitCode::kDone : ExitCode::kWrongUsage;
     }
-    return 0;
+    return ExitCode::kDone;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+ExitCode RunAndReport(int argc, char** argv) {
     try {
         return Run(qv::PrepareConsole(argc, argv));
+    } catch (const qv::ClosedPipe&) {
+        return ExitCode::kDone;
+    } catch (const qv::Failure& failure) {
+        if (*failure.what() != 0) qv::PrintError(failure.what());
+        return failure.Code();
     } catch (const std::exception& failure) {
         qv::PrintError(failure.what());
     } catch (const UnicodeString& message) {
         qv::PrintError(qv::OneLine(message));
     }
-    return kFailed;
+    return ExitCode::kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return static_cast<int>(RunAndReport(argc, argv));
 }

@@ -1,10 +1,8 @@
 // qv xml: the XML request call on files or on the standard streams.
-#include <cstdio>
 #include <memory>
 
 #include "commands.h"
-#include "console.h"
-#include "mox_classes/streams.h"
+#include "files.h"
 #include "mox_classes/sysutils.h"
 #include "qv_rtl_main/xml_request.h"
 #include "xml/xml_doc.h"
@@ -12,8 +10,6 @@
 namespace qv {
 
 namespace {
-
-const std::string kStandardStream = "-";
 
 // A file in the temporary folder, gone at the end of the call.
 class TemporaryFile {
@@ -29,22 +25,6 @@ class TemporaryFile {
   private:
     UnicodeString name_;
 };
-
-void CopyStandardInputTo(const UnicodeString& file) {
-    Classes::TFileStream stream(file, 0xFFFF);
-    char buffer[8192];
-    for (std::size_t got = 0; (got = std::fread(buffer, 1, sizeof(buffer), stdin)) > 0;) {
-        stream.WriteBuffer(buffer, static_cast<int>(got));
-    }
-    if (std::ferror(stdin) != 0) throw Failure("cannot read standard input");
-}
-
-std::string Contents(const UnicodeString& file) {
-    Classes::TFileStream stream(file, 0);
-    std::string bytes(static_cast<std::size_t>(stream.GetSize()), '\0');
-    stream.ReadBuffer(bytes.data(), static_cast<int>(bytes.size()));
-    return bytes;
-}
 
 // Throws the texts of the response's error elements, if it has any.
 void FailOnErrors(const UnicodeString& response_file) {
@@ -68,12 +48,12 @@ void RunXml(const std::string& request, const std::string& response) {
     const TemporaryFile output(TEXT("_response.xml"));
     const bool from_stream = request == kStandardStream;
     const bool to_stream = response == kStandardStream;
-    if (from_stream) CopyStandardInputTo(input.Name());
+    if (from_stream) WriteAll(ToUtf8(input.Name()), ReadAll(request));
     const UnicodeString request_file = from_stream ? input.Name() : FromUtf8(request);
     const UnicodeString response_file = to_stream ? output.Name() : FromUtf8(response);
     DoXMLW(request_file.t_str(), response_file.t_str());
     if (to_stream) {
-        const std::string bytes = Contents(response_file);
+        const std::string bytes = ReadAll(ToUtf8(response_file));
         Print(bytes);
         if (bytes.empty() || bytes.back() != '\n') Print("\n");
     }

@@ -9,15 +9,14 @@
 #include <memory>
 
 #include "commands.h"
-#include "console.h"
 #include "driver_devmode/qvdm.h"
 #include "driver_global/events.h"
-#include "mox_classes/streams.h"
+#include "events/sample_job.h"
+#include "files.h"
 #include "mox_classes/sysutils.h"
 #include "mox_classes/template_string.h"
 #include "mox_log/sys_error.h"
 #include "printer_query/spooler.h"
-#include "sample_job.h"
 
 namespace qv {
 
@@ -27,10 +26,7 @@ namespace {
 bool ReadDescription(const std::string& name, UnicodeString& text) {
     const UnicodeString wide = FromUtf8(name);
     if (!Sysutils::FileExists(wide)) return false;
-    Classes::TFileStream file(wide, 0);
-    std::string bytes(static_cast<std::size_t>(file.GetSize()), '\0');
-    if (!bytes.empty()) file.ReadBuffer(bytes.data(), static_cast<int>(bytes.size()));
-    text = FromUtf8(bytes);
+    text = FromUtf8(ReadAll(name));
     return true;
 }
 

@@ -5,31 +5,23 @@
 #include <vector>
 
 #include "commands.h"
-#include "console.h"
 #include "driver_devmode/default_settings.h"
 #include "driver_devmode/qvdm.h"
 #include "driver_global/diagnostic_text.h"
-#include "mox_classes/streams.h"
+#include "events/sample_job.h"
+#include "files.h"
 #include "mox_classes/sysutils.h"
 #include "mox_log/sys_error.h"
 #include "printer_query/job_record.h"
 #include "printer_query/spooler.h"
-#include "sample_job.h"
 
 namespace qv {
 
 namespace {
 
-std::vector<char> FileBytes(const UnicodeString& name) {
-    Classes::TFileStream file(name, 0x20);
-    std::vector<char> bytes(static_cast<std::size_t>(file.GetSize()));
-    if (!bytes.empty()) file.ReadBuffer(bytes.data(), static_cast<int>(bytes.size()));
-    return bytes;
-}
-
-std::vector<char> BlockOf(const std::string& source) {
+std::string BlockOf(const std::string& source) {
     const UnicodeString name = FromUtf8(source);
-    if (Sysutils::FileExists(name)) return FileBytes(name);
+    if (Sysutils::FileExists(name)) return ReadAll(source);
     auto settings = GetGlobalDevMode(name);
     if (!settings.IsSuccess()) {
         throw Failure("neither a file nor a printer: '" + source + "' " +
@@ -80,7 +72,7 @@ std::vector<std::string> Complaints(QV_DEVMODE& block, int size) {
 }
 
 void ShowBlock(const std::string& source) {
-    std::vector<char> bytes = BlockOf(source);
+    std::string bytes = BlockOf(source);
     const int size = static_cast<int>(bytes.size());
     // Room for a whole block, so that the fields that a short one has can be looked at.
     bytes.resize(std::max<std::size_t>(bytes.size(), sizeof(QV_DEVMODE)));
@@ -96,12 +88,12 @@ void ShowBlock(const std::string& source) {
 void EncodeJob(const std::string& file, const JobOptions& options) {
     SampleJob job(options);
     auto block = EncodeJobInfo2(&job.Record());
-    Classes::TFileStream stream(FromUtf8(file), 0xFFFF);
-    stream.WriteBuffer(&block[0], block.Size());
+    const auto* bytes = reinterpret_cast<const char*>(&block[0]);
+    WriteAll(file, {bytes, bytes + block.Size()});
 }
 
 void DecodeJob(const std::string& file) {
-    const std::vector<char> bytes = FileBytes(FromUtf8(file));
+    const std::string bytes = ReadAll(file);
     auto job = DecodeJobInfo2(bytes.data(), static_cast<int>(bytes.size()));
     if (!job.IsSuccess()) {
         throw Failure("'" + file + "' is no job record: " +

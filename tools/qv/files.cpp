@@ -1,0 +1,58 @@
+#include "files.h"
+
+#include <cstdio>
+#include <limits>
+
+#include "mox_classes/streams.h"
+
+namespace qv {
+
+namespace {
+
+constexpr unsigned short kRead = 0x40;  // others may write meanwhile
+constexpr unsigned short kReplace = 0xFFFF;
+
+std::string ReadStandardInput() {
+    std::string bytes;
+    char buffer[8192];
+    for (std::size_t got = 0; (got = std::fread(buffer, 1, sizeof(buffer), stdin)) > 0;)
+        bytes.append(buffer, got);
+    if (std::ferror(stdin) != 0) throw Failure("cannot read standard input", ExitCode::kCannotOpen);
+    return bytes;
+}
+
+[[noreturn]] void CannotOpen(const std::string& name, const UnicodeString& reason) {
+    throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(reason.Trim()),
+                  ExitCode::kCannotOpen);
+}
+
+}  // namespace
+
+std::string ReadAll(const std::string& name) {
+    if (name == kStandardStream) return ReadStandardInput();
+    try {
+        Classes::TFileStream file(FromUtf8(name), kRead);
+        const long long size = file.GetSize();
+        if (size > std::numeric_limits<int>::max())
+            throw Failure("'" + name + "' is too long", ExitCode::kCannotOpen);
+        std::string bytes(static_cast<std::size_t>(size), '\0');
+        if (!bytes.empty()) file.ReadBuffer(bytes.data(), static_cast<int>(size));
+        return bytes;
+    } catch (const UnicodeString& message) {
+        CannotOpen(name, message);
+    }
+}
+
+void WriteAll(const std::string& name, const std::string& bytes) {
+    if (name == kStandardStream) return Print(bytes);
+    if (bytes.size() > std::numeric_limits<int>::max())
+        throw Failure("'" + name + "' would be too long");
+    try {
+        Classes::TFileStream file(FromUtf8(name), kReplace);
+        file.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
+    } catch (const UnicodeString& message) {
+        CannotOpen(name, message);
+    }
+}
+
+}  // namespace qv
