@@ -81,6 +81,7 @@ bool InRange(FieldKind kind, long long number) {
 }
 
 std::uint8_t* ElementAt(const TField& field, int index) {
+    // cppcheck-suppress CastIntegerToAddressAtReturn ; an address and a distance
     return static_cast<std::uint8_t*>(field.data) + std::ptrdiff_t{index} * field.row->Size;
 }
 

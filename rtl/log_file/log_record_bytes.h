@@ -10,6 +10,7 @@ namespace Mox {
 // Owns the serialised record: in itself when it is small, else in one block of the library's heap.
 class TLogRecordBytes {
   public:
+    // cppcheck-suppress uninitMemberVar ; written before it is read, and large
     TLogRecordBytes() = default;
     TLogRecordBytes(const TLogRecordBytes&) = delete;
     TLogRecordBytes& operator=(const TLogRecordBytes&) = delete;

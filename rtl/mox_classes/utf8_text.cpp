@@ -29,7 +29,7 @@ long long ExpectedUnits(const char* bytes, int count) {
     while (end - bytes >= kByteStep) {
         const int blocks = std::min(static_cast<int>(end - bytes) / kByteStep, kMostBlocks);
         units += UnitsBegun(bytes, blocks);
-        bytes += blocks * kByteStep;
+        bytes += std::ptrdiff_t{blocks} * kByteStep;
     }
     for (; bytes != end; ++bytes) {
         const auto byte = static_cast<unsigned char>(*bytes);

@@ -99,7 +99,7 @@ class TByteBlock {
 
     explicit TByteBlock(const unsigned char* bytes) { std::memcpy(&bytes_, bytes, sizeof bytes_); }
     static TByteBlock OfUnits(const void* units) {
-        std::uint16_t wide[kHalf];
+        std::uint16_t wide[kHalf] = {};
         std::memcpy(wide, units, sizeof wide);
         unsigned char bytes[kSize] = {};
         for (int i = 0; i < kHalf; ++i) {
@@ -121,14 +121,14 @@ class TByteBlock {
     TByteMarks Odd() const { return NotAscii() | Is('\0'); }
     TByteMarks Blank() const { return ~(TByteMarks(Above(bytes_, 32)) | Odd()); }
     void Widen(void* units) const {
-        std::uint16_t wide[kSize];
+        std::uint16_t wide[kSize] = {};
         for (int i = 0; i < kSize; ++i) {
             wide[i] = static_cast<std::uint16_t>((bytes_ >> (8 * i)) & 0xFF);
         }
         std::memcpy(units, wide, sizeof wide);
     }
     static void WidenHalf(const unsigned char* bytes, void* units) {
-        std::uint16_t wide[kHalf];
+        std::uint16_t wide[kHalf] = {};
         for (int i = 0; i < kHalf; ++i) wide[i] = bytes[i];
         std::memcpy(units, wide, sizeof wide);
     }

@@ -80,7 +80,7 @@ void TXmlItems::Grow() {
         std::int64_t{capacity_} + capacity_ / 2 + (capacity_ < 8 ? kFirst : 0);
     const auto capacity = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, kMost));
     FList = static_cast<TXmlPair**>(
-        ResizedBlock(FList, static_cast<SIZE_T>(capacity) * sizeof(TXmlPair*)));
+        ResizedBlock(FList, static_cast<SIZE_T>(capacity) * sizeof(*FList)));
     capacity_ = capacity;
 }
 

@@ -59,6 +59,7 @@ struct TXmlNameSpan {
 };
 
 struct TXmlParseState {
+    // cppcheck-suppress uninitMemberVar ; the text writes its room before it reads it
     explicit TXmlParseState(bool takes_utf8) : utf8(takes_utf8) {}
 
     TXmlNameCache names;

@@ -20,7 +20,7 @@ using Shuffles = std::array<std::array<std::uint8_t, 16>, 256>;
 constexpr std::uint8_t kNone = 0x80;
 
 // Units, without the lanes of the set.
-constexpr Shuffles kWithoutUnits = [] {
+constexpr Shuffles kWithoutUnits = []() {
     Shuffles shuffles{};
     for (unsigned set = 0; set < shuffles.size(); ++set) {
         shuffles[set].fill(kNone);
@@ -35,7 +35,7 @@ constexpr Shuffles kWithoutUnits = [] {
 }();
 
 // Bytes: both of the lanes of the set, the first of the others.
-constexpr Shuffles kBothBytes = [] {
+constexpr Shuffles kBothBytes = []() {
     Shuffles shuffles{};
     for (unsigned set = 0; set < shuffles.size(); ++set) {
         shuffles[set].fill(kNone);
