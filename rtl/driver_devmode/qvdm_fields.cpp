@@ -3,8 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "driver_devmode/field_text.h"
-#include "driver_devmode/qvdm.h"
+#include "driver_devmode/named_field.h"
 #include "mox_classes/template_string.h"
 
 using namespace driver_devmode;
@@ -27,15 +26,6 @@ TField WrapperField(const TFieldInfo& row, TQVDM& wrapper) {
 
 std::basic_string_view<WCHAR> ViewOf(const UnicodeString& text) {
     return {text.t_str(), static_cast<std::size_t>(text.Length())};
-}
-
-TField FindNamedField(TQVDM& wrapper, const TFieldName& name) {
-    if (const TFieldInfo* row = FindDevModeField(name); row != nullptr) {
-        return wrapper.GetDM() == nullptr ? TField{} : BlockField(*row, wrapper.GetDM());
-    }
-    if (const TFieldInfo* row = FindWrapperField(name); row != nullptr)
-        return WrapperField(*row, wrapper);
-    return {};
 }
 
 // Calls visit(field) for the block's rows from row `first` on, then for the wrapper's.
@@ -84,6 +74,15 @@ class TFieldElements {
 };
 
 }  // namespace
+
+TField driver_devmode::FindNamedField(TQVDM& wrapper, const TFieldName& name) {
+    if (const TFieldInfo* row = FindDevModeField(name); row != nullptr) {
+        return wrapper.GetDM() == nullptr ? TField{} : BlockField(*row, wrapper.GetDM());
+    }
+    if (const TFieldInfo* row = FindWrapperField(name); row != nullptr)
+        return WrapperField(*row, wrapper);
+    return {};
+}
 
 bool TQVDM::ToXmlNode(TXmlNode* node) {
     TFieldElements elements(node);

@@ -2,23 +2,19 @@
 
 #include <exception>
 #include <memory>
+#include <vector>
 
 #include "mox_classes/streams.h"
 #include "mox_classes/sysutils_text.h"
 #include "qv_rtl_main/source_log.h"
 #include "qv_rtl_main/xml_request_handlers.h"
+#include "qv_rtl_main/xml_request_load.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_file.h"
 
 namespace {
 
 constexpr TCodePage kUtf8 = System::kCodePageUtf8;
-
-void BeginResponse(const TXmlDoc& request, TXmlDoc& response) {
-    response.FRoot->FName = TEXT("response");
-    SetText(response.FRoot, TEXT("to"), request.FRoot->FName);
-    response.CodePage = kUtf8;
-}
 
 void SetForm(const TXmlNode& request, TXmlDoc& response, TXmlMessages& messages) {
     response.LineBreak = request.AttrGetString(TEXT("linebreak"), kUtf8);
@@ -46,46 +42,16 @@ void Answer(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages)
     }
 }
 
-// A response that holds nothing but what is wrong with the request.
-void Reject(const TXmlDoc& request, TXmlDoc& response, const UnicodeString& file,
-            const UnicodeString& text, int position) {
-    BeginResponse(request, response);
-    TXmlMessages messages;
-    TXmlNode* error = messages.Error(text);
-    if (file.Length() > 0) SetText(error, TEXT("file"), file);
-    if (position >= 0) SetText(error, TEXT("position"), UnicodeString(position));
-    messages.AppendTo(*response.FRoot);
-}
-
-// Parses the request; what is wrong with it, null when it is well-formed. `position` is that of the
-// fault, -1 when it has none.
-UnicodeString Load(TXmlDoc& request, Classes::TStream& stream, int& position) {
-    position = -1;
-    UnicodeString thrown;
-    try {
-        request.LoadFromStream(&stream);
-    } catch (const UnicodeString& text) {
-        thrown = text;
-        if (request.ParseResult() == 0) return TEXT("Cannot read the request: ") + thrown;
-    }
-    const int result = request.ParseResult();
-    if (result > 0) return UnicodeString();
-    position = result < 0 ? -result : static_cast<int>(stream.GetSize());
-    if (result == 0) return TEXT("The request ends before its root element is closed");
-    return thrown.IsEmpty() ? TEXT("The request is not well-formed XML")
-                            : TEXT("The request is not well-formed XML: ") + thrown;
-}
-
 void AnswerStream(Classes::TStream& request_stream, Classes::TStream& response_stream,
                   const UnicodeString& file) {
     TXmlDoc request;
     TXmlDoc response;
-    int position = -1;
-    const UnicodeString fault = Load(request, request_stream, position);
-    if (fault.IsEmpty()) {
+    std::vector<unsigned char> bytes;
+    const TRequestFault fault = LoadRequest(request, request_stream, bytes);
+    if (fault.text.IsEmpty()) {
         DoXML(&request, &response);
     } else {
-        Reject(request, response, file, fault, position);
+        RejectRequest(request, response, file, fault);
     }
     response.SaveToStream(&response_stream);
 }
@@ -101,8 +67,8 @@ std::unique_ptr<Classes::TFileStream> OpenRequest(const UnicodeString& file, Uni
 }
 
 void AnswerFile(const UnicodeString& request_file, const UnicodeString& response_file) {
-    UnicodeString fault;
-    const auto request = OpenRequest(request_file, fault);
+    TRequestFault fault;
+    const auto request = OpenRequest(request_file, fault.text);
     // A request in the response's place is open now, so that it cannot be overwritten.
     TXmlFile response(response_file);
     if (request != nullptr) {
@@ -110,7 +76,7 @@ void AnswerFile(const UnicodeString& request_file, const UnicodeString& response
         return;
     }
     TXmlDoc document;
-    Reject(TXmlDoc(), document, request_file, fault, -1);
+    RejectRequest(TXmlDoc(), document, request_file, fault);
     document.SaveToStream(&response);
 }
 

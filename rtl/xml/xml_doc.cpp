@@ -58,11 +58,8 @@ int TXmlDoc::ReadFile() {
 }
 
 void TXmlDoc::LoadFromStream(Classes::TStream* stream) {
-    const long long size = stream->GetSize();
-    if (size < 0 || size > std::numeric_limits<int>::max()) throw UnicodeString("Out of range");
-    std::vector<unsigned char> bytes(static_cast<std::size_t>(size));
-    stream->ReadBuffer(bytes.data(), static_cast<int>(size));
-    Parse(bytes.data(), static_cast<int>(size));
+    const std::vector<unsigned char> bytes = ReadWhole(*stream);
+    Parse(bytes.data(), static_cast<int>(bytes.size()));
 }
 
 void TXmlDoc::LoadFromFile(UnicodeString file_name) {

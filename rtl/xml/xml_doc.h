@@ -13,6 +13,7 @@
 class TAsciiCharFinder;
 struct TXmlSearchSets;
 struct TXmlParseState;
+class TXmlWatch;
 
 // Owns its tree. One thread at a time. The load operations do not clear the document first: they
 // are meant for a fresh one.
@@ -40,6 +41,14 @@ class QV_API TXmlDoc {
     int Parse(const void* buffer, int size);
     // What the last Parse returned, or would have returned had it not thrown; 0 before the first.
     int ParseResult() const { return parse_result_; }
+    // What was wrong, in words; null after a Parse whose result is above 0, or for want of memory.
+    const UnicodeString& Fault() const { return fault_; }
+    // The byte position of the start tag that a fault is about as well, -1 when there is none: of
+    // the element whose end tag is missing.
+    int FaultOpened() const { return fault_opened_; }
+    // Hands out what a parse passes over and where the elements stand; null for none. The object
+    // must outlive every parse.
+    void SetWatch(TXmlWatch* watch) { watch_ = watch; }
 
     // Opens a file for ReadFile in place of one that is open.
     bool OpenFile(UnicodeString file_name);
@@ -97,7 +106,13 @@ class QV_API TXmlDoc {
     int CloseElement();
     void SkipComment();
     int Error() const;
+    void WatchPassed(int from);
+    int Fail(const UnicodeString& reason);
+    int FailAtOpen(const UnicodeString& reason);
 
     TXmlParseState* state_ = nullptr;  // set only during a parse
+    TXmlWatch* watch_ = nullptr;       // not owned
     int parse_result_ = 0;
+    int fault_opened_ = -1;
+    UnicodeString fault_;
 };

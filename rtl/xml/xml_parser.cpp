@@ -9,6 +9,7 @@
 #include "mox_classes/sysutils.h"
 #include "xml/xml_decode.h"
 #include "xml/xml_doc.h"
+#include "xml/xml_watch.h"
 
 namespace {
 
@@ -149,6 +150,21 @@ void AppendPieces(UnicodeString& text, const TPieces& pieces) {
     text += UnicodeString(pieces.data(), static_cast<long long>(pieces.size()));
 }
 
+// What is wrong with a text at `at`, where one of '>', '&' and ';' stands; a reference that is open
+// begins at `start`.
+UnicodeString TextFault(const TAsciiCharFinder& finder, int start, int at) {
+    constexpr int kMostUnits = 40;
+    switch (*finder.Bytes(at)) {
+        case '>':
+            return TEXT("'>' must be written '&gt;' here");
+        case '&':
+            return TEXT("'&' stands inside a reference; write '&amp;'");
+        default:
+            return TEXT("unknown reference '") +
+                   finder.Read(start, at + 1).SubString(1, kMostUnits) + TEXT("'");
+    }
+}
+
 // The length of the key at the position when it is short, ASCII and ends right before one of the
 // characters that end keys; else 0.
 int PlainKeyLength(const TAsciiCharFinder& finder, char end, char quote) {
@@ -204,6 +220,8 @@ struct TXmlDoc::TParsing {
 
 int TXmlDoc::Parse(const void* buffer, int size) {
     parse_result_ = 0;
+    fault_opened_ = -1;
+    fault_ = UnicodeString();
     TAsciiCharFinder finder(buffer, size);
     finder.CheckCodePage(CodePage);
     CodePage = finder.CodePage();
@@ -216,6 +234,7 @@ int TXmlDoc::Parse(const void* buffer, int size) {
     const int result = ParseWith(decoded);
     if (result > 0) parse_result_ = start + text.Original(result);
     if (result < 0) parse_result_ = -(start + text.Original(-result));
+    if (fault_opened_ >= 0) fault_opened_ = start + text.Original(fault_opened_);
     return parse_result_;
 }
 
@@ -223,6 +242,9 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
     const TParsing parsing(*this, finder);
     try {
         parse_result_ = ParseElements();
+    } catch (const UnicodeString& text) {
+        parse_result_ = Fail(text);
+        throw;
     } catch (...) {
         parse_result_ = Error();
         throw;
@@ -234,9 +256,14 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
 // end tag, or the negated position of an error.
 int TXmlDoc::ParseElements() {
     while (!FFinder->Eof()) {
-        if (FFinder->Current() != '<' && FFinder->FindAny('<', '>') != '<') {
-            FFinder->Skip(1);
-            continue;
+        if (FFinder->Current() != '<') {
+            const int from = FFinder->Position();
+            const bool found = FFinder->FindAny('<', '>') == '<';
+            if (watch_ != nullptr) WatchPassed(from);
+            if (!found) {
+                FFinder->Skip(1);
+                continue;
+            }
         }
         int result = 0;
         switch (FFinder->Next()) {
@@ -257,7 +284,30 @@ int TXmlDoc::ParseElements() {
         }
         if (result != 0) return result;
     }
+    if (!FRootSeen) {
+        fault_ = TEXT("there is no element");
+    } else {
+        FailAtOpen(TEXT("'") + FCurrent->FName + TEXT("' has no end tag"));
+    }
     return 0;
+}
+
+// Tells of characters that the scan has passed over between two tags.
+void TXmlDoc::WatchPassed(int from) {
+    int to = FFinder->Position();
+    TrimSpan(*FFinder, from, to);
+    if (from < to && FRootSeen) watch_->Passed(from);
+}
+
+int TXmlDoc::Fail(const UnicodeString& reason) {
+    fault_ = reason;
+    return Error();
+}
+
+// The same for a fault of the innermost open element.
+int TXmlDoc::FailAtOpen(const UnicodeString& reason) {
+    if (!state_->open.empty()) fault_opened_ = state_->open.back().from - 1;
+    return Fail(reason);
 }
 
 // 0 would mean the end of the input.
@@ -266,15 +316,17 @@ int TXmlDoc::Error() const {
 }
 
 int TXmlDoc::ParseInstruction() {
-    if (FRootSeen) return Error();
+    if (FRootSeen) return Fail(TEXT("an instruction stands behind the root's start tag"));
     FFinder->Skip(2);
     const UnicodeString name = ParseKey('?');
-    if (name.IsEmpty()) return Error();
+    if (name.IsEmpty()) return Fail(TEXT("the instruction has no name"));
     FCurrent = FProlog->AddChild(name);
     if (FFinder->Current() != '?' || FFinder->Next() != '>') {
         const int result = ParseAttributes('?');
         if (result < 0 && !state_->bare_name) return result;
-        if (FFinder->Current() != '?' || FFinder->Next() != '>') return Error();
+        if (FFinder->Current() != '?' || FFinder->Next() != '>') {
+            return Fail(TEXT("the instruction '") + name + TEXT("' does not end with '?>'"));
+        }
     }
     FFinder->Skip(2);
     FCurrent = nullptr;
@@ -297,8 +349,12 @@ int TXmlDoc::ParseEndTag() {
     FFinder->Skip(2);
     if (!SkipNameOfOpen()) {
         const UnicodeString name = ParseKey('>');
-        if (FFinder->Current() != '>' || FCurrent == nullptr) return Error();
-        if (!XmlNamesEqual(name, FCurrent->FName)) return Error();
+        if (FFinder->Current() != '>') return Fail(TEXT("the end tag does not end with '>'"));
+        if (FCurrent == nullptr) return Fail(TEXT("the end tag closes no element"));
+        if (!XmlNamesEqual(name, FCurrent->FName)) {
+            return FailAtOpen(TEXT("the end tag is of '") + name +
+                              TEXT("', the open element is '") + FCurrent->FName + TEXT("'"));
+        }
     }
     FFinder->Skip(1);
     return CloseElement();
@@ -320,7 +376,7 @@ int TXmlDoc::ParseStartTag() {
     FFinder->Skip(1);
     const int start = FFinder->Position();
     UnicodeString name = ParseKey('/');
-    if (name.IsEmpty()) return Error();
+    if (name.IsEmpty()) return Fail(TEXT("the tag has no name"));
     state_->open.push_back({start, state_->key_end - start});
     if (!FRootSeen) {
         FRoot->FName = std::move(name);
@@ -329,16 +385,21 @@ int TXmlDoc::ParseStartTag() {
     } else {
         FCurrent = FCurrent->AppendChild(std::move(name));
     }
+    if (watch_ != nullptr) watch_->Opened(*FCurrent, start - 1);
+    bool is_bare = false;
     if (FFinder->Current() != '/' && FFinder->Current() != '>') {
         const int result = ParseAttributes('/');
         if (result < 0 && !state_->bare_name) return result;
+        is_bare = result < 0;
     }
     if (FFinder->Current() == '/' && FFinder->Next() == '>') {
         FFinder->Skip(2);
         return CloseElement();
     }
-    if (FFinder->Current() != '>') return Error();
+    if (FFinder->Current() != '>' && is_bare) return Error();
+    if (FFinder->Current() != '>') return Fail(TEXT("the tag does not end with '>' or '/>'"));
     FFinder->Skip(1);
+    if (watch_ != nullptr) watch_->TextBegins(*FCurrent, FFinder->Position());
     const int result = ParseText(FCurrent->FValue, false);
     return result < 0 ? result : 0;
 }
@@ -377,13 +438,15 @@ int TXmlDoc::ParseAttributes(char end) {
     while (FFinder->Current() != '>') {
         if (FFinder->Current() == static_cast<unsigned char>(end)) break;
         UnicodeString name = ParseKey(end);
-        if (name.IsEmpty()) return Error();
+        if (name.IsEmpty()) return Fail(TEXT("the attribute has no name"));
         if (FFinder->Current() != '=') {
             state_->bare_name = true;
-            return Error();
+            return Fail(TEXT("the attribute '") + name + TEXT("' has no '='"));
         }
         FFinder->Skip(1);
-        if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') return Error();
+        if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') {
+            return Fail(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
+        }
         FFinder->Skip(1);
         UnicodeString value;
         const int result = ParseText(value, true);
@@ -391,7 +454,7 @@ int TXmlDoc::ParseAttributes(char end) {
         FCurrent->AppendAttribute(std::move(name), std::move(value));
         FFinder->Skip(1);
         FFinder->FindSignificant(&FSets->Significant);
-        if (FFinder->Eof()) return Error();
+        if (FFinder->Eof()) return Fail(TEXT("the tag has no end"));
     }
     return FFinder->Position();
 }
@@ -430,12 +493,12 @@ int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
             in_reference = true;
         } else if (octet == ';' && in_reference) {
             failed = !AppendReference(pieces, *FFinder, start + 1, at);
-            start = at + 1;
+            if (!failed) start = at + 1;
             in_reference = false;
         }
         if (failed || FFinder->Eof()) {
             AppendPieces(text, pieces);
-            return failed ? Error() : at;
+            return failed ? Fail(TextFault(*FFinder, start, at)) : at;
         }
         FFinder->Skip(1);
     }

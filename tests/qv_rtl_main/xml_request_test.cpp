@@ -149,21 +149,37 @@ TEST_F(XmlRequest, ABrokenRequestChangesNothingAndIsLocated) {
     const struct {
         std::string request;
         std::string text;
-        std::string position;
+        std::string position, line, column;
     } rows[] = {
-        {"<update><global><Language>de</Language></global><x></update>",
-         "The request is not well-formed XML", "59"},
-        {"<update><global><Language>de</Language></global>",
-         "The request ends before its root element is closed", "48"},
+        {"<update>\n\t<global><Language>de</Language></global><x></update>",
+         "The request is not well-formed XML: line 2, column 53: the end tag is of 'update', the "
+         "open element is 'x' (opened at line 2, column 42)\n"
+         "\t<global><Language>de</Language></global><x></update>\n"
+         "\t                                                   ^",
+         "61", "2", "53"},
+        {"<update>\r\n <global><Language>de</Language></global>\r\n\r\n",
+         "The request ends before its root element is closed: line 2, column 42: 'update' has no "
+         "end tag (opened at line 1, column 1)\n"
+         " <global><Language>de</Language></global>\n"
+         "                                         ^",
+         "55", "2", "42"},
         {"\xEF\xBB\xBF<update><global><Language>de</Language></global>\xA9</update>",
-         "The request is not well-formed XML: Invalid char found", "51"},
-        {"", "The request ends before its root element is closed", "0"},
+         "The request is not well-formed XML: line 1, column 49: Invalid char found\n"
+         "<update><global><Language>de</Language></global>\xEF\xBF\xBD</update>\n"
+         "                                                ^",
+         "51", "1", "49"},
+        {"",
+         "The request ends before its root element is closed: line 1, column 1: there is no "
+         "element",
+         "0", "1", "1"},
     };
     for (const auto& row : rows) {
         Ask(row.request);
         EXPECT_EQ(Children(), "message ");
         EXPECT_EQ(Text(TEXT("message\\error")), row.text);
         EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("position")), row.position);
+        EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("line")), row.line);
+        EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("column")), row.column);
     }
     Ask("<query><global/></query>");
     EXPECT_EQ(Text(TEXT("global\\Language")), "en");

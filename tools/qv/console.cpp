@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <limits>
+#include <string_view>
 
 namespace qv {
 
@@ -31,6 +32,21 @@ std::string Escaped(unsigned unit) {
     return text;
 }
 
+// `text` with its harmful units escaped, but for those that `kept` holds.
+std::string Harmless(const UnicodeString& text, std::string_view kept) {
+    UnicodeString line;
+    int done = 0;
+    for (int i = 0; i < text.Length(); ++i) {
+        const unsigned unit = text.t_str()[i];
+        if (!IsHarmful(unit)) continue;
+        if (unit < 0x80 && kept.find(static_cast<char>(unit)) != std::string_view::npos) continue;
+        line += text.SubString(done + 1, i - done);
+        line += FromUtf8(Escaped(unit));
+        done = i + 1;
+    }
+    return ToUtf8(line + text.SubString(done + 1, text.Length() - done));
+}
+
 }  // namespace
 
 UnicodeString FromUtf8(const std::string& text) {
@@ -56,16 +72,11 @@ std::string ToUtf8(const UnicodeString& text) {
 }
 
 std::string OneLine(const UnicodeString& text) {
-    UnicodeString line;
-    int done = 0;
-    for (int i = 0; i < text.Length(); ++i) {
-        const unsigned unit = text.t_str()[i];
-        if (!IsHarmful(unit)) continue;
-        line += text.SubString(done + 1, i - done);
-        line += FromUtf8(Escaped(unit));
-        done = i + 1;
-    }
-    return ToUtf8(line + text.SubString(done + 1, text.Length() - done));
+    return Harmless(text, {});
+}
+
+std::string Lines(const UnicodeString& text) {
+    return Harmless(text, "\n\t");
 }
 
 void Print(const std::string& text) {

@@ -16,6 +16,8 @@ std::string ToUtf8(const UnicodeString& text);
 // The text on one line, with what makes a terminal act or turns the direction of writing made
 // harmless: tab, line break and the like as \t, \n, \r, \xNN, \uNNNN.
 std::string OneLine(const UnicodeString& text);
+// The same for a text of several lines, whose line feeds and tabs stay.
+std::string Lines(const UnicodeString& text);
 
 // Writes to standard output, byte for byte; throws Failure when that fails, ClosedPipe when nobody
 // reads it.

@@ -1,9 +1,11 @@
 // qv xml: the XML request call on files or on the standard streams.
+#include <limits>
 #include <memory>
 
 #include "commands.h"
 #include "files.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/memory_stream.h"
+#include "qv_rtl_main/xml_check.h"
 #include "qv_rtl_main/xml_request.h"
 #include "xml/xml_doc.h"
 
@@ -11,64 +13,100 @@ namespace qv {
 
 namespace {
 
-// A file in the temporary folder, gone at the end of the call.
-class TemporaryFile {
-  public:
-    explicit TemporaryFile(const WCHAR* extension)
-        : name_(Sysutils::GetTempPathW() +
-                UnicodeString().sprintf(TEXT("qv_%lu"), GetCurrentProcessId()) + extension) {}
-    ~TemporaryFile() { DeleteFileW(name_.t_str()); }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    const UnicodeString& Name() const { return name_; }
+using Classes::TFileStream;
+using Classes::TMemoryStream;
+using System::kCodePageUtf8;
 
-  private:
-    UnicodeString name_;
+struct XmlOptions {
+    std::string request, response = kStandardStream;
+    bool strict = false;
 };
 
-// Throws the texts of the response's error elements, if it has any.
-void FailOnErrors(const UnicodeString& response_file) {
+// The file that takes the response: it is made before the request is carried out, so that nothing
+// is when the response has no place. Null for standard output.
+std::unique_ptr<TFileStream> MakeResponse(const std::string& name) {
+    if (name == kStandardStream) return nullptr;
+    try {
+        return std::make_unique<TFileStream>(FromUtf8(name), TFileStream::kCreate);
+    } catch (const UnicodeString& reason) {
+        throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(reason.Trim()),
+                      ExitCode::kCannotOpen);
+    }
+}
+
+void WriteResponse(TFileStream* file, const TMemoryStream& response, int size) {
+    const auto* bytes = static_cast<const char*>(response.GetMemory());
+    if (file != nullptr) {
+        file->WriteBuffer(bytes, size);
+        return;
+    }
+    std::string text(bytes, static_cast<std::size_t>(size));
+    if (text.empty() || text.back() != '\n') text += '\n';
+    Print(text);
+}
+
+// Throws the texts of the response's error elements, if it has any. An error at a position of the
+// request means that the request itself is damaged.
+void FailOnErrors(const std::string& request, const TMemoryStream& bytes, int size) {
     TXmlDoc response;
-    response.LoadFromFile(response_file);
-    const TXmlNode* messages = response.FRoot->FindChild(TEXT("message"), System::kCodePageUtf8);
+    response.Parse(bytes.GetMemory(), size);
+    const TXmlNode* messages = response.FRoot->FindChild(TEXT("message"), kCodePageUtf8);
+    const std::string name = request == kStandardStream ? "standard input" : request;
     std::string text;
+    ExitCode code = ExitCode::kFailed;
     for (int i = 0; messages != nullptr && i < messages->ChildCount(); ++i) {
         const TXmlNode& entry = *messages->GetChild(i);
         if (entry.FName != TEXT("error")) continue;
-        const UnicodeString system_text =
-            entry.AttrGetString(TEXT("W32Msg"), System::kCodePageUtf8).Trim();
-        text += (text.empty() ? "" : "\nqv: ") + OneLine(entry.FValue);
+        const bool has_place = entry.FindAttribute(TEXT("line"), kCodePageUtf8) != nullptr;
+        if (entry.FindAttribute(TEXT("position"), kCodePageUtf8) != nullptr)
+            code = ExitCode::kDamaged;
+        const UnicodeString system_text = entry.AttrGetString(TEXT("W32Msg"), kCodePageUtf8).Trim();
+        text += text.empty() ? "" : "\nqv: ";
+        text += has_place ? OneLine(FromUtf8(name)) + ": " + Lines(entry.FValue)
+                          : OneLine(entry.FValue);
         if (system_text.Length() > 0) text += " " + OneLine(system_text);
     }
-    if (!text.empty()) throw Failure(text);
+    if (!text.empty()) throw Failure(text, code);
 }
 
-void RunXml(const std::string& request, const std::string& response) {
-    const TemporaryFile input(TEXT("_request.xml"));
-    const TemporaryFile output(TEXT("_response.xml"));
-    const bool from_stream = request == kStandardStream;
-    const bool to_stream = response == kStandardStream;
-    if (from_stream) WriteAll(ToUtf8(input.Name()), ReadAll(request));
-    const UnicodeString request_file = from_stream ? input.Name() : FromUtf8(request);
-    const UnicodeString response_file = to_stream ? output.Name() : FromUtf8(response);
-    DoXMLW(request_file.t_str(), response_file.t_str());
-    if (to_stream) {
-        const std::string bytes = ReadAll(ToUtf8(response_file));
-        Print(bytes);
-        if (bytes.empty() || bytes.back() != '\n') Print("\n");
+void RunXml(const XmlOptions& options) {
+    const std::string bytes = ReadAll(options.request);
+    if (bytes.size() > std::numeric_limits<int>::max())
+        throw Failure("the request is too long", ExitCode::kCannotOpen);
+    // Held while the response is made, so that a response in its place does not overwrite it.
+    std::unique_ptr<TFileStream> held;
+    if (options.request != kStandardStream)
+        held = std::make_unique<TFileStream>(FromUtf8(options.request), TFileStream::kRead);
+    const std::unique_ptr<TFileStream> file = MakeResponse(options.response);
+    TMemoryStream request;
+    request.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
+    request.SetPosition(0);
+    TMemoryStream response;
+    if (!options.strict || CheckXmlRequest(&request, &response)) {
+        request.SetPosition(0);
+        DoXML(&request, &response);
     }
-    FailOnErrors(response_file);
+    const int size = static_cast<int>(response.GetSize());
+    WriteResponse(file.get(), response, size);
+    FailOnErrors(options.request, response, size);
 }
 
 }  // namespace
 
 void AddXmlCommand(CLI::App& app) {
     CLI::App* command = app.add_subcommand("xml", "Answer an XML request");
-    auto request = std::make_shared<std::string>();
-    auto response = std::make_shared<std::string>(kStandardStream);
-    command->add_option("REQUEST", *request, "Request file; - is standard input")->required();
-    command->add_option("RESPONSE", *response, "Response file; - is standard output, the default");
-    command->callback([request, response] { RunXml(*request, *response); });
+    command->footer(
+        "Exit codes: 1 when the response holds errors, 3 when the request is not well-formed XML, "
+        "4 when a file\ncannot be opened.");
+    auto options = std::make_shared<XmlOptions>();
+    command->add_option("REQUEST", options->request, "Request file; - is standard input")
+        ->required();
+    command->add_option("RESPONSE", options->response,
+                        "Response file; - is standard output, the default");
+    command->add_flag("--strict", options->strict,
+                      "Carry nothing out when the request has names or values that would be passed "
+                      "over; name each with its line");
+    command->callback([options] { RunXml(*options); });
 }
 
 }  // namespace qv

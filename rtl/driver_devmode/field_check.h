@@ -1,0 +1,23 @@
+// Whether a name and a text make a setting as they stand: what setting by name takes in silence
+// shows here.
+#pragma once
+
+#include "driver_devmode/field_table.h"
+#include "driver_devmode/qvdm.h"
+
+namespace driver_devmode {
+
+enum class TFieldCheck {
+    Taken,
+    UnknownName,
+    BadValue,  // no value of the field, or not in its range, or a word where a number is due
+    TooMany,   // more values than the field has
+    Cut,       // a text longer than the field
+    NotKept,   // encoding writes it over with the wrapper's member
+    NoRoom     // the texts together are longer than the block's pool
+};
+
+// Sets the field in `scratch`, with what it holds already, and encodes.
+TFieldCheck CheckField(TQVDM& scratch, const TFieldName& name, const UnicodeString& text);
+
+}  // namespace driver_devmode

@@ -1,0 +1,12 @@
+// A wrapper's field by its name.
+#pragma once
+
+#include "driver_devmode/field_text.h"
+#include "driver_devmode/qvdm.h"
+
+namespace driver_devmode {
+
+// One of the block or one of the wrapper's strings; without a row when no field is called so.
+TField FindNamedField(TQVDM& wrapper, const TFieldName& name);
+
+}  // namespace driver_devmode
