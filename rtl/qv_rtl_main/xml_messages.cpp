@@ -1,5 +1,7 @@
 #include "qv_rtl_main/xml_messages.h"
 
+#include <utility>
+
 #include "mox_log/sys_error.h"
 
 namespace {
@@ -20,18 +22,24 @@ TXmlNode* TXmlMessages::Warning(const UnicodeString& text) {
 }
 
 TXmlNode* TXmlMessages::Add(const WCHAR* kind, const UnicodeString& text) {
-    if (list_ == nullptr) {
-        list_ = std::make_unique<TXmlNode>();
-        list_->FName = TEXT("message");
-    }
+    if (list_ == nullptr) list_ = NewElement(TEXT("message"));
     return AddText(*list_, kind, text);
 }
 
 void TXmlMessages::AppendTo(TXmlNode& response) {
-    if (list_ == nullptr) return;
-    list_->SetOwner(&response);
-    response.AddChild(list_.get());
-    static_cast<void>(list_.release());
+    if (list_ != nullptr) Append(response, std::move(list_));
+}
+
+std::unique_ptr<TXmlNode> NewElement(const WCHAR* name) {
+    auto element = std::make_unique<TXmlNode>();
+    element->FName = name;
+    return element;
+}
+
+void Append(TXmlNode& parent, std::unique_ptr<TXmlNode> child) {
+    child->SetOwner(&parent);
+    parent.AddChild(child.get());
+    static_cast<void>(child.release());
 }
 
 TXmlNode* AddText(TXmlNode& parent, const WCHAR* name, const UnicodeString& text) {

@@ -24,6 +24,10 @@ class TXmlMessages {
     std::unique_ptr<TXmlNode> list_;  // the "message" element, once there is one
 };
 
+// An element outside the document: what fails while it is filled leaves no half of it there.
+std::unique_ptr<TXmlNode> NewElement(const WCHAR* name);
+// Hands the element to `parent` as its last child.
+void Append(TXmlNode& parent, std::unique_ptr<TXmlNode> child);
 // A child with a text; the child.
 TXmlNode* AddText(TXmlNode& parent, const WCHAR* name, const UnicodeString& text);
 void SetText(TXmlNode* node, const WCHAR* attribute, const UnicodeString& text);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 #include "driver_devmode/field_map.h"
 #include "driver_devmode/qvdm.h"
@@ -47,15 +48,16 @@ void ReportGlobal(TXmlNode& response, TXmlMessages& messages) {
 void ReportMonitors(const UnicodeString& name, TXmlNode& response) {
     const TW32StructData<MONITOR_INFO_2W> monitors = GetMonitors(name);
     for (int i = 0; i < monitors.Count(); ++i) {
-        TXmlNode* monitor = response.AddChild(TEXT("monitor"));
+        auto monitor = NewElement(TEXT("monitor"));
         AddText(*monitor, TEXT("name"), monitors[i].pName);
         AddText(*monitor, TEXT("environment"), monitors[i].pEnvironment);
         AddFile(*monitor, TEXT("dllName"), monitors[i].pDLLName);
+        Append(response, std::move(monitor));
     }
 }
 
 void ReportDriver(const DRIVER_INFO_3W& info, TXmlNode& response) {
-    TXmlNode* driver = response.AddChild(TEXT("driver"));
+    auto driver = NewElement(TEXT("driver"));
     AddText(*driver, TEXT("version"), UnicodeString(info.cVersion));
     AddText(*driver, TEXT("name"), info.pName);
     AddText(*driver, TEXT("environment"), info.pEnvironment);
@@ -63,6 +65,7 @@ void ReportDriver(const DRIVER_INFO_3W& info, TXmlNode& response) {
     AddFile(*driver, TEXT("ui"), info.pConfigFile);
     AddText(*driver, TEXT("monitor"), info.pMonitorName);
     AddText(*driver, TEXT("datatype"), info.pDefaultDataType);
+    Append(response, std::move(driver));
 }
 
 void ReportDrivers(const UnicodeString& name, TXmlNode& response, TXmlMessages& messages) {
@@ -131,10 +134,11 @@ void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessage
     for (int i = 0; i < printers.Count(); ++i) {
         if (!Passes(driver, printers[i].pDriverName)) continue;
         const UnicodeString name(printers[i].pPrinterName);
-        TXmlNode* printer = response.AddChild(TEXT("printer"));
+        auto printer = NewElement(TEXT("printer"));
         AddText(*printer, TEXT("name"), name);
         AddText(*printer, TEXT("port"), printers[i].pPortName);
         ReportSettings(name, wrappers, *printer, messages);
+        Append(response, std::move(printer));
         found = true;
     }
     if (!found) messages.Warning(TEXT("No printer was found"));

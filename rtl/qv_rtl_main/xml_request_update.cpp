@@ -2,6 +2,8 @@
 
 #include <winspool.h>
 
+#include <utility>
+
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
 #include "mox_classes/handles.h"
@@ -51,9 +53,10 @@ void UpdateSettings(const UnicodeString& name, TXmlNode& changes, TXmlNode& resp
     TQVDM settings;
     if (!current.IsEmpty()) settings.SetDEVMODE(&current[0], current.Size());
 
-    TXmlNode* printer = response.AddChild(TEXT("printer"));
+    auto printer = NewElement(TEXT("printer"));
     AddText(*printer, TEXT("name"), name);
     settings.FromXmlNode(&changes, printer->AddChild(TEXT("devmode")));
+    Append(response, std::move(printer));
     // The request may have changed the sizes that the block states.
     if (!settings.StatedSizeFits()) {
         failed(TEXT("Cannot set global DEVMODE"), ERROR_INVALID_DATA);

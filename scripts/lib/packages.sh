@@ -2,7 +2,10 @@
 
 packages_for() {
     case $1 in
-        native) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev ;;
+        native)
+            echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev \
+                python3 libxml2-utils
+            ;;
         clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev ;;
         fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev ;;
         windows) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix \

@@ -5,6 +5,7 @@
 #include "mox_classes/streams.h"
 #include "mox_classes/sysutils.h"
 #include "qv_rtl_main/xml_request.h"
+#include "support/saved_response.h"
 #include "xml/xml_doc.h"
 
 namespace faults {
@@ -53,7 +54,10 @@ class Request : public Scenario {
         // Without memory nothing can be logged either.
         const bool speechless = step.plan.kind == Kind::Memory;
         EXPECT_TRUE(whole || logged || speechless) << "nobody is told: " << text;
-        if (whole) CheckResponse(step, response, text);
+        if (whole) {
+            test::SaveResponse(text);
+            CheckResponse(step, response, text);
+        }
         CheckMachine(step, whole && !Has(response, TEXT("message")));
     }
 

@@ -10,6 +10,7 @@
 #include "driver_global/installation.h"
 #include "mox_classes/memory_stream.h"
 #include "support/fresh_host_root.h"
+#include "support/saved_response.h"
 #include "support/source_folder.h"
 #include "support/test_printers.h"
 #include "support/test_registry.h"
@@ -47,6 +48,7 @@ class XmlRequest : public testing::Test {
     }
 
     void Take(const std::string& bytes) {
+        test::SaveResponse(bytes);
         response_ = std::make_unique<TXmlDoc>();
         EXPECT_GT(test::Parse(*response_, bytes), 0) << bytes;
         EXPECT_EQ(Utf8(response_->FRoot->FName), "response");

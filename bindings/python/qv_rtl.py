@@ -1,0 +1,242 @@
+"""The command interfaces of qv_rtl: text commands and XML requests.
+
+    from qv_rtl import QvRtl
+
+    qv = QvRtl()
+    for printer in qv.printers():
+        print(printer, qv.settings(printer)["Mode"])
+    before = qv.update_printer("Vantrel Fax", {"dmCopies": 2})
+
+All settings are those that the current user has for a printer. Texts are any Python text, those
+outside the Basic Multilingual Plane included; they cross as UTF-16. Objects may be used by several
+threads at once.
+"""
+import ctypes
+import os
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+
+__all__ = ["Change", "CommandError", "QvRtl", "QvRtlError", "RequestError", "Response"]
+
+# Units of text that the first call of a command has room for.
+_FIRST_LENGTH = 4096
+
+
+class QvRtlError(Exception):
+    """The library could not do what was asked."""
+
+
+class CommandError(QvRtlError):
+    """A text command failed: `status` is the negative status, `text` the library's message."""
+
+    def __init__(self, status, text):
+        super().__init__(f"status {status}: {text}")
+        self.status = status
+        self.text = text
+
+
+class RequestError(QvRtlError):
+    """A response holds errors: `status` is the system's code of the first, 0 without one.
+
+    `response` is the whole response, which may hold answers as well.
+    """
+
+    def __init__(self, response):
+        super().__init__("; ".join(response.errors))
+        self.status = int(response.root.find("message/error").get("W32Code", "0"))
+        self.response = response
+
+
+class Response:
+    """The answer to an XML request; `root` is its root element."""
+
+    def __init__(self, root):
+        self.root = root
+
+    @property
+    def errors(self):
+        return self._messages("error")
+
+    @property
+    def warnings(self):
+        return self._messages("warning")
+
+    def check(self):
+        """Raises RequestError when there is an error, else returns the response."""
+        if self.errors:
+            raise RequestError(self)
+        return self
+
+    def _messages(self, kind):
+        found = self.root.findall("message/" + kind)
+        return [" ".join(filter(None, (item.text, item.get("W32Msg")))) for item in found]
+
+
+class Change:
+    """What an update did: `previous` values of the fields that changed, by name, and the names
+    that were `skipped` because the field is unknown or the value does not fit."""
+
+    def __init__(self, previous, skipped):
+        self.previous = previous
+        self.skipped = skipped
+
+
+def library_names(platform=sys.platform):
+    """The file names under which the loader is asked for the library, in that order."""
+    if platform in ("win32", "cygwin"):
+        return ["qv_rtl.dll"]
+    return ["libqv_rtl.so.1", "libqv_rtl.so"]
+
+
+class QvRtl:
+    """The library. `path` is its file; without one the system's loader looks for it by name."""
+
+    def __init__(self, path=None):
+        self._library = _load([path] if path is not None else library_names())
+        _declare(self._library)
+
+    def command(self, *items):
+        """Makes a text command call of a word, keywords and values, and returns its answer."""
+        line = _utf16("\t".join(_quoted(item) for item in items))
+        length = _FIRST_LENGTH
+        while True:
+            buffer = ctypes.create_string_buffer((length + 1) * 2)
+            status = self._library.DoCommandW(line, buffer, length)
+            text = _text(buffer)
+            # A status says nothing about the length of its message: a full buffer may be a cut one.
+            if status < 0 and len(text.encode("utf-16-le", "surrogatepass")) < length * 2:
+                raise CommandError(status, text)
+            if 0 <= status <= length:
+                return text
+            length = max(status, length * 2)
+
+    def printers(self):
+        """The names of all printers of the product."""
+        answer = self.command("getorloprinters")
+        return answer.split("\t") if answer else []
+
+    def settings(self, printer):
+        """The printer's main settings, by the names of the getdevmode command."""
+        items = self.command("getdevmode", "printername", printer).split("\t")
+        if len(items) % 2 != 0:
+            raise QvRtlError("A setting holds a tab: ask for the settings with an XML request")
+        return dict(zip(items[0::2], items[1::2]))
+
+    def change_settings(self, printer, **values):
+        """Changes main settings, by the keywords of the setdevmode command, all or none.
+
+        Returns the lines with which the library names keywords that it does not know.
+        """
+        items = [str(item) for pair in values.items() for item in pair]
+        return self.command("setdevmode", "printername", printer, *items).splitlines()
+
+    def default_settings(self, printer, *, silent=False, run=False, use_serial=False,
+                         use_document_name=False, directory="", file_name="", program="",
+                         parameters="", message="", window_class="", message_format=""):
+        """Sets all of a printer's default behaviour at once."""
+        flags = [bool(flag) for flag in (silent, run, use_serial, use_document_name)]
+        texts = [_utf16(text) for text in (directory, file_name, program, parameters, message,
+                                           window_class, message_format)]
+        if self._library.SetQVDefaultSetting(_utf16(printer), *flags, *texts) != 1:
+            raise QvRtlError(f"The settings of {printer!r} cannot be set")
+
+    def do_xml(self, request_file, response_file):
+        """Answers a request file in a response file, which is created or replaced.
+
+        A response file that cannot be created is known by its absence alone; the library logs why.
+        """
+        if self._library.DoXMLW(_utf16(os.fspath(request_file)),
+                                _utf16(os.fspath(response_file))) != 1:
+            raise QvRtlError("The request was not answered")
+
+    def request(self, document):
+        """Carries out a request, an element or its text; returns a Response, errors included."""
+        if not isinstance(document, str):
+            document = ElementTree.tostring(document, "unicode")
+        with tempfile.TemporaryDirectory() as folder:
+            request_file = os.path.join(folder, "request.xml")
+            response_file = os.path.join(folder, "response.xml")
+            with open(request_file, "wb") as file:
+                file.write(document.encode("utf-8-sig"))
+            self.do_xml(request_file, response_file)
+            try:
+                return Response(ElementTree.parse(response_file).getroot())
+            except (OSError, ElementTree.ParseError) as failure:
+                raise QvRtlError(f"The response cannot be read: {failure}") from failure
+
+    def query_printers(self, driver=None):
+        """All printers, or those of one driver, as elements with name, port and devmode."""
+        query = ElementTree.Element("query")
+        wanted = ElementTree.SubElement(query, "printer")
+        if driver is not None:
+            ElementTree.SubElement(wanted, "driver").text = driver
+        return self.request(query).check().root.findall("printer")
+
+    def update_printer(self, printer, values):
+        """Changes fields by name, as {"dmCopies": 2, "exOut.UseSerial": False}; returns a Change."""
+        update = ElementTree.Element("update")
+        target = ElementTree.SubElement(update, "printer")
+        ElementTree.SubElement(target, "name").text = printer
+        devmode = ElementTree.SubElement(target, "devmode")
+        for name, value in values.items():
+            parent, field = devmode, name
+            if "." in name:
+                group, field = name.split(".", 1)
+                parent = devmode.find(group)
+                if parent is None:
+                    parent = ElementTree.SubElement(devmode, group)
+            ElementTree.SubElement(parent, field).text = str(value)
+        answer = self.request(update).check().root.find("printer/devmode")
+        fields = _fields(answer)
+        previous = {name: fields[name] for name in values if name in fields}
+        return Change(previous, [name for name in values if name not in previous])
+
+
+def _load(names):
+    for name in names:
+        try:
+            return ctypes.CDLL(name)
+        except OSError as failure:
+            reason = failure
+    raise QvRtlError(f"The library cannot be loaded: {reason}")
+
+
+def _declare(library):
+    """The calls' types as qv_rtl_c.h has them; a text is a buffer of UTF-16."""
+    text, number, byte = ctypes.c_char_p, ctypes.c_int, ctypes.c_ubyte
+    library.DoCommandW.argtypes = [text, text, number]
+    library.DoXMLW.argtypes = [text, text]
+    library.SetQVDefaultSetting.argtypes = [text, byte, byte, byte, byte] + [text] * 7
+    for call in (library.DoCommandW, library.DoXMLW, library.SetQVDefaultSetting):
+        call.restype = number
+
+
+def _utf16(text):
+    """Zero-terminated UTF-16; a name of Windows may hold half a surrogate pair."""
+    if "\0" in text:
+        raise ValueError("a text for the library cannot hold a zero character")
+    return text.encode("utf-16-le", "surrogatepass") + b"\0\0"
+
+
+def _text(buffer):
+    units = buffer.raw
+    end = next(i for i in range(0, len(units), 2) if units[i:i + 2] == b"\0\0")
+    return units[:end].decode("utf-16-le", "surrogatepass")
+
+
+def _quoted(item):
+    """The item as it may stand in a command line, where a tab ends an item."""
+    if "\t" in item or item.startswith('"'):
+        return '"' + item.replace('"', '""') + '"'
+    return item
+
+
+def _fields(devmode):
+    fields = {}
+    for child in devmode if devmode is not None else ():
+        for leaf in child:
+            fields[f"{child.tag}.{leaf.tag}"] = leaf.text or ""
+        if len(child) == 0:
+            fields[child.tag] = child.text or ""
+    return fields
