@@ -1,0 +1,211 @@
+// The command interfaces of qv_rtl.dll for .NET: text commands and XML requests.
+//
+//     foreach (string printer in QvRtl.Printers())
+//         Console.WriteLine(printer + ": " + QvRtl.Settings(printer)["Mode"]);
+//
+// All settings are those that the current user has for a printer. The library is found as every DLL
+// is: beside the program or in a folder of PATH. Any thread may call. Compiles from C# 5 on, for
+// 64-bit processes.
+using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Runtime.InteropServices;
+using System.Text;
+using System.Xml;
+
+/// <summary>The library could not do what was asked.</summary>
+public class QvRtlException : Exception
+{
+    public QvRtlException(string message) : base(message) { }
+}
+
+/// <summary>A text command failed: the negative status, and the library's message.</summary>
+public class QvCommandException : QvRtlException
+{
+    public QvCommandException(int status, string text) : base(text) { Status = status; }
+
+    public int Status { get; private set; }
+}
+
+/// <summary>A response holds errors: the first one's system code (0 without one), and the whole
+/// response, which may hold answers as well.</summary>
+public class QvRequestException : QvRtlException
+{
+    public QvRequestException(int code, string text, XmlDocument response) : base(text)
+    {
+        Code = code;
+        Response = response;
+    }
+
+    public int Code { get; private set; }
+    public XmlDocument Response { get; private set; }
+}
+
+public static class QvRtl
+{
+    // Units of text that the first call of a command has room for.
+    private const int FirstLength = 4096;
+
+    /// <summary>Makes a text command call of a word, keywords and values.</summary>
+    public static string Command(params string[] items)
+    {
+        string line = string.Join("\t", Array.ConvertAll(items, Quoted));
+        for (int length = FirstLength;;)
+        {
+            char[] buffer = new char[length + 1];
+            int status = DoCommandW(line, buffer, length);
+            string text = new string(buffer, 0, Array.IndexOf(buffer, '\0'));
+            // A status says nothing about its message's length: a full buffer may be a cut one.
+            if (status < 0 && text.Length < length) throw new QvCommandException(status, text);
+            if (status >= 0 && status <= length) return text;
+            length = Math.Max(status, length * 2);
+        }
+    }
+
+    /// <summary>The names of all printers of the product.</summary>
+    public static string[] Printers()
+    {
+        string answer = Command("getorloprinters");
+        return answer.Length == 0 ? new string[0] : answer.Split('\t');
+    }
+
+    /// <summary>The printer's main settings, by the names of the getdevmode command.</summary>
+    public static Dictionary<string, string> Settings(string printer)
+    {
+        string[] items = Command("getdevmode", "printername", printer).Split('\t');
+        if (items.Length % 2 != 0) throw new QvRtlException("A setting holds a tab");
+        var settings = new Dictionary<string, string>();
+        for (int i = 0; i < items.Length; i += 2) settings[items[i]] = items[i + 1];
+        return settings;
+    }
+
+    /// <summary>Changes main settings, given as keywords and values of the setdevmode command, all
+    /// or none; the lines that name unknown keywords.</summary>
+    public static string ChangeSettings(string printer, params string[] keywordsAndValues)
+    {
+        var items = new List<string> { "setdevmode", "printername", printer };
+        items.AddRange(keywordsAndValues);
+        return Command(items.ToArray());
+    }
+
+    /// <summary>Sets all of a printer's default behaviour at once; false when it cannot be
+    /// set.</summary>
+    public static bool SetDefaults(string printer, bool silent, bool run, bool useSerial,
+                                   bool useDocumentName, string directory, string fileName,
+                                   string program, string parameters, string message,
+                                   string windowClass, string messageFormat)
+    {
+        return SetQVDefaultSetting(Text(printer), Flag(silent), Flag(run), Flag(useSerial),
+                                   Flag(useDocumentName), Text(directory), Text(fileName),
+                                   Text(program), Text(parameters), Text(message),
+                                   Text(windowClass), Text(messageFormat)) == 1;
+    }
+
+    /// <summary>Carries out a request. Throws QvRequestException when the response holds
+    /// errors.</summary>
+    public static XmlDocument Request(string request)
+    {
+        string folder = Path.Combine(Path.GetTempPath(), Path.GetRandomFileName());
+        Directory.CreateDirectory(folder);
+        try
+        {
+            string requestFile = Path.Combine(folder, "request.xml");
+            string responseFile = Path.Combine(folder, "response.xml");
+            File.WriteAllText(requestFile, request, new UTF8Encoding(true));
+            DoXMLW(Text(requestFile), Text(responseFile));
+            if (!File.Exists(responseFile)) throw new QvRtlException("There is no response");
+            var response = new XmlDocument();
+            response.Load(responseFile);
+            return Checked(response);
+        }
+        finally
+        {
+            Directory.Delete(folder, true);
+        }
+    }
+
+    /// <summary>Changes fields by name, such as dmCopies or exOut.UseSerial; the previous values. A
+    /// field that is not among them was skipped: it is unknown or the value does not
+    /// fit.</summary>
+    public static Dictionary<string, string> UpdatePrinter(
+        string printer, IEnumerable<KeyValuePair<string, string>> values)
+    {
+        var document = new XmlDocument();
+        XmlNode target = Add(Add(document, "update"), "printer");
+        Add(target, "name").InnerText = printer;
+        XmlNode devmode = Add(target, "devmode");
+        foreach (var value in values) Field(devmode, value.Key, true).InnerText = value.Value;
+        XmlNode answer = Request(document.OuterXml).SelectSingleNode("/response/printer/devmode");
+        var previous = new Dictionary<string, string>();
+        foreach (var value in values)
+        {
+            XmlNode field = Field(answer, value.Key, false);
+            if (field != null) previous[value.Key] = field.InnerText;
+        }
+        return previous;
+    }
+
+    private static XmlDocument Checked(XmlDocument response)
+    {
+        XmlNodeList errors = response.SelectNodes("/response/message/error");
+        if (errors.Count == 0) return response;
+        int code;
+        int.TryParse(((XmlElement)errors[0]).GetAttribute("W32Code"), out code);
+        var text = new StringBuilder();
+        foreach (XmlElement error in errors)
+            text.AppendLine(error.InnerText + " " + error.GetAttribute("W32Msg"));
+        throw new QvRequestException(code, text.ToString().TrimEnd(), response);
+    }
+
+    // The field's element below a devmode; made when it is missing, or null.
+    private static XmlNode Field(XmlNode devmode, string name, bool make)
+    {
+        XmlNode node = devmode;
+        foreach (string part in name.Split('.'))
+        {
+            if (node == null) return null;
+            XmlNode parent = node;
+            node = parent[part];
+            if (node == null && make) node = Add(parent, part);
+        }
+        return node;
+    }
+
+    private static XmlNode Add(XmlNode parent, string name)
+    {
+        XmlDocument document = parent as XmlDocument ?? parent.OwnerDocument;
+        return parent.AppendChild(document.CreateElement(name));
+    }
+
+    // The item as it may stand in a command line, where a tab ends an item.
+    private static string Quoted(string item)
+    {
+        Text(item);
+        bool plain = item.IndexOf('\t') < 0 && !item.StartsWith("\"", StringComparison.Ordinal);
+        return plain ? item : "\"" + item.Replace("\"", "\"\"") + "\"";
+    }
+
+    // A text for the library, where a zero character would end it.
+    private static string Text(string text)
+    {
+        if (text.IndexOf('\0') >= 0) throw new ArgumentException("The text holds a zero character");
+        return text;
+    }
+
+    private static byte Flag(bool flag) { return flag ? (byte)1 : (byte)0; }
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int DoCommandW(string command, [Out] char[] buffer, int length);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int DoXMLW(string requestFile, string responseFile);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int SetQVDefaultSetting(
+        string printerName, byte dialogMode, byte runEnabled, byte useSerial, byte useDocumentName,
+        string saveDirectory, string saveFileName, string program, string programParameters,
+        string messageName, string messageWindowClass, string messageFormat);
+}

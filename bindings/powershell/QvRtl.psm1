@@ -1,0 +1,163 @@
+# The command interfaces of qv_rtl.dll for PowerShell: text commands and XML requests.
+#
+#     Import-Module .\QvRtl.psm1
+#     Get-QvPrinter | ForEach-Object { Get-QvSetting $_ }
+#
+# All settings are those that the current user has for a printer. The library is found in a folder of
+# $env:Path; set that before the first call. For Windows PowerShell 5.1 and PowerShell 7, 64-bit.
+Set-StrictMode -Version 2.0
+
+# Units of text that the first call of a command has room for.
+$FirstLength = 4096
+
+$Native = Add-Type -Namespace QvRtlModule -Name Native -PassThru -MemberDefinition @'
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int DoCommandW(string command, [Out] char[] buffer, int length);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int DoXMLW(string requestFile, string responseFile);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int SetQVDefaultSetting(
+    string printerName, byte dialogMode, byte runEnabled, byte useSerial, byte useDocumentName,
+    string saveDirectory, string saveFileName, string program, string programParameters,
+    string messageName, string messageWindowClass, string messageFormat);
+'@
+
+function Test-QvText([string]$Text) {
+    if ($Text.IndexOf([char]0) -ge 0) { throw 'The text holds a zero character' }
+    $Text
+}
+
+# An item as it may stand in a command line, where a tab ends an item.
+function ConvertTo-QvItem([string]$Item) {
+    $null = Test-QvText $Item
+    $quote = [string][char]34
+    if ($Item.IndexOf([char]9) -lt 0 -and -not $Item.StartsWith($quote)) { return $Item }
+    $quote + $Item.Replace($quote, $quote + $quote) + $quote
+}
+
+# Makes a text command call of a word, keywords and values; the answer. A failed command is an
+# exception with the status in Data['Status'].
+function Invoke-QvCommand {
+    [CmdletBinding()]
+    param([Parameter(Mandatory)][AllowEmptyString()][string[]]$Items)
+    $line = ($Items | ForEach-Object { ConvertTo-QvItem $_ }) -join [char]9
+    $length = $FirstLength
+    while ($true) {
+        $buffer = New-Object char[] ($length + 1)
+        $status = $Native::DoCommandW($line, $buffer, $length)
+        $text = New-Object string ($buffer, 0, [Array]::IndexOf($buffer, [char]0))
+        # A status says nothing about its message's length: a full buffer may be a cut one.
+        if ($status -lt 0 -and $text.Length -lt $length) {
+            $failure = New-Object InvalidOperationException $text
+            $failure.Data['Status'] = $status
+            throw $failure
+        }
+        if ($status -ge 0 -and $status -le $length) { return $text }
+        $length = [Math]::Max($status, $length * 2)
+    }
+}
+
+# The names of all printers of the product.
+function Get-QvPrinter {
+    $answer = Invoke-QvCommand 'getorloprinters'
+    if ($answer.Length -gt 0) { $answer.Split([char]9) }
+}
+
+# The printer's main settings as a hash table, by the names of the getdevmode command.
+function Get-QvSetting {
+    param([Parameter(Mandatory)][string]$Printer)
+    $parts = (Invoke-QvCommand 'getdevmode', 'printername', $Printer).Split([char]9)
+    if ($parts.Length % 2 -ne 0) { throw 'A setting holds a tab' }
+    $settings = [ordered]@{}
+    for ($i = 0; $i -lt $parts.Length; $i += 2) { $settings[$parts[$i]] = $parts[$i + 1] }
+    $settings
+}
+
+# Changes main settings, by the keywords of the setdevmode command, all or none. Gives the lines with
+# which the library names unknown keywords.
+function Set-QvSetting {
+    param([Parameter(Mandatory)][string]$Printer,
+          [Parameter(Mandatory)][System.Collections.IDictionary]$Values)
+    $items = @('setdevmode', 'printername', $Printer)
+    foreach ($key in $Values.Keys) { $items += @([string]$key, [string]$Values[$key]) }
+    Invoke-QvCommand $items
+}
+
+# Sets all of a printer's default behaviour at once; whether it could be set.
+function Set-QvDefault {
+    param([Parameter(Mandatory)][string]$Printer, [switch]$Silent, [switch]$Run,
+          [switch]$UseSerial, [switch]$UseDocumentName, [string]$Directory = '',
+          [string]$FileName = '', [string]$Program = '', [string]$Parameters = '',
+          [string]$Message = '', [string]$WindowClass = '', [string]$MessageFormat = '')
+    $texts = $Directory, $FileName, $Program, $Parameters, $Message, $WindowClass, $MessageFormat
+    $texts | ForEach-Object { $null = Test-QvText $_ }
+    $set = $Native::SetQVDefaultSetting(
+        (Test-QvText $Printer), [byte][bool]$Silent, [byte][bool]$Run, [byte][bool]$UseSerial,
+        [byte][bool]$UseDocumentName, $Directory, $FileName, $Program, $Parameters, $Message,
+        $WindowClass, $MessageFormat)
+    $set -eq 1
+}
+
+# Carries out a request; the response as an XML document. Errors in it are an exception with the
+# system's code in Data['Code'] and the response in Data['Response'].
+function Invoke-QvRequest {
+    param([Parameter(Mandatory)][string]$Request)
+    $folder = Join-Path ([IO.Path]::GetTempPath()) ([IO.Path]::GetRandomFileName())
+    $null = [IO.Directory]::CreateDirectory($folder)
+    try {
+        $requestFile = Join-Path $folder 'request.xml'
+        $responseFile = Join-Path $folder 'response.xml'
+        [IO.File]::WriteAllText($requestFile, $Request, (New-Object Text.UTF8Encoding $true))
+        $null = $Native::DoXMLW($requestFile, $responseFile)
+        if (-not [IO.File]::Exists($responseFile)) { throw 'There is no response' }
+        $response = New-Object Xml.XmlDocument
+        $response.Load($responseFile)
+    } finally {
+        [IO.Directory]::Delete($folder, $true)
+    }
+    $errors = $response.SelectNodes('/response/message/error')
+    if ($errors.Count -gt 0) {
+        $lines = $errors | ForEach-Object { $_.InnerText + ' ' + $_.GetAttribute('W32Msg') }
+        $failure = New-Object InvalidOperationException ($lines -join "`n")
+        $failure.Data['Code'] = $errors[0].GetAttribute('W32Code')
+        $failure.Data['Response'] = $response
+        throw $failure
+    }
+    $response
+}
+
+# Changes fields by name, such as dmCopies or exOut.UseSerial; the previous values as a hash table. A
+# field that is not among them was skipped: it is unknown or the value does not fit.
+function Set-QvField {
+    param([Parameter(Mandatory)][string]$Printer,
+          [Parameter(Mandatory)][System.Collections.IDictionary]$Values)
+    $document = New-Object Xml.XmlDocument
+    $target = $document.AppendChild($document.CreateElement('update'))
+    $target = $target.AppendChild($document.CreateElement('printer'))
+    $target.AppendChild($document.CreateElement('name')).InnerText = $Printer
+    $devmode = $target.AppendChild($document.CreateElement('devmode'))
+    foreach ($name in $Values.Keys) {
+        $node = $devmode
+        foreach ($part in $name.Split('.')) {
+            $child = $node.SelectSingleNode($part)
+            if ($null -eq $child) { $child = $node.AppendChild($document.CreateElement($part)) }
+            $node = $child
+        }
+        $node.InnerText = [string]$Values[$name]
+    }
+    $answer = Invoke-QvRequest $document.OuterXml
+    $previous = [ordered]@{}
+    foreach ($name in $Values.Keys) {
+        $field = $answer.SelectSingleNode('/response/printer/devmode/' + $name.Replace('.', '/'))
+        if ($null -ne $field) { $previous[$name] = $field.InnerText }
+    }
+    $previous
+}
+
+Export-ModuleMember -Function Invoke-QvCommand, Get-QvPrinter, Get-QvSetting, Set-QvSetting,
+    Set-QvDefault, Invoke-QvRequest, Set-QvField
