@@ -14,9 +14,15 @@ typedef char16_t QV_WCHAR;
 #define QV_C_API
 #endif
 
+#include "qv_rtl_version.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* The version of the library that is loaded, counted as QV_RTL_VERSION is:
+ * qv_rtl_main/runtime_version.h. */
+QV_C_API int QVRtlVersion(void);
 
 /* Text commands: qv_rtl_main/command_entry.h, docs/commands.md. */
 QV_C_API int DoCommandW(const QV_WCHAR* command, QV_WCHAR* buffer, int length);

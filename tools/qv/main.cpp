@@ -8,6 +8,7 @@
 
 #include "commands.h"
 #include "console.h"
+#include "qv_rtl_version.h"
 
 namespace {
 
@@ -15,7 +16,7 @@ using qv::ExitCode;
 
 void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
-    app.set_version_flag("--version", "qv " QV_VERSION);
+    app.set_version_flag("--version", "qv " QV_RTL_VERSION_TEXT);
     app.set_help_all_flag("--help-all", "Show the help of every command");
     qv::AddXmlCommand(app);
     qv::AddTextCommand(app);

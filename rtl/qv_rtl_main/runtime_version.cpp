@@ -1,0 +1,5 @@
+#include "qv_rtl_main/runtime_version.h"
+
+int QVRtlVersion() {
+    return QV_RTL_VERSION;
+}
