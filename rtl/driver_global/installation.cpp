@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr const WCHAR* kShellFoldersKey =
-    TEXT("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders");
-
 UnicodeString ProductValue(const WCHAR* name) {
     return Mox::ReadRegistry(HKEY_LOCAL_MACHINE, kProductKey, name);
 }
@@ -52,6 +49,14 @@ UnicodeString DescribeOS() {
 
 UnicodeString GetInstallPath() {
     return ProductValue(TEXT("InstallPath"));
+}
+
+UnicodeString GetInstalledResourceFile() {
+    UnicodeString folder = GetInstallPath();
+    if (folder.Length() == 0) {
+        folder = Sysutils::GetEnvExpanded(TEXT("%ProgramFiles%\\Halvorn\\Vantrel"));
+    }
+    return Sysutils::ConfirmPathString(folder) + TEXT("qv_res.xml");
 }
 
 UnicodeString GetPrinterLanguage() {

@@ -12,6 +12,13 @@
 inline constexpr const WCHAR* kProductKey = TEXT("Software\\Halvorn\\Vantrel");
 inline constexpr const WCHAR* kPrintersKey = TEXT("Software\\Halvorn\\Vantrel\\Printers");
 
+inline constexpr const WCHAR* kShellFoldersKey =
+    TEXT("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders");
+// What is taken for a log file's name when there is to be none.
+inline constexpr const WCHAR* kLogFileOff = TEXT("Disabled");
+// Where the resource file is looked for when the installed one does not open.
+inline constexpr const WCHAR* kFallbackResourceFile = TEXT("..\\..\\qv_res.xml");
+
 // The text value `name`, looked for under the user's per-printer key for `section`, the user's
 // product key, then the same two of the machine; with an empty section only the product keys. ""
 // when no place has it.
@@ -19,6 +26,8 @@ QV_API UnicodeString GetRegistrySetting(const UnicodeString& section, const Unic
 
 // "" when the product is not installed.
 QV_API UnicodeString GetInstallPath();
+// The resource file that a unit which names none takes.
+QV_API UnicodeString GetInstalledResourceFile();
 // Language code of the user interface; "en" when not set.
 QV_API UnicodeString GetPrinterLanguage();
 // Locale of a printer's output; "gl" when not set.

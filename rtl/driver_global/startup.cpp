@@ -16,17 +16,7 @@
 namespace {
 
 constexpr DWORD kLogFileLimit = 0x500000;
-constexpr const WCHAR* kLogFileOff = TEXT("Disabled");
-constexpr const WCHAR* kFallbackResourceFile = TEXT("..\\..\\qv_res.xml");
 constexpr int kDefaultAvailableFields = 527;
-
-UnicodeString InstalledResourceFile() {
-    UnicodeString folder = GetInstallPath();
-    if (folder.Length() == 0) {
-        folder = Sysutils::GetEnvExpanded(TEXT("%ProgramFiles%\\Halvorn\\Vantrel"));
-    }
-    return Sysutils::ConfirmPathString(folder) + TEXT("qv_res.xml");
-}
 
 // A broken file leaves what could be read of it.
 void ReadResources() {
@@ -98,7 +88,7 @@ void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFil
     std::optional<UnicodeString> log_file;
     AsFarAsPossible([&] { log_file = GetPrinterLogFile(); });
     AsFarAsPossible([&] {
-        InitXmlRes(resourceFile.Length() > 0 ? resourceFile : InstalledResourceFile(),
+        InitXmlRes(resourceFile.Length() > 0 ? resourceFile : GetInstalledResourceFile(),
                    kFallbackResourceFile);
         SetLanguage(language.Length() > 0 ? language : GetPrinterLanguage());
         ReadResources();

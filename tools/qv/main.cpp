@@ -3,6 +3,8 @@
 // Exit codes: exit_code.h. Data goes to standard output, messages to standard error.
 #include <algorithm>
 #include <exception>
+#include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,14 @@
 namespace {
 
 using qv::ExitCode;
+
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the operation failed, or what was compared differs\n"
+    "  2  wrong usage\n"
+    "  3  damaged input was handled as far as it goes\n"
+    "  4  a file or stream cannot be opened";
 
 void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
@@ -26,6 +36,8 @@ void AddCommands(CLI::App& app) {
     qv::AddLogCommands(app);
     qv::AddEventCommands(app);
     qv::AddHostCommands(app);
+    qv::AddCompletionCommands(app);
+    app.footer(kExitCodes);
 }
 
 ExitCode Run(std::vector<std::string> arguments) {
@@ -37,7 +49,10 @@ ExitCode Run(std::vector<std::string> arguments) {
     try {
         app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? ExitCode::kDone : ExitCode::kWrongUsage;
+        std::ostringstream help;
+        const int code = app.exit(error, help, std::cerr);
+        qv::Print(help.str());
+        return code == 0 ? ExitCode::kDone : ExitCode::kWrongUsage;
     }
     return ExitCode::kDone;
 }

@@ -1,0 +1,46 @@
+// The command line as data: what man pages and completions are made of. It is taken from the
+// parser itself, so that nothing can be missing from them.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <vector>
+
+namespace qv {
+
+// What may stand where a value is expected. The names of the value and of its option say so: one
+// called FILE, OUT.zip or --output-file is a file, one called PRINTER a printer, "FILE|PRINTER"
+// both.
+struct ValueKind {
+    std::vector<std::string> choices;
+    bool file = false;
+    bool folder = false;
+    bool printer = false;
+};
+
+struct OptionEntry {
+    std::vector<std::string> names;  // "-n", "--name"; of a positional its name alone
+    std::string value;               // the name of its value; empty for a flag
+    std::string description;
+    std::string preset;  // the default as the help shows it
+    bool required = false;
+    bool repeated = false;
+    ValueKind kind;
+
+    bool IsFlag() const { return value.empty(); }
+};
+
+struct CommandEntry {
+    std::string path;  // "qv log show"
+    std::string name;
+    std::string description;
+    std::string footer;
+    std::vector<OptionEntry> options;
+    std::vector<OptionEntry> positionals;
+    std::vector<std::string> commands;  // names of those below
+};
+
+// The program itself first, then every command in the order of the help, each followed by its own.
+std::vector<CommandEntry> CommandTree(const CLI::App& app);
+
+}  // namespace qv

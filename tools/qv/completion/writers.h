@@ -1,0 +1,35 @@
+// The texts that are made of the command line.
+#pragma once
+
+#include "completion/command_tree.h"
+
+namespace qv {
+
+using Tree = std::vector<CommandEntry>;
+
+// The manual page as roff source, for section 1.
+std::string ManPage(const Tree& tree);
+
+// Completion scripts. Names of printers come from `qv printers` at the time of completion.
+std::string BashCompletion(const Tree& tree);
+std::string ZshCompletion(const Tree& tree);
+std::string FishCompletion(const Tree& tree);
+std::string PowerShellCompletion(const Tree& tree);
+
+// The text between single quotes as the shells take it: POSIX shells, fish, PowerShell.
+std::string QuotedForShell(const std::string& text);
+std::string QuotedForFish(const std::string& text);
+std::string QuotedForPowerShell(const std::string& text);
+
+// Every option's names, one after the other; all with a value only when asked for.
+std::vector<std::string> OptionNames(const CommandEntry& command);
+std::string Joined(const std::vector<std::string>& words, const std::string& separator);
+// The first line of a description.
+std::string FirstLine(const std::string& text);
+
+// Where a command takes files or printers as arguments.
+bool TakesFiles(const CommandEntry& command);
+bool TakesPrinters(const CommandEntry& command);
+std::vector<std::string> ArgumentChoices(const CommandEntry& command);
+
+}  // namespace qv
