@@ -66,7 +66,8 @@ class TRingCheck {
         if (!reader.Assign(bytes.data(), bytes.size())) return "the file cannot be read";
         std::memcpy(&header_, bytes.data(), std::min<std::size_t>(bytes.size(), sizeof(header_)));
         while (const Mox::TLogMsg* message = reader.Next()) {
-            const std::string fault = TakeSkips(reader) + Take(*message);
+            std::string fault = TakeSkips(reader);
+            if (fault.empty()) fault = Take(*message);
             if (!fault.empty()) return fault;
         }
         const std::string fault = TakeSkips(reader);
