@@ -1,18 +1,13 @@
-// Vectors of bytes: how the scanner and the writer look at a whole block at a time.
-//
-// SSE2 belongs to every x86-64 processor; elsewhere a block is one 64-bit number.
+// Vectors of bytes: how the scanner and the writer look at a whole block at a time. SSE2 belongs to
+// every x86-64 processor, and the library is built for no other.
 #pragma once
+
+#include <emmintrin.h>
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
-#if defined(__SSE2__)
 
 // Marks on the bytes of a block.
 class TByteMarks {
@@ -37,20 +32,27 @@ class TByteBlock {
 
     explicit TByteBlock(const unsigned char* bytes)
         : bytes_(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))) {}
-    // kHalf 16-bit units, each ASCII one as its byte, any other one as an odd byte; zeros behind.
-    static TByteBlock OfUnits(const void* units) {
-        return TByteBlock(_mm_packus_epi16(_mm_loadu_si128(static_cast<const __m128i*>(units)),
-                                           _mm_setzero_si128()));
+    // Those of the first kHalf bytes that stand behind `skip`, and zeros.
+    void StoreHalf(void* bytes, std::ptrdiff_t skip) const {
+        const auto half = static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes_)) >> (8 * skip);
+        std::memcpy(bytes, &half, sizeof half);
     }
-    // The first kHalf bytes.
-    void StoreHalf(void* bytes) const { _mm_storel_epi64(static_cast<__m128i*>(bytes), bytes_); }
     TByteMarks Is(char octet) const {
         return TByteMarks(_mm_cmpeq_epi8(bytes_, _mm_set1_epi8(octet)));
+    }
+    // One of two characters that differ in one bit.
+    TByteMarks IsEither(char a, char b) const {
+        const __m128i both = _mm_or_si128(bytes_, _mm_set1_epi8(static_cast<char>(a ^ b)));
+        return TByteMarks(_mm_cmpeq_epi8(both, _mm_set1_epi8(static_cast<char>(a | b))));
     }
     static TByteMarks None() { return TByteMarks(_mm_setzero_si128()); }
     TByteMarks NotAscii() const { return TByteMarks(bytes_); }
     // 0, or not ASCII.
-    TByteMarks Odd() const { return TByteMarks(_mm_cmplt_epi8(bytes_, _mm_set1_epi8(1))); }
+    TByteMarks Odd() const { return Below(1); }
+    // 0 to less than an ASCII character, or not ASCII.
+    TByteMarks Below(char octet) const {
+        return TByteMarks(_mm_cmplt_epi8(bytes_, _mm_set1_epi8(octet)));
+    }
     // 1 to 32.
     TByteMarks Blank() const {
         const __m128i less = _mm_sub_epi8(bytes_, _mm_set1_epi8(1));
@@ -73,77 +75,41 @@ class TByteBlock {
     }
 
   private:
+    friend class TUnitBlock;
     explicit TByteBlock(__m128i bytes) : bytes_(bytes) {}
 
     __m128i bytes_;
 };
 
-#else
-
-class TByteMarks {
-  public:
-    explicit TByteMarks(std::uint64_t marks) : marks_(marks & 0x8080808080808080u) {}
-    TByteMarks operator|(TByteMarks other) const { return TByteMarks(marks_ | other.marks_); }
-    TByteMarks operator~() const { return TByteMarks(~marks_); }
-    std::uint64_t Bits() const { return marks_; }
-    static std::ptrdiff_t First(std::uint64_t bits) { return std::countr_zero(bits) / 8; }
-
-  private:
-    std::uint64_t marks_;
-};
-
-class TByteBlock {
+// 16-bit units.
+class TUnitBlock {
   public:
     static constexpr std::ptrdiff_t kSize = 8;
-    static constexpr std::ptrdiff_t kHalf = kSize / 2;
 
-    explicit TByteBlock(const unsigned char* bytes) { std::memcpy(&bytes_, bytes, sizeof bytes_); }
-    static TByteBlock OfUnits(const void* units) {
-        std::uint16_t wide[kHalf] = {};
-        std::memcpy(wide, units, sizeof wide);
-        unsigned char bytes[kSize] = {};
-        for (int i = 0; i < kHalf; ++i) {
-            bytes[i] = static_cast<unsigned char>(wide[i] < 0x80 ? wide[i] : 0x80);
-        }
-        return TByteBlock(bytes);
+    explicit TUnitBlock(const void* units)
+        : units_(_mm_loadu_si128(static_cast<const __m128i*>(units))) {}
+    // Each ASCII unit as its byte, any other one as an odd byte; zeros behind.
+    TByteBlock Narrow() const { return TByteBlock(_mm_packus_epi16(units_, _mm_setzero_si128())); }
+    // One bit for each unit of 0x800 or more, the first unit's lowest.
+    unsigned FromThreeBytes() const {
+        const __m128i above = _mm_subs_epu16(units_, _mm_set1_epi16(0x7FF));
+        const __m128i none = _mm_cmpeq_epi16(above, _mm_setzero_si128());
+        return ~TByteMarks(_mm_packs_epi16(none, none)).Bits() & 0xFF;
     }
-    void StoreHalf(void* bytes) const { std::memcpy(bytes, &bytes_, kHalf); }
-    TByteMarks Is(char octet) const {
-        return ~TByteMarks(Above(bytes_ ^ Each(static_cast<unsigned char>(octet)), 0) |
-                           (bytes_ ^ Each(static_cast<unsigned char>(octet))));
-    }
-    static TByteMarks None() { return TByteMarks(0); }
-    TByteMarks NotAscii() const { return TByteMarks(bytes_); }
-    TByteMarks Same(const TByteBlock& other) const {
-        const std::uint64_t different = bytes_ ^ other.bytes_;
-        return ~TByteMarks(Above(different, 0) | different);
-    }
-    TByteMarks Odd() const { return NotAscii() | Is('\0'); }
-    TByteMarks Blank() const { return ~(TByteMarks(Above(bytes_, 32)) | Odd()); }
-    void Widen(void* units) const {
-        std::uint16_t wide[kSize] = {};
-        for (int i = 0; i < kSize; ++i) {
-            wide[i] = static_cast<std::uint16_t>((bytes_ >> (8 * i)) & 0xFF);
-        }
-        std::memcpy(units, wide, sizeof wide);
-    }
-    static void WidenHalf(const unsigned char* bytes, void* units) {
-        std::uint16_t wide[kHalf] = {};
-        for (int i = 0; i < kHalf; ++i) wide[i] = bytes[i];
-        std::memcpy(units, wide, sizeof wide);
+    // The UTF-8 of each unit below 0x800 in two bytes, of which ASCII fills the first.
+    void StorePairs(void* pairs) const {
+        const __m128i lead = _mm_or_si128(_mm_set1_epi16(0xC0), _mm_srli_epi16(units_, 6));
+        const __m128i tail =
+            _mm_or_si128(_mm_set1_epi16(0x80), _mm_and_si128(_mm_set1_epi16(0x3F), units_));
+        const __m128i both = _mm_or_si128(lead, _mm_slli_epi16(tail, 8));
+        const __m128i ascii = _mm_cmplt_epi16(units_, _mm_set1_epi16(0x80));
+        _mm_storeu_si128(static_cast<__m128i*>(pairs),
+                         _mm_or_si128(_mm_and_si128(ascii, units_), _mm_andnot_si128(ascii, both)));
     }
 
   private:
-    static constexpr std::uint64_t Each(unsigned char octet) { return 0x0101010101010101u * octet; }
-    // Marks the bytes whose lower seven bits are above the limit; no byte carries into the next.
-    static std::uint64_t Above(std::uint64_t bytes, unsigned char limit) {
-        return (bytes & Each(0x7F)) + Each(static_cast<unsigned char>(0x7F - limit));
-    }
-
-    std::uint64_t bytes_ = 0;
+    __m128i units_;
 };
-
-#endif
 
 // The first byte from `at` on that is one of the wanted ASCII characters, 0 or not ASCII; `end`
 // when there is none.

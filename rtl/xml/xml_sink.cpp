@@ -1,146 +1,46 @@
 #include "xml/xml_sink.h"
 
-#include <array>
-#include <cstring>
 #include <limits>
 #include <utility>
 
 #include "mox_classes/streams.h"
-#include "xml/byte_block.h"
 #include "xml/xml_writer.h"
 
 namespace {
 
 // What makes a write worth while. It stays within a processor's own cache.
 constexpr std::size_t kPiece = 65536;
-// So many units are encoded before the room is checked again, and so many can one of them become.
+// So many units are encoded before the room is checked again.
 constexpr std::ptrdiff_t kRun = 1024;
-constexpr std::size_t kMostPerUnit = 6;
-
-constexpr WCHAR kReplacement = 0xFFFD;
-
-// What a code unit below 128 becomes; null is the unit itself. A carriage return is left out.
-constexpr std::array<const char*, 128> kEscapes = [] {
-    std::array<const char*, 128> texts{};
-    texts['>'] = "&gt;";
-    texts['<'] = "&lt;";
-    texts['"'] = "&quot;";
-    texts['&'] = "&amp;";
-    texts['\''] = "&apos;";
-    return texts;
-}();
-
-bool IsLead(WCHAR unit) {
-    return (unit & 0xFC00) == 0xD800;
-}
-
-bool IsTrail(WCHAR unit) {
-    return (unit & 0xFC00) == 0xDC00;
-}
 
 int Clamped(long long amount) {
     return static_cast<int>(std::min<long long>(amount, std::numeric_limits<int>::max()));
 }
 
-// The bytes that leave the block as they are end at the first mark.
-template <bool escape>
-[[gnu::always_inline]] inline auto Marked(const TByteBlock& block) {
-    if constexpr (escape) {
-        return (block.Odd() | block.Is('<') | block.Is('>') | block.Is('&') | block.Is('"') |
-                block.Is('\'') | block.Is('\r') | block.Is('\n'))
-            .Bits();
-    } else {
-        return block.Odd().Bits();
-    }
-}
-
-void Store(const TByteBlock& block, const WCHAR*, char* out) {
-    block.StoreHalf(out);
-}
-
-void Store(const TByteBlock&, const WCHAR* units, WCHAR* out) {
-    std::memcpy(out, units, TByteBlock::kHalf * sizeof(WCHAR));
-}
-
-char* PutUtf8(char32_t point, char* out) {
-    const auto tail = [&](int shift) {
-        *out++ = static_cast<char>(0x80 | ((point >> shift) & 0x3F));
-    };
-    if (point < 0x800) {
-        *out++ = static_cast<char>(0xC0 | (point >> 6));
-    } else if (point < 0x10000) {
-        *out++ = static_cast<char>(0xE0 | (point >> 12));
-        tail(6);
-    } else {
-        *out++ = static_cast<char>(0xF0 | (point >> 18));
-        tail(12);
-        tail(6);
-    }
-    tail(0);
-    return out;
-}
-
 }  // namespace
 
-template <class Unit>
-Unit* TXmlSink<Unit>::PutOdd(WCHAR unit, Unit* out) {
-    if constexpr (sizeof(Unit) == sizeof(WCHAR)) {
-        *out = unit;
-        return out + 1;
-    } else {
-        if (lead_ != 0) {
-            const WCHAR lead = std::exchange(lead_, WCHAR{0});
-            if (IsTrail(unit)) {
-                return PutUtf8(0x10000 + ((lead - 0xD800u) << 10) + (unit - 0xDC00u), out);
-            }
-            out = PutUtf8(kReplacement, out);
-        }
-        if (unit < 0x80) return out;
-        if (!IsLead(unit)) return PutUtf8(IsTrail(unit) ? kReplacement : unit, out);
-        lead_ = unit;
-        return out;
-    }
-}
+static_assert(xml_encode::kSlack <= TXmlSink<char>::kStep);
 
 template <class Unit>
 template <bool escape>
-int TXmlSink<Unit>::PutUnits(const WCHAR* text, int length) {
-    int lines = 1;
+int TXmlSink<Unit>::PutUnits(const WCHAR* text, std::ptrdiff_t length) {
+    xml_encode::TState state{1, lead_};
     for (const WCHAR* const end = text + length; text < end;) {
-        const WCHAR* const run_end = text + std::min<std::ptrdiff_t>(end - text, kRun);
-        Reserve(static_cast<std::size_t>(run_end - text) * kMostPerUnit + kOdd + TByteBlock::kHalf);
-        Unit* out = at_;
-        const WCHAR* plain_from = text;  // from here on every unit has become itself
-        while (text < run_end) {
-            if (lead_ == 0 && run_end - plain_from >= TByteBlock::kHalf) {
-                // The last block overlaps the one before it.
-                const std::ptrdiff_t back =
-                    std::max<std::ptrdiff_t>(TByteBlock::kHalf - (run_end - text), 0);
-                text -= back;
-                out -= back;
-                const TByteBlock block = TByteBlock::OfUnits(text);
-                Store(block, text, out);
-                const std::ptrdiff_t plain = TByteMarks::First(Marked<escape>(block));
-                text += plain;
-                out += plain;
-                if (plain == TByteBlock::kHalf) continue;
-            }
-            const WCHAR unit = *text++;
-            plain_from = text;
-            if (escape && unit == TEXT('\r')) continue;
-            if (unit >= 0x80 || lead_ != 0) out = PutOdd(unit, out);
-            if (unit >= 0x80) continue;
-            const char* replacement = escape ? kEscapes[unit] : nullptr;
-            if (replacement == nullptr) {
-                *out++ = static_cast<Unit>(unit);
-                if (unit == TEXT('\n')) ++lines;
-            } else {
-                while (*replacement != 0) *out++ = static_cast<Unit>(*replacement++);
-            }
-        }
-        at_ = out;
+        const std::ptrdiff_t run = std::min(end - text, kRun);
+        Reserve(static_cast<std::size_t>(run) * xml_encode::kMostPerUnit);
+        at_ = xml_encode::PutUnits<escape>(text, text + run, at_, state);
+        text += run;
     }
-    return lines;
+    lead_ = state.lead;
+    return state.lines;
+}
+
+template <class Unit>
+void TXmlSink<Unit>::PutLead() {
+    if constexpr (sizeof(Unit) == sizeof(char)) {
+        at_ = xml_encode::PutPoint(xml_encode::kReplacement, at_);
+    }
+    lead_ = 0;
 }
 
 template <class Unit>
@@ -154,14 +54,22 @@ int TXmlSink<Unit>::PutEscaped(const UnicodeString& text) {
     const WCHAR* last = first + text.Length();
     while (first < last && last[-1] <= 0x20) --last;
     while (first < last && *first <= 0x20) ++first;
-    return PutUnits<true>(first, static_cast<int>(last - first));
+    if (lead_ == 0) {
+        Reserve(static_cast<std::size_t>(last - first));
+        Unit* out = at_;
+        const bool all = xml_encode::PutPlain<true>(first, last, out);
+        at_ = out;
+        if (all) return 1;
+    }
+    return PutUnits<true>(first, last - first);
 }
 
 template <class Unit>
 void TXmlSink<Unit>::MakeRoom(std::size_t units) {
     const auto used = static_cast<std::size_t>(at_ - first_);
     if (stream_ != nullptr && used >= kPiece) return Flush();
-    const std::size_t size = std::max(static_cast<std::size_t>(end_ - first_) * 2, used + units);
+    const std::size_t least = stream_ != nullptr ? kPiece + kPiece / 4 : used * 2;
+    const std::size_t size = std::max(least, used + units);
     auto larger = std::make_unique_for_overwrite<Unit[]>(size);
     std::copy(first_, at_, larger.get());
     long_text_ = std::move(larger);

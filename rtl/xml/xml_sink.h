@@ -6,10 +6,12 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
 #include "mox_classes/unicode_string.h"
+#include "xml/xml_encode.h"
 
 namespace Classes {
 class TStream;
@@ -32,39 +34,65 @@ class TXmlSink {
     // An ASCII literal.
     template <std::size_t size>
     void PutMarkup(const char (&markup)[size]) {
-        Reserve(size + kOdd);
-        if (lead_ != 0) at_ = PutOdd(0, at_);
-        for (std::size_t i = 0; i + 1 < size; ++i) at_[i] = static_cast<Unit>(markup[i]);
-        at_ += size - 1;
+        at_ = Markup(markup, Begin(size));
     }
-    // What is encoded already.
+    // A name between two of them: most of a document is tags.
+    template <std::size_t before_size, std::size_t behind_size>
+    void PutName(const char (&before)[before_size], const UnicodeString& name,
+                 const char (&behind)[behind_size]) {
+        const auto length = static_cast<std::size_t>(name.Length());
+        const WCHAR* at = name.t_str();
+        Unit* out = Markup(before, Begin(before_size + length + behind_size));
+        if (xml_encode::PutPlain<false>(at, at + length, out)) {
+            at_ = Markup(behind, out);
+        } else {
+            PutMarkup(before);
+            Put(name, name.Length());
+            PutMarkup(behind);
+        }
+    }
+    // What is encoded already; kStep units behind it may be read.
     void PutEncoded(const Unit* units, std::size_t count) {
-        Reserve(count + kOdd);
-        if (lead_ != 0) at_ = PutOdd(0, at_);
-        at_ = std::copy_n(units, count, at_);
+        Unit* const out = Begin(count);
+        for (std::size_t i = 0; i < count; i += kStep) {
+            std::memcpy(out + i, units + i, kStep * sizeof(Unit));
+        }
+        at_ = out + count;
     }
     void Put(const UnicodeString& text) { Put(text, text.Length()); }
     // Its first `length` units.
     void Put(const UnicodeString& text, int length);
     // Trimmed and escaped; the number of lines of the text.
     int PutEscaped(const UnicodeString& text);
+    static constexpr std::size_t kStep = 16;
+
     // Hands on the rest; the bytes that the stream took, at most 2147483647.
     int Finish();
     // Appends the text to `out`; its length.
     int FinishInto(UnicodeString& out);
 
   private:
-    // Room for what one unit can become, and for one that is still to come.
-    static constexpr std::size_t kOdd = 8;
+    template <std::size_t size>
+    static Unit* Markup(const char (&markup)[size], Unit* out) {
+        for (std::size_t i = 0; i + 1 < size; ++i) out[i] = static_cast<Unit>(markup[i]);
+        return out + size - 1;
+    }
+
+    // Room behind what is asked for: a step, and a lead surrogate that came to nothing.
+    static constexpr std::size_t kSlack = kStep + 8;
     static constexpr std::size_t kFirst = 512;
 
     template <bool escape>
-    int PutUnits(const WCHAR* text, int length);
-    // Puts a unit that is no ASCII, together with a lead surrogate that came before it; 0 only ends
-    // such a lead.
-    Unit* PutOdd(WCHAR unit, Unit* out);
+    int PutUnits(const WCHAR* text, std::ptrdiff_t length);
+    // Room for so many units that do not go on with what was put before.
+    Unit* Begin(std::size_t units) {
+        Reserve(units);
+        if (lead_ != 0) PutLead();
+        return at_;
+    }
+    void PutLead();
     void Reserve(std::size_t units) {
-        if (static_cast<std::size_t>(end_ - at_) < units) MakeRoom(units);
+        if (static_cast<std::size_t>(end_ - at_) < units + kSlack) MakeRoom(units + kSlack);
     }
     void MakeRoom(std::size_t units);
     void Flush();

@@ -64,8 +64,12 @@ class TXmlTreeWriter {
         // The last element of `open` is the parent of the one that is written next.
         while (true) {
             if (WriteStart(element)) {
-                open.push_back(element);
-                format_.IncLevel(1);
+                if (element.node->ChildCount() == 0) {
+                    WriteEnd(element);
+                } else {
+                    open.push_back(element);
+                    format_.IncLevel(1);
+                }
             }
             while (!open.empty() && open.back().next_child == open.back().node->ChildCount()) {
                 format_.IncLevel(-1);
@@ -85,16 +89,13 @@ class TXmlTreeWriter {
         const bool instruction = format_.GetLevel() == -1;
         Indent();
         if (instruction) {
-            sink_.PutMarkup("<?");
+            sink_.PutName("<?", node.FName, "");
         } else {
-            sink_.PutMarkup("<");
+            sink_.PutName("<", node.FName, "");
         }
-        sink_.Put(node.FName);
         for (int i = 0; i < node.AttributeCount(); ++i) {
             const TXmlPair* attribute = node.GetAttribute(i);
-            sink_.PutMarkup(" ");
-            sink_.Put(attribute->FName);
-            sink_.PutMarkup("=\"");
+            sink_.PutName(" ", attribute->FName, "=\"");
             sink_.PutEscaped(attribute->FValue);
             sink_.PutMarkup("\"");
         }
@@ -117,9 +118,7 @@ class TXmlTreeWriter {
 
     void WriteEnd(const TOpenElement& element) {
         if (element.block) Indent();
-        sink_.PutMarkup("</");
-        sink_.Put(element.node->FName);
-        sink_.PutMarkup(">");
+        sink_.PutName("</", element.node->FName, ">");
         BreakLine();
         if (!element.node->FTail.IsEmpty()) sink_.PutEscaped(element.node->FTail);
     }
@@ -143,15 +142,16 @@ class TXmlTreeWriter {
 
     void BreakLine() {
         if (plain_layout_) {
-            sink_.PutEncoded(encoded_break_.data(), encoded_break_.size());
+            sink_.PutEncoded(encoded_break_.data(), break_length_);
         } else {
             sink_.Put(line_break_);
         }
     }
 
-    // ASCII.
+    // ASCII, with the step behind it that the sink may read.
     static std::basic_string<Unit> Encoded(const UnicodeString& text) {
-        std::basic_string<Unit> units(static_cast<std::size_t>(text.Length()), Unit{0});
+        const auto length = static_cast<std::size_t>(text.Length());
+        std::basic_string<Unit> units(length + TXmlSink<Unit>::kStep, Unit{0});
         std::transform(text.t_str(), text.t_str() + text.Length(), units.begin(),
                        [](WCHAR unit) { return static_cast<Unit>(unit); });
         return units;
@@ -167,6 +167,7 @@ class TXmlTreeWriter {
     std::basic_string<Unit> encoded_indent_;
     const std::basic_string<Unit> encoded_break_ =
         plain_layout_ ? Encoded(line_break_) : std::basic_string<Unit>();
+    const std::size_t break_length_ = static_cast<std::size_t>(line_break_.Length());
 };
 
 const WCHAR* EncodingName(TCodePage code_page) {

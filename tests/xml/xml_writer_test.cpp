@@ -131,6 +131,78 @@ TEST(XmlWriter, ALongTextIsWrittenWhole) {
     EXPECT_EQ(Utf8(again.FRoot->FValue), Utf8(pairs));
 }
 
+// What the writer makes of a text without blanks at its ends, unit by unit.
+std::string Escaped(const UnicodeString& text) {
+    std::string out;
+    for (const char octet : Utf8(text)) {
+        switch (octet) {
+            case '<':
+                out += "&lt;";
+                break;
+            case '&':
+                out += "&amp;";
+                break;
+            case '\'':
+                out += "&apos;";
+                break;
+            case '\r':
+                break;
+            default:
+                out += octet;
+        }
+    }
+    return out;
+}
+
+// Vectors take several units at a time and the rest in one step: every length, and every place of
+// what ends a vector.
+TEST(XmlWriter, AUnitIsWrittenTheSameWhereverItStands) {
+    constexpr int kMostUnits = 26;
+    const WCHAR* const pieces[] = {TEXT("x"),      TEXT("\xE9"),         TEXT("\x7FF\x80"),
+                                   TEXT("\x20AC"), TEXT("\xD83D\xDE00"), TEXT("\xD83Dy"),
+                                   TEXT("\xDE00"), TEXT("\xFFFD\x800"),  TEXT("\xE9<'\xE9&"),
+                                   TEXT("\r"),     TEXT("\t\x1")};
+    for (const WCHAR* piece : pieces) {
+        const UnicodeString middle(piece);
+        for (int length = 0; length < kMostUnits; ++length) {
+            for (int at = 0; at <= length; ++at) {
+                const UnicodeString text = UnicodeString::StringOfChar(TEXT('a'), at) + middle +
+                                           UnicodeString::StringOfChar(TEXT('b'), length - at) +
+                                           TEXT("c");
+                TXmlNode node;
+                node.FName = TEXT("n") + text;
+                node.AddAttribute(TEXT("k") + text, TEXT("v") + text);
+                node.FValue = TEXT("t") + text;
+                const std::string name = "n" + Utf8(text);
+                const std::string expected = "<" + name + " k" + Utf8(text) + "=\"v" +
+                                             Escaped(text) + "\">t" + Escaped(text) + "</" + name +
+                                             ">";
+                TXmlFormatter format;
+                Classes::TMemoryStream stream;
+                const int size = node.SaveToStream(&stream, format, kUtf8);
+                ASSERT_EQ(Bytes(stream, size), expected) << "at " << at;
+                ASSERT_EQ(Saved(node), expected) << "at " << at;
+            }
+        }
+    }
+}
+
+// Both halves of a character may come from texts that follow each other, and a carriage return that
+// is left out does not part them.
+TEST(XmlWriter, HalvesOfACharacterMeet) {
+    TXmlNode root;
+    root.FName = TEXT("r");
+    root.AddChild(TEXT("c"))->FTail = TEXT("\xD83D\r\xDE00 \xD83D");
+    root.AddChild(TEXT("d"))->FTail = TEXT("\xD83D");
+    root.SetChild(TEXT("c"), TEXT("x\xD83D"), kUtf8);
+    TXmlFormatter format(TEXT("\xDE00"), TEXT("\r\n"), 0);
+    Classes::TMemoryStream stream;
+    const int size = root.SaveToStream(&stream, format, kUtf8);
+    EXPECT_EQ(Bytes(stream, size),
+              "<r>\r\n\xEF\xBF\xBD<c>x\xEF\xBF\xBD</c>\r\n\xF0\x9F\x98\x80 \xF0\x9F\x98\x80<d/>"
+              "\r\n</r>\r\n");
+}
+
 TEST(XmlWriter, AStreamIsReadAsItWasWritten) {
     TXmlDoc doc;
     doc.CodePage = System::kCodePageUtf16;
