@@ -13,17 +13,18 @@ constexpr SIZE_T kLargestBlock = SIZE_T{1} << 39;
 
 char process_heap;
 
-bool Refused(HANDLE heap, SIZE_T bytes) {
-    const DWORD error = heap != &process_heap   ? ERROR_INVALID_HANDLE
-                        : bytes > kLargestBlock ? ERROR_NOT_ENOUGH_MEMORY
-                                                : NO_ERROR;
-    if (error != NO_ERROR) SetLastError(error);
-    return error != NO_ERROR;
+bool IsServed(HANDLE heap, SIZE_T bytes) {
+    return heap == &process_heap && bytes <= kLargestBlock;
+}
+
+// What is not served. Apart from the common way, which every block of every string takes.
+[[gnu::cold, gnu::noinline]] LPVOID Refuse(HANDLE heap) {
+    SetLastError(heap == &process_heap ? ERROR_NOT_ENOUGH_MEMORY : ERROR_INVALID_HANDLE);
+    return nullptr;
 }
 
 LPVOID Obtained(LPVOID block) {
-    if (block == nullptr) SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return block;
+    return block != nullptr ? block : Refuse(&process_heap);
 }
 
 }  // namespace
@@ -34,14 +35,14 @@ HANDLE GetProcessHeap() {
 }
 
 LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
-    if (Refused(heap, bytes)) return nullptr;
+    if (!IsServed(heap, bytes)) return Refuse(heap);
     const SIZE_T size = std::max<SIZE_T>(bytes, 1);
     return Obtained((flags & HEAP_ZERO_MEMORY) != 0 ? host::NewZeroedBlock(size)
                                                     : host::NewBlock(size));
 }
 
 LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {
-    if (Refused(heap, bytes)) return nullptr;
+    if (!IsServed(heap, bytes)) return Refuse(heap);
     if (block == nullptr || flags != 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -50,7 +51,10 @@ LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {
 }
 
 BOOL HeapFree(HANDLE heap, DWORD /*flags*/, LPVOID block) {
-    if (Refused(heap, 0)) return FALSE;
+    if (!IsServed(heap, 0)) {
+        Refuse(heap);
+        return FALSE;
+    }
     host::DeleteBlock(block);
     return TRUE;
 }
