@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 
 #include "mox_classes/format_scan.h"
 #include "mox_classes/wide_format.h"
@@ -158,11 +159,12 @@ bool TFormatFields::FillSingleField(const UnicodeString& name, const UnicodeStri
 }
 
 UnicodeString TFormatFields::FillFromTable(const WCHAR* format, const TFormatValue* table) const {
-    int longest = 0;
-    for (const auto& field : fields_) longest = std::max(longest, field->FName.Length());
+    // A name of a length that no field has is not made: a text full of '{' has one at every unit,
+    // and only the first of them may be a field's.
+    std::unordered_set<std::ptrdiff_t> lengths;
+    for (const auto& field : fields_) lengths.insert(field->FName.Length());
     return ReplaceFields(format, [&](const TFieldSpan& field, UnicodeString& out) {
-        // A name that no field can have is not made: a text full of '{' has one at every unit.
-        if (field.spec - field.begin - 1 > longest) return false;
+        if (lengths.count(field.spec - field.begin - 1) == 0) return false;
         return FillSingleField(field.Name(), field.Spec(), table, out);
     });
 }
