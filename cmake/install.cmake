@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, in four components: library, development, tool and views (for debuggers).
+# What `cmake --install` puts where, in three components: library, development and tool.
 # docs/install.md shows it to users.
 
 # Stores in `out` the headers that `header` reaches by #include "...", itself first; names below `folder`.
@@ -71,3 +71,10 @@ else()
 endif()
 configure_file(cmake/package/qv_rtl.pc.in ${CMAKE_BINARY_DIR}/package/qv_rtl.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/package/qv_rtl.pc DESTINATION ${QV_PC_FOLDER} COMPONENT development)
+
+# Debugger views. GDB loads the one that bears the library's path by itself.
+install(FILES debug/qv_rtl_gdb.py debug/qv_rtl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/qv_rtl COMPONENT development)
+if(NOT WIN32)
+  install(FILES debug/qv_rtl_gdb.py DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}
+    RENAME libqv_rtl.so.${PROJECT_VERSION}-gdb.py COMPONENT development)
+endif()
