@@ -23,6 +23,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     int in_memory = 0, in_file = 0;
     const bool good = memory.Assign(data, size);
     fuzz::Require(file.Open(name) == good, "memory and file are judged alike");
+    if (!good) {
+        const bool found = memory.StartWithoutHeader();
+        fuzz::Require(file.StartWithoutHeader() == found, "both find records without a header");
+    }
     const bool same = fuzz::Same(Newest(memory, in_memory), Newest(file, in_file));
     fuzz::Require(same && in_memory == in_file, "memory and file are read alike");
 

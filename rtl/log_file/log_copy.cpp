@@ -15,6 +15,8 @@ namespace {
 // A writer holds the lock for far less than this; who holds it longer hangs.
 constexpr int kLockAttempts = 500;
 constexpr int kUnlockedAttempts = 16;
+// A file without a header that bounds it is looked at no further than this.
+constexpr std::uint64_t kLongestSearch = 256U << 20;
 
 // The file, open for reading. A writer's access is asked for first: the lock may need it.
 class TReadFile {
@@ -81,32 +83,49 @@ bool ReadHeader(TReadFile& file, TLogFileHeader& header, std::vector<std::uint8_
     return true;
 }
 
+std::uint64_t SizeToCopy(const TReadFile& file, TLogCopyExtent extent,
+                         const TLogFileHeader& header) {
+    const std::uint64_t most =
+        extent == TLogCopyExtent::Ring ? std::uint64_t{header.limit} : kLongestSearch;
+    return std::min(file.Size(), most);
+}
+
 // One pass: header, then everything up to the limit.
-bool ReadAll(TReadFile& file, TLogFileHeader& header, std::vector<std::uint8_t>& bytes) {
+bool ReadAll(TReadFile& file, TLogCopyExtent extent, TLogFileHeader& header,
+             std::vector<std::uint8_t>& bytes) {
     if (!ReadHeader(file, header, bytes)) return false;
-    if (bytes.size() < kHeaderSize || !IsPlausible(header)) return true;
-    bytes.assign(static_cast<std::size_t>(std::min<std::uint64_t>(file.Size(), header.limit)), 0);
+    if (extent == TLogCopyExtent::Ring && (bytes.size() < kHeaderSize || !IsPlausible(header))) {
+        return true;
+    }
+    bytes.assign(static_cast<std::size_t>(SizeToCopy(file, extent, header)), 0);
     return file.ReadFrom(0, bytes);
 }
 
-bool ReadUnlocked(TReadFile& file, std::vector<std::uint8_t>& bytes) {
-    for (int attempt = 0; attempt < kUnlockedAttempts; ++attempt) {
+bool ReadUnlocked(TReadFile& file, TLogCopyExtent extent, std::vector<std::uint8_t>& bytes,
+                  TLogCopy& copy) {
+    copy = TLogCopy::Changed;
+    for (int attempt = 0; attempt < kUnlockedAttempts && copy == TLogCopy::Changed; ++attempt) {
         TLogFileHeader before{};
         TLogFileHeader after{};
         std::vector<std::uint8_t> header_bytes;
-        if (!ReadAll(file, before, bytes) || !ReadHeader(file, after, header_bytes)) return false;
-        if (before.counter == after.counter) break;
+        if (!ReadAll(file, extent, before, bytes) || !ReadHeader(file, after, header_bytes)) {
+            return false;
+        }
+        if (before.counter == after.counter) copy = TLogCopy::Unchanged;
     }
     return true;
 }
 
 }  // namespace
 
-UnicodeString CopyLogFile(const UnicodeString& fileName, std::vector<std::uint8_t>& bytes) {
+UnicodeString CopyLogFile(const UnicodeString& fileName, TLogCopyExtent extent,
+                          std::vector<std::uint8_t>& bytes, TLogCopy& copy) {
     TReadFile file(fileName);
     if (!file.IsOpen()) return GetSysError(GetLastError(), true);
     TLogFileHeader header{};
-    const bool read = file.Lock() ? ReadAll(file, header, bytes) : ReadUnlocked(file, bytes);
+    copy = TLogCopy::Locked;
+    const bool read = file.Lock() ? ReadAll(file, extent, header, bytes)
+                                  : ReadUnlocked(file, extent, bytes, copy);
     return read ? UnicodeString() : GetSysError(GetLastError(), true);
 }
 

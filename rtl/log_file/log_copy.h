@@ -4,12 +4,17 @@
 #include <cstdint>
 #include <vector>
 
+#include "log_file/log_reader.h"
 #include "mox_classes/unicode_string.h"
 
 namespace Mox {
 
-// Copies the file as far as its own limit goes; of a file that is no log only the header. The
-// result is empty, or says what went wrong.
-UnicodeString CopyLogFile(const UnicodeString& fileName, std::vector<std::uint8_t>& bytes);
+// As far as the ring's own limit goes, and of a file that is no log only the header; or everything,
+// up to 256 MiB.
+enum class TLogCopyExtent { Ring, WholeFile };
+
+// The result is empty, or says what went wrong.
+UnicodeString CopyLogFile(const UnicodeString& fileName, TLogCopyExtent extent,
+                          std::vector<std::uint8_t>& bytes, TLogCopy& copy);
 
 }  // namespace Mox

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "log_file/log_copy.h"
 #include "log_file/log_record.h"
 #include "log_file/log_ring.h"
+#include "log_file/log_walk.h"
 #include "mox_classes/sysutils_numbers.h"
 
 namespace Mox {
@@ -20,132 +22,114 @@ struct TMessageDeleter {
 
 }  // namespace
 
-// The copy, the place in it, and the two regions that are still to be walked: the tail from the
-// oldest slot to the wrap offset, then the front up to the write position.
+// The copy, its slots, and the place among them.
 class TLogReader::TState {
   public:
     bool Start(std::vector<std::uint8_t> bytes) {
         bytes_ = std::move(bytes);
+        walk_ = TLogWalk(bytes_);
         if (bytes_.empty()) return true;
-        TLogFileHeader header{};
         if (bytes_.size() < kHeaderSize) return Fail(TEXT("the file ends inside its header"));
         std::memcpy(&header, bytes_.data(), kHeaderSize);
         if (header.version != TLogFileHeader::kVersion) {
             return Fail(TEXT("the file is no log, or one of another version"));
         }
         if (!IsPlausible(header)) return Fail(TEXT("the header's numbers cannot be true"));
-        if (header.count == 0) return true;
-        const bool wrapped = header.wrap != 0;
-        at_ = header.oldest;
-        end_ = wrapped ? header.wrap : header.write_position;
-        front_end_ = wrapped ? header.write_position : 0;
-        announced_ = header.count;
+        has_header_ = true;
+        walk_.FollowRing(header);
+        count_differs_ = CountDiffers();
+        return true;
+    }
+
+    // The copy behind a header that cannot be believed; a copy of a file holds only that header.
+    bool StartWithoutHeader() {
+        if (error.Length() == 0) return false;
+        if (file_name.Length() > 0) {
+            const UnicodeString failure =
+                CopyLogFile(file_name, TLogCopyExtent::WholeFile, bytes_, copy);
+            if (failure.Length() > 0) return false;
+        }
+        walk_ = TLogWalk(bytes_);
+        walk_.CollectAll();
+        if (walk_.Slots().empty()) return false;
+        header_fault_ = std::exchange(error, UnicodeString());
+        Seek(0);
         return true;
     }
 
     bool Fail(const UnicodeString& reason) {
         error = reason;
+        header = TLogFileHeader{};
         return false;
     }
 
     const TLogMsg* Next() {
-        while (FindSlot()) {
-            const DWORD slot = at_;
-            shown_ = slot;
-            at_ = slot_end_;
-            ++found_;
+        while (next_ < walk_.Slots().size()) {
+            TakeGaps();
+            const TLogWalk::TSlot slot = walk_.Slots()[next_++];
             message_.reset(TLogMsg::Alloc());
             if (message_ == nullptr) throw std::bad_alloc();
-            const DWORD record = slot + kLinkSize;
-            const WCHAR* fault =
-                DecodeLogMsg(*message_, bytes_.data() + record, slot_end_ - record);
+            const DWORD record = slot.offset + kLinkSize;
+            const WCHAR* fault = DecodeLogMsg(*message_, bytes_.data() + record, slot.end - record);
             if (fault == nullptr) return message_.get();
-            Leave(slot, slot_end_, fault);
+            skips.push_back({slot.offset, slot.end - slot.offset, UnicodeString(fault)});
         }
+        TakeGaps();
         message_.reset();
         CompareCount();
         return nullptr;
     }
 
+    TLogPlace Place() const {
+        if (next_ == 0) return TLogPlace();
+        const TLogWalk::TSlot& slot = walk_.Slots()[next_ - 1];
+        const std::uint64_t newer = walk_.Slots().size() - next_;
+        return {slot.offset, slot.end - slot.offset,
+                header.counter > newer ? header.counter - newer : 0};
+    }
+
+    void Seek(std::uint64_t number) {
+        const std::size_t count = walk_.Slots().size();
+        std::uint64_t left = 0;  // records from this number on
+        if (number == 0) left = count;
+        if (number > 0 && number <= header.counter) left = header.counter - number + 1;
+        next_ = left < count ? count - static_cast<std::size_t>(left) : 0;
+        gap_ = 0;
+        skips.clear();
+        if (header_fault_.Length() > 0) skips.push_back({0, kHeaderSize, header_fault_});
+        count_differs_ = CountDiffers();
+    }
+
+    UnicodeString file_name;
+    TLogFileHeader header{};
+    TLogCopy copy = TLogCopy::Locked;
     UnicodeString error;
     std::vector<TLogSkip> skips;
 
   private:
-    // Moves to the next credible slot; false at the end of the ring.
-    bool FindSlot() {
-        while (true) {
-            if (at_ < end_) {
-                slot_end_ = SlotEndAt(at_);
-                if (slot_end_ != 0) return true;
-                SkipDamage();
-            } else if (front_end_ != 0) {
-                at_ = kFirstSlot;
-                end_ = front_end_;
-                front_end_ = 0;
-                shown_ = 0;
-            } else {
-                return false;
-            }
-        }
-    }
+    bool CountDiffers() const { return has_header_ && walk_.Slots().size() != header.count; }
 
-    // The region may end behind the copy: a file that was cut short.
-    TLogBytes Region(DWORD from, DWORD end) const {
-        const std::size_t stop = std::min<std::size_t>(end, bytes_.size());
-        if (from >= stop) return TLogBytes();
-        return TLogBytes(bytes_).subspan(from, stop - from);
-    }
-
-    DWORD SlotEndAt(DWORD offset) const {
-        const DWORD slot_end = CredibleSlotEnd(offset, Region(offset, end_), end_);
-        return slot_end <= bytes_.size() ? slot_end : 0;
-    }
-
-    void SkipDamage() {
-        TLogChain chain;
-        if (end_ <= bytes_.size()) chain = FindChainToEnd(Region(at_, end_), at_);
-        if (chain.count == 0 && shown_ != 0) return SkipOverlay();
-        const DWORD next = chain.count > 0 ? chain.first : end_;
-        Leave(at_, next,
-              at_ >= bytes_.size() ? TEXT("the file ends before its ring does")
-                                   : TEXT("no credible record begins here"));
-        at_ = next;
-    }
-
-    // A write position that lied made a writer put its record into the newest slot, which has been
-    // shown: that record begins in front of the place to which the slot leads.
-    void SkipOverlay() {
-        const DWORD from = shown_ + 1;
-        shown_ = 0;
-        TLogChain chain;
-        if (end_ <= bytes_.size()) chain = FindChainToEnd(Region(from, end_), from);
-        if (chain.count == 0) return SkipDamage();
-        Leave(chain.first, chain.first, TEXT("a record begins inside the one before it"));
-        at_ = chain.first;
-    }
-
-    void Leave(DWORD from, DWORD end, const WCHAR* reason) {
-        skips.push_back({from, end - from, UnicodeString(reason)});
+    void TakeGaps() {
+        const std::vector<TLogWalk::TGap>& gaps = walk_.Gaps();
+        for (; gap_ < gaps.size() && gaps[gap_].slot <= next_; ++gap_)
+            skips.push_back(gaps[gap_].skip);
     }
 
     void CompareCount() {
-        if (found_ != announced_) {
-            skips.push_back(
-                {0, 0,
-                 Sysutils::UnicodePrintf(TEXT("the header counts %u records, the ring holds %u"),
-                                         announced_, found_)});
-        }
-        announced_ = found_;
+        if (!std::exchange(count_differs_, false)) return;
+        skips.push_back(
+            {0, 0,
+             Sysutils::UnicodePrintf(TEXT("the header counts %u records, the ring holds %u"),
+                                     header.count, static_cast<DWORD>(walk_.Slots().size()))});
     }
 
     std::vector<std::uint8_t> bytes_;
-    DWORD at_ = 0;
-    DWORD end_ = 0;
-    DWORD front_end_ = 0;
-    DWORD slot_end_ = 0;
-    DWORD shown_ = 0;  // the slot before at_ when it is in the same region, else 0
-    DWORD announced_ = 0;
-    DWORD found_ = 0;
+    TLogWalk walk_{TLogBytes()};
+    bool has_header_ = false;
+    std::size_t next_ = 0;  // the slot that Next looks at
+    std::size_t gap_ = 0;   // the gap that is taken next
+    bool count_differs_ = false;
+    UnicodeString header_fault_;
     std::unique_ptr<TLogMsg, TMessageDeleter> message_;
 };
 
@@ -155,8 +139,10 @@ TLogReader::~TLogReader() = default;
 bool TLogReader::Open(const UnicodeString& fileName) {
     state_ = std::make_unique<TState>();
     std::vector<std::uint8_t> bytes;
-    const UnicodeString error = CopyLogFile(fileName, bytes);
-    return error.Length() == 0 ? state_->Start(std::move(bytes)) : state_->Fail(error);
+    const UnicodeString error = CopyLogFile(fileName, TLogCopyExtent::Ring, bytes, state_->copy);
+    if (error.Length() > 0) return state_->Fail(error);
+    state_->file_name = fileName;
+    return state_->Start(std::move(bytes));
 }
 
 bool TLogReader::Assign(const void* bytes, std::size_t size) {
@@ -165,12 +151,32 @@ bool TLogReader::Assign(const void* bytes, std::size_t size) {
     return state_->Start(std::vector<std::uint8_t>(first, first + size));
 }
 
+bool TLogReader::StartWithoutHeader() {
+    return state_->StartWithoutHeader();
+}
+
 const UnicodeString& TLogReader::Error() const {
     return state_->error;
 }
 
 const TLogMsg* TLogReader::Next() {
     return state_->Next();
+}
+
+TLogPlace TLogReader::Place() const {
+    return state_->Place();
+}
+
+void TLogReader::Seek(std::uint64_t number) {
+    state_->Seek(number);
+}
+
+const TLogFileHeader& TLogReader::Header() const {
+    return state_->header;
+}
+
+TLogCopy TLogReader::Copy() const {
+    return state_->copy;
 }
 
 int TLogReader::SkipCount() const {

@@ -7,8 +7,10 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
+#include "log_file/log_format.h"
 #include "mox_classes/unicode_string.h"
 #include "mox_log/log_message.h"
 #include "qv_api.h"
@@ -21,6 +23,16 @@ struct TLogSkip {
     DWORD size = 0;  // 0: not a matter of certain bytes
     UnicodeString reason;
 };
+
+// Where a record stands in the file, and in the file's life.
+struct TLogPlace {
+    DWORD offset = 0;          // of its slot
+    DWORD size = 0;            // of its slot
+    std::uint64_t number = 0;  // the change counter when it had been written; 0: not known
+};
+
+// How the copy was made. Only in one that changed meanwhile may sound records look damaged.
+enum class TLogCopy { Locked, Unchanged, Changed };
 
 // One thread at a time.
 //
@@ -42,9 +54,23 @@ class QV_API TLogReader {
     // The same for bytes in memory, which are copied.
     bool Assign(const void* bytes, std::size_t size);
     const UnicodeString& Error() const;
+    // For a file whose header cannot be believed, after Open or Assign said so: starts at the
+    // oldest of the records that lie in the file (in its first 256 MiB), those included that had
+    // been given up. False when there are none.
+    bool StartWithoutHeader();
+
+    TLogCopy Copy() const;
+    // As the copy has it; zero for an empty file or without a header that can be believed.
+    const TLogFileHeader& Header() const;
 
     // The next record, oldest first, or null at the end. Valid until the next call.
     const TLogMsg* Next();
+    // Of the record that Next returned last. The numbers of records in front of damage are too high
+    // by what was lost there.
+    TLogPlace Place() const;
+    // Next goes on with the first record of this number or a higher one, and what is left out is
+    // told anew: the gaps in front of it, but not records that are not looked at.
+    void Seek(std::uint64_t number);
 
     // What was left out so far; complete when Next has returned null.
     int SkipCount() const;

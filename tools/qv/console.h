@@ -25,6 +25,10 @@ void Print(const std::string& text);
 void PrintLine(const std::string& text);
 void PrintError(const std::string& text);
 
+enum class Stream { kInput, kOutput, kError };
+// Host: whether a person sits at the stream's other end.
+bool IsTerminal(Stream stream);
+
 // Host: whether the write to standard output that failed last found no reader.
 bool OutputHasNoReader();
 

@@ -1,9 +1,15 @@
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 
 #include "console.h"
 
 namespace qv {
+
+bool IsTerminal(Stream stream) {
+    return isatty(static_cast<int>(stream)) != 0;
+}
 
 bool OutputHasNoReader() {
     return errno == EPIPE;

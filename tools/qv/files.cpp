@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "mox_classes/streams.h"
+#include "mox_log/sys_error.h"
 
 namespace qv {
 
@@ -53,6 +54,17 @@ void WriteAll(const std::string& name, const std::string& bytes) {
     } catch (const UnicodeString& message) {
         CannotOpen(name, message);
     }
+}
+
+void WriteWhole(const std::string& name, const std::string& bytes) {
+    if (name == kStandardStream) return Print(bytes);
+    const std::string fresh = name + ".new-" + std::to_string(GetCurrentProcessId());
+    WriteAll(fresh, bytes);
+    const UnicodeString source = FromUtf8(fresh);
+    const DWORD code = MoveInPlace(source, FromUtf8(name));
+    if (code == NO_ERROR) return;
+    DeleteFileW(source.t_str());
+    CannotOpen(name, Mox::GetSysError(code, true));
 }
 
 }  // namespace qv

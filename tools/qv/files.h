@@ -16,4 +16,12 @@ std::string ReadAll(const std::string& name);
 // Replaces the file, or prints. Throws Failure (kCannotOpen) with the name.
 void WriteAll(const std::string& name, const std::string& bytes);
 
+// The same for a file that must be whole at every moment: the old content stays until the new one
+// stands complete beside it and takes its place.
+void WriteWhole(const std::string& name, const std::string& bytes);
+
+// Host: gives the file `from` the name `to` in one step, in place of the file that had it. Returns
+// the Win32 error code, 0 when it is done.
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
+
 }  // namespace qv

@@ -8,6 +8,11 @@
 // the terminator, or the size that is needed with it when `size` is too small.
 QV_HOST_API DWORD QvHostRoot(LPWSTR buffer, DWORD size);
 
+// The path of this host that a Windows file name means, whether or not it exists, in UTF-8. Returns
+// the bytes written without the terminator, or the size that is needed with it when `size` is too
+// small; 0 with the last error for what is no file name.
+QV_HOST_API DWORD QvHostPath(LPCWSTR name, LPSTR buffer, DWORD size);
+
 // Applies a .reg file (a name of this host's file system) to the registry: what the Windows
 // registry editor exports, or UTF-8. The file is read whole first; one that is malformed changes
 // nothing. On failure `message` receives a text of at most `size` characters with terminator: file,

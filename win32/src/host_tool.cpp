@@ -161,6 +161,18 @@ DWORD QvHostRoot(LPWSTR buffer, DWORD size) {
     return CopyOut(FromUtf8(HostRoot()), buffer, size);
 }
 
+DWORD QvHostPath(LPCWSTR name, LPSTR buffer, DWORD size) {
+    const HostPath target = ToHostPath(name);
+    if (target.error != NO_ERROR) {
+        SetLastError(target.error);
+        return 0;
+    }
+    const auto length = static_cast<DWORD>(target.path.size());
+    if (length >= size) return length + 1;
+    std::copy_n(target.path.c_str(), length + 1, buffer);
+    return length;
+}
+
 BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size) {
     return Guarded(message, size, [file] {
         for (const auto& [hive, entries] : ReadEntries(NativeName(file))) Apply(*hive, entries);

@@ -1,64 +1,90 @@
 // qv log: the shared log file as a person reads it.
-#include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include "commands.h"
 #include "console.h"
-#include "driver_global/installation.h"
-#include "log_file/log_reader.h"
-#include "mox_log/logger.h"
+#include "log_save.h"
+#include "log_show.h"
+#include "log_stat.h"
+#include "log_verify.h"
 
 namespace qv {
 
 namespace {
 
-// Local time in ISO form, to the millisecond.
-std::string LocalTime(const FILETIME& utc) {
-    FILETIME local;
-    SYSTEMTIME t;
-    if (!FileTimeToLocalFileTime(&utc, &local) || !FileTimeToSystemTime(&local, &t))
-        return "(no time)";
-    char text[64];
-    std::snprintf(text, sizeof(text), "%04u-%02u-%02uT%02u:%02u:%02u.%03u", unsigned{t.wYear},
-                  unsigned{t.wMonth}, unsigned{t.wDay}, unsigned{t.wHour}, unsigned{t.wMinute},
-                  unsigned{t.wSecond}, unsigned{t.wMilliseconds});
-    return text;
+constexpr const char* kFileHelp = "The log file; - is standard input; without it the log in force";
+
+struct ShowArguments {
+    ShowOptions options;
+    std::string colour = "auto";
+    bool json = false, csv = false;
+};
+
+std::string Environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
 }
 
-std::string Level(int level) {
-    return level >= 0x20 && level < 0x7F ? std::string(1, static_cast<char>(level)) : "?";
+bool IsColoured(const std::string& when) {
+    if (when != "auto") return when == "always";
+    return IsTerminal(Stream::kOutput) && Environment("NO_COLOR").empty() &&
+           Environment("TERM") != "dumb";
 }
 
-// "2026-01-31T09:00:00.000 X pid 12 thread 34 session 1 [source,56] text (label: hex)"
-std::string RecordLine(const Mox::TLogMsg& record) {
-    std::string line = LocalTime(record.time) + " " + Level(record.level) + " P" +
-                       std::to_string(record.processId) + " T" + std::to_string(record.threadId) +
-                       " S" + std::to_string(static_cast<int>(record.sessionId)) + " [" +
-                       OneLine(record.source) + "," + std::to_string(record.line) + "] " +
-                       OneLine(record.text.TrimRight());
-    if (record.dataSize != 0) {
-        const int bytes = record.dataSize < 0 ? -record.dataSize : record.dataSize;
-        line += " (" + OneLine(record.dataLabel) + ": " +
-                ToUtf8(Mox::GetHexEncoded(record.data, bytes)) + ")";
-    }
-    return line;
+void Show(const ShowArguments& arguments) {
+    ShowOptions options = arguments.options;
+    options.style.colour = IsColoured(arguments.colour);
+    if (arguments.json) options.style.shape = LogStyle::Shape::kJson;
+    if (arguments.csv) options.style.shape = LogStyle::Shape::kCsv;
+    ShowLog(options);
 }
 
-void ShowLog(const std::string& file) {
-    const UnicodeString name = file.empty() ? GetPrinterLogFile() : FromUtf8(file);
-    if (file.empty() && name == TEXT("Disabled")) throw Failure("the log file is switched off");
-    Mox::TLogReader reader;
-    if (!reader.Open(name))
-        throw Failure("'" + OneLine(name) + "': " + OneLine(reader.Error().Trim()));
-    while (const Mox::TLogMsg* record = reader.Next()) PrintLine(RecordLine(*record));
-    for (int i = 0; i < reader.SkipCount(); ++i) {
-        const Mox::TLogSkip& skip = reader.Skip(i);
-        const std::string where = skip.size == 0 ? std::string()
-                                                 : "skipped " + std::to_string(skip.size) +
-                                                       " bytes at offset " +
-                                                       std::to_string(skip.offset) + ": ";
-        PrintError(where + OneLine(skip.reason));
-    }
+void AddShow(CLI::App& log) {
+    auto arguments = std::make_shared<ShowArguments>();
+    ShowOptions& options = arguments->options;
+    CLI::App* show = log.add_subcommand("show", "Show the records, the oldest first");
+    show->footer(
+        "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
+        "Levels: X error, * warning, i information, blank trace, > the log itself.\n"
+        "A damaged log is shown as far as it can be read; the exit code is 3 then.");
+    show->add_option("FILE", options.file, kFileHelp);
+    AddFilterOptions(*show, options.filter);
+    CLI::Option* json = show->add_flag("--json", arguments->json, "An object a line");
+    show->add_flag("--csv", arguments->csv, "Comma-separated, with a header line")->excludes(json);
+    show->add_flag("--utc", options.style.utc, "UTC in the lines of text, to 100 ns");
+    show->add_flag("--raw", options.style.raw, "Control characters as they are");
+    show->add_option(
+            "--color", arguments->colour,
+            "Colours by level: auto (on a terminal, unless NO_COLOR is set), always, never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    show->add_flag("--follow", options.follow, "Go on with new records until stopped, or --until");
+    show->add_option("--cursor-file", options.cursor_file,
+                     "Only what is behind the place in this file, which is kept up to date");
+    show->callback([arguments] { Show(*arguments); });
+}
+
+void AddReport(CLI::App& log, const char* name, const char* help,
+               void (*report)(const std::string& file, bool json)) {
+    struct Arguments {
+        std::string file;
+        bool json = false;
+    };
+    auto arguments = std::make_shared<Arguments>();
+    CLI::App* command = log.add_subcommand(name, help);
+    command->add_option("FILE", arguments->file, kFileHelp);
+    command->add_flag("--json", arguments->json, "As JSON");
+    command->callback([arguments, report] { report(arguments->file, arguments->json); });
+}
+
+void AddSave(CLI::App& log) {
+    auto options = std::make_shared<SaveOptions>();
+    CLI::App* save = log.add_subcommand("save", "Save the records as a log file of their own");
+    save->add_option("OUT", options->output, "The new log file; - is standard output")->required();
+    save->add_option("FILE", options->file, kFileHelp);
+    AddFilterOptions(*save, options->filter);
+    save->add_flag("--force", options->force, "Replace an output file that exists");
+    save->callback([options] { SaveLog(*options); });
 }
 
 }  // namespace
@@ -66,13 +92,10 @@ void ShowLog(const std::string& file) {
 void AddLogCommands(CLI::App& app) {
     CLI::App* log = app.add_subcommand("log", "The log that all modules of the product share");
     log->require_subcommand(1);
-    CLI::App* show = log->add_subcommand("show", "Show every record, the oldest first");
-    show->footer(
-        "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
-        "Levels: X error, * warning, i information, blank trace, > the log itself.");
-    auto file = std::make_shared<std::string>();
-    show->add_option("FILE", *file, "The log file; without it the one in force");
-    show->callback([file] { ShowLog(*file); });
+    AddShow(*log);
+    AddReport(*log, "stat", "Count the records and draw the ring", ShowLogStat);
+    AddReport(*log, "verify", "Check the log, also while others write it", VerifyLog);
+    AddSave(*log);
 }
 
 }  // namespace qv

@@ -1,0 +1,67 @@
+#include "log_save.h"
+
+#include <windows.h>
+
+#include "files.h"
+#include "log_file/log_image.h"
+#include "log_source.h"
+#include "progress.h"
+
+namespace qv {
+
+namespace {
+
+// What a log that the product makes has room for.
+constexpr DWORD kUsualLimit = 0x500000;
+
+void RefuseExisting(const SaveOptions& options) {
+    if (options.force || options.output == kStandardStream) return;
+    if (GetFileAttributesW(FromUtf8(options.output).t_str()) == INVALID_FILE_ATTRIBUTES) return;
+    throw Failure("'" + OneLine(FromUtf8(options.output)) + "' exists; --force replaces it");
+}
+
+// How many of the records that pass are in front of the newest that are wanted.
+std::uint64_t CountToDrop(Mox::TLogReader& reader, const LogFilter& filter) {
+    if (!filter.Last()) return 0;
+    std::uint64_t passing = 0;
+    while (const Mox::TLogMsg* record = reader.Next()) passing += filter.Passes(*record) ? 1 : 0;
+    reader.Seek(0);
+    return passing > *filter.Last() ? passing - *filter.Last() : 0;
+}
+
+std::uint64_t Copy(Mox::TLogReader& reader, const LogFilter& filter, Mox::TLogImage& image) {
+    std::uint64_t to_drop = CountToDrop(reader, filter);
+    Progress progress("records");
+    std::uint64_t saved = 0;
+    while (const Mox::TLogMsg* record = reader.Next()) {
+        progress.Add();
+        if (!filter.Passes(*record)) continue;
+        if (to_drop > 0) {
+            --to_drop;
+            continue;
+        }
+        // The copy lends its data block from the record.
+        Mox::TLogMsg lent = *record;
+        if (!image.Append(lent)) throw Failure("the records are too many for one log file");
+        ++saved;
+    }
+    return saved;
+}
+
+}  // namespace
+
+void SaveLog(const SaveOptions& options) {
+    const LogFilter filter(options.filter);
+    const std::string name = LogName(options.file);
+    RefuseExisting(options);
+    Mox::TLogReader reader;
+    OpenLog(reader, name);
+    Mox::TLogImage image;
+    const std::uint64_t saved = Copy(reader, filter, image);
+    const std::vector<std::uint8_t>& bytes = image.Finish(kUsualLimit);
+    WriteWhole(options.output, std::string(bytes.begin(), bytes.end()));
+    PrintError(std::to_string(saved) + " records saved");
+    FailOnSkips(reader);
+}
+
+}  // namespace qv

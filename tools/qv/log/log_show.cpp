@@ -1,0 +1,89 @@
+#include "log_show.h"
+
+#include <utility>
+
+#include "console.h"
+#include "files.h"
+#include "log_source.h"
+#include "progress.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kMostPending = 1 << 16;
+
+void CheckOptions(const ShowOptions& options) {
+    if (options.file != kStandardStream) return;
+    if (options.follow || !options.cursor_file.empty()) {
+        throw Failure("--follow and --cursor-file need a file, not standard input",
+                      ExitCode::kWrongUsage);
+    }
+}
+
+}  // namespace
+
+LogView::LogView(const LogFilterOptions& filter, const LogStyle& style)
+    : filter_(filter), style_(style), pending_(LogHead(style)) {}
+
+std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) {
+    Progress progress("records");
+    std::optional<LogCursor> seen;
+    std::deque<std::string> newest;
+    const std::optional<std::size_t> last = only_last ? filter_.Last() : std::nullopt;
+    while (const Mox::TLogMsg* record = reader.Next()) {
+        progress.Add();
+        seen = CursorAt(reader, *record);
+        if (!filter_.Passes(*record)) continue;
+        if (!last) {
+            Add(LogLine(*record, style_));
+            continue;
+        }
+        newest.push_back(LogLine(*record, style_));
+        if (newest.size() > *last) newest.pop_front();
+    }
+    for (const std::string& line : newest) Add(line);
+    return seen;
+}
+
+void LogView::Add(const std::string& line) {
+    pending_ += line;
+    if (pending_.size() >= kMostPending) Flush();
+}
+
+void LogView::Flush() {
+    if (!pending_.empty()) Print(std::exchange(pending_, std::string()));
+}
+
+void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
+    if (!cursor) return;
+    const Resumed resumed = Resume(reader, *cursor);
+    if (resumed.made_anew) {
+        PrintError("the log was made anew; showing it from its start");
+        cursor.reset();
+    }
+    if (resumed.overwritten > 0) {
+        PrintError(std::to_string(resumed.overwritten) +
+                   " records were overwritten before they could be shown");
+    }
+}
+
+void ShowLog(const ShowOptions& options) {
+    CheckOptions(options);
+    LogView view(options.filter, options.style);
+    const std::string name = LogName(options.file);
+    std::optional<LogCursor> shown;
+    if (!options.cursor_file.empty()) shown = LoadCursor(options.cursor_file);
+    Mox::TLogReader reader;
+    OpenLog(reader, name);
+    ResumeAloud(reader, shown);
+    const std::optional<LogCursor> seen = view.Show(reader, true);
+    view.Flush();
+    const bool moved = seen && seen->number > 0;
+    if (moved && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
+    if (!options.follow) return FailOnSkips(reader);
+    for (const Mox::TLogSkip& skip : Skips(reader)) PrintError(SkipText(skip));
+    FollowLog(options, view, moved ? seen : shown);
+}
+
+}  // namespace qv

@@ -1,0 +1,52 @@
+// qv log show: the records of a log, and those that come later.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+
+#include "log_cursor.h"
+#include "log_file/log_reader.h"
+#include "log_filter.h"
+#include "log_format.h"
+
+namespace qv {
+
+struct ShowOptions {
+    std::string file, cursor_file;
+    LogFilterOptions filter;
+    LogStyle style;
+    bool follow = false;
+};
+
+// Throws Failure, kDamaged when everything that can be read has been shown.
+void ShowLog(const ShowOptions& options);
+
+// Shows records that pass the filter. What is shown is collected: Flush brings it out.
+class LogView {
+  public:
+    LogView(const LogFilterOptions& filter, const LogStyle& style);
+
+    // Shows the rest of the reader's records; returns the place of the last one, if there was any.
+    // With `only_last` the filter's number of newest ones holds.
+    std::optional<LogCursor> Show(Mox::TLogReader& reader, bool only_last);
+    void Flush();
+    const LogFilter& Filter() const { return filter_; }
+
+  private:
+    void Add(const std::string& line);
+
+    LogFilter filter_;
+    LogStyle style_;
+    std::string pending_;
+};
+
+// Shows what is new until the filter's end time, or for ever. `shown` is the last record that has
+// been shown.
+void FollowLog(const ShowOptions& options, LogView& view, std::optional<LogCursor> shown);
+
+// Goes on behind the cursor, and says on standard error what cannot be shown any more. Forgets the
+// cursor when it belongs to another ring.
+void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor);
+
+}  // namespace qv
