@@ -77,16 +77,17 @@ void TLogWalk::CollectAll() {
         if (slot_end != 0) slots_.push_back({at, slot_end});
         at = slot_end != 0 ? slot_end : at + 1;
     }
-    BeginAtOldest();
-    std::uint32_t expected = kFirstSlot;
+    const bool wrapped = BeginAtOldest();
+    std::uint32_t expected = wrapped ? slots_.back().end : kFirstSlot;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
-        const std::uint32_t offset = slots_[i].offset;
-        if (offset > expected) {
+        const TSlot slot = slots_[i];
+        if (slot.offset < expected) expected = kFirstSlot;
+        if (slot.offset > expected) {
             gaps_.push_back({i,
-                             {expected, offset - expected,
+                             {expected, slot.offset - expected,
                               UnicodeString(TEXT("no credible record begins here"))}});
         }
-        expected = slots_[i].end;
+        expected = slot.end;
     }
 }
 
@@ -97,12 +98,15 @@ std::uint64_t TLogWalk::TimeAt(const TSlot& slot) const {
     return time;
 }
 
-// The slots lie as the ring has them: the newest ones at the front when it has wrapped.
-void TLogWalk::BeginAtOldest() {
+// The slots lie as the ring has them: the newest ones at the front when it has wrapped, which is
+// the result.
+bool TLogWalk::BeginAtOldest() {
     const auto oldest =
         std::min_element(slots_.begin(), slots_.end(),
                          [this](const TSlot& a, const TSlot& b) { return TimeAt(a) < TimeAt(b); });
+    const bool wrapped = oldest != slots_.begin();
     std::rotate(slots_.begin(), oldest, slots_.end());
+    return wrapped;
 }
 
 }  // namespace Mox

@@ -43,7 +43,7 @@ class TLogWalk {
     TLogBytes Region(std::uint32_t from, std::uint32_t end) const;
     std::uint32_t SlotEndAt(std::uint32_t offset, std::uint32_t end) const;
     std::uint64_t TimeAt(const TSlot& slot) const;
-    void BeginAtOldest();
+    bool BeginAtOldest();
     void Leave(std::uint32_t from, std::uint32_t end, const WCHAR* reason);
 
     TLogBytes bytes_;

@@ -45,11 +45,15 @@ void OpenLog(Mox::TLogReader& reader, const std::string& name) {
                   ExitCode::kCannotOpen);
 }
 
+bool IsPlace(const Mox::TLogSkip& skip) {
+    return skip.offset != 0 || skip.size != 0;
+}
+
 std::string SkipText(const Mox::TLogSkip& skip) {
-    const std::string where = skip.size == 0 && skip.offset == 0
-                                  ? std::string()
-                                  : "skipped " + std::to_string(skip.size) + " bytes at offset " +
-                                        std::to_string(skip.offset) + ": ";
+    const std::string where = IsPlace(skip)
+                                  ? "skipped " + std::to_string(skip.size) + " bytes at offset " +
+                                        std::to_string(skip.offset) + ": "
+                                  : std::string();
     return where + OneLine(skip.reason);
 }
 

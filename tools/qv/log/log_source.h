@@ -17,6 +17,8 @@ std::string LogName(const std::string& file);
 // (kCannotOpen) when the file cannot be read or holds no log.
 void OpenLog(Mox::TLogReader& reader, const std::string& name);
 
+// Whether it is a matter of certain bytes.
+bool IsPlace(const Mox::TLogSkip& skip);
 // "skipped 55 bytes at offset 96: reason"
 std::string SkipText(const Mox::TLogSkip& skip);
 // What the reader has left out so far.

@@ -24,8 +24,10 @@ void RefuseMixedCopy(const Mox::TLogReader& reader) {
 void PrintText(const std::string& name, std::uint64_t records, const Mox::TLogReader& reader) {
     const std::string file = OneLine(FromUtf8(name));
     for (const Mox::TLogSkip& skip : Skips(reader)) {
-        PrintLine(file + ": offset " + std::to_string(skip.offset) + ", " +
-                  std::to_string(skip.size) + " bytes: " + OneLine(skip.reason));
+        const std::string place = IsPlace(skip) ? ": offset " + std::to_string(skip.offset) + ", " +
+                                                      std::to_string(skip.size) + " bytes"
+                                                : std::string();
+        PrintLine(file + place + ": " + OneLine(skip.reason));
     }
     const bool sound = reader.SkipCount() == 0;
     PrintLine(file + ": " + std::to_string(records) +

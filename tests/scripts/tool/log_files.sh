@@ -1,0 +1,43 @@
+# For the scripts beside this one, behind common.sh: log files to look at. Sets files and writer.
+files=$QV_HOST_ROOT/files
+writer=$(cd "$programs/../tests" && pwd)/log_writer
+mkdir -p "$files"
+
+# make_log FILE: five records of three processes, byte by byte as the format has them.
+make_log() {
+    python3 - "$1" <<'END'
+import calendar, struct, sys
+base = (calendar.timegm((2026, 1, 31, 0, 0, 0)) + 11644473600) * 10**7
+def string(text):
+    data = text.encode()
+    return bytes([0x11, len(data)]) + data if data else b"\0"
+def record(ticks, level, pid, tid, session, source, line, text, label="", data=b""):
+    body = string(source) + string(text) + (string(label) + data if label or data else b"")
+    fixed = struct.pack("<QiIIIi", base + ticks, ord(level), pid, tid, session & 0xFFFFFFFF, line)
+    return bytes([0x61, len(body)]) + fixed + body
+second = 10**7
+records = [
+    record(1 * second, "X", 11, 21, 1, "spooler", 10, "one"),
+    record(2 * second, "*", 11, 22, 1, "spooler", 20, 'two, "half"'),
+    record(3 * second, "i", 12, 23, 2, "monitor", 30, "tab\tline\n\x1b[2J end"),
+    record(4 * second, " ", 12, 23, -1, "Monitor", 40, "GRÜN", "block", b"\0\1\xfe\xff"),
+    record(5 * second + second // 2, "X", 13, 24, 2, "printer_query", 50, "five"),
+]
+ring = b""
+for entry in records:
+    ring += struct.pack("<I", 96 + len(ring) + 4 + len(entry)) + entry
+header = struct.pack("<IQIIIII", 1, 7, len(records), 4096, 96 + len(ring), 96, 0).ljust(96, b"\0")
+open(sys.argv[1], "wb").write(header + ring)
+END
+}
+
+# flip FILE OFFSET...: turns the bytes at the offsets over.
+flip() {
+    python3 - "$@" <<'END'
+import sys
+image = bytearray(open(sys.argv[1], "rb").read())
+for offset in map(int, sys.argv[2:]):
+    image[offset] ^= 0xFF
+open(sys.argv[1], "wb").write(image)
+END
+}
