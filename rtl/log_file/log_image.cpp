@@ -28,7 +28,7 @@ bool TLogImage::Append(TLogMsg& message) {
 const std::vector<std::uint8_t>& TLogImage::Finish(DWORD limit) {
     TLogFileHeader header{};
     const auto end = static_cast<std::uint32_t>(bytes_.size());
-    EmptyRing(header, std::max({limit, end, kSmallestLimit}));
+    EmptyRing(header, std::max<std::uint32_t>({limit, end, kSmallestLimit}));
     header.counter = count_;
     header.count = count_;
     header.write_position = end;
