@@ -4,6 +4,7 @@
 
 #include "driver_devmode/field_table.h"
 #include "driver_devmode/qvdm.h"
+#include "qv_api.h"
 
 namespace driver_devmode {
 
@@ -18,6 +19,6 @@ enum class TFieldCheck {
 };
 
 // Sets the field in `scratch`, with what it holds already, and encodes.
-TFieldCheck CheckField(TQVDM& scratch, const TFieldName& name, const UnicodeString& text);
+QV_API TFieldCheck CheckField(TQVDM& scratch, const TFieldName& name, const UnicodeString& text);
 
 }  // namespace driver_devmode

@@ -9,6 +9,7 @@
 
 #include "driver_devmode/value_tables.h"
 #include "mox_classes/unicode_string.h"
+#include "qv_api.h"
 
 namespace driver_devmode {
 
@@ -46,9 +47,9 @@ struct TFieldInfo {
 
 // The rows of the block; offsets follow from the rows before. The public part is the rows with
 // offsets below 220.
-std::span<const TFieldInfo> DevModeFields();
+QV_API std::span<const TFieldInfo> DevModeFields();
 // The wrapper's strings: DeviceName, FormName, exOut.Directory, exOut.FileName, exRun.Target.
-std::span<const TFieldInfo> WrapperFields();
+QV_API std::span<const TFieldInfo> WrapperFields();
 
 // A name that is looked up: a leaf alone, or one in a group, which stands for "group.leaf".
 struct TFieldName {
@@ -58,8 +59,8 @@ struct TFieldName {
 
 // The row of that exact name, or null; gaps have no name. The cost is the logarithm of the rows'
 // number.
-const TFieldInfo* FindDevModeField(const TFieldName& name);
-const TFieldInfo* FindWrapperField(const TFieldName& name);
+QV_API const TFieldInfo* FindDevModeField(const TFieldName& name);
+QV_API const TFieldInfo* FindWrapperField(const TFieldName& name);
 
 // The row's names as strings, made once: all documents share their buffers. `group` is null for a
 // name without a dot, `leaf` is then the whole name. Valid until the library is unloaded.

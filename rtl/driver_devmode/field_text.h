@@ -3,6 +3,7 @@
 
 #include "driver_devmode/field_table.h"
 #include "mox_classes/unicode_string.h"
+#include "qv_api.h"
 
 namespace driver_devmode {
 
@@ -17,11 +18,11 @@ struct TField {
 
 // The elements joined by ",": "True"/"False", symbolic names without prefix, decimal numbers
 // (32-bit ones signed), or the whole text. Gaps read as the empty string.
-UnicodeString ReadField(const TField& field);
+QV_API UnicodeString ReadField(const TField& field);
 
 // Sets the elements that `text` supplies; element-wise all or nothing. True when every one could be
 // set, and then `previous`, unless it is null, is what the field was; else it is left alone. Texts
 // are cut to the field and always succeed.
-bool SetField(const TField& field, const UnicodeString& text, UnicodeString* previous);
+QV_API bool SetField(const TField& field, const UnicodeString& text, UnicodeString* previous);
 
 }  // namespace driver_devmode

@@ -3,10 +3,11 @@
 
 #include "driver_devmode/field_text.h"
 #include "driver_devmode/qvdm.h"
+#include "qv_api.h"
 
 namespace driver_devmode {
 
 // One of the block or one of the wrapper's strings; without a row when no field is called so.
-TField FindNamedField(TQVDM& wrapper, const TFieldName& name);
+QV_API TField FindNamedField(TQVDM& wrapper, const TFieldName& name);
 
 }  // namespace driver_devmode

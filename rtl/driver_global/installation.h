@@ -8,6 +8,9 @@
 #include "mox_classes/unicode_string.h"
 #include "qv_api.h"
 
+// The name of the product's printer driver.
+inline constexpr const WCHAR* kProductDriver = TEXT("Vantrel Driver");
+
 // Registry paths of the product's settings, below the user's and the machine's root.
 inline constexpr const WCHAR* kProductKey = TEXT("Software\\Halvorn\\Vantrel");
 inline constexpr const WCHAR* kPrintersKey = TEXT("Software\\Halvorn\\Vantrel\\Printers");

@@ -1,6 +1,7 @@
 #include "qv_rtl_main/devmode_commands.h"
 
 #include "driver_devmode/qvdm.h"
+#include "driver_global/installation.h"
 #include "mox_classes/sysutils_command_line.h"
 #include "mox_classes/sysutils_numbers.h"
 #include "mox_log/sys_error.h"
@@ -13,7 +14,6 @@ using Sysutils::UnicodePrintf;
 
 namespace {
 
-constexpr const WCHAR* kProductDriver = TEXT("Vantrel Driver");
 constexpr const WCHAR* kPrinterKeyword = TEXT("printername");
 constexpr WCHAR kTab = 9;
 constexpr int kDefaultDither = 2;

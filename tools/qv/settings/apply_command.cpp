@@ -1,0 +1,70 @@
+// qv apply: what `qv export` wrote, set on a printer or on many.
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "files.h"
+#include "settings/change_run.h"
+#include "settings/printer_choice.h"
+#include "settings/settings_commands.h"
+#include "settings/settings_text.h"
+
+namespace qv {
+
+namespace {
+
+struct ApplyOptions {
+    std::string file;
+    PrinterChoice choice;
+    RunOptions run;
+};
+
+SettingsText ReadSettings(const std::string& file) {
+    const std::string bytes = ReadAll(file);
+    if (!IsSettingsText(bytes))
+        throw Failure("'" + file + "' is not what `qv export` writes", ExitCode::kDamaged);
+    SettingsText text = ParseSettings(bytes);
+    std::string faults;
+    for (const LineFault& fault : text.faults)
+        faults += LinePrefix(fault.line) + fault.text + "\nqv: ";
+    if (!faults.empty()) throw Failure(faults + "nothing is set");
+    if (text.assignments.empty()) throw Failure("'" + file + "' sets nothing");
+    return text;
+}
+
+// The device name is the printer's own: only the printer that the file was written for gets it.
+std::vector<Assignment> ForPrinter(const SettingsText& text, const Printer& printer) {
+    std::vector<Assignment> assignments = text.assignments;
+    if (text.printer.Length() == 0 || printer.name.CompareIC(text.printer) == 0) return assignments;
+    std::erase_if(assignments,
+                  [](const Assignment& a) { return NameOf(*a.field) == "dmDeviceName"; });
+    return assignments;
+}
+
+void Run(ApplyOptions& options) {
+    if (options.choice.IsMany() && !options.choice.name.empty())
+        throw CLI::ValidationError("PRINTER", "excludes --all and --match");
+    const SettingsText text = ReadSettings(options.file);
+    if (options.choice.name.empty()) options.choice.name = ToUtf8(text.printer);
+    if (!options.choice.IsMany() && options.choice.name.empty())
+        throw Failure("the file names no printer: give one, --match or --all");
+    std::vector<PrinterChange> changes;
+    for (const Printer& printer : ChoosePrinters(options.choice))
+        changes.push_back(PlanChange(printer, ForPrinter(text, printer), options.choice.force));
+    RunChanges("apply", std::move(changes), options.run);
+}
+
+}  // namespace
+
+void AddApplyCommand(CLI::App& app) {
+    auto options = std::make_shared<ApplyOptions>();
+    CLI::App* command =
+        app.add_subcommand("apply", "Set what `qv export` wrote; all lines of the file or none");
+    command->add_option("FILE", options->file, "The text; - is standard input")->required();
+    command->add_option("PRINTER", options->choice.name,
+                        "The printer's name; the one that the file names when not given");
+    AddChoiceOptions(*command, options->choice);
+    AddRunOptions(*command, options->run);
+    command->callback([options] { Run(*options); });
+}
+
+}  // namespace qv

@@ -1,0 +1,44 @@
+#include "settings/change_run.h"
+
+#include <CLI/CLI.hpp>
+
+#include "settings/journal.h"
+
+namespace qv {
+
+namespace {
+
+// The planned changes stand in the journal before the first is made: a program that ends in the
+// middle leaves nothing that cannot be taken back.
+void StoreWithJournal(const std::string& command, std::vector<PrinterChange>& changes) {
+    Journal journal;
+    JournalEntry planned = EntryOf(command, changes);
+    if (planned.printers.empty()) return StoreChanges(changes);
+    journal.entries.push_back(std::move(planned));
+    journal.Save();
+    StoreChanges(changes);
+    journal.entries.back() = EntryOf(command, changes);
+    if (journal.entries.back().printers.empty()) journal.entries.pop_back();
+    journal.Save();
+}
+
+}  // namespace
+
+void AddRunOptions(CLI::App& command, RunOptions& options) {
+    AddReportOptions(command, options.report);
+    command.add_flag("--no-undo", options.no_undo, "Do not keep the previous values for `qv undo`");
+}
+
+void RunChanges(const std::string& command, std::vector<PrinterChange> changes,
+                const RunOptions& options) {
+    if (!options.report.dry_run) {
+        if (options.no_undo) {
+            StoreChanges(changes);
+        } else {
+            StoreWithJournal(command, changes);
+        }
+    }
+    ReportChanges(changes, options.report);
+}
+
+}  // namespace qv

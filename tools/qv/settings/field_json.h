@@ -1,0 +1,13 @@
+// The values of fields in JSON.
+#pragma once
+
+#include "json_output.h"
+#include "settings/fields.h"
+
+namespace qv {
+
+// What `text`, which was read from the field, is in JSON: true or false, a number, the name of a
+// value, an array of numbers, or a text.
+Json FieldJson(const Field& field, const UnicodeString& text);
+
+}  // namespace qv

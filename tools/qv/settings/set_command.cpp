@@ -1,0 +1,85 @@
+// qv set: changes of the current user's settings by name.
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "settings/change_run.h"
+#include "settings/field_value.h"
+#include "settings/printer_choice.h"
+#include "settings/settings_commands.h"
+
+namespace qv {
+
+namespace {
+
+struct SetOptions {
+    PrinterChoice choice;
+    RunOptions run;
+    std::vector<std::string> words;
+};
+
+struct Words {
+    UnicodeString name, value;
+};
+
+Words Split(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == 0 || equals == std::string::npos)
+        throw CLI::ValidationError(text, "is not of the form KEYWORD=VALUE");
+    return {FromUtf8(text.substr(0, equals)), FromUtf8(text.substr(equals + 1))};
+}
+
+// All that is wrong is said at once; nothing is changed then.
+std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) {
+    std::vector<Words> words;
+    for (const std::string& text : texts) words.push_back(Split(text));
+    std::vector<Assignment> assignments;
+    std::string faults;
+    for (const Words& word : words) {
+        const Field* const field = FindField(word.name);
+        const std::string reason = field == nullptr ? "no field has that name" + Hint(word.name)
+                                                    : ValueFault(*field, word.value);
+        if (reason.empty()) {
+            assignments.push_back({field, word.value});
+        } else {
+            faults += (faults.empty() ? "'" : "\nqv: '") + OneLine(word.name) +
+                      "' cannot be set to '" + OneLine(word.value) + "': " + reason;
+        }
+    }
+    if (!faults.empty()) throw Failure(faults);
+    return assignments;
+}
+
+void Run(SetOptions& options) {
+    if (!options.choice.IsMany()) {
+        options.choice.name = options.words.front();
+        options.words.erase(options.words.begin());
+    }
+    if (options.words.empty())
+        throw CLI::ValidationError("KEYWORD=VALUE", "nothing to set is given");
+    const std::vector<Assignment> assignments = ParseAssignments(options.words);
+    std::vector<PrinterChange> changes;
+    for (const Printer& printer : ChoosePrinters(options.choice))
+        changes.push_back(PlanChange(printer, assignments, options.choice.force));
+    RunChanges("set", std::move(changes), options.run);
+}
+
+}  // namespace
+
+void AddSetCommand(CLI::App& app) {
+    auto options = std::make_shared<SetOptions>();
+    CLI::App* set =
+        app.add_subcommand("set", "Change the current user's settings of one printer or of many");
+    set->footer(
+        "The first word is the printer's name unless --all or --match choose printers. Keywords\n"
+        "are the names that `qv get` shows. Examples:\n"
+        "  qv set \"Vantrel Fax\" dmCopies=2 exOut.UseSerial=False\n"
+        "  qv set --match \"vantrel*\" --dry-run dmCopies=2");
+    set->add_option("KEYWORD=VALUE", options->words, "The printer, and what to change")
+        ->type_name("[PRINTER] KEYWORD=VALUE...")
+        ->required();
+    AddChoiceOptions(*set, options->choice);
+    AddRunOptions(*set, options->run);
+    set->callback([options] { Run(*options); });
+}
+
+}  // namespace qv

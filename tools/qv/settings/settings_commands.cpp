@@ -1,0 +1,24 @@
+#include "settings/settings_commands.h"
+
+#include "commands.h"
+
+namespace qv {
+
+void AddPrinterCommands(CLI::App& app) {
+    AddPrintersCommand(app);
+    AddGetCommand(app);
+    AddSetCommand(app);
+    AddUndoCommand(app);
+    AddExportCommand(app);
+    AddApplyCommand(app);
+    AddDiffCommand(app);
+    AddLintCommand(app);
+}
+
+void AddBlockCommands(CLI::App& app) {
+    AddDevmodeCommand(app);
+    AddJobCommands(app);
+    AddDefaultsCommand(app);
+}
+
+}  // namespace qv

@@ -1,0 +1,86 @@
+#include "settings/settings_source.h"
+
+#include "files.h"
+#include "mox_classes/sysutils.h"
+#include "settings/block_damage.h"
+
+namespace qv {
+
+namespace {
+
+using Kind = SettingsSource::Kind;
+
+SettingsSource MakeSource(Kind kind, const std::string& name, SettingsBlock block) {
+    return {kind, name, std::move(block), {}, {}, {}};
+}
+
+SettingsSource FromText(const std::string& name, const std::string& bytes) {
+    SettingsSource source = MakeSource(Kind::kText, name, SettingsBlock());
+    SettingsText text = ParseSettings(bytes);
+    source.faults = std::move(text.faults);
+    if (text.is_damaged) source.damage.emplace_back("some lines cannot be read");
+    for (const Assignment& a : text.assignments) {
+        const std::string reason = source.block.Set(*a.field, a.text);
+        if (reason.empty()) {
+            source.assignments.push_back(a);
+        } else {
+            source.faults.push_back(
+                {a.line, NameOf(*a.field), "'" + NameOf(*a.field) + "': " + reason});
+        }
+    }
+    const std::string reason = source.block.Finish();
+    if (!reason.empty()) source.faults.push_back({0, "", reason});
+    return source;
+}
+
+// A block that claims to be the product's has to be one; another driver's needs only its bytes.
+void FindDamage(SettingsSource& source, bool is_product) {
+    source.damage = SizeDamage(source.block);
+    source.is_foreign = source.damage.empty() && !is_product && !source.block.IsProduct();
+    if (source.damage.empty() && !source.is_foreign) source.damage = ProductDamage(source.block);
+}
+
+SettingsSource FromFile(const std::string& name) {
+    const std::string bytes = ReadAll(name);
+    if (IsSettingsText(bytes)) return FromText(name, bytes);
+    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    SettingsSource source = MakeSource(Kind::kBlock, name, SettingsBlock({data, bytes.size()}));
+    // Nothing says whose block it is but the block.
+    FindDamage(source, source.block.Size() == QV_DEVMODE::Size());
+    return source;
+}
+
+SettingsSource FromPrinter(const std::string& name) {
+    const Printer printer = FindPrinter(FromUtf8(name));
+    SettingsSource source =
+        MakeSource(Kind::kPrinter, ToUtf8(printer.name), RequireUserSettings(printer.name));
+    FindDamage(source, printer.IsProduct());
+    return source;
+}
+
+}  // namespace
+
+bool SettingsSource::Has(const Field& field) const {
+    if (kind != Kind::kText) return block.Has(field);
+    return std::ranges::find(assignments, &field, &Assignment::field) != assignments.end();
+}
+
+int SettingsSource::LineOf(const Field& field) const {
+    const auto found = std::ranges::find(assignments, &field, &Assignment::field);
+    return found == assignments.end() ? 0 : found->line;
+}
+
+Json SettingsSource::Description() const {
+    return {{kind == Kind::kPrinter ? "printer" : "file", ToUtf8(FromUtf8(name))}};
+}
+
+SettingsSource OpenSource(const std::string& name) {
+    if (name == kStandardStream || Sysutils::FileExists(FromUtf8(name))) return FromFile(name);
+    try {
+        return FromPrinter(name);
+    } catch (const Failure& failure) {
+        throw Failure(std::string(failure.what()) + " (and no file has that name)", failure.Code());
+    }
+}
+
+}  // namespace qv
