@@ -47,10 +47,13 @@ void Run(ApplyOptions& options) {
     if (options.choice.name.empty()) options.choice.name = ToUtf8(text.printer);
     if (!options.choice.IsMany() && options.choice.name.empty())
         throw Failure("the file names no printer: give one, --match or --all");
-    std::vector<PrinterChange> changes;
-    for (const Printer& printer : ChoosePrinters(options.choice))
-        changes.push_back(PlanChange(printer, ForPrinter(text, printer), options.choice.force));
-    RunChanges("apply", std::move(changes), options.run);
+    const auto plan = [&] {
+        std::vector<PrinterChange> changes;
+        for (const Printer& printer : ChoosePrinters(options.choice))
+            changes.push_back(PlanChange(printer, ForPrinter(text, printer), options.choice.force));
+        return changes;
+    };
+    RunChanges("apply", plan, options.run);
 }
 
 }  // namespace

@@ -10,8 +10,8 @@ namespace {
 
 // The planned changes stand in the journal before the first is made: a program that ends in the
 // middle leaves nothing that cannot be taken back.
-void StoreWithJournal(const std::string& command, std::vector<PrinterChange>& changes) {
-    Journal journal;
+void StoreWithJournal(Journal& journal, const std::string& command,
+                      std::vector<PrinterChange>& changes) {
     JournalEntry planned = EntryOf(command, changes);
     if (planned.printers.empty()) return StoreChanges(changes);
     journal.entries.push_back(std::move(planned));
@@ -29,15 +29,16 @@ void AddRunOptions(CLI::App& command, RunOptions& options) {
     command.add_flag("--no-undo", options.no_undo, "Do not keep the previous values for `qv undo`");
 }
 
-void RunChanges(const std::string& command, std::vector<PrinterChange> changes,
-                const RunOptions& options) {
-    if (!options.report.dry_run) {
-        if (options.no_undo) {
-            StoreChanges(changes);
-        } else {
-            StoreWithJournal(command, changes);
-        }
+void RunChanges(const std::string& command, const ChangePlan& plan, const RunOptions& options) {
+    std::optional<Journal> journal;
+    if (!options.report.dry_run && !options.no_undo) journal.emplace();
+    std::vector<PrinterChange> changes = plan();
+    if (journal) {
+        StoreWithJournal(*journal, command, changes);
+    } else if (!options.report.dry_run) {
+        StoreChanges(changes);
     }
+    journal.reset();
     ReportChanges(changes, options.report);
 }
 

@@ -57,10 +57,13 @@ void Run(SetOptions& options) {
     if (options.words.empty())
         throw CLI::ValidationError("KEYWORD=VALUE", "nothing to set is given");
     const std::vector<Assignment> assignments = ParseAssignments(options.words);
-    std::vector<PrinterChange> changes;
-    for (const Printer& printer : ChoosePrinters(options.choice))
-        changes.push_back(PlanChange(printer, assignments, options.choice.force));
-    RunChanges("set", std::move(changes), options.run);
+    const auto plan = [&] {
+        std::vector<PrinterChange> changes;
+        for (const Printer& printer : ChoosePrinters(options.choice))
+            changes.push_back(PlanChange(printer, assignments, options.choice.force));
+        return changes;
+    };
+    RunChanges("set", plan, options.run);
 }
 
 }  // namespace
