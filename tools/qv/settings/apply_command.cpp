@@ -53,6 +53,7 @@ void Run(ApplyOptions& options) {
             changes.push_back(PlanChange(printer, ForPrinter(text, printer), options.choice.force));
         return changes;
     };
+    options.run.report.only_changes = true;
     RunChanges("apply", plan, options.run);
 }
 

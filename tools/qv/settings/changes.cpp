@@ -76,11 +76,14 @@ Json ChangeJson(const PrinterChange& change) {
     return object;
 }
 
-void PrintChange(const PrinterChange& change) {
+void PrintChange(const PrinterChange& change, bool only_changes) {
     const std::string printer = OneLine(change.printer) + ": ";
     if (!change.note.empty()) PrintError(printer + change.note);
     if (!change.failure.empty()) return PrintError(printer + change.failure);
+    if (only_changes && std::ranges::none_of(change.fields, &FieldChange::IsChange))
+        return PrintLine(printer + "nothing to change");
     for (const FieldChange& f : change.fields) {
+        if (only_changes && !f.IsChange()) continue;
         PrintLine(printer + NameOf(*f.field) + ": " + Shown(f.before) +
                   (f.IsChange() ? " -> " + Shown(f.after) : " (unchanged)"));
     }
@@ -138,7 +141,7 @@ void ReportChanges(const std::vector<PrinterChange>& changes, const ReportOption
     }
     bool failed = false;
     for (const PrinterChange& change : changes) {
-        if (!options.json) PrintChange(change);
+        if (!options.json) PrintChange(change, options.only_changes);
         failed = failed || !change.failure.empty();
     }
     if (failed) throw Failure("");

@@ -34,6 +34,7 @@ void StoreChanges(std::vector<PrinterChange>& changes);
 struct ReportOptions {
     bool dry_run = false;
     bool json = false;
+    bool only_changes = false;  // lines for what changes, not for all that was asked for
 };
 void AddReportOptions(CLI::App& command, ReportOptions& options);
 

@@ -105,8 +105,8 @@ std::vector<JournalEntry> ReadEntries() {
     const std::string bytes = ReadAll(FileName());
     try {
         std::vector<JournalEntry> entries;
-        for (const Json& object : Json::parse(bytes).at("entries"))
-            entries.push_back(ReadEntry(object));
+        const Json document = Json::parse(bytes);
+        for (const Json& object : document.at("entries")) entries.push_back(ReadEntry(object));
         return entries;
     } catch (const std::exception&) {
         throw Failure(
