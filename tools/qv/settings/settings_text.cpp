@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "qv_rtl_version.h"
 #include "settings/field_value.h"
 #include "settings/value_text.h"
 
@@ -81,7 +82,7 @@ SettingsText ParseSettings(const std::string& bytes) {
 }
 
 std::string FormatSettings(const SettingsHead& head, const SettingsBlock& block) {
-    std::string text = "# Settings of a printer, written by qv " QV_VERSION
+    std::string text = "# Settings of a printer, written by qv " QV_RTL_VERSION_TEXT
                        "; `qv apply` sets them.\n"
                        "# " +
                        kPrinterHead + " " + ToValueText(head.printer) +
