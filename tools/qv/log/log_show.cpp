@@ -1,5 +1,6 @@
 #include "log_show.h"
 
+#include <cstdint>
 #include <utility>
 
 #include "console.h"
@@ -30,17 +31,17 @@ std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) 
     Progress progress("records");
     std::optional<LogCursor> seen;
     std::deque<std::string> newest;
-    const std::optional<std::size_t> last = only_last ? filter_.Last() : std::nullopt;
+    const std::size_t most = only_last ? filter_.Last().value_or(SIZE_MAX) : SIZE_MAX;
     while (const Mox::TLogMsg* record = reader.Next()) {
         progress.Add();
         seen = CursorAt(reader, *record);
         if (!filter_.Passes(*record)) continue;
-        if (!last) {
+        if (most == SIZE_MAX) {
             Add(LogLine(*record, style_));
             continue;
         }
         newest.push_back(LogLine(*record, style_));
-        if (newest.size() > *last) newest.pop_front();
+        if (newest.size() > most) newest.pop_front();
     }
     for (const std::string& line : newest) Add(line);
     return seen;
