@@ -64,6 +64,8 @@ string(REGEX REPLACE "/$" "" QV_PC_PREFIX "${QV_PC_PREFIX}")
 set(QV_PC_INCLUDES "-I\${includedir}")
 set(QV_PC_LIBRARIES "-lqv_rtl")
 if(WIN32)
+  # By its whole name: with -static the linker does not look for import libraries.
+  set(QV_PC_LIBRARIES "-l:libqv_rtl.dll.a")
   string(APPEND QV_PC_INCLUDES " -isystem \${includedir}/mingw -DUNICODE -D_UNICODE -DNOMINMAX")
 else()
   string(APPEND QV_PC_INCLUDES " -isystem \${includedir}/win32")
