@@ -12,6 +12,7 @@ void AddCatalogueCommands(CLI::App& app);
 void AddBlockCommands(CLI::App& app);
 void AddLogCommands(CLI::App& app);
 void AddEventCommands(CLI::App& app);
+void AddDoctorCommands(CLI::App& app);
 // What the commands before it look like to shells and manuals: the last one to be added.
 void AddCompletionCommands(CLI::App& app);
 // What only the host of the build offers; nothing on Windows.

@@ -35,6 +35,7 @@ void AddCommands(CLI::App& app) {
     qv::AddBlockCommands(app);
     qv::AddLogCommands(app);
     qv::AddEventCommands(app);
+    qv::AddDoctorCommands(app);
     qv::AddHostCommands(app);
     qv::AddCompletionCommands(app);
     app.footer(kExitCodes);

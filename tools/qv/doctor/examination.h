@@ -1,0 +1,37 @@
+// What `qv doctor` looks at, as JSON; the text is made of that.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "json_output.h"
+
+namespace qv {
+
+// What is wrong, each in a line for people.
+using Problems = std::vector<std::string>;
+
+// Every section; "problems" is the last key.
+Json Examine();
+
+// Sections with their values below them, the problems last.
+std::string ExaminationText(const Json& examination);
+
+// The sections.
+Json ExamineLibrary(Problems& problems);
+Json ExaminePaths();
+Json ExamineLog(Problems& problems);
+Json ExamineResource(Problems& problems);
+// Each value that is in force, and the key that it comes from or that it is a default.
+Json ExamineRegistry();
+Json ExaminePrinters(Problems& problems);
+
+// Host: what only it knows.
+struct HostFacts {
+    std::string library;  // file of the library that is loaded
+    std::string machine;
+    std::string root;  // the folder that stands in for a Windows machine; empty on Windows
+};
+HostFacts GetHostFacts();
+
+}  // namespace qv

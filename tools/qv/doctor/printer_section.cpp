@@ -1,0 +1,61 @@
+// The printers, and whether the current user's settings of them are of use.
+#include "doctor/examination.h"
+#include "driver_global/installation.h"
+#include "settings/block_damage.h"
+#include "settings/printer_settings.h"
+
+namespace qv {
+
+namespace {
+
+struct Finding {
+    const char* state;
+    std::vector<std::string> reasons;
+};
+
+Finding Look(const Printer& printer) {
+    try {
+        const std::optional<SettingsBlock> block = ReadUserSettings(printer.name);
+        if (!block) return {"none", {}};
+        std::vector<std::string> reasons = SizeDamage(*block);
+        if (!reasons.empty()) return {"damaged", reasons};
+        if (!printer.IsProduct()) return {"of another driver", {}};
+        reasons = ProductDamage(*block);
+        if (!reasons.empty()) return {"damaged", reasons};
+        return {"valid", {}};
+    } catch (const Failure& failure) {
+        return {"cannot be read", {failure.what()}};
+    }
+}
+
+}  // namespace
+
+Json ExaminePrinters(Problems& problems) {
+    Json section = Json::array();
+    bool any = false;
+    try {
+        for (const Printer& printer : InstalledPrinters()) {
+            const Finding finding = Look(printer);
+            const std::string name = OneLine(printer.name);
+            any = any || printer.IsProduct();
+            section.push_back({{"name", name},
+                               {"driver", OneLine(printer.driver)},
+                               {"port", OneLine(printer.port)},
+                               {"settings", finding.state},
+                               {"reasons", finding.reasons}});
+            if (!printer.IsProduct()) continue;
+            for (const std::string& reason : finding.reasons)
+                problems.push_back("the settings of '" + name + "': " + reason);
+        }
+    } catch (const Failure& failure) {
+        problems.push_back("the printers are not known: " + std::string(failure.what()));
+        return section;
+    }
+    if (!any) {
+        problems.push_back("no printer uses the driver '" + OneLine(UnicodeString(kProductDriver)) +
+                           "'");
+    }
+    return section;
+}
+
+}  // namespace qv
