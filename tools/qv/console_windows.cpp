@@ -24,6 +24,29 @@ HANDLE StandardHandle(Stream stream) {
     }
 }
 
+// UTF-8 and colours for the time of this program: the console is that of others as well, who find
+// it as it was.
+class ConsoleForm {
+  public:
+    ConsoleForm() {
+        SetConsoleOutputCP(CP_UTF8);
+        // Colours are escape sequences, which older consoles act on only when they are asked to.
+        if (has_mode_) SetConsoleMode(output_, mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    }
+    ~ConsoleForm() {
+        if (has_mode_) SetConsoleMode(output_, mode_);
+        if (code_page_ != 0) SetConsoleOutputCP(code_page_);
+    }
+    ConsoleForm(const ConsoleForm&) = delete;
+    ConsoleForm& operator=(const ConsoleForm&) = delete;
+
+  private:
+    const UINT code_page_ = GetConsoleOutputCP();
+    const HANDLE output_ = StandardHandle(Stream::kOutput);
+    DWORD mode_ = 0;
+    const bool has_mode_ = GetConsoleMode(output_, &mode_) != FALSE;
+};
+
 }  // namespace
 
 bool IsTerminal(Stream stream) {
@@ -38,12 +61,7 @@ bool OutputHasNoReader() {
 
 std::vector<std::string> PrepareConsole(int /*argc*/, char** /*argv*/) {
     for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
-    SetConsoleOutputCP(CP_UTF8);
-    // Colours are escape sequences, which older consoles act on only when they are asked to.
-    DWORD mode = 0;
-    const HANDLE output = StandardHandle(Stream::kOutput);
-    if (GetConsoleMode(output, &mode))
-        SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    static const ConsoleForm form;
     int count = 0;
     const std::unique_ptr<LPWSTR, decltype(&LocalFree)> list(
         CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
