@@ -28,7 +28,7 @@ TEST_F(LogPlace, NumbersGoOnWhenTheRingWraps) {
     Mox::TLogReader reader;
     ASSERT_TRUE(reader.Open(Name().c_str()));
     EXPECT_EQ(reader.Copy(), Mox::TLogCopy::Locked);
-    EXPECT_EQ(reader.Header().counter, 20u);
+    EXPECT_EQ(std::uint64_t{reader.Header().counter}, 20u);
     EXPECT_EQ(reader.Place().size, 0u);
     for (int i = 20 - kInRing; i < 20; ++i) {
         const Mox::TLogMsg* message = reader.Next();
