@@ -79,8 +79,9 @@ void TXmlItems::Grow() {
     const std::int64_t wanted =
         std::int64_t{capacity_} + capacity_ / 2 + (capacity_ < 8 ? kFirst : 0);
     const auto capacity = static_cast<std::int32_t>(std::min<std::int64_t>(wanted, kMost));
-    FList = static_cast<TXmlPair**>(
-        ResizedBlock(FList, static_cast<SIZE_T>(capacity) * sizeof(*FList)));
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the list holds pointers.
+    const SIZE_T size = static_cast<SIZE_T>(capacity) * sizeof(TXmlPair*);
+    FList = static_cast<TXmlPair**>(ResizedBlock(FList, size));
     capacity_ = capacity;
 }
 

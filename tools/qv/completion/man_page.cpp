@@ -90,7 +90,7 @@ constexpr const char* kEnvironment =
 
 std::string ManPage(const Tree& tree) {
     const CommandEntry& program = tree.front();
-    std::string text = ".TH " + Upper(program.name) + " 1 \"\" \"" + program.name +
+    std::string text = ".TH " + Upper(program.name) + R"( 1 "" ")" + program.name +
                        " " QV_RTL_VERSION_TEXT "\" \"User Commands\"\n";
     text += ".SH NAME\n" + program.name + " \\- " + Plain(program.description) + "\n";
     text += ".SH SYNOPSIS\n" + Synopsis(program);

@@ -44,8 +44,9 @@ Json ExaminePrinters(Problems& problems) {
                                {"settings", finding.state},
                                {"reasons", finding.reasons}});
             if (!printer.IsProduct()) continue;
+            const std::string whose = "the settings of '" + name + "': ";
             for (const std::string& reason : finding.reasons)
-                problems.push_back("the settings of '" + name + "': " + reason);
+                problems.emplace_back(whose).append(reason);
         }
     } catch (const Failure& failure) {
         problems.push_back("the printers are not known: " + std::string(failure.what()));

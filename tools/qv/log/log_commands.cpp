@@ -22,6 +22,7 @@ struct ShowArguments {
 };
 
 std::string Environment(const char* name) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing here changes the environment.
     const char* const value = std::getenv(name);
     return value == nullptr ? std::string() : value;
 }

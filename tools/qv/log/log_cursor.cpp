@@ -49,6 +49,8 @@ std::optional<LogCursor> LoadCursor(const std::string& file) {
     if (!Exists(file)) return std::nullopt;
     const std::string text = ReadAll(file);
     LogCursor cursor;
+    // What is out of range is not written back as it stands.
+    // NOLINTNEXTLINE(cert-err34-c)
     const int fields = std::sscanf(text.c_str(), "qv-log-cursor 1 %" SCNu64 " %" SCNx64,
                                    &cursor.number, &cursor.fingerprint);
     if (fields != 2 || Written(cursor) != text)

@@ -59,6 +59,7 @@ std::string SkipText(const Mox::TLogSkip& skip) {
 
 std::vector<Mox::TLogSkip> Skips(const Mox::TLogReader& reader) {
     std::vector<Mox::TLogSkip> skips;
+    skips.reserve(static_cast<std::size_t>(reader.SkipCount()));
     for (int i = 0; i < reader.SkipCount(); ++i) skips.push_back(reader.Skip(i));
     return skips;
 }

@@ -33,6 +33,7 @@ std::vector<FieldChange> Compare(const SettingsBlock& before, const SettingsBloc
 
 std::vector<const Field*> FieldsOf(const std::vector<FieldChange>& changes) {
     std::vector<const Field*> fields;
+    fields.reserve(changes.size());
     for (const FieldChange& change : changes) fields.push_back(change.field);
     return fields;
 }
@@ -107,6 +108,7 @@ PrinterChange PlanChange(const Printer& printer, const std::vector<Assignment>& 
         change.before = std::move(start.block);
         Assign(*change.after, assignments);
         std::vector<const Field*> asked;
+        asked.reserve(assignments.size());
         for (const Assignment& a : assignments) asked.push_back(a.field);
         change.fields = Compare(*change.before, *change.after, asked);
     } catch (const Failure& failure) {

@@ -59,6 +59,7 @@ std::vector<Printer> InstalledPrinters() {
     const auto records = GetInstalledPrintersInfo2();
     if (!records.IsSuccess()) throw Failure(SystemText(records.GetErrorCode()));
     std::vector<Printer> printers;
+    printers.reserve(static_cast<std::size_t>(records.Count()));
     for (int i = 0; i < records.Count(); ++i) printers.push_back(MakePrinter(records[i]));
     return printers;
 }

@@ -31,6 +31,7 @@ Words Split(const std::string& text) {
 // All that is wrong is said at once; nothing is changed then.
 std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) {
     std::vector<Words> words;
+    words.reserve(texts.size());
     for (const std::string& text : texts) words.push_back(Split(text));
     std::vector<Assignment> assignments;
     std::string faults;

@@ -82,12 +82,12 @@ SettingsText ParseSettings(const std::string& bytes) {
 }
 
 std::string FormatSettings(const SettingsHead& head, const SettingsBlock& block) {
-    std::string text = "# Settings of a printer, written by qv " QV_RTL_VERSION_TEXT
-                       "; `qv apply` sets them.\n"
-                       "# " +
-                       kPrinterHead + " " + ToValueText(head.printer) +
-                       "\n# driver: " + ToValueText(head.driver) +
-                       "\n# version: " + std::to_string(block.Block().dmDriverVersion);
+    const std::string version = QV_RTL_VERSION_TEXT;
+    std::string text = "# Settings of a printer, written by qv " + version;
+    text += "; `qv apply` sets them.\n# ";
+    text += kPrinterHead + (" " + ToValueText(head.printer));
+    text += "\n# driver: " + ToValueText(head.driver);
+    text += "\n# version: " + std::to_string(block.Block().dmDriverVersion);
     if (block.IsProduct()) text += ", private part " + std::to_string(block.Block().exVersion);
     text += "\n# whose: the current user's (" + ToValueText(head.user) + ")\n";
     for (const Field* field : AllFields()) {

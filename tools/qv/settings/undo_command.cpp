@@ -44,13 +44,12 @@ void PrintEntry(const JournalEntry& entry) {
 void List(const Journal& journal, bool as_json) {
     if (!as_json) {
         PrintScope();
-        for (auto entry = journal.entries.rbegin(); entry != journal.entries.rend(); ++entry)
-            PrintEntry(*entry);
+        for (std::size_t i = journal.entries.size(); i-- > 0;) PrintEntry(journal.entries[i]);
         return;
     }
     Json list = Json::array();
-    for (auto entry = journal.entries.rbegin(); entry != journal.entries.rend(); ++entry)
-        list.push_back(EntryJson(*entry));
+    for (std::size_t i = journal.entries.size(); i-- > 0;)
+        list.push_back(EntryJson(journal.entries[i]));
     PrintJson({{"scope", kScope}, {"changes", list}});
 }
 
