@@ -1,20 +1,7 @@
 // The shared log file: the checked reader, then the next writer on the same file, then the reader.
 #include "log_file/log_format.h"
-#include "log_file/log_reader.h"
-#include "log_file/log_recorder.h"
 #include "support/input.h"
-
-static UnicodeString Newest(Mox::TLogReader& reader, int& count) {
-    UnicodeString newest;
-    for (count = 0; const Mox::TLogMsg* message = reader.Next(); ++count) newest = message->text;
-    return newest;
-}
-
-static void Append(Mox::TLogRecorder& recorder, const UnicodeString& text) {
-    Mox::SetLogRecorder(&recorder);
-    Mox::GetLogger()->Log('i', TEXT("fuzz"), 1, text, UnicodeString(), nullptr, 0);
-    Mox::ClearLogRecorder(&recorder);
-}
+#include "support/log_records.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::WriteFile("fuzz.log", {data, size});
@@ -27,7 +14,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         const bool found = memory.StartWithoutHeader();
         fuzz::Require(file.StartWithoutHeader() == found, "both find records without a header");
     }
-    const bool same = fuzz::Same(Newest(memory, in_memory), Newest(file, in_file));
+    const bool same = fuzz::Same(fuzz::Newest(memory, in_memory), fuzz::Newest(file, in_file));
     fuzz::Require(same && in_memory == in_file, "memory and file are read alike");
 
     constexpr DWORD kLimit = 4096, kRoomForRecords = 1024, kLargestFile = 1 << 20;
@@ -36,8 +23,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Mox::TLogRecorder recorder;
     fuzz::Require(recorder.Open(name, kLimit), "a damaged log can be opened");
     for (const WCHAR* text : {TEXT("first"), TEXT("second")}) {
-        Append(recorder, text);
-        const bool newest = file.Open(name) && Newest(file, in_file) == UnicodeString(text);
+        fuzz::Append(recorder, text);
+        const bool newest = file.Open(name) && fuzz::Newest(file, in_file) == UnicodeString(text);
         fuzz::Require(newest || header.limit < kRoomForRecords, "the newest can be read");
     }
     return 0;
