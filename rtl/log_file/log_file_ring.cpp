@@ -211,16 +211,22 @@ void TLogFileRing::DropOldest() {
     h.count = h.count - 1;
     if (end != h.wrap) {
         h.oldest = end;
-        if (h.count == 0) Recover();
+        if (IsCountWrong()) Recover();
         return;
     }
     h.oldest = kFirstSlot;
     h.wrap = 0;
     if (h.write_position == kFirstSlot) {
         EmptyRing(h, h.limit);
-    } else if (h.count == 0 || h.write_position - kFirstSlot <= kLongestSearch) {
+    } else if (IsCountWrong() || h.write_position - kFirstSlot <= kLongestSearch) {
         Recover();  // once per lap: a wrong count ends here
     }
+}
+
+// A count that was too high all along shows when the slots that are left have no room for it. Kept,
+// it would make the header implausible, and the next append empty the ring.
+bool TLogFileRing::IsCountWrong() const {
+    return header_.count == 0 || !IsPlausible(header_);
 }
 
 // The oldest slot or the count cannot be believed: goes on with the first credible chain at or

@@ -58,6 +58,7 @@ class TLogFileRing {
     void MakeRoom(std::uint64_t need);
     void Wrap();
     void DropOldest();
+    bool IsCountWrong() const;
     void Recover();
     TLogChain FindChain(DWORD from, DWORD end);
 
