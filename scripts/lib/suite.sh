@@ -1,7 +1,7 @@
 # Counting and reporting of one suite: its steps add to the counts, suite_end prints the line.
 
 suite_begin() {
-    suite=$1 passed=0 failed=0 skipped=0 first_failure=
+    suite=$1 passed=0 failed=0 skipped=0 first_failure= began=$SECONDS
     mkdir -p "$logs"
 }
 
@@ -64,6 +64,7 @@ run_check() {
 suite_end() {
     [ -z "$first_failure" ] ||
         printf -- '---- %s, first failure ----\n%s\n----\n' "$suite" "$first_failure"
+    echo "$suite: took $((SECONDS - began)) s"
     local more=
     [ $skipped -eq 0 ] || more=", $skipped skipped"
     echo "$suite: $passed passed, $failed failed$more"
