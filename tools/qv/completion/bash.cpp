@@ -55,16 +55,7 @@ std::string BashCompletion(const Tree& tree) {
         text += "            " + QuotedForShell(tree[i].path) +
                 ") path=" + QuotedForShell(tree[i].path) + " ;;\n";
     text += "        esac\n    done\n    case \"$path $prev\" in\n";
-    for (const CommandEntry& command : tree) {
-        for (const OptionEntry& option : command.options) {
-            if (option.IsFlag()) continue;
-            std::vector<std::string> patterns;
-            for (const std::string& name : option.names)
-                patterns.push_back(QuotedForShell(command.path + " " + name));
-            text += "        " + Joined(patterns, " | ") + ")";
-            AppendKind(text, option.kind);
-        }
-    }
+    AppendValueCases(text, tree, AppendKind);
     text += "    esac\n    case $path in\n";
     for (const CommandEntry& command : tree) {
         text += "        " + QuotedForShell(command.path) + ")\n";

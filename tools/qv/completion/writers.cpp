@@ -70,4 +70,18 @@ std::vector<std::string> ArgumentChoices(const CommandEntry& command) {
     return choices;
 }
 
+void AppendValueCases(std::string& text, const Tree& tree,
+                      void (*append_kind)(std::string& text, const ValueKind& kind)) {
+    for (const CommandEntry& command : tree) {
+        for (const OptionEntry& option : command.options) {
+            if (option.IsFlag()) continue;
+            std::vector<std::string> patterns;
+            for (const std::string& name : option.names)
+                patterns.push_back(QuotedForShell(command.path + " " + name));
+            text += "        " + Joined(patterns, " | ") + ")";
+            append_kind(text, option.kind);
+        }
+    }
+}
+
 }  // namespace qv

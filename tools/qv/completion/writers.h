@@ -32,4 +32,9 @@ bool TakesFiles(const CommandEntry& command);
 bool TakesPrinters(const CommandEntry& command);
 std::vector<std::string> ArgumentChoices(const CommandEntry& command);
 
+// The branches of a POSIX shell's `case` that complete the value of an option, one for each option
+// that takes one: "'qv log show --level' | '...')", then what `append_kind` adds for it.
+void AppendValueCases(std::string& text, const Tree& tree,
+                      void (*append_kind)(std::string& text, const ValueKind& kind));
+
 }  // namespace qv

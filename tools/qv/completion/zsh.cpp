@@ -74,16 +74,7 @@ std::string ZshCompletion(const Tree& tree) {
         text += "            " + QuotedForShell(tree[i].path) +
                 ") path_of=" + QuotedForShell(tree[i].path) + " ;;\n";
     text += "        esac\n    done\n    case \"$path_of $words[CURRENT-1]\" in\n";
-    for (const CommandEntry& command : tree) {
-        for (const OptionEntry& option : command.options) {
-            if (option.IsFlag()) continue;
-            std::vector<std::string> patterns;
-            for (const std::string& name : option.names)
-                patterns.push_back(QuotedForShell(command.path + " " + name));
-            text += "        " + Joined(patterns, " | ") + ")";
-            AppendKind(text, option.kind);
-        }
-    }
+    AppendValueCases(text, tree, AppendKind);
     text += "    esac\n    case $path_of in\n";
     for (const CommandEntry& command : tree) AppendCommand(text, command, tree);
     return text +

@@ -138,12 +138,7 @@ void Journal::Save() const {
     const std::size_t first = entries.size() > kMostEntries ? entries.size() - kMostEntries : 0;
     for (std::size_t i = first; i < entries.size(); ++i) list.push_back(EntryJson(entries[i]));
     const Json document = {{"schema", kJsonSchema}, {"entries", list}};
-    // A reader finds the old file or the new one, never a part.
-    const std::string fresh = FileName() + ".new";
-    WriteAll(fresh, document.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
-    std::error_code error;
-    std::filesystem::rename(PathOf(fresh), PathOf(FileName()), error);
-    if (error) CannotUse(error.message());
+    WriteWhole(FileName(), document.dump(1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
 }  // namespace qv
