@@ -42,14 +42,14 @@ void AddHostCommands(CLI::App& app) {
     host->require_subcommand(1);
     host->add_subcommand("root", "Show the folder that holds everything")->callback(PrintRoot);
     auto text = std::make_shared<std::string>();
-    CLI::App* import = host->add_subcommand("import", "Apply a .reg file to the registry");
-    import->add_option("FILE.reg", *text, "What the Windows registry editor exports, or UTF-8")
+    CLI::App* importer = host->add_subcommand("import", "Apply a .reg file to the registry");
+    importer->add_option("FILE.reg", *text, "What the Windows registry editor exports, or UTF-8")
         ->required();
-    import->callback([text] { Import(*text);
-});
-CLI::App* exporter = host->add_subcommand("export", "Write the registry, or one key, as .reg text");
-exporter->add_option("KEY", *text, "For example HKLM\\Software\\Halvorn");
-exporter->callback([text] { Export(*text); });
-}  // namespace qv
+    importer->callback([text] { Import(*text); });
+    CLI::App* exporter =
+        host->add_subcommand("export", "Write the registry, or one key, as .reg text");
+    exporter->add_option("KEY", *text, "For example HKLM\\Software\\Halvorn");
+    exporter->callback([text] { Export(*text); });
+}
 
 }  // namespace qv

@@ -47,14 +47,9 @@ void Run(ApplyOptions& options) {
     if (options.choice.name.empty()) options.choice.name = ToUtf8(text.printer);
     if (!options.choice.IsMany() && options.choice.name.empty())
         throw Failure("the file names no printer: give one, --match or --all");
-    const auto plan = [&] {
-        std::vector<PrinterChange> changes;
-        for (const Printer& printer : ChoosePrinters(options.choice))
-            changes.push_back(PlanChange(printer, ForPrinter(text, printer), options.choice.force));
-        return changes;
-    };
     options.run.report.only_changes = true;
-    RunChanges("apply", plan, options.run);
+    const auto assignments = [&text](const Printer& p) { return ForPrinter(text, p); };
+    RunChanges("apply", options.choice, assignments, options.run);
 }
 
 }  // namespace

@@ -22,6 +22,15 @@ void StoreWithJournal(Journal& journal, const std::string& command,
     journal.Save();
 }
 
+std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments) {
+    const std::vector<Printer> printers = ChoosePrinters(choice);
+    std::vector<PrinterChange> changes;
+    for (const Printer& printer : printers) {
+        changes.push_back(PlanChange(printer, assignments(printer), choice.force));
+    }
+    return changes;
+}
+
 }  // namespace
 
 void AddRunOptions(CLI::App& command, RunOptions& options) {
@@ -29,10 +38,11 @@ void AddRunOptions(CLI::App& command, RunOptions& options) {
     command.add_flag("--no-undo", options.no_undo, "Do not keep the previous values for `qv undo`");
 }
 
-void RunChanges(const std::string& command, const ChangePlan& plan, const RunOptions& options) {
+void RunChanges(const std::string& command, const PrinterChoice& choice,
+                const AssignmentsFor& assignments, const RunOptions& options) {
     std::optional<Journal> journal;
     if (!options.report.dry_run && !options.no_undo) journal.emplace();
-    std::vector<PrinterChange> changes = plan();
+    std::vector<PrinterChange> changes = Plan(choice, assignments);
     if (journal) {
         StoreWithJournal(*journal, command, changes);
     } else if (!options.report.dry_run) {

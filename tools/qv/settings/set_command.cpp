@@ -58,13 +58,8 @@ void Run(SetOptions& options) {
     if (options.words.empty())
         throw CLI::ValidationError("KEYWORD=VALUE", "nothing to set is given");
     const std::vector<Assignment> assignments = ParseAssignments(options.words);
-    const auto plan = [&] {
-        std::vector<PrinterChange> changes;
-        for (const Printer& printer : ChoosePrinters(options.choice))
-            changes.push_back(PlanChange(printer, assignments, options.choice.force));
-        return changes;
-    };
-    RunChanges("set", plan, options.run);
+    const auto same_for_all = [&assignments](const Printer&) { return assignments; };
+    RunChanges("set", options.choice, same_for_all, options.run);
 }
 
 }  // namespace
