@@ -11,30 +11,30 @@ namespace {
 
 constexpr auto kPatience = std::chrono::seconds(1);
 constexpr auto kPause = std::chrono::milliseconds(200);
-// The clock is not asked for every item.
-constexpr std::uint64_t kItemsPerLook = 64;
 constexpr const char* kClearLine = "\r\x1b[K";
+const auto kStart = std::chrono::steady_clock::now();
 
 }  // namespace
 
-Progress::Progress(std::string unit)
-    : unit_(std::move(unit)),
-      next_(Clock::now() + kPatience),
-      wanted_(IsTerminal(Stream::kError) && !IsTerminal(Stream::kOutput)) {}
+Progress::Progress(std::string what, std::size_t total)
+    : what_(std::move(what)),
+      total_(total),
+      next_(kStart + kPatience),
+      wanted_(IsTerminal(Stream::kError)) {}
 
 Progress::~Progress() {
     if (shown_) std::fputs(kClearLine, stderr);
 }
 
-void Progress::Add(std::uint64_t count) {
-    const std::uint64_t looks = done_ / kItemsPerLook;
-    done_ += count;
-    if (wanted_ && done_ / kItemsPerLook != looks && Clock::now() >= next_) Show();
+void Progress::Add() {
+    ++done_;
+    if (wanted_ && Clock::now() >= next_) Show();
 }
 
 void Progress::Show() {
-    std::fprintf(stderr, "%s%llu %s", kClearLine, static_cast<unsigned long long>(done_),
-                 unit_.c_str());
+    const std::string of = total_ == 0 ? std::string() : " of " + std::to_string(total_);
+    const std::string line = what_ + ": " + std::to_string(done_) + of;
+    std::fputs((kClearLine + line).c_str(), stderr);
     std::fflush(stderr);
     shown_ = true;
     next_ = Clock::now() + kPause;

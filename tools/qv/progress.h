@@ -7,25 +7,26 @@
 
 namespace qv {
 
-// Shows nothing during the first second, when standard error is no terminal, or when standard
-// output is one, where the results themselves are to be seen. The end takes the line away.
+// Shows nothing during the program's first second, nor when standard error is no terminal. The end
+// takes the line away: nothing else may be written to the terminal while one lives.
 class Progress {
   public:
-    // `unit` follows the number: "12000 records".
-    explicit Progress(std::string unit);
+    // "records: 12000", or with a total "printers set: 12 of 50".
+    explicit Progress(std::string what, std::size_t total = 0);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();
 
-    void Add(std::uint64_t count = 1);
+    void Add();
 
   private:
     using Clock = std::chrono::steady_clock;
 
     void Show();
 
-    std::string unit_;
-    std::uint64_t done_ = 0;
+    std::string what_;
+    std::size_t total_;
+    std::size_t done_ = 0;
     Clock::time_point next_;
     bool wanted_;
     bool shown_ = false;

@@ -22,6 +22,4 @@ expect() {
 }
 
 drive=$QV_HOST_ROOT/drive_c
-mkdir -p "$drive/Program Files/Halvorn/Vantrel" "$drive/ProgramData/Halvorn/Vantrel"
-cp samples/qv_res.xml "$drive/Program Files/Halvorn/Vantrel/"
-"$qv" host import samples/machine.reg
+scripts/machine "$programs"

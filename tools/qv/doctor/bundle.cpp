@@ -13,6 +13,7 @@
 #include "log/log_format.h"
 #include "log/log_source.h"
 #include "os_xp/user_name.h"
+#include "progress.h"
 #include "settings/printer_settings.h"
 #include "settings/settings_text.h"
 
@@ -72,8 +73,12 @@ PrinterFile SettingsOf(const Printer& printer, int number) {
 template <class Visit>
 void ForEachRecord(Contents& contents, const Visit& visit) {
     if (!contents.has_log) return;
+    Progress progress("records");
     contents.log.Seek(0);
-    while (const Mox::TLogMsg* record = contents.log.Next()) visit(*record);
+    while (const Mox::TLogMsg* record = contents.log.Next()) {
+        progress.Add();
+        visit(*record);
+    }
 }
 
 void GatherLog(Contents& contents) {
@@ -93,9 +98,13 @@ void GatherLog(Contents& contents) {
 void Gather(Contents& contents) {
     contents.examination = Examine();
     try {
+        const std::vector<Printer> printers = InstalledPrinters();
+        Progress progress("printers read", printers.size());
         int number = 0;
-        for (const Printer& printer : InstalledPrinters())
+        for (const Printer& printer : printers) {
+            progress.Add();
             contents.printers.push_back(SettingsOf(printer, ++number));
+        }
     } catch (const Failure& failure) {
         contents.printers.push_back({"settings/none", std::string(failure.what()) + "\n", ""});
     }

@@ -1,6 +1,7 @@
 // The printers, and whether the current user's settings of them are of use.
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
+#include "progress.h"
 #include "settings/block_damage.h"
 #include "settings/printer_settings.h"
 
@@ -34,7 +35,10 @@ Json ExaminePrinters(Problems& problems) {
     Json section = Json::array();
     bool any = false;
     try {
-        for (const Printer& printer : InstalledPrinters()) {
+        const std::vector<Printer> printers = InstalledPrinters();
+        Progress progress("printers examined", printers.size());
+        for (const Printer& printer : printers) {
+            progress.Add();
             const Finding finding = Look(printer);
             const std::string name = OneLine(printer.name);
             any = any || printer.IsProduct();

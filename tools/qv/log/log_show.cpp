@@ -28,12 +28,14 @@ LogView::LogView(const LogFilterOptions& filter, const LogStyle& style)
     : filter_(filter), style_(style), pending_(LogHead(style)) {}
 
 std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) {
-    Progress progress("records");
+    // On a terminal the lines themselves tell how far it is; following has no end.
+    std::optional<Progress> progress;
+    if (only_last && !IsTerminal(Stream::kOutput)) progress.emplace("records");
     std::optional<LogCursor> seen;
     std::deque<std::string> newest;
     const std::size_t most = only_last ? filter_.Last().value_or(SIZE_MAX) : SIZE_MAX;
     while (const Mox::TLogMsg* record = reader.Next()) {
-        progress.Add();
+        if (progress) progress->Add();
         seen = CursorAt(reader, *record);
         if (!filter_.Passes(*record)) continue;
         if (most == SIZE_MAX) {

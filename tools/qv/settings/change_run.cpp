@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "progress.h"
 #include "settings/journal.h"
 
 namespace qv {
@@ -24,9 +25,11 @@ void StoreWithJournal(Journal& journal, const std::string& command,
 
 std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments) {
     const std::vector<Printer> printers = ChoosePrinters(choice);
+    Progress progress("printers read", printers.size());
     std::vector<PrinterChange> changes;
     for (const Printer& printer : printers) {
         changes.push_back(PlanChange(printer, assignments(printer), choice.force));
+        progress.Add();
     }
     return changes;
 }

@@ -1,9 +1,9 @@
 #include "settings/changes.h"
-#include "settings/field_json.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "progress.h"
 #include "settings/field_json.h"
 #include "settings/value_text.h"
 
@@ -118,7 +118,9 @@ PrinterChange PlanChange(const Printer& printer, const std::vector<Assignment>& 
 }
 
 void StoreChanges(std::vector<PrinterChange>& changes) {
+    Progress progress("printers set", changes.size());
     for (PrinterChange& change : changes) {
+        progress.Add();
         if (!change.IsToStore()) continue;
         try {
             Store(change);
