@@ -4,7 +4,7 @@ packages_for() {
     case $1 in
         native)
             echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev \
-                python3 libxml2-utils mono-mcs mono-runtime
+                python3 unzip libxml2-utils mono-mcs mono-runtime
             ;;
         clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev ;;
         fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev ;;
