@@ -1,149 +1,24 @@
 // The parsing members of TXmlDoc: one forward pass over the bytes.
 #include "xml/xml_parser.h"
 
-#include <bit>
-#include <cstdint>
-#include <cstring>
+#include <cstddef>
+#include <string>
 #include <utility>
 
 #include "mox_classes/sysutils.h"
 #include "xml/xml_decode.h"
 #include "xml/xml_doc.h"
+#include "xml/xml_reference.h"
+#include "xml/xml_span.h"
 #include "xml/xml_watch.h"
 
 namespace {
 
-std::uint64_t Word(const char* bytes) {
-    std::uint64_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    return word;
-}
-
-void TrimSpan(const TAsciiCharFinder& finder, int& from, int& to) {
-    const unsigned char* bytes = finder.Bytes(0);
-    while (from < to && bytes[from] <= 0x20) ++from;
-    while (from < to && bytes[to - 1] <= 0x20) --to;
-}
-
-std::string_view Bytes(const TAsciiCharFinder& finder, int from, int to) {
-    return {reinterpret_cast<const char*>(finder.Bytes(from)), static_cast<std::size_t>(to - from)};
-}
-
-}  // namespace
-
-inline bool TXmlNameCache::Key::operator==(const Key& other) const {
-    return first == other.first && last == other.last && bytes.size() == other.bytes.size() &&
-           (bytes.size() <= 16 || bytes == other.bytes);
-}
-
-inline TXmlNameCache::Key TXmlNameCache::KeyOf(const TAsciiCharFinder& finder, int from, int to) {
-    Key key;
-    key.bytes = Bytes(finder, from, to);
-    const std::size_t length = key.bytes.size();
-    if (length >= sizeof key.first) {
-        key.first = Word(key.bytes.data());
-        key.last = Word(key.bytes.data() + length - sizeof key.last);
-    } else if (finder.Size() - from >= static_cast<int>(sizeof key.first)) {
-        key.first = Word(key.bytes.data()) & ((std::uint64_t{1} << (8 * length)) - 1);
-    } else {
-        std::memcpy(&key.first, key.bytes.data(), length);
-    }
-    return key;
-}
-
-inline std::size_t TXmlNameCache::HomeOf(const Key& key) {
-    const std::uint64_t mixed = (key.first ^ std::rotl(key.last, 23) ^ key.bytes.size()) *
-                                std::uint64_t{0x9E3779B97F4A7C15u};
-    return static_cast<std::size_t>(mixed >> 55);
-}
-
-UnicodeString TXmlNameCache::Get(const TAsciiCharFinder& finder, int from, int to) {
-    TrimSpan(finder, from, to);
-    return from == to ? UnicodeString() : GetTrimmed(finder, from, to);
-}
-
-const UnicodeString& TXmlNameCache::GetTrimmed(const TAsciiCharFinder& finder, int from, int to) {
-    const Key key = KeyOf(finder, from, to);
-    std::size_t slot = HomeOf(key);
-    for (; slots_[slot] != 0; slot = (slot + 1) % slots_.size()) {
-        const Entry& entry = entries_[slots_[slot] - 1u];
-        if (entry.key == key) return entry.name;
-    }
-    if (entries_.size() == kMost) {
-        entries_.clear();
-        slots_.fill(0);
-        slot = HomeOf(key);
-    }
-    entries_.push_back({key, finder.Read(from, to)});
-    slots_[slot] = static_cast<unsigned char>(entries_.size());
-    return entries_.back().name;
-}
-
-namespace {
-
-// The code point of a numeric reference: what stands behind its '#'. Other characters than digits
-// are passed over, too large numbers wrap.
-template <class Unit>
-std::uint32_t NumberOf(std::basic_string_view<Unit> digits) {
-    const bool hexadecimal = !digits.empty() && digits.front() == Unit{'x'};
-    if (hexadecimal) digits.remove_prefix(1);
-    while (!digits.empty() && digits.front() <= Unit{0x20}) digits.remove_prefix(1);
-    while (!digits.empty() && digits.back() <= Unit{0x20}) digits.remove_suffix(1);
-    if (hexadecimal && digits.size() > 8) return 0;
-    std::uint32_t value = 0;
-    for (const std::uint32_t unit : digits) {
-        const std::uint32_t lower = unit >= 'A' && unit <= 'Z' ? unit + ('a' - 'A') : unit;
-        if (lower >= '0' && lower <= '9') {
-            value = value * (hexadecimal ? 16u : 10u) + (lower - '0');
-        } else if (hexadecimal && lower >= 'a' && lower <= 'f') {
-            value = value * 16u + 10u + (lower - 'a');
-        }
-    }
-    return value;
-}
-
-struct TNamedReference {
-    std::string_view name;
-    WCHAR unit;
-};
-constexpr TNamedReference kReferences[] = {
-    {"gt", TEXT('>')},  {"lt", TEXT('<')},   {"quot", TEXT('"')},
-    {"amp", TEXT('&')}, {"nbsp", TEXT(' ')}, {"apos", TEXT('\'')},
-};
-
-bool IsSameName(std::string_view lower, std::string_view name) {
-    return std::equal(lower.begin(), lower.end(), name.begin(), name.end(), [](char a, char b) {
-        return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b + ('a' - 'A')) : b);
-    });
-}
-
 using TPieces = std::basic_string<WCHAR>;
-
-void AppendPoint(TPieces& pieces, std::uint32_t point) {
-    const UnicodeString text(&point, 1);
-    pieces.append(text.t_str(), static_cast<std::size_t>(text.Length()));
-}
 
 void AppendSpan(TPieces& pieces, const TAsciiCharFinder& finder, int from, int to) {
     const UnicodeString text = finder.Read(from, to);
     pieces.append(text.t_str(), static_cast<std::size_t>(text.Length()));
-}
-
-// Appends what the reference between '&' and ';' stands for; false for an unknown name.
-bool AppendReference(TPieces& pieces, const TAsciiCharFinder& finder, int from, int to) {
-    const std::string_view name = Bytes(finder, from, to);
-    if (!name.empty() && name.front() == '#') {
-        const UnicodeString digits = finder.Read(from + 1, to);
-        AppendPoint(pieces, NumberOf(std::basic_string_view<WCHAR>(
-                                digits.t_str(), static_cast<std::size_t>(digits.Length()))));
-        return true;
-    }
-    for (const TNamedReference& row : kReferences) {
-        if (!IsSameName(row.name, name)) continue;
-        pieces.push_back(row.unit);
-        return true;
-    }
-    return false;
 }
 
 void AppendPieces(UnicodeString& text, const TPieces& pieces) {
@@ -295,7 +170,7 @@ int TXmlDoc::ParseElements() {
 // Tells of characters that the scan has passed over between two tags.
 void TXmlDoc::WatchPassed(int from) {
     int to = FFinder->Position();
-    TrimSpan(*FFinder, from, to);
+    XmlTrimSpan(*FFinder, from, to);
     if (from < to && FRootSeen) watch_->Passed(from);
 }
 
@@ -492,7 +367,7 @@ int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
             start = at;
             in_reference = true;
         } else if (octet == ';' && in_reference) {
-            failed = !AppendReference(pieces, *FFinder, start + 1, at);
+            failed = !AppendXmlReference(pieces, *FFinder, start + 1, at);
             if (!failed) start = at + 1;
             in_reference = false;
         }
@@ -505,7 +380,7 @@ int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
     const int at = FFinder->Position();
     if (pieces.empty() && text.IsEmpty()) {
         int to = at;
-        if (!in_attribute) TrimSpan(*FFinder, start, to);
+        if (!in_attribute) XmlTrimSpan(*FFinder, start, to);
         text = FFinder->Read(start, to);
         return at;
     }
