@@ -1,33 +1,31 @@
 #include "mox_classes/memory.h"
 
-#include <windows.h>
-
 #include <cstring>
+
+#include "mox_classes/process_heap.h"
 
 namespace System {
 
-namespace {
+constinit std::atomic<HANDLE> TProcessHeap::handle_{nullptr};
 
-// Asked for once: every block of every string passes here. Written out in each caller, which saves
-// a call per block.
-[[gnu::always_inline]] inline HANDLE Heap() {
-    static const HANDLE heap = GetProcessHeap();
+HANDLE TProcessHeap::Ask() {
+    const HANDLE heap = GetProcessHeap();
+    handle_.store(heap, std::memory_order_relaxed);
     return heap;
 }
 
-}  // namespace
-
 void* GetMemory(int size) {
-    return size < 0 ? nullptr : HeapAlloc(Heap(), 0, static_cast<SIZE_T>(size));
+    return TProcessHeap::New(size);
 }
 
 void* ReallocMemory(void* block, int size) {
     if (block == nullptr) return GetMemory(size);
-    return size < 0 ? nullptr : HeapReAlloc(Heap(), 0, block, static_cast<SIZE_T>(size));
+    return size < 0 ? nullptr
+                    : HeapReAlloc(TProcessHeap::Handle(), 0, block, static_cast<SIZE_T>(size));
 }
 
 int FreeMemory(void* block) {
-    return block == nullptr ? TRUE : HeapFree(Heap(), 0, block);
+    return block == nullptr ? TRUE : TProcessHeap::Delete(block);
 }
 
 void Move(const void* source, void* dest, int count) {

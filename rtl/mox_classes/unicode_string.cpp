@@ -8,6 +8,8 @@
 #include <string>
 
 #include "mox_classes/memory.h"
+#include "mox_classes/process_heap.h"
+#include "mox_classes/unit_copy.h"
 
 namespace System {
 
@@ -36,13 +38,7 @@ WCHAR* Prepared(void* block, int units) {
 }
 
 WCHAR* NewBuffer(int units) {
-    return Prepared(GetMemory(BlockSize(units)), units);
-}
-
-void CopyUnits(WCHAR* dest, const WCHAR* source, int count) {
-    // A call for one unit costs more than the unit.
-    if (count == 1) *dest = *source;
-    if (count > 1) std::memcpy(dest, source, static_cast<std::size_t>(count) * sizeof(WCHAR));
+    return Prepared(TProcessHeap::New(BlockSize(units)), units);
 }
 
 void MoveUnits(WCHAR* dest, const WCHAR* source, int count) {
@@ -65,7 +61,7 @@ void UnicodeString::Release() noexcept {
     // Two holders that let go at the same time both see 2; the decrement decides who is the last.
     if (count().load(std::memory_order_acquire) <= 1 ||
         count().fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        FreeMemory(rec());
+        TProcessHeap::Delete(rec());
     }
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "mox_classes/memory.h"
+#include "mox_classes/process_heap.h"
 #include "mox_classes/sysutils.h"
 #include "xml/xml_node.h"
 
@@ -41,7 +42,7 @@ class TFreeSlots {
 
 // Lists may be larger than System::ReallocMemory can say.
 void* ResizedBlock(void* block, SIZE_T size) {
-    const HANDLE heap = GetProcessHeap();
+    const HANDLE heap = System::TProcessHeap::Handle();
     void* resized = block == nullptr ? HeapAlloc(heap, 0, size) : HeapReAlloc(heap, 0, block, size);
     if (resized == nullptr) throw std::bad_alloc();
     return resized;
@@ -50,13 +51,13 @@ void* ResizedBlock(void* block, SIZE_T size) {
 }  // namespace
 
 void* TXmlBlock::operator new(std::size_t size) {
-    void* block = System::GetMemory(static_cast<int>(size));
+    void* block = System::TProcessHeap::New(static_cast<int>(size));
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
 void TXmlBlock::operator delete(void* block) noexcept {
-    if (block != nullptr) System::FreeMemory(block);
+    if (block != nullptr) System::TProcessHeap::Delete(block);
 }
 
 TXmlItems::~TXmlItems() {

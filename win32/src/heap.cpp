@@ -27,6 +27,10 @@ LPVOID Obtained(LPVOID block) {
     return block != nullptr ? block : Refuse(&process_heap);
 }
 
+[[gnu::noinline]] LPVOID Zeroed(SIZE_T bytes) {
+    return Obtained(host::NewZeroedBlock(bytes));
+}
+
 }  // namespace
 
 HANDLE GetProcessHeap() {
@@ -36,9 +40,8 @@ HANDLE GetProcessHeap() {
 
 LPVOID HeapAlloc(HANDLE heap, DWORD flags, SIZE_T bytes) {
     if (!IsServed(heap, bytes)) return Refuse(heap);
-    const SIZE_T size = std::max<SIZE_T>(bytes, 1);
-    return Obtained((flags & HEAP_ZERO_MEMORY) != 0 ? host::NewZeroedBlock(size)
-                                                    : host::NewBlock(size));
+    if ((flags & HEAP_ZERO_MEMORY) != 0) return Zeroed(bytes);
+    return Obtained(host::NewBlock(bytes));
 }
 
 LPVOID HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T bytes) {

@@ -14,6 +14,7 @@
 #include <algorithm>
 #endif
 
+// A new block of no bytes is a block as any other.
 namespace host {
 
 #ifdef QV_SMALL_BLOCKS
