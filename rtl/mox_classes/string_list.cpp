@@ -115,6 +115,12 @@ void TStringList::InsertItem(int index, UnicodeString s, TObject* object) {
     ++FCount;
 }
 
+void TStringList::Append(UnicodeString s) {
+    if (FCount == FCapacity) Grow();
+    new (&FItems[FCount]) TItem{std::move(s), nullptr};
+    ++FCount;
+}
+
 void TStringList::Delete(int index) {
     ItemAt(index).~TItem();
     --FCount;

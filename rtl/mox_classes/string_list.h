@@ -130,6 +130,7 @@ class QV_API TStringList : public TStrings {
     };
 
     void Grow();
+    void Append(UnicodeString s);
     TItem& ItemAt(int index, int line = __builtin_LINE());
     void ReleaseItems(int first);
 

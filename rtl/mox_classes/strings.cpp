@@ -7,6 +7,8 @@
 
 #include "mox_classes/string_list.h"
 #include "mox_classes/sysutils_text.h"
+#include "mox_classes/unit_copy.h"
+#include "mox_classes/unit_ends.h"
 #include "mox_classes/unit_scan.h"
 
 namespace Classes {
@@ -38,7 +40,7 @@ class TFiller {
     explicit TFiller(UnicodeString& target) : place_(target.data()), room_(target.Length()) {}
     void Append(const UnicodeString& text) {
         const int count = text.Length() < room_ ? text.Length() : room_;
-        Units::copy(place_, text.t_str(), static_cast<std::size_t>(count));
+        System::CopyUnits(place_, text.t_str(), count);
         place_ += count;
         room_ -= count;
     }
@@ -68,7 +70,7 @@ class TItemAccess {
     }
     void Add(UnicodeString text) {
         if (plain_ != nullptr) {
-            plain_->TStringList::InsertItem(plain_->FCount, std::move(text), nullptr);
+            plain_->Append(std::move(text));
         } else {
             list_.Add(std::move(text));
         }
@@ -199,16 +201,16 @@ void TStrings::SetDelimitedText(UnicodeString text) {
     TItemAccess items(*this);
     const bool strict = FStrictDelimiter;
     const WCHAR delimiter = FDelimiter;
-    // No unit that ends an item is above this one, but for the delimiter.
-    const WCHAR last_blank = strict ? 0 : 0x20;
+    const System::TUnitEnds ends(delimiter, strict ? WCHAR{0} : WCHAR{0x20});
     const auto skip = [strict](const WCHAR* p) { return strict ? p : SkipBlanks(p); };
+    const WCHAR* const end = text.t_str() + text.Length();
     const WCHAR* p = skip(text.t_str());
     while (*p != 0) {
         if (*p == FQuoteChar) {
             items.Add(Sysutils::AnsiExtractQuotedStr(p, FQuoteChar));
         } else {
             const WCHAR* begin = p;
-            while (*p > last_blank && *p != delimiter) ++p;
+            p = ends.Next(p, end);
             items.Add(TextBetween(begin, p));
         }
         p = skip(p);

@@ -30,6 +30,11 @@ struct TUnits8 {
     unsigned Equal(const TUnits8& other) const {
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, other.units)));
     }
+    unsigned NotAbove(const TUnits8& other) const {
+        const __m128i above = _mm_subs_epu16(units, other.units);
+        return static_cast<unsigned>(
+            _mm_movemask_epi8(_mm_cmpeq_epi16(above, _mm_setzero_si128())));
+    }
 };
 
 // UTF-16 units that `blocks` times sixteen bytes of UTF-8 begin; at most kMostBlocks.
@@ -54,9 +59,16 @@ struct TUnits8 {
     explicit TUnits8(const WCHAR* from) { std::copy_n(from, kUnitStep, units); }
     explicit TUnits8(WCHAR unit) { std::fill_n(units, kUnitStep, unit); }
     unsigned Equal(const TUnits8& other) const {
+        return Mask([&](int i) { return units[i] == other.units[i]; });
+    }
+    unsigned NotAbove(const TUnits8& other) const {
+        return Mask([&](int i) { return units[i] <= other.units[i]; });
+    }
+    template <class Test>
+    static unsigned Mask(Test test) {
         unsigned mask = 0;
         for (int i = 0; i < kUnitStep; ++i) {
-            if (units[i] == other.units[i]) mask |= 3U << (2 * i);
+            if (test(i)) mask |= 3U << (2 * i);
         }
         return mask;
     }
