@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include <cstdarg>
-#include <cstring>
 #include <cwchar>
 
 #include "mox_classes/unicode_string.h"
+#include "mox_classes/unit_copy.h"
 
 namespace System {
 
@@ -52,8 +52,8 @@ int UnicodeString::vprintf(const WCHAR* format, va_list arguments) {
         swap(text);
         return Length();
     }
-    SetLength(count);
-    std::memcpy(data_, buffer, static_cast<std::size_t>(count) * sizeof(WCHAR));
+    Resize(count);
+    CopyUnits(data_, buffer, count);
     return count;
 }
 
@@ -69,8 +69,8 @@ int UnicodeString::cat_vprintf(const WCHAR* format, va_list arguments) {
     if (count > 0) {
         const int old_length = Length();
         if (count > 2147483647 - old_length) throw UnicodeString("Integer overflow!");
-        SetLength(old_length + count);
-        std::memcpy(data_ + old_length, buffer, static_cast<std::size_t>(count) * sizeof(WCHAR));
+        Resize(old_length + count);
+        CopyUnits(data_ + old_length, buffer, count);
     }
     return count;
 }

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -71,6 +72,23 @@ inline std::size_t NarrowAscii(const WCHAR* from, char* to) {
     const __m128i high = Load16(from + 8);
     Store16(to, _mm_packus_epi16(low, high));
     return FirstBit(ByteMask(AsciiUnits(low, high)) ^ 0xFFFF);
+}
+
+// The length of a text. Sixteen bytes that begin at a multiple of sixteen lie in one page: what is
+// read around the text can be read, though it is not the text's.
+__attribute__((no_sanitize("address", "thread"))) inline std::size_t UnitsBeforeZero(
+    const WCHAR* text) {
+    const auto place = reinterpret_cast<std::uintptr_t>(text);
+    if (place % sizeof(WCHAR) != 0) return std::char_traits<WCHAR>::length(text);
+    const auto* block = reinterpret_cast<const __m128i*>(place & ~std::uintptr_t{15});
+    const __m128i zero = _mm_setzero_si128();
+    unsigned zeros = ByteMask(_mm_cmpeq_epi16(_mm_load_si128(block), zero)) >> (place & 15);
+    if (zeros != 0) return FirstBit(zeros) / sizeof(WCHAR);
+    do {
+        zeros = ByteMask(_mm_cmpeq_epi16(_mm_load_si128(++block), zero));
+    } while (zeros == 0);
+    const auto* bytes = reinterpret_cast<const char*>(block) + FirstBit(zeros);
+    return static_cast<std::size_t>(bytes - reinterpret_cast<const char*>(text)) / sizeof(WCHAR);
 }
 
 // Whether any of four 32-bit numbers is no character of three bytes: below 0x800 or a surrogate.
@@ -139,6 +157,10 @@ inline std::size_t WidenAscii(const char* from, WCHAR* to) {
 inline std::size_t NarrowAscii(const WCHAR* from, char* to) {
     for (std::size_t i = 0; i < kAsciiStep; ++i) to[i] = static_cast<char>(from[i]);
     return AsciiPrefix(from);
+}
+
+inline std::size_t UnitsBeforeZero(const WCHAR* text) {
+    return std::char_traits<WCHAR>::length(text);
 }
 
 // Left to the loop unit by unit.

@@ -11,6 +11,7 @@
 
 #include "code_page.h"
 #include "host_text.h"
+#include "text_vector.h"
 
 using namespace host;
 
@@ -60,9 +61,23 @@ class Digits {
   public:
     std::string_view Write(unsigned long long value, unsigned base, WCHAR letter) {
         // A division by a number that the compiler knows is no division.
-        if (base == 10) return Write<10>(value, kUpper);
+        if (base == 10) return WriteDecimal(value);
         if (base == 8) return Write<8>(value, kUpper);
         return Write<16>(value, letter == u'x' ? kLower : kUpper);
+    }
+
+    // Two digits for a division, which the next one has to wait for.
+    template <class Number>
+    std::string_view WriteDecimal(Number value) {
+        char* const end = text_ + sizeof text_;
+        char* start = end;
+        for (; value >= 10; value /= 100) {
+            const auto pair = static_cast<unsigned>(value % 100);
+            *--start = static_cast<char>('0' + pair % 10);
+            *--start = static_cast<char>('0' + pair / 10);
+        }
+        if (value != 0 || start == end) *--start = static_cast<char>('0' + value);
+        return {start, static_cast<std::size_t>(end - start)};
     }
 
   private:
@@ -110,13 +125,14 @@ class Formatter {
     bool WritePlain() {
         if (*next_ == u's') {
             const auto* text = va_arg(arguments_.list, const WCHAR*);
-            output_.Put(WideView(text == nullptr ? u"(null)" : text));
+            output_.Put(text == nullptr ? WideView(u"(null)")
+                                        : WideView(text, UnitsBeforeZero(text)));
         } else if (*next_ == u'd') {
             const int value = va_arg(arguments_.list, int);
             if (value < 0) output_.Put(u'-');
             const auto bits = static_cast<unsigned>(value);
             Digits digits;
-            output_.Put(digits.Write(value < 0 ? 0 - bits : bits, 10, u'd'));
+            output_.Put(digits.WriteDecimal(value < 0 ? 0 - bits : bits));
         } else {
             return false;
         }
