@@ -103,7 +103,12 @@ class QV_API TXmlDoc {
     bool SkipNameOfOpen();
     int ParseStartTag();
     int ParsePieces(UnicodeString& text, bool in_attribute);
+    bool TakeLeaf(int length);
+    bool TakeAttribute(char tag_end);
+    const UnicodeString& TakeKey(int length);
+    int ParseAttribute(char end);
     int CloseElement();
+    int ParseTail();
     void SkipComment();
     int Error() const;
     void WatchPassed(int from);

@@ -40,10 +40,9 @@ UnicodeString TextFault(const TAsciiCharFinder& finder, int start, int at) {
     }
 }
 
-// The length of the key at the position when it is short, ASCII and ends right before one of the
-// characters that end keys; else 0.
-int PlainKeyLength(const TAsciiCharFinder& finder, char end, char quote) {
-    const int at = finder.Position();
+// The length of the key at `at` when it is short, ASCII and ends right before one of the characters
+// that end keys; else 0.
+inline int PlainKeyLength(const TAsciiCharFinder& finder, int at, char end, char quote) {
     if (finder.Size() - at < TByteBlock::kSize) return 0;
     const unsigned char* bytes = finder.Bytes(at);
     const TByteBlock block(bytes);
@@ -250,7 +249,9 @@ bool TXmlDoc::SkipNameOfOpen() {
 int TXmlDoc::ParseStartTag() {
     FFinder->Skip(1);
     const int start = FFinder->Position();
-    UnicodeString name = ParseKey('/');
+    const int length = PlainKeyLength(*FFinder, start, '/', '<');
+    if (length > 0 && TakeLeaf(length)) return ParseTail();
+    UnicodeString name = length > 0 ? TakeKey(length) : ParseKey('/');
     if (name.IsEmpty()) return Fail(TEXT("the tag has no name"));
     state_->open.push_back({start, state_->key_end - start});
     if (!FRootSeen) {
@@ -279,12 +280,49 @@ int TXmlDoc::ParseStartTag() {
     return result < 0 ? result : 0;
 }
 
-// Behind an end tag or an empty element: the tail, then back to the owner.
+// Takes <name>text</name> in one step, which most elements are: from a name of `length` plain bytes
+// to behind the end tag. False, and nothing has changed, for any other element and whenever one of
+// the ways of its parts has more to do.
+bool TXmlDoc::TakeLeaf(int length) {
+    if (!FRootSeen || watch_ != nullptr) return false;
+    const int start = FFinder->Position();
+    const unsigned char* const name = FFinder->Bytes(start);
+    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
+    const unsigned char* const text = name + length + 1;
+    if (text[-1] != '>' || text == end || *text <= 0x20) return false;
+    const unsigned char* const behind = state_->text.Decode<'<'>(text, end, state_->utf8);
+    if (behind == nullptr || end - behind < length + 3) return false;
+    const unsigned char* const repeated = behind + 2;
+    if (behind[1] != '/' || repeated[length] != '>' ||
+        !SameBytes(repeated, name, length, end - repeated)) {
+        return false;
+    }
+    const auto move_to = [&](const unsigned char* at) {
+        FFinder->MoveTo(start + static_cast<int>(at - name));
+    };
+    FCurrent = FCurrent->AppendChild(state_->names.GetTrimmed(*FFinder, start, start + length));
+    move_to(text);
+    FCurrent->FValue = state_->text.Trimmed();
+    move_to(repeated + length + 1);
+    return true;
+}
+
+// Behind an end tag or an empty element.
 int TXmlDoc::CloseElement() {
     if (!state_->open.empty()) state_->open.pop_back();
+    return ParseTail();
+}
+
+// The text up to the next tag, then back to the owner.
+int TXmlDoc::ParseTail() {
     if (FCurrent->GetOwner() == nullptr) return FFinder->Position();
-    const int result = ParseText(FCurrent->FTail, false);
-    if (result < 0) return result;
+    const int start = FFinder->Position();
+    FFinder->SkipBlanks();
+    if (FFinder->Current() != '<' || !FCurrent->FTail.IsEmpty()) {
+        FFinder->MoveTo(start);
+        const int result = ParseText(FCurrent->FTail, false);
+        if (result < 0) return result;
+    }
     FCurrent = FCurrent->GetOwner();
     return 0;
 }
@@ -292,13 +330,7 @@ int TXmlDoc::CloseElement() {
 UnicodeString TXmlDoc::ParseKey(char end) {
     const int start = FFinder->Position();
     const char quote = state_->in_attributes ? '"' : '<';
-    const int length = PlainKeyLength(*FFinder, end, quote);
-    if (length > 0) {
-        FFinder->Skip(length);
-        state_->key_end = start + length;
-        if (FFinder->Current() == ' ') FFinder->FindSignificant(&FSets->Significant);
-        return state_->names.GetTrimmed(*FFinder, start, start + length);
-    }
+    if (const int length = PlainKeyLength(*FFinder, start, end, quote)) return TakeKey(length);
     FFinder->FindAny('<', '>', ' ', '=', end, quote);
     if (FFinder->Eof()) return UnicodeString();
     state_->key_end = FFinder->Position();
@@ -307,31 +339,64 @@ UnicodeString TXmlDoc::ParseKey(char end) {
     return key;
 }
 
+// The key of `length` plain bytes at the position.
+const UnicodeString& TXmlDoc::TakeKey(int length) {
+    const int start = FFinder->Position();
+    FFinder->Skip(length);
+    state_->key_end = start + length;
+    if (FFinder->Current() == ' ') FFinder->FindSignificant(&FSets->Significant);
+    return state_->names.GetTrimmed(*FFinder, start, start + length);
+}
+
 int TXmlDoc::ParseAttributes(char end) {
     const TInAttributes mark(state_->in_attributes);
     state_->bare_name = false;
     while (FFinder->Current() != '>') {
         if (FFinder->Current() == static_cast<unsigned char>(end)) break;
-        UnicodeString name = ParseKey(end);
-        if (name.IsEmpty()) return Fail(TEXT("the attribute has no name"));
-        if (FFinder->Current() != '=') {
-            state_->bare_name = true;
-            return Fail(TEXT("the attribute '") + name + TEXT("' has no '='"));
+        if (!TakeAttribute(end)) {
+            const int result = ParseAttribute(end);
+            if (result < 0) return result;
         }
-        FFinder->Skip(1);
-        if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') {
-            return Fail(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
-        }
-        FFinder->Skip(1);
-        UnicodeString value;
-        const int result = ParseText(value, true);
-        if (result < 0) return result;
-        FCurrent->AppendAttribute(std::move(name), std::move(value));
         FFinder->Skip(1);
         FFinder->FindSignificant(&FSets->Significant);
         if (FFinder->Eof()) return Fail(TEXT("the tag has no end"));
     }
     return FFinder->Position();
+}
+
+// Takes name="value" in one step, up to its last quote, as TakeLeaf does.
+bool TXmlDoc::TakeAttribute(char tag_end) {
+    const int start = FFinder->Position();
+    const int length = PlainKeyLength(*FFinder, start, tag_end, '"');
+    const unsigned char* const name = FFinder->Bytes(start);
+    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
+    const unsigned char* const text = name + length + 2;
+    if (length == 0 || end - text < 1 || text[-2] != '=' || text[-1] != '"') return false;
+    const unsigned char* const behind = state_->text.Decode<'"'>(text, end, state_->utf8);
+    if (behind == nullptr) return false;
+    FFinder->MoveTo(start + length + 2);
+    FCurrent->AppendAttribute(state_->names.GetTrimmed(*FFinder, start, start + length),
+                              state_->text.Whole());
+    FFinder->MoveTo(start + static_cast<int>(behind - name));
+    return true;
+}
+
+int TXmlDoc::ParseAttribute(char end) {
+    UnicodeString name = ParseKey(end);
+    if (name.IsEmpty()) return Fail(TEXT("the attribute has no name"));
+    if (FFinder->Current() != '=') {
+        state_->bare_name = true;
+        return Fail(TEXT("the attribute '") + name + TEXT("' has no '='"));
+    }
+    FFinder->Skip(1);
+    if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') {
+        return Fail(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
+    }
+    FFinder->Skip(1);
+    UnicodeString value;
+    const int result = ParseText(value, true);
+    if (result >= 0) FCurrent->AppendAttribute(std::move(name), std::move(value));
+    return result;
 }
 
 int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
@@ -341,8 +406,10 @@ int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
         if (FFinder->Current() == '<' && text.IsEmpty()) return FFinder->Position();
     }
     const unsigned char* const from = FFinder->Bytes(FFinder->Position());
-    const unsigned char* const to = state_->text.Decode(from, FFinder->Bytes(FFinder->Size()),
-                                                        in_attribute ? '"' : '<', state_->utf8);
+    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
+    const unsigned char* const to = in_attribute
+                                        ? state_->text.Decode<'"'>(from, end, state_->utf8)
+                                        : state_->text.Decode<'<'>(from, end, state_->utf8);
     if (to == nullptr || !text.IsEmpty()) {
         FFinder->MoveTo(start);
         return ParsePieces(text, in_attribute);

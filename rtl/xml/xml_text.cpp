@@ -75,17 +75,24 @@ const unsigned char* DecodeCharacter(const unsigned char* at, const unsigned cha
     return at + 4;
 }
 
+// Marks the terminator and what a text must not hold as it is, two of the three in one comparison.
+template <char terminator>
+TByteMarks Ends(const TByteBlock& block) {
+    if constexpr (terminator == '<') return block.IsEither('<', '>') | block.Is('&');
+    return block.IsEither('"', '&') | block.Is('>');
+}
+
 }  // namespace
 
+template <char terminator>
 const unsigned char* TXmlText::Decode(const unsigned char* at, const unsigned char* end,
-                                      char terminator, bool utf8) {
+                                      bool utf8) {
     WCHAR* out = units_;
     while (at != nullptr && at < end && out < units_ + kMost) {
         if (end - at >= TByteBlock::kSize) {
             const TByteBlock block(at);
-            const auto marks = block.Odd() | block.Is(terminator) | block.Is('&') | block.Is('>');
             block.Widen(out);
-            const auto bits = marks.Bits();
+            const auto bits = (block.Odd() | Ends<terminator>(block)).Bits();
             const std::ptrdiff_t plain = bits == 0 ? TByteBlock::kSize : TByteMarks::First(bits);
             at += plain;
             out += plain;
@@ -111,6 +118,11 @@ const unsigned char* TXmlText::Decode(const unsigned char* at, const unsigned ch
     }
     return nullptr;
 }
+
+template const unsigned char* TXmlText::Decode<'<'>(const unsigned char*, const unsigned char*,
+                                                    bool);
+template const unsigned char* TXmlText::Decode<'"'>(const unsigned char*, const unsigned char*,
+                                                    bool);
 
 UnicodeString TXmlText::Trimmed() const {
     const WCHAR* first = units_;

@@ -13,8 +13,8 @@ class TXmlText {
     // Decodes up to the terminator, '<' or '"', and returns where that stands. Null for whatever
     // takes more than this: errors, other references, long texts; and, unless `utf8`, for what is
     // not ASCII.
-    const unsigned char* Decode(const unsigned char* at, const unsigned char* end, char terminator,
-                                bool utf8);
+    template <char terminator>
+    const unsigned char* Decode(const unsigned char* at, const unsigned char* end, bool utf8);
     // The text decoded last; null when it is empty.
     UnicodeString Whole() const { return UnicodeString(units_, end_ - units_); }
     UnicodeString Trimmed() const;
