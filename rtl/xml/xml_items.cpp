@@ -9,6 +9,7 @@
 #include "mox_classes/memory.h"
 #include "mox_classes/process_heap.h"
 #include "mox_classes/sysutils.h"
+#include "xml/xml_ahead.h"
 #include "xml/xml_node.h"
 
 namespace {
@@ -61,7 +62,9 @@ void TXmlBlock::operator delete(void* block) noexcept {
 }
 
 TXmlItems::~TXmlItems() {
+    const TXmlAhead ahead(FList, GetCount());
     for (int i = 0; i < GetCount(); ++i) {
+        ahead.At(i);
         if (kind_ == TKind::Nodes) {
             delete static_cast<TXmlNode*>(FList[i]);
         } else {

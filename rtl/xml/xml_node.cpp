@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "xml/xml_ahead.h"
+
 void TXmlNode::Clear() {
     TXmlNode* pending = nullptr;
     ReleaseInto(pending);
@@ -20,7 +22,9 @@ void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
     delete std::exchange(FAttributes, nullptr);
     if (FChildren == nullptr) return;
     const int count = FChildren->GetCount();
+    const TXmlAhead ahead(FChildren->FList, count);
     for (int i = 0; i < count; ++i) {
+        ahead.At(i);
         auto* child = static_cast<TXmlNode*>(FChildren->FList[i]);
         if (child->IsLeaf()) {
             delete child;
