@@ -28,16 +28,14 @@ DWORD Shown(HANDLE file) {
 // look for the moment between two holders.
 class TPatience {
   public:
-    // Whether the pause took a millisecond, or only let others run.
-    bool Pause() {
+    void Pause() {
         constexpr int kMostTriesInARow = 50;
         if (tries_in_a_row_-- > 0) {
             Sleep(0);
-            return false;
+        } else {
+            Sleep(1);
+            tries_in_a_row_ = std::min(++sleeps_, kMostTriesInARow);
         }
-        Sleep(1);
-        tries_in_a_row_ = std::min(++sleeps_, kMostTriesInARow);
-        return true;
     }
 
   private:
@@ -109,12 +107,16 @@ QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
     TPatience patience;
     while (!LockFile(file_, 0, 0, kHeaderSize, 0)) {
         const DWORD code = GetLastError();
-        if (code != ERROR_LOCK_VIOLATION || (leaving_.load() && last_waits_ <= 0)) {
+        if (code != ERROR_LOCK_VIOLATION ||
+            (leaving_.load() && left_to_wait_ <= TDuration::zero())) {
             Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("LockFile"), Shown(file_),
                    0, kHeaderSize, GetSysError(code, true));
             return false;
         }
-        if (patience.Pause() && leaving_.load()) --last_waits_;
+        // By the clock: on a busy machine even letting others run takes its time.
+        const auto began = std::chrono::steady_clock::now();
+        patience.Pause();
+        if (leaving_.load()) left_to_wait_ -= std::chrono::steady_clock::now() - began;
     }
     // Nothing has been read yet that would have to be written back.
     counter_at_lock_ = header_.counter;

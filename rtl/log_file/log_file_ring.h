@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 
 #include "log_file/log_format.h"
@@ -41,11 +42,12 @@ class TLogFileRing {
     void LeaveSoon() { leaving_.store(true); }
     void Stay() {
         leaving_.store(false);
-        last_waits_ = kLastWaits;
+        left_to_wait_ = kLastWait;
     }
 
   private:
-    static constexpr int kLastWaits = 500;  // milliseconds
+    using TDuration = std::chrono::steady_clock::duration;
+    static constexpr TDuration kLastWait = std::chrono::milliseconds(500);
 
     class THeaderLock;
 
@@ -74,7 +76,7 @@ class TLogFileRing {
     std::uint64_t counter_at_lock_ = 0;
     log_file::TReportTexts texts_ = log_file::TReportTexts::Translated;
     std::atomic<bool> leaving_{false};
-    int last_waits_ = kLastWaits;
+    TDuration left_to_wait_ = kLastWait;
 };
 
 }  // namespace Mox
