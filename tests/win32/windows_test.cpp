@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <shellapi.h>
 
+#include <atomic>
 #include <thread>
 
 #include "support/fresh_host_root.h"
@@ -94,13 +95,19 @@ TEST_F(Windows, PostedMessagesWaitInOrderAndSentOnesDoNot) {
 
 TEST_F(Windows, AThreadThatWaitsForAnAnswerAnswersItself) {
     window = Create(TEXT("w"));
-    std::thread other([this] { EXPECT_EQ(SendMessageW(window, WM_USER + 1, 5, 0), 11); });
+    std::atomic<bool> answered{false};
+    std::thread other([&] {
+        EXPECT_EQ(SendMessageW(window, WM_USER + 1, 5, 0), 11);
+        answered = true;
+    });
     const test::WindowProgram deaf("QvDeaf", "deaf");
     DWORD_PTR result = 0;
     SetLastError(NO_ERROR);
     EXPECT_EQ(SendMessageTimeoutW(deaf.Window(), WM_USER, 0, 0, SMTO_NORMAL, 500, &result), 0);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_TIMEOUT));
     EXPECT_EQ(sum, 5);
+    // Were it not answered meanwhile, the test would fail above, but end.
+    for (MSG message; !answered; Sleep(1)) PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);
     other.join();
 }
 

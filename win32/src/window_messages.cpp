@@ -109,7 +109,9 @@ BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
         windows->Answer();
         if (windows->Take(filter, true, *message))
             return message->message != WM_QUIT ? TRUE : FALSE;
-        windows->Wait(-1, true, Deadline());
+        if (windows->Wait(-1, true, Deadline())) continue;
+        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+        return -1;
     }
 }
 
