@@ -17,7 +17,17 @@
 #include <emmintrin.h>
 #endif
 
+#ifndef __has_feature  // g++ has none and says it in a macro of its own
+#define __has_feature(feature) 0
+#endif
+
 namespace host {
+
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+constexpr bool kAddressesAreChecked = true;
+#else
+constexpr bool kAddressesAreChecked = false;
+#endif
 
 constexpr std::size_t kAsciiStep = 16;  // read and written by the ASCII steps, in characters
 constexpr std::size_t kCjkUnits = 4;    // converted by the three-byte steps
@@ -75,9 +85,10 @@ inline std::size_t NarrowAscii(const WCHAR* from, char* to) {
 }
 
 // The length of a text. Sixteen bytes that begin at a multiple of sixteen lie in one page: what is
-// read around the text can be read, though it is not the text's.
-__attribute__((no_sanitize("address", "thread"))) inline std::size_t UnitsBeforeZero(
-    const WCHAR* text) {
+// read around the text can be read, though it is not the text's. Under the address sanitizer the
+// text is read alone, so that one without an end is found.
+__attribute__((no_sanitize("thread"))) inline std::size_t UnitsBeforeZero(const WCHAR* text) {
+    if constexpr (kAddressesAreChecked) return std::char_traits<WCHAR>::length(text);
     const auto place = reinterpret_cast<std::uintptr_t>(text);
     if (place % sizeof(WCHAR) != 0) return std::char_traits<WCHAR>::length(text);
     const auto* block = reinterpret_cast<const __m128i*>(place & ~std::uintptr_t{15});
