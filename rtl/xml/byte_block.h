@@ -37,6 +37,11 @@ class TByteBlock {
         const auto half = static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes_)) >> (8 * skip);
         std::memcpy(bytes, &half, sizeof half);
     }
+    // Those that stand behind the byte `last` of them.
+    void StoreHalfBehind(void* bytes, std::ptrdiff_t last) const {
+        const auto half = static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes_)) >> (8 * last) >> 8;
+        std::memcpy(bytes, &half, sizeof half);
+    }
     TByteMarks Is(char octet) const {
         return TByteMarks(_mm_cmpeq_epi8(bytes_, _mm_set1_epi8(octet)));
     }

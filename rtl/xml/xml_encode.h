@@ -144,6 +144,18 @@ template <bool escape, class Unit>
     return out;
 }
 
+// The same with one accent, unit `accent` of them, which most blocks with accents have: what stands
+// in front of it is in place, what stands behind it is put whole.
+[[gnu::always_inline]] inline char* PutAccent(const TByteBlock& bytes, std::ptrdiff_t skip,
+                                              std::ptrdiff_t count, std::ptrdiff_t accent,
+                                              const WCHAR* at, char* out) {
+    const WCHAR unit = at[accent];
+    out[accent] = static_cast<char>(0xC0 | (unit >> 6));
+    out[accent + 1] = static_cast<char>(0x80 | (unit & 0x3F));
+    bytes.StoreHalfBehind(out + accent + 2, skip + accent);
+    return out + count + 1;
+}
+
 // The same for any text: stops at the first unit that PutSpecial has to put. True when there is
 // none.
 template <bool escape, class Unit>
@@ -157,11 +169,17 @@ template <bool escape, class Unit>
     const std::ptrdiff_t plain = special == 0 ? count : std::countr_zero(special);
     if constexpr (sizeof(Unit) == sizeof(WCHAR)) {
         out = std::copy_n(at, plain, out);
-    } else if (((odd >> skip) & ((1u << plain) - 1)) == 0) {
-        bytes.StoreHalf(out, skip);
-        out += plain;
     } else {
-        out = PutPairs(block, skip, plain, out);
+        const unsigned accents = (odd >> skip) & ((1u << plain) - 1);  // and zeros
+        const std::ptrdiff_t first = std::countr_zero(accents);
+        bytes.StoreHalf(out, skip);
+        if (accents == 0) {
+            out += plain;
+        } else if ((accents & (accents - 1)) == 0 && at[first] != 0) {
+            out = PutAccent(bytes, skip, plain, first, at, out);
+        } else {
+            out = PutPairs(block, skip, plain, out);
+        }
     }
     at += plain;
     return special == 0;

@@ -111,6 +111,22 @@ TEST(XmlWriter, TheEncodingOfAStreamFollowsTheCodePage) {
     }
 }
 
+TEST(XmlWriter, ZerosAndAccentsKeepTheirPlaceInEveryBlock) {
+    const UnicodeString units[] = {UnicodeString(TEXT("\0"), 1), TEXT("\xE9")};
+    const std::string bytes[] = {"\0"s, "\xC3\xA9"};
+    for (int at = 1; at <= 12; ++at) {
+        for (int kind = 0; kind < 2; ++kind) {
+            UnicodeString text(TEXT("abcdefghijkl"));
+            text.Insert(units[kind], at).Insert(TEXT("\xE9"), 14);
+            Classes::TMemoryStream stream;
+            const int size = UnicodeStringToStream(&stream, text, System::kCodePageUtf8);
+            EXPECT_EQ(Bytes(stream, size),
+                      std::string("abcdefghijkl").insert(at - 1, bytes[kind]) + "\xC3\xA9")
+                << at;
+        }
+    }
+}
+
 // Pieces of a long text end anywhere but inside a surrogate pair.
 TEST(XmlWriter, ALongTextIsWrittenWhole) {
     TXmlDoc doc;
