@@ -19,9 +19,14 @@ namespace host {
 
 #ifdef QV_SMALL_BLOCKS
 
-// From this size on a block that grows gets half its size on top, so that a stream that grows in
+// From this size on a block that grows gets as much again on top, so that a stream that grows in
 // steps is moved a few times instead of every time. Memory that nobody touches is only an address.
 constexpr std::size_t kRoomFrom = std::size_t{1} << 16;
+
+// Such a block stays where it is down to this part of what it has. The allocator by itself moves a
+// block that is used less than half, and rounds large ones up to half a megabyte: room would be
+// taken away again by the next step, each time.
+constexpr std::size_t kLeastPart = 4;
 
 // Freed pages go back to the system after two seconds, not after 25 ms: a process that waits for
 // its turn longer than that would fault in its memory anew for each piece of work (1 MB of text
@@ -41,8 +46,9 @@ inline void DeleteBlock(void* block) {
 }
 inline void* ResizedBlock(void* block, std::size_t size) {
     const std::size_t usable = mi_usable_size(block);
-    if (size < kRoomFrom || size <= usable) return mi_realloc(block, size);
-    void* roomy = mi_realloc(block, size + size / 2);
+    if (size < kRoomFrom) return mi_realloc(block, size);
+    if (size <= usable) return usable / kLeastPart <= size ? block : mi_realloc(block, size);
+    void* roomy = mi_realloc(block, size * 2);
     return roomy != nullptr ? roomy : mi_realloc(block, size);
 }
 
