@@ -1,17 +1,23 @@
-# A throw-away Wine prefix without a display: windows, messages and atoms work in it, and nothing
-# outside its folder is touched.
+# Wine prefixes without a display: windows, messages and atoms work in them, and nothing outside their
+# folder is touched.
 
-wine_start() {
-    wine_folder=$(mktemp -d "${TMPDIR:-/tmp}/qv-wine.XXXXXX") || return
-    mkdir "$wine_folder/home"
-    export WINEPREFIX=$wine_folder/prefix WINEARCH=win64 WINEDEBUG=-all
+# Makes the prefix in the folder, unless it is there, and the array `wine`: what runs a Windows program in it.
+wine_use() {
+    local folder=$1
+    mkdir -p "$folder/home" || return
+    export WINEPREFIX=$folder/prefix WINEARCH=win64 WINEDEBUG=-all
     # No offers to download run-time packages, no menu entries, no debugger on a crash.
     export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
-    # What runs a Windows program in the prefix.
-    wine=(env -u DISPLAY -u WAYLAND_DISPLAY "HOME=$wine_folder/home" wine)
+    wine=(env -u DISPLAY -u WAYLAND_DISPLAY "HOME=$folder/home" wine)
+    [ ! -e "$folder/made" ] || return 0
     # The server reads the driver's name when it starts the desktop, so it is started anew.
-    "${wine[@]}" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >"$wine_folder/log" 2>&1 &&
-        wineserver -k && wineserver -w
+    "${wine[@]}" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >"$folder/log" 2>&1 &&
+        wineserver -k && wineserver -w && touch "$folder/made"
+}
+
+# A throw-away prefix, until wine_stop.
+wine_start() {
+    wine_folder=$(mktemp -d "${TMPDIR:-/tmp}/qv-wine.XXXXXX") && wine_use "$wine_folder"
 }
 
 wine_stop() {

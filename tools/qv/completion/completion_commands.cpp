@@ -42,9 +42,10 @@ void AddCompletionCommands(CLI::App& app) {
         ->check(CLI::IsMember(ShellNames()));
     completion->callback([&app, shell] { Print(Shells().at(*shell)(CommandTree(app))); });
 
-    app.add_subcommand("man", "Write the manual page of qv: `qv man | man -l -`")->callback([&app] {
-        Print(ManPage(CommandTree(app)));
-    });
+    auto as_text = std::make_shared<bool>(false);
+    CLI::App* man = app.add_subcommand("man", "Write the manual page of qv: `qv man | man -l -`");
+    man->add_flag("--text", *as_text, "As plain text, where there is no `man`");
+    man->callback([&app, as_text] { Print((*as_text ? PlainPage : ManPage)(CommandTree(app))); });
 }
 
 }  // namespace qv

@@ -9,6 +9,8 @@ using Tree = std::vector<CommandEntry>;
 
 // The manual page as roff source, for section 1.
 std::string ManPage(const Tree& tree);
+// The same text, laid out already.
+std::string PlainPage(const Tree& tree);
 
 // Completion scripts. Names of printers come from `qv printers` at the time of completion.
 std::string BashCompletion(const Tree& tree);
