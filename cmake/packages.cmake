@@ -41,4 +41,5 @@ else()
   set(CPACK_COMPONENT_TOOL_DESCRIPTION "Command line tool of the Vantrel fax printer
  Printers and their settings, XML requests and the shared log.")
 endif()
+include(cmake/package_texts.cmake)
 include(CPack)
