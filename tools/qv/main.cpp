@@ -27,7 +27,10 @@ constexpr const char* kExitCodes =
 void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
     app.set_version_flag("--version", "qv " QV_RTL_VERSION_TEXT);
-    app.set_help_all_flag("--help-all", "Show the help of every command");
+    app.set_help_all_flag("--help-all", "Show the help of the commands below, too");
+    app.failure_message([](const CLI::App* /*app*/, const CLI::Error& error) {
+        return std::string("qv: ") + error.what() + "\nqv: --help shows the usage\n";
+    });
     qv::AddXmlCommand(app);
     qv::AddTextCommand(app);
     qv::AddPrinterCommands(app);
