@@ -1,5 +1,5 @@
 // String lists: splitting and joining.
-#include "mox_classes/string_list.h"
+#include "mox_classes/containers/string_list.h"
 #include "support.h"
 
 #include <vector>

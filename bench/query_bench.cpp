@@ -7,7 +7,7 @@
 
 #include "driver_devmode/qvdm.h"
 #include "log_file/log_recorder.h"
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "mox_log/logger.h"
 #include "printer_query/spooler.h"
 #include "qv_rtl_main/xml_request.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace bench {
 

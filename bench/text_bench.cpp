@@ -11,7 +11,7 @@
 #include <cstring>
 #include <vector>
 
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/text/utf8_text.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include <fstream>
 #include <pugixml.hpp>
 
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_writer.h"
 

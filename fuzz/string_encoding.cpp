@@ -1,5 +1,5 @@
 // The string byte encoding under any tag table: hostile records, and texts there and back.
-#include "mox_classes/string_encoding.h"
+#include "mox_classes/format/string_encoding.h"
 
 #include "support/input.h"
 

@@ -1,7 +1,7 @@
 // Delimited texts, quoted texts and lines of a string list, with any delimiter and quote.
-#include "mox_classes/string_list.h"
+#include "mox_classes/containers/string_list.h"
 
-#include "mox_classes/sysutils_text.h"
+#include "mox_classes/text/sysutils_text.h"
 #include "support/input.h"
 
 static bool SameItems(TStrings& a, TStrings& b) {

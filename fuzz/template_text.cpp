@@ -1,5 +1,5 @@
 // Templates, format fields and tags: texts of anyone, filled from a job.
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/template_string.h"
 
 #include "driver_global/job_tags.h"
 #include "support/input.h"

@@ -1,7 +1,7 @@
 // XML: what could be parsed is saved and parsed again, and from the second save on nothing changes.
 #include "xml/xml_doc.h"
 
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "support/input.h"
 
 static std::string Saved(TXmlDoc& document) {

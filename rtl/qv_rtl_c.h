@@ -41,7 +41,7 @@ QV_C_API int SetQVDefaultSetting(const QV_WCHAR* printerName, unsigned char dial
                                  const QV_WCHAR* programParameters, const QV_WCHAR* messageName,
                                  const QV_WCHAR* messageWindowClass, const QV_WCHAR* messageFormat);
 
-/* Tags of the string byte encoding: mox_classes/string_encoding.h. */
+/* Tags of the string byte encoding: mox_classes/format/string_encoding.h. */
 QV_C_API int SetDefaultStringTags(const unsigned char tags[8]);
 
 #ifdef __cplusplus

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "mox_classes/string_encoding.h"
+#include "mox_classes/format/string_encoding.h"
 
 namespace fuzz {
 

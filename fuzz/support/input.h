@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace fuzz {
 

@@ -1,7 +1,7 @@
 // What must hold for responses of DoXML and of its strict reading.
 #pragma once
 
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "support/input.h"
 
 namespace fuzz {

@@ -1,7 +1,7 @@
 #include "driver_devmode/default_settings.h"
 
 #include "driver_devmode/qvdm.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "printer_query/spooler.h"
 #include "xml/xml_node.h"
 #include "xml/xml_writer.h"

@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "driver_devmode/named_field.h"
-#include "mox_classes/string_list.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/text/sysutils_numbers.h"
 
 namespace driver_devmode {
 

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string_view>
 
-#include "mox_classes/string_list.h"
+#include "mox_classes/containers/string_list.h"
 
 namespace driver_devmode {
 

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "driver_devmode/qv_devmode.h"
-#include "mox_classes/module_static.h"
+#include "mox_classes/memory/module_static.h"
 
 namespace driver_devmode {
 

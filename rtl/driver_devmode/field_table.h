@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "driver_devmode/value_tables.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace driver_devmode {

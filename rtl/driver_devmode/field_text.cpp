@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "driver_devmode/field_numbers.h"
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/text/utf8_text.h"
 
 namespace driver_devmode {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "driver_devmode/field_table.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace driver_devmode {

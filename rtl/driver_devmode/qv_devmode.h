@@ -13,7 +13,7 @@
 #include <cstdint>
 
 #include "driver_devmode/image_options.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // The dmFields mask that a fresh block gets: the public fields that the product supports. Start-up

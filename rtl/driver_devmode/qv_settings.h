@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 struct QV_API TQVSettings {

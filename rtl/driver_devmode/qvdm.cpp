@@ -6,7 +6,7 @@
 
 #include "driver_devmode/source_log.h"
 #include "driver_global/installation.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 
 using driver_devmode::Log;
 

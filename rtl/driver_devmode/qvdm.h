@@ -4,8 +4,8 @@
 #pragma once
 
 #include "driver_devmode/qv_devmode.h"
-#include "mox_classes/string_list.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/xml_node.h"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "driver_devmode/named_field.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/template_string.h"
 
 using namespace driver_devmode;
 using Classes::TStringList;

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <memory>
 
-#include "mox_classes/module_static.h"
+#include "mox_classes/memory/module_static.h"
 
 namespace driver_devmode {
 

@@ -1,7 +1,7 @@
 // The symbolic names of the settings' values.
 #pragma once
 
-#include "mox_classes/define_table.h"
+#include "mox_classes/format/define_table.h"
 
 namespace driver_devmode {
 

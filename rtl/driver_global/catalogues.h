@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "mox_classes/string_list.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // One resolution: its name in the resource file, its text for the user, dots per inch.

@@ -8,7 +8,7 @@
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_devmode/qvdm.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 
 namespace {
 

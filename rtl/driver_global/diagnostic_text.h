@@ -10,7 +10,7 @@
 #include <winddi.h>
 #include <winspool.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // What a driver's property sheet function receives; the driver kit's own record, which not every

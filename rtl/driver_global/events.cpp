@@ -6,8 +6,8 @@
 
 #include "driver_global/program_texts.h"
 #include "driver_global/source_log.h"
-#include "mox_classes/sysutils.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/template_string.h"
+#include "mox_classes/text/sysutils.h"
 #include "xml/xml_doc.h"
 
 namespace {

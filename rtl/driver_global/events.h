@@ -6,7 +6,7 @@
 #include <windows.h>
 
 #include "driver_global/job_tags.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // Fires every element of `description`, in order; `info` fills its tags. True when the description

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "mox_classes/module_static.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/memory/module_static.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/log_source.h"
 #include "mox_log/logger.h"
 #include "mox_log/registry.h"

@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // The name of the product's printer driver.

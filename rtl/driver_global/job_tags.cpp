@@ -4,8 +4,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "mox_classes/format_fields.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/format/format_fields.h"
+#include "mox_classes/text/sysutils.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // What the tags are filled from. Product modules that pass this record share its layout.

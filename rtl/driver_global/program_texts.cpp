@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "driver_global/argument_split.h"
-#include "mox_classes/sysutils.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/template_string.h"
+#include "mox_classes/text/sysutils.h"
 
 namespace driver_global {
 

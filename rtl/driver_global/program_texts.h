@@ -5,7 +5,7 @@
 #pragma once
 
 #include "driver_global/job_tags.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace driver_global {

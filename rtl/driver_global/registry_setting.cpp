@@ -3,8 +3,8 @@
 
 #include "driver_global/installation.h"
 #include "driver_global/source_log.h"
-#include "mox_classes/handles.h"
-#include "mox_classes/sysutils_paths.h"
+#include "mox_classes/memory/handles.h"
+#include "mox_classes/text/sysutils_paths.h"
 #include "mox_log/registry.h"
 #include "mox_log/registry_text.h"
 #include "mox_log/sys_error.h"

@@ -7,7 +7,7 @@
 #include "driver_global/installation.h"
 #include "driver_global/source_log.h"
 #include "log_file/log_recorder.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/logger.h"
 #include "mox_log/wow64.h"
 #include "xml/xml_doc.h"

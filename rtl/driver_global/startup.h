@@ -6,7 +6,7 @@
 // not open leaves the recorder that is installed, if any.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // Connects the unit to the logger, reads the resource file, installs the log file recorder and logs

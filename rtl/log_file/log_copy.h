@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "log_file/log_reader.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace Mox {
 

@@ -14,7 +14,7 @@
 #include "log_file/log_record_bytes.h"
 #include "log_file/log_report.h"
 #include "log_file/log_ring.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace Mox {
 

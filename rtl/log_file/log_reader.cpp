@@ -10,7 +10,7 @@
 #include "log_file/log_record.h"
 #include "log_file/log_ring.h"
 #include "log_file/log_walk.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/text/sysutils_numbers.h"
 
 namespace Mox {
 

@@ -11,7 +11,7 @@
 #include <memory>
 
 #include "log_file/log_format.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "mox_log/log_message.h"
 #include "qv_api.h"
 

@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "mox_classes/code_page.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/code_page.h"
+#include "mox_classes/text/unicode_string.h"
 #include "mox_log/log_message.h"
 #include "qv_api.h"
 

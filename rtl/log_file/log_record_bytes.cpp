@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "log_file/log_record.h"
-#include "mox_classes/memory.h"
+#include "mox_classes/memory/memory.h"
 
 namespace Mox {
 

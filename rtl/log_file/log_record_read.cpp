@@ -7,7 +7,7 @@
 #include "log_file/log_format.h"
 #include "log_file/log_report.h"
 #include "log_file/log_ring.h"
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/text/utf8_text.h"
 
 namespace Mox {
 

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "log_file/log_file_ring.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "mox_log/logger.h"
 #include "qv_api.h"
 

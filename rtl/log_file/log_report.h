@@ -3,8 +3,8 @@
 
 #include <windows.h>
 
-#include "mox_classes/sysutils_numbers.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/sysutils_numbers.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace log_file {
 

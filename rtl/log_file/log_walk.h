@@ -8,7 +8,7 @@
 #include "log_file/log_format.h"
 #include "log_file/log_reader.h"
 #include "log_file/log_ring.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace Mox {
 

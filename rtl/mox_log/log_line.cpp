@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <atomic>
 
-#include "mox_classes/sysutils_paths.h"
+#include "mox_classes/text/sysutils_paths.h"
 #include "mox_log/logger.h"
 
 namespace Mox {

@@ -1,7 +1,7 @@
 // The shape of a log line as people read it.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace Mox {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <new>
 
-#include "mox_classes/memory.h"
+#include "mox_classes/memory/memory.h"
 
 namespace Mox {
 

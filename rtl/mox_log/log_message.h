@@ -9,7 +9,7 @@
 
 #include <cstddef>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace Mox {

@@ -4,7 +4,7 @@
 // text) on top of this; the line number is that of the call site.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace Mox {
 

@@ -1,6 +1,6 @@
 #include "mox_log/registry.h"
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "mox_log/registry_text.h"
 #include "mox_log/source_log.h"
 #include "mox_log/sys_error.h"

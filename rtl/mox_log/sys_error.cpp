@@ -1,6 +1,6 @@
 #include "mox_log/sys_error.h"
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 
 namespace Mox {
 

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "os_xp/thread_token.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "mox_classes/sysutils_paths.h"
+#include "mox_classes/text/sysutils_paths.h"
 
 static_assert(sizeof(OPENFILENAMEW) == 152);
 

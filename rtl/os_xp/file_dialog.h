@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // Asks the user for a file to open or, without `open`, to save; true when one was chosen, which

@@ -3,7 +3,7 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-#include "mox_classes/sysutils_paths.h"
+#include "mox_classes/text/sysutils_paths.h"
 #include "mox_log/sys_error.h"
 #include "os_xp/source_log.h"
 

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // Starts `program` in its own folder. Always true; a start that failed shows in the log only.

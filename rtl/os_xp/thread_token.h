@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 
 namespace os_xp {
 

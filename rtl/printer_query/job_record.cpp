@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace {
 

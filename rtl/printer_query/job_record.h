@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "mox_classes/struct_data.h"
+#include "mox_classes/containers/struct_data.h"
 #include "qv_api.h"
 
 // The header of the block; little-endian. Offsets count bytes from the data area behind it, which

@@ -5,8 +5,8 @@
 
 #include <winspool.h>
 
-#include "mox_classes/handles.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/memory/handles.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace printer_query {
 

@@ -5,8 +5,8 @@
 
 #include <cstring>
 
-#include "mox_classes/struct_data.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/containers/struct_data.h"
+#include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/sys_error.h"
 #include "printer_query/source_log.h"
 #include "printer_query/two_call.h"

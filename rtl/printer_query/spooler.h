@@ -10,8 +10,8 @@
 
 #include <winspool.h>
 
-#include "mox_classes/struct_data.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/containers/struct_data.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // The driver folder of this machine for its own environment.

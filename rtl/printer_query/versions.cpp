@@ -6,8 +6,8 @@
 #include <iterator>
 #include <vector>
 
-#include "mox_classes/sysutils_numbers.h"
-#include "mox_classes/wide_format.h"
+#include "mox_classes/text/sysutils_numbers.h"
+#include "mox_classes/text/wide_format.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Version numbers of files and of the operating system as text.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 // Both return "" on failure, and for a format that asks for other arguments than there are; it may

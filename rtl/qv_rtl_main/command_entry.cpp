@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "mox_classes/string_list.h"
-#include "mox_classes/sysutils_text.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/text/sysutils_text.h"
 #include "qv_rtl_main/devmode_commands.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
-#include "mox_classes/sysutils_command_line.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/text/sysutils_command_line.h"
+#include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/sys_error.h"
 #include "printer_query/spooler.h"
 #include "xml/xml_node.h"

@@ -5,8 +5,8 @@
 // an error. What the values' conversions throw passes through.
 #pragma once
 
-#include "mox_classes/string_list.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/text/unicode_string.h"
 
 // Names of the printers that the product's driver serves, separated by tabs; the status is their
 // number.

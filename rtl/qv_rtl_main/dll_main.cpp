@@ -2,8 +2,8 @@
 #include <windows.h>
 
 #include "driver_global/startup.h"
-#include "mox_classes/module_static.h"
-#include "mox_classes/sysutils_platform.h"
+#include "mox_classes/memory/module_static.h"
+#include "mox_classes/text/sysutils_platform.h"
 #include "qv_rtl_main/source_log.h"
 
 namespace {

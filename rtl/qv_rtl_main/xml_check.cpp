@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "driver_devmode/field_check.h"
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "qv_rtl_main/xml_request_load.h"
 #include "xml/xml_watch.h"
 

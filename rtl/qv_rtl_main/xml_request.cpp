@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "mox_classes/streams.h"
-#include "mox_classes/sysutils_text.h"
+#include "mox_classes/containers/streams.h"
+#include "mox_classes/text/sysutils_text.h"
 #include "qv_rtl_main/source_log.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 #include "qv_rtl_main/xml_request_load.h"

@@ -6,7 +6,7 @@
 
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "mox_log/registry.h"
 #include "printer_query/spooler.h"
 #include "qv_rtl_main/xml_request_handlers.h"

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "mox_classes/sysutils.h"
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/text/sysutils.h"
+#include "mox_classes/text/utf8_text.h"
 
 using System::kCodePageAnsi;
 using System::kCodePageAscii;

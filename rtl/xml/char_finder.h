@@ -2,7 +2,7 @@
 // character takes in the input's encoding.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/byte_block.h"
 

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 using System::TCodePage;
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "mox_classes/code_page.h"
+#include "mox_classes/text/code_page.h"
 
 bool IsWideCodePage(System::TCodePage code_page);
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "xml/xml_file.h"
 
 TXmlDoc::TXmlDoc() {

@@ -7,7 +7,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "xml/xml_node.h"
 
 class TAsciiCharFinder;

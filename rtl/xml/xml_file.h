@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 
 // As many bytes as the stream's size, from its current position: a stream that is not at its start
 // throws "Stream read failed", one above 2 GiB - 1 bytes "Out of range".

@@ -6,9 +6,9 @@
 #include <numeric>
 #include <vector>
 
-#include "mox_classes/memory.h"
-#include "mox_classes/process_heap.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/memory/memory.h"
+#include "mox_classes/memory/process_heap.h"
+#include "mox_classes/text/sysutils.h"
 #include "xml/xml_ahead.h"
 #include "xml/xml_node.h"
 

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/xml_name_index.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "xml/char_finder.h"
 
 // Element and attribute names, so that equal names of a document share one buffer and are decoded

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 class TXmlPair;
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "xml/xml_decode.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_reference.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/text/utf8_text.h"
 #include "xml/char_finder.h"
 #include "xml/xml_doc.h"
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/xml_decode.h"
 

@@ -3,8 +3,8 @@
 #include <memory>
 #include <mutex>
 
-#include "mox_classes/module_static.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/memory/module_static.h"
+#include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/logger.h"
 #include "xml/xml_doc.h"
 

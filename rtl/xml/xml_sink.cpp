@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "xml/xml_writer.h"
 
 namespace {

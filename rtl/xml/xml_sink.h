@@ -10,7 +10,7 @@
 #include <memory>
 #include <string_view>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "xml/xml_encode.h"
 
 namespace Classes {

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 // Finds the end of a text and decodes it in the same pass, onto the stack, so that the exact string
 // can be made at once: half the time of finding, measuring and decoding one after the other.

@@ -2,7 +2,7 @@
 // The tree is written by SaveTo and its kin of TXmlNode and TXmlDoc.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 class TXmlNode;

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "mox_classes/format_fields.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/format_fields.h"
+#include "mox_classes/format/template_string.h"
 #include "support/string_print.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"
 #include "log_file/log_fixture.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/registry.h"
 #include "xml/xml_resource.h"
 

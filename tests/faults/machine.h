@@ -10,7 +10,7 @@
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"
-#include "mox_classes/struct_data.h"
+#include "mox_classes/containers/struct_data.h"
 #include "mox_log/registry.h"
 #include "printer_query/spooler.h"
 #include "support/clean_logger.h"

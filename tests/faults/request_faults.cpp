@@ -1,9 +1,9 @@
 // XML requests by file: a query of all there is, an update of a value and a setting.
 #include "faults/machine.h"
 #include "faults/scenario_tests.h"
-#include "mox_classes/handles.h"
-#include "mox_classes/streams.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/containers/streams.h"
+#include "mox_classes/memory/handles.h"
+#include "mox_classes/text/sysutils.h"
 #include "qv_rtl_main/xml_request.h"
 #include "support/saved_response.h"
 #include "xml/xml_doc.h"

@@ -5,7 +5,7 @@
 #include "driver_devmode/default_settings.h"
 #include "faults/machine.h"
 #include "faults/scenario_tests.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "qv_rtl_main/command_entry.h"
 
 namespace faults {

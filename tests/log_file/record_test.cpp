@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "log_file/log_fixture.h"
-#include "mox_classes/memory.h"
+#include "mox_classes/memory/memory.h"
 #include "support/source_folder.h"
 
 using namespace test;

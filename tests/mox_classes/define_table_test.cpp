@@ -1,5 +1,5 @@
 // Value names: enumerations, flag sets, booleans.
-#include "mox_classes/define_table.h"
+#include "mox_classes/format/define_table.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // Named fields, templates and tags.
-#include "mox_classes/format_fields.h"
+#include "mox_classes/format/format_fields.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdarg>
 
-#include "mox_classes/string_list.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/format/template_string.h"
 #include "support/string_print.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The typed front of the formatter: which argument kinds travel how.
 #include <gtest/gtest.h>
 
-#include "mox_classes/wide_format.h"
+#include "mox_classes/text/wide_format.h"
 
 using System::FormatKindOf;
 using System::TFormatKind;

@@ -1,5 +1,5 @@
 // Streams: sizes, positions and their limits; exact reads; copies; open modes.
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "support/fresh_host_root.h"
 #include "support/thrown_text.h"
 

@@ -1,12 +1,12 @@
 // The byte encoding of strings: both layouts, replaced tags, damage.
-#include "mox_classes/string_encoding.h"
+#include "mox_classes/format/string_encoding.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <vector>
 
-#include "mox_classes/memory.h"
+#include "mox_classes/memory/memory.h"
 #include "support/format_page.h"
 #include "support/string_print.h"
 

@@ -1,5 +1,5 @@
 // String lists: splitting and joining, names and values, growth, copies, bad indices.
-#include "mox_classes/string_list.h"
+#include "mox_classes/containers/string_list.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "mox_classes/sysutils_paths.h"
-#include "mox_classes/sysutils_platform.h"
+#include "mox_classes/text/sysutils_paths.h"
+#include "mox_classes/text/sysutils_platform.h"
 #include "support/fresh_host_root.h"
 #include "support/string_print.h"
 

@@ -1,5 +1,5 @@
 // Record holders: their three states, sharing, private copies.
-#include "mox_classes/struct_data.h"
+#include "mox_classes/containers/struct_data.h"
 
 #include <gtest/gtest.h>
 

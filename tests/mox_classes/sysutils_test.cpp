@@ -1,5 +1,5 @@
 // Numbers, texts, paths, command lines and platform queries.
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

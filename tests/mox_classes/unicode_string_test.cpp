@@ -1,5 +1,5 @@
 // The string: null against a buffer of length 0, sharing and copy on write, limits, sources.
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
-#include "mox_classes/memory.h"
-#include "mox_classes/strhlpr.h"
-#include "mox_classes/utf8_text.h"
+#include "mox_classes/memory/memory.h"
+#include "mox_classes/text/strhlpr.h"
+#include "mox_classes/text/utf8_text.h"
 #include "support/string_print.h"
 #include "support/thrown_text.h"
 

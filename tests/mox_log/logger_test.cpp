@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/shared_memory.h"
 #include "mox_log/sys_error.h"
 #include "support/clean_logger.h"

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "printer_query/spooler.h"
 #include "support/captured_log.h"
 #include "support/fresh_host_root.h"

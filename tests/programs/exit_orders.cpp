@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "driver_global/startup.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/logger.h"
 #include "qv_rtl_c.h"
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "log_file/log_recorder.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/text/sysutils_numbers.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "log_file/log_format.h"
-#include "mox_classes/sysutils_numbers.h"
+#include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/logger.h"
 
 namespace stress {

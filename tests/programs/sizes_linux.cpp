@@ -15,12 +15,12 @@
 #include <string>
 
 #include "growth.h"
-#include "mox_classes/format_fields.h"
-#include "mox_classes/memory_stream.h"
-#include "mox_classes/string_encoding.h"
-#include "mox_classes/string_list.h"
-#include "mox_classes/sysutils.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/containers/memory_stream.h"
+#include "mox_classes/containers/string_list.h"
+#include "mox_classes/format/format_fields.h"
+#include "mox_classes/format/string_encoding.h"
+#include "mox_classes/format/template_string.h"
+#include "mox_classes/text/sysutils.h"
 
 using namespace stress;
 

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "growth.h"
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 
 using namespace stress;
 

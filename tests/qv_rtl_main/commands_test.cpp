@@ -5,7 +5,7 @@
 #include <string>
 
 #include "driver_devmode/qvdm.h"
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "printer_query/spooler.h"
 #include "qv_rtl_main/command_entry.h"
 #include "support/captured_log.h"

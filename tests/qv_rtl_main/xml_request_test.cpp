@@ -8,7 +8,7 @@
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "support/fresh_host_root.h"
 #include "support/saved_response.h"
 #include "support/source_folder.h"

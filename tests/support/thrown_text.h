@@ -1,7 +1,7 @@
 // What an action of the library throws.
 #pragma once
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "support/string_print.h"
 
 namespace test {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "support/string_print.h"
 
 TEST(StringTable, ReadsWhatTheSystemReads) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mox_classes/sysutils_text.h"
+#include "mox_classes/text/sysutils_text.h"
 #include "xml/xml_test.h"
 
 using test::Utf8;

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "mox_log/logger.h"
 #include "support/fresh_host_root.h"
 #include "xml/xml_test.h"

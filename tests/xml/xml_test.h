@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 #include "xml/xml_doc.h"
 
 namespace test {

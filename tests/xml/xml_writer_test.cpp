@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "xml/xml_test.h"
 
 using namespace std::string_literals;

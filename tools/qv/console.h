@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "exit_code.h"
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace qv {
 

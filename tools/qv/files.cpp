@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 #include "mox_log/sys_error.h"
 
 namespace qv {

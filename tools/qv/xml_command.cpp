@@ -4,7 +4,7 @@
 
 #include "commands.h"
 #include "files.h"
-#include "mox_classes/memory_stream.h"
+#include "mox_classes/containers/memory_stream.h"
 #include "qv_rtl_main/xml_check.h"
 #include "qv_rtl_main/xml_request.h"
 #include "xml/xml_doc.h"

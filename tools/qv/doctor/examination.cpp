@@ -4,7 +4,7 @@
 
 #include "driver_global/installation.h"
 #include "files.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "os_xp/user_name.h"
 #include "qv_rtl_main/runtime_version.h"
 #include "xml/xml_doc.h"

@@ -7,8 +7,8 @@
 #include "log/log_source.h"
 #include "log/log_time.h"
 #include "log_file/log_reader.h"
-#include "mox_classes/streams.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/containers/streams.h"
+#include "mox_classes/text/sysutils.h"
 
 namespace qv {
 

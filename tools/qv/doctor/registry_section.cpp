@@ -6,7 +6,7 @@
 
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/registry.h"
 #include "settings/printer_settings.h"
 

@@ -13,8 +13,8 @@
 #include "driver_global/events.h"
 #include "events/sample_job.h"
 #include "files.h"
-#include "mox_classes/sysutils.h"
-#include "mox_classes/template_string.h"
+#include "mox_classes/format/template_string.h"
+#include "mox_classes/text/sysutils.h"
 #include "mox_log/sys_error.h"
 #include "printer_query/spooler.h"
 

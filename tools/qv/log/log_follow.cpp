@@ -5,7 +5,7 @@
 #include "files.h"
 #include "log_show.h"
 #include "log_source.h"
-#include "mox_classes/streams.h"
+#include "mox_classes/containers/streams.h"
 
 namespace qv {
 

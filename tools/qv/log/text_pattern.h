@@ -4,7 +4,7 @@
 #include <regex>
 #include <string>
 
-#include "mox_classes/unicode_string.h"
+#include "mox_classes/text/unicode_string.h"
 
 namespace qv {
 

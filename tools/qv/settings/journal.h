@@ -1,7 +1,7 @@
 // The user's journal of changes, from which the last one can be taken back.
 #pragma once
 
-#include "mox_classes/handles.h"
+#include "mox_classes/memory/handles.h"
 #include "settings/changes.h"
 
 namespace qv {

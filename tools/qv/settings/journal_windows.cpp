@@ -1,4 +1,4 @@
-#include "mox_classes/sysutils_platform.h"
+#include "mox_classes/text/sysutils_platform.h"
 #include "settings/journal.h"
 
 namespace qv {

@@ -1,7 +1,7 @@
 #include "settings/settings_source.h"
 
 #include "files.h"
-#include "mox_classes/sysutils.h"
+#include "mox_classes/text/sysutils.h"
 #include "settings/block_damage.h"
 
 namespace qv {

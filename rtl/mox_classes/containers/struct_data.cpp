@@ -1,0 +1,80 @@
+#include "mox_classes/containers/struct_data.h"
+
+#include <cstring>
+
+#include "mox_classes/text/unicode_string.h"
+
+using System::TRCMSpec;
+using System::UnicodeString;
+
+namespace {
+
+constexpr int kErrorCount = -1;
+constexpr TRCMSpec kSpec(sizeof(TW32StructDataBase::DataRec),
+                         offsetof(TW32StructDataBase::DataRec, ref_count), 0, 1);
+
+}  // namespace
+
+TW32StructDataBase::TW32StructDataBase(const TW32StructDataBase& other) {
+    Assign(other.FData);
+}
+
+// cppcheck-suppress operatorEqVarError ; assigned through its address
+// Sharing the own block changes nothing.  NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+TW32StructDataBase& TW32StructDataBase::operator=(const TW32StructDataBase& other) {
+    Assign(other.FData);
+    return *this;
+}
+
+void TW32StructDataBase::Clear() {
+    kSpec.Clear(FData);
+}
+
+void TW32StructDataBase::Assign(void* data) {
+    kSpec.Assign(FData, data);
+}
+
+DWORD TW32StructDataBase::GetErrorCode() const {
+    if (IsSuccess()) return 0;
+    DWORD code;
+    std::memcpy(&code, FData, sizeof code);
+    return code;
+}
+
+void TW32StructDataBase::SetErrorCode(DWORD code) {
+    Clear();
+    SetBufferSize(sizeof code, kErrorCount, 0);
+    std::memcpy(FData, &code, sizeof code);
+}
+
+void TW32StructDataBase::Unique() {
+    // A block that is not shared stays where it is: its records may point into it.
+    if (FData == nullptr || kSpec.Count(FData).load() == 1) return;
+    SetBufferSize(Size(), Count(), static_cast<int>(GetRec()->record_size));
+}
+
+TW32StructDataBase::DataRec* TW32StructDataBase::SetBufferSize(int size, int count,
+                                                               int record_size) {
+    if (!IsSuccess()) Clear();
+    // Keeps the old bytes alive while they are copied: the other holders may let go at any time.
+    TW32StructDataBase old;
+    const bool shared = FData != nullptr && kSpec.Count(FData).load() > 1;
+    if (shared) old = *this;
+
+    // Records may point into their block: it must not move without need.
+    const bool stays = FData != nullptr && !shared && size == Size();
+    if (!stays && kSpec.SetSize(FData, size) == nullptr) return nullptr;
+    DataRec* rec = GetRec();
+    if (rec->buffer_size == 0) {
+        rec->record_size = static_cast<std::uint32_t>(record_size);
+        const int kept = old.Size() < size ? old.Size() : size;
+        if (kept > 0) std::memcpy(FData, old.FData, static_cast<std::size_t>(kept));
+    }
+    rec->buffer_size = static_cast<std::uint32_t>(size);
+    rec->count = count;
+    return rec;
+}
+
+void TW32StructDataBase::ThrowIfOutOfRange(int index) const {
+    if (index < 0 || index >= Count()) throw UnicodeString(TEXT("Out of index range"));
+}

@@ -1,0 +1,18 @@
+#include "mox_classes/format/format_scan.h"
+
+#include "mox_classes/text/sysutils_text.h"
+
+bool FindField(const WCHAR* text, TFieldSpan& field) {
+    // What the first '{' misses, the later ones miss as well: one look is enough.
+    field.begin = Sysutils::StrScan(text, '{');
+    if (field.begin == nullptr) return false;
+    if (field.begin < field.spec) return true;
+    field.spec = field.begin + 1;
+    while (*field.spec != '%' && *field.spec != '#' && *field.spec != '}') {
+        if (*field.spec++ == 0) return false;
+    }
+    const WCHAR* closing = Sysutils::StrScan(field.spec, '}');
+    if (closing == nullptr) return false;
+    field.end = closing + 1;
+    return true;
+}

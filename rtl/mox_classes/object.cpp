@@ -1,7 +1,0 @@
-#include "mox_classes/object.h"
-
-namespace System {
-
-TObject::~TObject() = default;
-
-}  // namespace System

@@ -1,0 +1,35 @@
+// File names and paths. Delimiters are '\' and ':'; '/' is none.
+#pragma once
+
+#include "mox_classes/text/unicode_string.h"
+#include "qv_api.h"
+
+namespace Sysutils {
+
+using System::UnicodeString;
+
+QV_API UnicodeString ExtractFileName(UnicodeString name);
+// The last delimiter included.
+QV_API UnicodeString ExtractFilePath(UnicodeString name);
+// The dot included.
+QV_API UnicodeString ExtractFileExt(UnicodeString name);
+// `ext` carries its own dot. With `check_ext` an old extension that is not alphanumeric is part of
+// the name and stays.
+QV_API UnicodeString ChangeFileExt(UnicodeString name, UnicodeString ext, bool check_ext);
+// Ends in '\', but for the empty text.
+QV_API UnicodeString ConfirmPathString(UnicodeString path);
+// `path` below `base`, unless it is absolute or one of them is empty.
+QV_API UnicodeString GetFullpath(UnicodeString base, UnicodeString path);
+
+// Replace the code units that occur in `chars` (that a file or directory name cannot hold); a
+// replacement of 0 means their full-width forms.
+QV_API UnicodeString FixCharacters(const UnicodeString& chars, UnicodeString text,
+                                   WCHAR replacement);
+QV_API UnicodeString FixFileName(UnicodeString name, WCHAR replacement);
+QV_API UnicodeString FixDirName(UnicodeString name, WCHAR replacement);
+
+// A file that is there but cannot be opened exists.
+QV_API bool FileExists(UnicodeString name);
+QV_API bool DirectoryExists(UnicodeString name);
+
+}  // namespace Sysutils

@@ -1,0 +1,59 @@
+// An open file behind a handle.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "base/handles.h"
+#include "base/unique_fd.h"
+
+namespace host {
+
+struct FileAccess {
+    bool read = false;
+    bool write = false;
+};
+
+// Position and data live in the descriptor; this adds what the handle may do and the ranges that it
+// has locked. Any thread.
+class FileObject final : public HandleObject {
+  public:
+    static constexpr HandleKind kKind = HandleKind::kFile;
+
+    FileObject(UniqueFd fd, FileAccess access)
+        : HandleObject(kKind), fd_(std::move(fd)), access_(access), is_stream_(IsStream(fd_)) {}
+
+    int fd() const { return fd_.get(); }
+    FileAccess access() const { return access_; }
+    // A pipe or a socket, whose other end can be gone.
+    bool is_stream() const { return is_stream_; }
+
+    // Win32 codes. A range that touches one of this handle's own or another open file's is
+    // ERROR_LOCK_VIOLATION; Unlock takes exactly the ranges that Lock was given.
+    DWORD Lock(std::uint64_t start, std::uint64_t length);
+    DWORD Unlock(std::uint64_t start, std::uint64_t length);
+
+  private:
+    struct Range {
+        std::uint64_t start;
+        std::uint64_t length;
+    };
+
+    static bool IsStream(const UniqueFd& fd) {
+        struct stat info;
+        return fstat(fd.get(), &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
+    }
+    // For one more range; false without memory.
+    bool MakeRoom();
+
+    const UniqueFd fd_;
+    const FileAccess access_;
+    const bool is_stream_;
+    std::mutex mutex_;
+    std::vector<Range> locked_;  // guarded by mutex_
+};
+
+}  // namespace host

@@ -1,0 +1,89 @@
+#include "files/share_modes.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "base/os_error.h"
+#include "root/host_path.h"
+
+namespace host {
+namespace {
+
+// The file's gate for as long as the object lives. Somebody else's flock() is waited for, not long.
+class Gate {
+  public:
+    explicit Gate(int fd) : fd_(fd) {
+        constexpr int kAttempts = 500;  // a millisecond each
+        constexpr timespec kPause = {0, 1'000'000};
+        for (int i = 0; i < kAttempts && !open_; ++i) {
+            open_ = flock(fd, LOCK_EX | LOCK_NB) == 0 || (errno != EWOULDBLOCK && errno != EINTR);
+            if (!open_) nanosleep(&kPause, nullptr);
+        }
+    }
+    Gate(const Gate&) = delete;
+    Gate& operator=(const Gate&) = delete;
+    ~Gate() {
+        if (open_) flock(fd_, LOCK_UN);
+    }
+    bool open() const { return open_; }
+
+  private:
+    const int fd_;
+    bool open_ = false;
+};
+
+// One thing that an open file may do, with its two marker bytes.
+struct Right {
+    bool FileUse::*used;
+    DWORD share;
+    off_t does;
+    off_t denies;
+};
+
+constexpr Right kRights[] = {
+    {&FileUse::read, FILE_SHARE_READ, kShareMarkers, kShareMarkers + 3},
+    {&FileUse::write, FILE_SHARE_WRITE, kShareMarkers + 1, kShareMarkers + 4},
+    {&FileUse::remove, FILE_SHARE_DELETE, kShareMarkers + 2, kShareMarkers + 5},
+};
+constexpr off_t kDeniesDelete = kRights[2].denies;
+
+bool MarkedByOther(int fd, off_t marker) {
+    struct flock range {};
+    range.l_type = F_WRLCK;
+    range.l_whence = SEEK_SET;
+    range.l_start = marker;
+    range.l_len = 1;
+    return fcntl(fd, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+}
+
+bool Conflicts(int fd, FileUse use, DWORD share) {
+    for (const Right& right : kRights) {
+        if (use.*right.used && MarkedByOther(fd, right.denies)) return true;
+        if ((share & right.share) == 0 && MarkedByOther(fd, right.does)) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+DWORD ClaimShareMode(int fd, FileUse use, DWORD share) {
+    const Gate gate(fd);
+    if (!gate.open() || Conflicts(fd, use, share)) return ERROR_SHARING_VIOLATION;
+    for (const Right& right : kRights) {
+        if (use.*right.used) LockRange(fd, F_RDLCK, right.does, 1);
+        if ((share & right.share) == 0) LockRange(fd, F_RDLCK, right.denies, 1);
+    }
+    return NO_ERROR;
+}
+
+DWORD RemoveShared(int fd, const char* path) {
+    const Gate gate(fd);
+    if (!gate.open() || MarkedByOther(fd, kDeniesDelete)) return ERROR_SHARING_VIOLATION;
+    return unlink(path) == 0 ? NO_ERROR : PathError(errno, path);
+}
+
+}  // namespace host

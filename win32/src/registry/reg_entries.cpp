@@ -1,0 +1,110 @@
+#include "registry/reg_entries.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+const char* NameProblem(LSTATUS code) {
+    switch (code) {
+        case ERROR_INVALID_PARAMETER:
+            return "a name that is too long";
+        case ERROR_INVALID_NAME:
+            return "a line break in a key's name";
+        default:
+            return "an unpaired surrogate in a name";
+    }
+}
+
+struct KeyPlace {
+    RegKey* root;
+    RegPath path;  // below the root
+};
+
+KeyPlace FindPlace(const RegEntry& entry, const RegRootFinder& find_root) {
+    KeyPlace place{nullptr, {}};
+    const std::size_t end = std::min(entry.name.find(u'\\'), entry.name.size());
+    place.root = find_root(std::u16string_view(entry.name).substr(0, end));
+    if (place.root == nullptr) throw RegTextError(entry.line, "a key of an unexpected root");
+    const auto rest = std::u16string_view(entry.name).substr(std::min(end + 1, entry.name.size()));
+    if (SplitKeyPath(rest, place.path) != ERROR_SUCCESS) {
+        throw RegTextError(entry.line, "an empty name in a key's path");
+    }
+    if (place.path.size() > kMaxKeyDepth) throw RegTextError(entry.line, "too many levels of keys");
+    for (const std::u16string& name : place.path) {
+        const LSTATUS code = CheckKeyName(name);
+        if (code != ERROR_SUCCESS) throw RegTextError(entry.line, NameProblem(code));
+    }
+    return place;
+}
+
+void RemovePlace(const KeyPlace& place) {
+    if (place.path.empty()) {
+        place.root->Clear();
+        return;
+    }
+    const auto parent = std::span(place.path).first(place.path.size() - 1);
+    RegKey* key = place.root->FindPath(parent);
+    if (key != nullptr) key->RemoveKey(place.path.back());
+}
+
+}  // namespace
+
+void RegEntryRunner::Run(const RegEntry& entry) {
+    switch (entry.kind) {
+        case RegEntry::Kind::Key: {
+            const KeyPlace place = FindPlace(entry, find_root_);
+            key_ = &place.root->MakePath(place.path);
+            break;
+        }
+        case RegEntry::Kind::DeleteKey:
+            RemovePlace(FindPlace(entry, find_root_));
+            key_ = nullptr;
+            break;
+        case RegEntry::Kind::Value: {
+            const LSTATUS code = CheckValueName(entry.name);
+            if (code != ERROR_SUCCESS) throw RegTextError(entry.line, NameProblem(code));
+            key_->SetValue(entry.name, entry.type, entry.data);
+            break;
+        }
+        case RegEntry::Kind::DeleteValue:
+            key_->RemoveValue(entry.name);
+            break;
+    }
+}
+
+namespace {
+
+void WriteOneKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
+    if (key.Values().empty() && key.HasKeys()) return;
+    writer.Key(path);
+    for (const auto& value : key.Values()) writer.Value(value->name, value->type, value->data);
+}
+
+}  // namespace
+
+void WriteRegKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
+    struct Level {
+        const RegKey* key;
+        std::size_t next;  // of its subkeys
+        std::size_t path_length;
+    };
+    std::u16string here = path;
+    std::vector<Level> levels{{&key, 0, here.size()}};
+    WriteOneKey(key, here, writer);
+    while (!levels.empty()) {
+        Level& level = levels.back();
+        here.resize(level.path_length);
+        if (level.next == level.key->Keys().size()) {
+            levels.pop_back();
+            continue;
+        }
+        const RegKey& below = *level.key->Keys()[level.next++];
+        here += u'\\' + below.Name();
+        WriteOneKey(below, here, writer);
+        levels.push_back({&below, 0, here.size()});
+    }
+}
+
+}  // namespace host

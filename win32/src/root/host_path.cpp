@@ -1,0 +1,265 @@
+#include "root/host_path.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <wctype.h>
+
+#include <locale.h>
+#include <cerrno>
+#include <climits>
+#include <memory>
+#include <vector>
+
+#include "base/os_error.h"
+#include "root/host_root.h"
+#include "root/open_folder.h"
+#include "text/host_text.h"
+#include "text/utf8.h"
+
+namespace host {
+namespace {
+
+constexpr char kDriveFolder[] = "/drive_c";
+
+bool IsSeparator(char16_t unit) {
+    return unit == u'\\' || unit == u'/';
+}
+
+bool IsDriveLetter(char16_t unit) {
+    return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
+}
+
+// Characters that no component of a Windows name holds. A colon that is left after the drive would
+// name a stream of the file, which this host does not have.
+bool IsForbidden(char16_t unit) {
+    return unit < 32 || std::u16string_view(u"<>:\"|?*").find(unit) != std::u16string_view::npos;
+}
+
+std::string DriveC() {
+    return HostRoot() + kDriveFolder;
+}
+
+// Where a name starts: the folder that ".." does not leave, and the components below it.
+struct Base {
+    std::string root;
+    std::vector<std::string> parts;
+};
+
+void AddParts(std::string_view path, std::vector<std::string>& parts) {
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find('/'), path.size());
+        if (end > 0) parts.emplace_back(path.substr(0, end));
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+}
+
+// The part of `path` below `root`, or null when it is not below.
+const char* Below(const std::string& path, const std::string& root) {
+    if (path.compare(0, root.size(), root) != 0) return nullptr;
+    const char next = path[root.size()];
+    return next == '\0' || next == '/' ? path.c_str() + root.size() : nullptr;
+}
+
+std::string CurrentFolder() {
+    char buffer[PATH_MAX];
+    const char* const folder = getcwd(buffer, sizeof buffer);
+    return folder == nullptr ? "/" : folder;
+}
+
+// Symbolic links resolved, so that it compares with what getcwd gives.
+std::string Resolved(const std::string& path) {
+    char buffer[PATH_MAX];
+    return realpath(path.c_str(), buffer) == nullptr ? path : buffer;
+}
+
+Base CurrentBase() {
+    const std::string folder = CurrentFolder();
+    Base base{DriveC(), {}};
+    const char* rest = Below(folder, Resolved(base.root));
+    if (rest == nullptr) {
+        base.root.clear();
+        rest = folder.c_str();
+    }
+    AddParts(rest, base.parts);
+    return base;
+}
+
+// Takes the drive, or its absence, off the front of `name`.
+DWORD TakeBase(std::u16string_view& name, Base& base) {
+    if (name.starts_with(u"\\\\?\\")) name.remove_prefix(4);
+    if (name.starts_with(u"\\\\")) return ERROR_PATH_NOT_FOUND;
+    if (name.size() < 2 || name[1] != u':' || !IsDriveLetter(name[0])) {
+        base = CurrentBase();
+        if (IsSeparator(name[0])) base.parts.clear();
+        return NO_ERROR;
+    }
+    const bool is_c = name[0] == u'C' || name[0] == u'c';
+    if (!is_c && name[0] != u'Z' && name[0] != u'z') return ERROR_PATH_NOT_FOUND;
+    name.remove_prefix(2);
+    base = Base{is_c ? DriveC() : std::string(), {}};
+    if (name.empty() || !IsSeparator(name[0])) {
+        Base current = CurrentBase();
+        if (current.root == base.root) base = std::move(current);
+    }
+    return NO_ERROR;
+}
+
+DWORD AddComponent(std::u16string_view text, bool is_last, std::vector<std::string>& parts) {
+    if (text.empty() || text == u".") return NO_ERROR;
+    if (text == u"..") {
+        if (!parts.empty()) parts.pop_back();
+        return NO_ERROR;
+    }
+    while (is_last && !text.empty() && (text.back() == u'.' || text.back() == u' ')) {
+        text.remove_suffix(1);
+    }
+    if (text.empty()) return NO_ERROR;
+    for (const char16_t unit : text) {
+        if (IsForbidden(unit)) return ERROR_INVALID_NAME;
+    }
+    return NameToUtf8(text, parts.emplace_back()) ? NO_ERROR : ERROR_INVALID_NAME;
+}
+
+DWORD AddName(std::u16string_view name, std::vector<std::string>& parts) {
+    while (!name.empty()) {
+        std::size_t end = 0;
+        while (end < name.size() && !IsSeparator(name[end])) ++end;
+        const DWORD error = AddComponent(name.substr(0, end), end == name.size(), parts);
+        if (error != NO_ERROR) return error;
+        name.remove_prefix(std::min(end + 1, name.size()));
+    }
+    return NO_ERROR;
+}
+
+bool Exists(const std::string& path) {
+    struct stat info;
+    return lstat(path.c_str(), &info) == 0;
+}
+
+// The entry of `folder` that differs from `name` in nothing but case; `name` when there is none.
+std::string FindIgnoringCase(const std::string& folder, const std::string& name) {
+    const OpenFolder open(opendir(folder.empty() ? "/" : folder.c_str()));
+    std::u16string wanted, entry_name;
+    if (open == nullptr || !NameFromUtf8(name, wanted)) return name;
+    while (const dirent* const entry = NextEntry(open)) {
+        if (NameFromUtf8(entry->d_name, entry_name) && SameFileName(entry_name, wanted)) {
+            return entry->d_name;
+        }
+    }
+    return name;
+}
+
+std::string Join(const std::string& root, const std::vector<std::string>& parts) {
+    std::string path = root;
+    for (const std::string& part : parts) path += '/' + part;
+    return path.empty() ? "/" : path;
+}
+
+std::string Locate(const std::string& root, const std::vector<std::string>& parts) {
+    const std::string given = Join(root, parts);
+    if (Exists(given)) return given;
+    std::string path = root;
+    for (const std::string& part : parts) {
+        const std::string exact = Join(path, {part});
+        path = Exists(exact) ? exact : Join(path, {FindIgnoringCase(path, part)});
+    }
+    return path.empty() ? "/" : path;
+}
+
+// The root of a drive exists on Windows, always.
+void MakeDriveC() {
+    const std::string drive = DriveC();
+    for (std::size_t end = drive.find('/', 1);; end = drive.find('/', end + 1)) {
+        mkdir(drive.substr(0, end).c_str(), 0700);
+        if (end == std::string::npos) return;
+    }
+}
+
+DWORD SplitNative(std::u16string_view name, std::vector<std::string>& parts) {
+    std::string path;
+    if (!NameToUtf8(name, path)) return ERROR_INVALID_NAME;
+    for (char& byte : path) {
+        if (byte == '\\') byte = '/';
+    }
+    AddParts(path, parts);
+    return NO_ERROR;
+}
+
+}  // namespace
+
+HostPath ToHostPath(LPCWSTR text) {
+    HostPath result;
+    std::u16string_view name = text == nullptr ? std::u16string_view() : text;
+    if (name.empty()) {
+        result.error = ERROR_PATH_NOT_FOUND;
+        return result;
+    }
+    result.ends_in_separator = IsSeparator(name.back());
+    Base base;
+    if (name.front() == u'/') {
+        result.error = SplitNative(name, base.parts);
+    } else {
+        result.error = TakeBase(name, base);
+        if (result.error == NO_ERROR) result.error = AddName(name, base.parts);
+    }
+    if (result.error != NO_ERROR) return result;
+    if (!base.root.empty() && !Exists(base.root)) MakeDriveC();
+    result.is_drive_root = base.parts.empty();
+    result.path = Locate(base.root, base.parts);
+    return result;
+}
+
+std::u16string FromHostPath(std::string_view path) {
+    const std::string whole(path);
+    const char* rest = Below(whole, DriveC());
+    if (rest == nullptr) rest = Below(whole, Resolved(DriveC()));
+    std::u16string name = rest == nullptr ? u"Z:" : u"C:";
+    if (rest == nullptr) rest = whole == "/" ? "" : whole.c_str();
+    name += FromUtf8(rest);
+    for (char16_t& unit : name) {
+        if (unit == u'/') unit = u'\\';
+    }
+    return name.size() == 2 ? name + u'\\' : name;
+}
+
+bool NameToUtf8(std::u16string_view name, std::string& utf8) {
+    utf8.resize(name.size() * 3);
+    const Conversion done = WideToUtf8(name, utf8.data(), utf8.size(), true);
+    utf8.resize(done.error == NO_ERROR ? done.length : 0);
+    return done.error == NO_ERROR;
+}
+
+bool NameFromUtf8(std::string_view utf8, std::u16string& name) {
+    name.resize(utf8.size());
+    const Conversion done = Utf8ToWide(utf8, name.data(), name.size(), true);
+    name.resize(done.error == NO_ERROR ? done.length : 0);
+    return done.error == NO_ERROR;
+}
+
+char16_t FoldFileNameUnit(char16_t unit) {
+    if (unit < 0x80) {
+        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+    }
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (unicode == nullptr) return unit;
+    const wint_t upper = towupper_l(unit, unicode);
+    return upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
+}
+
+bool SameFileName(std::u16string_view a, std::u16string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (FoldFileNameUnit(a[i]) != FoldFileNameUnit(b[i])) return false;
+    }
+    return true;
+}
+
+DWORD PathError(int code, const std::string& path) {
+    if (code != ENOENT) return ErrorFromErrno(code);
+    const std::string folder = path.substr(0, path.rfind('/') + 1);
+    struct stat info;
+    const bool there = stat(folder.empty() ? "." : folder.c_str(), &info) == 0;
+    return there && S_ISDIR(info.st_mode) ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace host

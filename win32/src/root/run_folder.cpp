@@ -1,0 +1,32 @@
+#include "root/run_folder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "root/host_root.h"
+
+namespace host {
+
+UniqueFd OpenRunFolder(const char* name) {
+    const std::string run = HostRoot() + "/run";
+    std::error_code ignored;
+    std::filesystem::create_directories(HostRoot(), ignored);
+    mkdir(run.c_str(), 0700);
+    const std::string folder = run + '/' + name;
+    mkdir(folder.c_str(), 0700);
+    return UniqueFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+}
+
+UniqueFd LockRunFolder(int folder) {
+    UniqueFd lock(openat(folder, "lock", O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    int result = lock ? 0 : -1;
+    while (lock && (result = flock(lock.get(), LOCK_EX)) != 0 && errno == EINTR) {
+    }
+    return result == 0 ? std::move(lock) : UniqueFd();
+}
+
+}  // namespace host

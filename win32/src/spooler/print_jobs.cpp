@@ -1,0 +1,147 @@
+// Print jobs: each is a key Jobs\ID, the ID in decimal, below its printer's key. Its values bear
+// the names of the record's members without the "p": Document, UserName, Status (a number), ...;
+// the text of pStatus is StatusText, Submitted the 16 bytes of a SYSTEMTIME.
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "spooler/print_keys.h"
+#include "spooler/printer_handle.h"
+#include "spooler/record_buffer.h"
+
+using namespace host;
+
+namespace {
+
+struct Job {
+    DWORD id;
+    DWORD position;  // in the queue, from 1 on
+    const RegKey* key;
+};
+
+// 0 when the name is no job's.
+DWORD JobId(const std::u16string& name) {
+    std::string digits;
+    for (const WCHAR unit : name) digits += unit < 0x80 ? static_cast<char>(unit) : '?';
+    DWORD id = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
+    return error == std::errc() && end == digits.data() + digits.size() ? id : 0;
+}
+
+// In the order of the queue.
+std::vector<Job> JobsOf(const RegKey& printer) {
+    std::vector<Job> jobs;
+    const RegKey* const keys = printer.FindKey(u"Jobs");
+    if (keys == nullptr) return jobs;
+    for (const RegKey* key : keys->Keys()) {
+        const DWORD id = JobId(key->Name());
+        if (id != 0) jobs.push_back({id, NumberValue(*key, u"Position", ~DWORD{0}), key});
+    }
+    std::ranges::sort(jobs, [](const Job& a, const Job& b) {
+        return a.position != b.position ? a.position < b.position : a.id < b.id;
+    });
+    for (std::size_t i = 0; i < jobs.size(); ++i) jobs[i].position = static_cast<DWORD>(i + 1);
+    return jobs;
+}
+
+std::u16string NameOfPrinter(const RegKey& printer) {
+    const std::u16string name = TextValue(printer, u"Name");
+    return name.empty() ? printer.Name() : name;
+}
+
+// What both levels of record have.
+template <class Record>
+void AddCommon(const RegKey& printer, const Job& job, RecordBuffer<Record>& records) {
+    Record& record = records.Add();
+    record.JobId = job.id;
+    record.Status = NumberValue(*job.key, u"Status");
+    record.Priority = NumberValue(*job.key, u"Priority", 1);
+    record.Position = job.position;
+    record.TotalPages = NumberValue(*job.key, u"TotalPages");
+    record.PagesPrinted = NumberValue(*job.key, u"PagesPrinted");
+    const RegValue* const submitted = job.key->FindValue(u"Submitted");
+    if (submitted != nullptr && submitted->data.size() == sizeof(SYSTEMTIME)) {
+        std::memcpy(&record.Submitted, submitted->data.data(), sizeof(SYSTEMTIME));
+    }
+    records.Text(&Record::pPrinterName, NameOfPrinter(printer));
+    records.Text(&Record::pMachineName, TextValue(*job.key, u"MachineName"));
+    records.Text(&Record::pUserName, TextValue(*job.key, u"UserName"));
+    records.Text(&Record::pDocument, TextValue(*job.key, u"Document"));
+    records.Text(&Record::pDatatype, TextValue(*job.key, u"Datatype"));
+    records.Text(&Record::pStatus, TextValue(*job.key, u"StatusText"));
+}
+
+void AddJob(const RegKey& printer, const Job& job, RecordBuffer<JOB_INFO_1W>& records) {
+    AddCommon(printer, job, records);
+}
+
+void AddJob(const RegKey& printer, const Job& job, RecordBuffer<JOB_INFO_2W>& records) {
+    AddCommon(printer, job, records);
+    JOB_INFO_2W& record = records.Last();
+    record.StartTime = NumberValue(*job.key, u"StartTime");
+    record.UntilTime = NumberValue(*job.key, u"UntilTime");
+    record.Size = NumberValue(*job.key, u"Size");
+    record.Time = NumberValue(*job.key, u"Time");
+    records.Text(&JOB_INFO_2W::pNotifyName, TextValue(*job.key, u"NotifyName"));
+    records.Text(&JOB_INFO_2W::pPrintProcessor, TextValue(*job.key, u"PrintProcessor"));
+    records.Text(&JOB_INFO_2W::pParameters, TextValue(*job.key, u"Parameters"));
+    const std::u16string driver = TextValue(*job.key, u"DriverName");
+    records.Text(&JOB_INFO_2W::pDriverName,
+                 driver.empty() ? TextValue(printer, u"Printer Driver") : driver);
+    records.Block(&JOB_INFO_2W::pDevMode, BlockValue(*job.key, u"DevMode"));
+}
+
+template <class Record>
+BOOL GetOne(const OpenPrinter& printer, DWORD id, LPBYTE buffer, DWORD size, LPDWORD needed) {
+    RecordBuffer<Record> records;
+    bool found = false;
+    const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
+        for (const Job& job : JobsOf(key)) {
+            if (found || job.id != id) continue;
+            AddJob(key, job, records);
+            found = true;
+        }
+    });
+    if (code != ERROR_SUCCESS) return Succeeded(code);
+    return found ? records.Deliver(buffer, size, needed, nullptr) : Fail(ERROR_INVALID_PARAMETER);
+}
+
+template <class Record>
+BOOL GetSome(const OpenPrinter& printer, DWORD first, DWORD limit, LPBYTE buffer, DWORD size,
+             LPDWORD needed, LPDWORD count) {
+    RecordBuffer<Record> records;
+    const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
+        const std::vector<Job> jobs = JobsOf(key);
+        for (std::size_t i = first; i < jobs.size() && i - first < limit; ++i) {
+            AddJob(key, jobs[i], records);
+        }
+    });
+    return Succeeded(code) ? records.Deliver(buffer, size, needed, count) : FALSE;
+}
+
+}  // namespace
+
+DWORD host::CountJobs(const RegKey& printer) {
+    return static_cast<DWORD>(JobsOf(printer).size());
+}
+
+BOOL EnumJobsW(HANDLE printer, DWORD first, DWORD limit, DWORD level, LPBYTE buffer, DWORD size,
+               LPDWORD needed, LPDWORD count) {
+    const HandlePin<OpenPrinter> open(printer);
+    if (!open) return FALSE;
+    if (!BufferIsGiven(buffer, size, needed) || count == nullptr) {
+        return Fail(ERROR_INVALID_PARAMETER);
+    }
+    if (level == 1) return GetSome<JOB_INFO_1W>(*open, first, limit, buffer, size, needed, count);
+    if (level == 2) return GetSome<JOB_INFO_2W>(*open, first, limit, buffer, size, needed, count);
+    return Fail(ERROR_INVALID_LEVEL);
+}
+
+BOOL GetJobW(HANDLE printer, DWORD job, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed) {
+    const HandlePin<OpenPrinter> open(printer);
+    if (!open) return FALSE;
+    if (!BufferIsGiven(buffer, size, needed)) return Fail(ERROR_INVALID_PARAMETER);
+    if (level == 1) return GetOne<JOB_INFO_1W>(*open, job, buffer, size, needed);
+    if (level == 2) return GetOne<JOB_INFO_2W>(*open, job, buffer, size, needed);
+    return Fail(ERROR_INVALID_LEVEL);
+}

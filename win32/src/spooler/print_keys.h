@@ -1,0 +1,55 @@
+// Where the registry keeps printers, drivers, monitors and users' settings blocks, and how the
+// spooler reads a key's values. Everything that a key holds is checked: a value of another type, or
+// one whose bytes do not fit its type, counts as missing.
+#pragma once
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/call_ref.h"
+#include "registry/reg_tree.h"
+
+namespace host {
+
+// Below HKEY_LOCAL_MACHINE, the last one below HKEY_CURRENT_USER.
+const RegPath& PrintersPath();
+const RegPath& DriversPath();
+const RegPath& MonitorsPath();
+const RegPath& UserBlocksPath();
+
+inline constexpr WCHAR kEnvironment[] = u"Windows x64";
+inline constexpr WCHAR kDriverFolder[] = u"C:\\Windows\\System32\\spool\\drivers\\x64";
+
+// Runs `read` on the key at `path` below a root, with the registry locked; a missing key reads as
+// an empty one. The code is the registry's.
+LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read);
+// Runs `read` on a printer's key; ERROR_INVALID_PRINTER_NAME when there is none.
+LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read);
+
+// A REG_SZ or REG_EXPAND_SZ value up to its first zero character; else empty.
+std::u16string TextValue(const RegKey& key, std::u16string_view name);
+// The texts of a REG_MULTI_SZ value.
+std::vector<std::u16string> TextsValue(const RegKey& key, std::u16string_view name);
+DWORD NumberValue(const RegKey& key, std::u16string_view name, DWORD fallback = 0);
+// A whole settings block, cut to its own size; empty when it is missing or does not hold what its
+// header says.
+std::vector<BYTE> BlockValue(const RegKey& key, std::u16string_view name);
+
+// A user's settings block of a printer, checked as above.
+LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block);
+
+// The size that a settings block's header gives, extra part included; 0 when its public part is too
+// short to have one.
+std::size_t BlockSize(const DEVMODEW* block);
+
+// How many jobs a printer's key holds.
+DWORD CountJobs(const RegKey& printer);
+
+// Sets the last error unless the code is 0.
+BOOL Succeeded(LSTATUS code);
+
+}  // namespace host

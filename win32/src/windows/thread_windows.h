@@ -1,0 +1,93 @@
+// The windows of one thread, and the messages that wait for it.
+//
+// A window belongs to the thread that made it and is called by that thread only, whenever it looks
+// for messages or waits for an answer to one of its own. The windows of a thread end with it.
+#pragma once
+
+#include <windows.h>
+
+#include <chrono>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "windows/window_class.h"
+#include "windows/window_records.h"
+#include "windows/window_wire.h"
+
+namespace host {
+
+using Deadline = std::optional<std::chrono::steady_clock::time_point>;  // nothing: never
+Deadline DeadlineAfter(UINT milliseconds);
+
+struct OwnWindow {
+    OwnWindow(WindowClaim place, std::shared_ptr<WindowClass> of)
+        : claim(std::move(place)), window_class(std::move(of)) {
+        ++window_class->windows;
+    }
+    OwnWindow(const OwnWindow&) = delete;
+    OwnWindow& operator=(const OwnWindow&) = delete;
+    ~OwnWindow() { --window_class->windows; }
+
+    WindowClaim claim;
+    std::shared_ptr<WindowClass> window_class;
+    LONG_PTR user_data = 0;
+};
+
+// Which posted messages a call asks for. `last` 0: all numbers.
+struct MessageFilter {
+    HWND window = nullptr;
+    UINT first = 0;
+    UINT last = 0;
+    bool Takes(const MSG& message) const;
+};
+
+class ThreadWindows {
+  public:
+    // Null while the thread is ending: its windows are gone then.
+    static ThreadWindows* OfThisThread();
+
+    void Add(std::unique_ptr<OwnWindow> window);
+    void Remove(WindowNumber number);
+    OwnWindow* Find(WindowNumber number);
+    // Calls the window's procedure; 0 with ERROR_INVALID_WINDOW_HANDLE without such a window.
+    LRESULT Call(WindowNumber number, UINT message, WPARAM wparam, LPARAM lparam);
+
+    // False when too many messages wait.
+    bool Post(const MSG& message);
+    void PostQuit(int exit_code) { quit_code_ = exit_code; }
+    // Takes what has arrived and answers what was sent; never waits for a message.
+    void Answer();
+    // The next posted message, WM_QUIT after all others; false when there is none.
+    bool Take(const MessageFilter& filter, bool remove, MSG& message);
+    // Waits until something arrives for a window, or until `connection` (-1: none) can be read.
+    // False when the deadline has passed, or the system cannot wait.
+    bool Wait(int connection, bool for_windows, const Deadline& deadline);
+
+    // Sends to a window of another thread and waits for its answer; answers what is sent to this
+    // thread meanwhile, unless `deaf`. Win32 code.
+    DWORD Send(WindowNumber number, const WireMessage& wire, const Deadline& deadline, bool deaf,
+               LRESULT& answer);
+
+  private:
+    struct Arrival {
+        WindowNumber window;
+        UniqueFd connection;
+        WireMessage wire;
+    };
+    void Accept();
+    void ReadArrivals();
+    void AnswerSent(Arrival arrival);
+    UniqueFd Connect(WindowNumber number, const Deadline& deadline, bool deaf, DWORD& error);
+
+    std::map<WindowNumber, std::unique_ptr<OwnWindow>> windows_;
+    std::deque<Arrival> arrivals_;  // accepted, message not yet read
+    std::deque<Arrival> sent_;      // waiting for an answer
+    std::deque<MSG> posted_;
+    std::optional<int> quit_code_;
+    int depth_ = 0;  // of answers that are being made
+};
+
+}  // namespace host

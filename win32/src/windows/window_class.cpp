@@ -1,0 +1,85 @@
+#include "windows/window_class.h"
+
+#include <map>
+#include <mutex>
+
+#include "base/os_error.h"
+#include "text/case_fold.h"
+
+namespace host {
+
+namespace {
+
+struct ClassTable {
+    std::mutex lock;
+    std::map<WideString, std::shared_ptr<WindowClass>, FoldedLess> classes;
+};
+
+ClassTable& Classes() {
+    // Never destroyed: a thread that ends late still lets go of its classes.
+    static auto& table = *new ClassTable;
+    return table;
+}
+
+bool IsAtom(LPCWSTR name) {
+    return reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
+}
+
+std::shared_ptr<WindowClass> FindIn(const ClassTable& table, LPCWSTR name) {
+    if (!IsAtom(name)) {
+        const auto found = table.classes.find(name);
+        return found == table.classes.end() ? nullptr : found->second;
+    }
+    for (const auto& [key, entry] : table.classes) {
+        if (entry->atom == reinterpret_cast<ULONG_PTR>(name)) return entry;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<WindowClass> FindWindowClass(LPCWSTR name) {
+    ClassTable& table = Classes();
+    const std::lock_guard lock(table.lock);
+    return FindIn(table, name);
+}
+
+}  // namespace host
+
+using namespace host;
+
+ATOM RegisterClassW(const WNDCLASSW* description) {
+    constexpr std::size_t kLongestName = 255;
+    const WideView name = description == nullptr || IsAtom(description->lpszClassName)
+                              ? WideView()
+                              : description->lpszClassName;
+    if (name.empty() || name.size() > kLongestName || description->lpfnWndProc == nullptr) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    // Class names and registered messages share their numbers, as on Windows.
+    const UINT atom = RegisterWindowMessageW(description->lpszClassName);
+    if (atom == 0) return 0;
+    ClassTable& table = Classes();
+    const std::lock_guard lock(table.lock);
+    const auto [entry, added] = table.classes.try_emplace(WideString(name));
+    if (!added) {
+        SetLastError(ERROR_CLASS_ALREADY_EXISTS);
+        return 0;
+    }
+    entry->second = std::make_shared<WindowClass>();
+    entry->second->name = name;
+    entry->second->procedure = description->lpfnWndProc;
+    entry->second->atom = static_cast<ATOM>(atom);
+    return entry->second->atom;
+}
+
+BOOL UnregisterClassW(LPCWSTR name, HINSTANCE) {
+    ClassTable& table = Classes();
+    const std::lock_guard lock(table.lock);
+    const auto found = FindIn(table, name);
+    if (found == nullptr) return Fail(ERROR_CLASS_DOES_NOT_EXIST);
+    if (found->windows != 0) return Fail(ERROR_CLASS_HAS_WINDOWS);
+    table.classes.erase(found->name);
+    return TRUE;
+}

@@ -1,0 +1,134 @@
+// Messages: sent, posted, taken.
+#include <windows.h>
+
+#include "base/os_error.h"
+#include "windows/thread_windows.h"
+
+using namespace host;
+
+namespace {
+
+// Win32 code.
+DWORD SendTo(ThreadWindows& windows, WindowNumber number, UINT message, WPARAM wparam,
+             LPARAM lparam, const Deadline& deadline, bool deaf, LRESULT& answer) {
+    if (windows.Find(number) != nullptr) {
+        answer = windows.Call(number, message, wparam, lparam);
+        return NO_ERROR;
+    }
+    WireMessage wire;
+    const DWORD error = PackMessage(MessageKind::kSend, message, wparam, lparam, wire);
+    return error == NO_ERROR ? windows.Send(number, wire, deadline, deaf, answer) : error;
+}
+
+// Each window may take the whole time-out; what they answer is not told.
+void Broadcast(ThreadWindows& windows, UINT message, WPARAM wparam, LPARAM lparam,
+               const std::optional<UINT>& timeout, bool deaf) {
+    for (const LiveWindow& window : LiveWindows()) {
+        if (window.record.message_only) continue;
+        LRESULT unused = 0;
+        SendTo(windows, window.number, message, wparam, lparam,
+               timeout ? DeadlineAfter(*timeout) : Deadline(), deaf, unused);
+    }
+}
+
+BOOL PostTo(WindowNumber number, const WireMessage& wire) {
+    DWORD error = NO_ERROR;
+    const UniqueFd connection = ConnectToWindow(number, error);
+    if (!connection) return Fail(error == ERROR_BUSY ? ERROR_NOT_ENOUGH_QUOTA : error);
+    return WriteMessage(connection.get(), wire) ? TRUE : Fail(ERROR_NO_SYSTEM_RESOURCES);
+}
+
+// Whether `window` can name a filter: null, or a window of this thread.
+bool CheckFilter(ThreadWindows* windows, LPMSG message, HWND window) {
+    if (windows == nullptr || message == nullptr) return Fail(ERROR_INVALID_PARAMETER);
+    return window == nullptr || windows->Find(NumberOf(window)) != nullptr ||
+           Fail(ERROR_INVALID_WINDOW_HANDLE);
+}
+
+}  // namespace
+
+LRESULT SendMessageTimeoutW(HWND window, UINT message, WPARAM wparam, LPARAM lparam, UINT flags,
+                            UINT timeout, PDWORD_PTR result) {
+    if (result != nullptr) *result = 0;
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (windows == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+    const bool deaf = (flags & SMTO_BLOCK) != 0;
+    if (window == HWND_BROADCAST) {
+        Broadcast(*windows, message, wparam, lparam, timeout, deaf);
+        return TRUE;
+    }
+    LRESULT answer = 0;
+    const DWORD error = SendTo(*windows, NumberOf(window), message, wparam, lparam,
+                               DeadlineAfter(timeout), deaf, answer);
+    if (error != NO_ERROR) return Fail(error);
+    if (result != nullptr) *result = static_cast<DWORD_PTR>(answer);
+    return TRUE;
+}
+
+LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (windows == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
+    if (window == HWND_BROADCAST) {
+        Broadcast(*windows, message, wparam, lparam, std::nullopt, false);
+        return TRUE;
+    }
+    LRESULT answer = 0;
+    const DWORD error =
+        SendTo(*windows, NumberOf(window), message, wparam, lparam, Deadline(), false, answer);
+    if (error != NO_ERROR) SetLastError(error);
+    return answer;
+}
+
+BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (CarriesMemory(message)) return Fail(ERROR_MESSAGE_SYNC_ONLY);
+    if (window == nullptr) {
+        ThreadWindows* const windows = ThreadWindows::OfThisThread();
+        const bool posted = windows != nullptr &&
+                            windows->Post({nullptr, message, wparam, lparam, GetTickCount(), {}});
+        return posted ? TRUE : Fail(ERROR_NOT_ENOUGH_QUOTA);
+    }
+    WireMessage wire;
+    PackMessage(MessageKind::kPost, message, wparam, lparam, wire);
+    if (window != HWND_BROADCAST) return PostTo(NumberOf(window), wire);
+    for (const LiveWindow& target : LiveWindows()) {
+        if (!target.record.message_only) PostTo(target.number, wire);
+    }
+    return TRUE;
+}
+
+void PostQuitMessage(int exit_code) {
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (windows != nullptr) windows->PostQuit(exit_code);
+}
+
+BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (!CheckFilter(windows, message, window)) return -1;
+    const MessageFilter filter{window, first, last};
+    for (;;) {
+        windows->Answer();
+        if (windows->Take(filter, true, *message))
+            return message->message != WM_QUIT ? TRUE : FALSE;
+        if (windows->Wait(-1, true, Deadline())) continue;
+        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+        return -1;
+    }
+}
+
+BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove) {
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (!CheckFilter(windows, message, window)) return FALSE;
+    windows->Answer();
+    return windows->Take({window, first, last}, (remove & PM_REMOVE) != 0, *message) ? TRUE : FALSE;
+}
+
+BOOL TranslateMessage(const MSG*) {
+    return FALSE;
+}
+
+LRESULT DispatchMessageW(const MSG* message) {
+    ThreadWindows* const windows = ThreadWindows::OfThisThread();
+    if (windows == nullptr || message == nullptr || message->hwnd == nullptr) return 0;
+    return windows->Call(NumberOf(message->hwnd), message->message, message->wParam,
+                         message->lParam);
+}
