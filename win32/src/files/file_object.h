@@ -1,6 +1,8 @@
 // An open file behind a handle.
 #pragma once
 
+#include <windows.h>
+
 #include <sys/stat.h>
 
 #include <cstdint>
@@ -55,5 +57,12 @@ class FileObject final : public HandleObject {
     std::mutex mutex_;
     std::vector<Range> locked_;  // guarded by mutex_
 };
+
+// FILE_ATTRIBUTE_... bits of a file of this host. Nobody's write permission means read-only; names
+// that begin with a dot are not hidden.
+DWORD AttributesOf(const struct stat& info);
+
+// Nanoseconds of this host's clock as units of 100 ns since 1601.
+FILETIME FileTimeOf(const timespec& time);
 
 }  // namespace host

@@ -7,9 +7,10 @@
 
 #include "base/handles.h"
 #include "base/os_error.h"
-#include "files/file_attributes.h"
+#include "files/file_object.h"
 #include "root/host_path.h"
 #include "root/open_folder.h"
+#include "text/case_fold.h"
 
 namespace host {
 

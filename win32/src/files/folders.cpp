@@ -7,7 +7,7 @@
 
 #include "base/os_error.h"
 #include "base/unique_fd.h"
-#include "files/file_attributes.h"
+#include "files/file_object.h"
 #include "files/share_modes.h"
 #include "root/host_path.h"
 #include "text/host_text.h"

@@ -16,6 +16,7 @@
 #include "base/os_error.h"
 #include "qv_host.h"
 #include "root/host_path.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;

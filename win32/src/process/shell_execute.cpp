@@ -90,8 +90,8 @@ Outcome FindFolder(WideView name, std::string& path) {
 }
 
 Outcome CheckVerb(WideView verb) {
-    if (verb.empty() || EqualFolded(verb, u"open")) return Outcome();
-    if (!EqualFolded(verb, u"runas")) return kNoAssociation;
+    if (verb.empty() || SameFileName(verb, u"open")) return Outcome();
+    if (!SameFileName(verb, u"runas")) return kNoAssociation;
     // Nobody here raises a program's rights; one that has them passes them on.
     return geteuid() == 0 ? Outcome() : FailedWith(ERROR_ACCESS_DENIED);
 }

@@ -12,6 +12,7 @@
 #include "registry/reg_text.h"
 #include "root/host_path.h"
 #include "root/host_root.h"
+#include "text/case_fold.h"
 
 namespace host {
 
@@ -150,7 +151,7 @@ LSTATUS RegHive::Load() {
     if (code != ERROR_SUCCESS) return code;
     try {
         RegEntryRunner runner([this](std::u16string_view name) {
-            return EqualFolded(name, name_) ? &root_ : nullptr;
+            return SameFileName(name, name_) ? &root_ : nullptr;
         });
         ReadRegText(bytes, [&runner](const RegEntry& entry) { runner.Run(entry); });
     } catch (const RegTextError& error) {
@@ -236,7 +237,7 @@ void RegHive::MarkDeleted(const RegPath& path, bool itself) {
         if (state == nullptr || state->path.size() < path.size() + (itself ? 0 : 1)) continue;
         state->deleted |=
             std::equal(path.begin(), path.end(), state->path.begin(),
-                       [](const auto& a, const auto& b) { return EqualFolded(a, b); });
+                       [](const auto& a, const auto& b) { return SameFileName(a, b); });
     }
 }
 

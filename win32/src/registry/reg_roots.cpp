@@ -2,6 +2,7 @@
 #include <iterator>
 
 #include "registry/reg_hive.h"
+#include "text/case_fold.h"
 
 namespace host {
 
@@ -42,7 +43,7 @@ RegHive* FindHive(HKEY root) {
 
 RegHive* FindHive(std::u16string_view name) {
     for (std::size_t i = 0; i < std::size(kRoots); ++i) {
-        if (EqualFolded(name, kRoots[i].name) || EqualFolded(name, kRoots[i].short_name)) {
+        if (SameFileName(name, kRoots[i].name) || SameFileName(name, kRoots[i].short_name)) {
             return RegHives()[i].get();
         }
     }

@@ -11,7 +11,7 @@
 
 #include <unistd.h>
 
-#include "root/host_path.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 namespace host {

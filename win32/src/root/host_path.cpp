@@ -2,9 +2,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-#include <wctype.h>
 
-#include <locale.h>
 #include <cerrno>
 #include <climits>
 #include <memory>
@@ -13,6 +11,7 @@
 #include "base/os_error.h"
 #include "root/host_root.h"
 #include "root/open_folder.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 #include "text/utf8.h"
 
@@ -234,24 +233,6 @@ bool NameFromUtf8(std::string_view utf8, std::u16string& name) {
     const Conversion done = Utf8ToWide(utf8, name.data(), name.size(), true);
     name.resize(done.error == NO_ERROR ? done.length : 0);
     return done.error == NO_ERROR;
-}
-
-char16_t FoldFileNameUnit(char16_t unit) {
-    if (unit < 0x80) {
-        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
-    }
-    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    if (unicode == nullptr) return unit;
-    const wint_t upper = towupper_l(unit, unicode);
-    return upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
-}
-
-bool SameFileName(std::u16string_view a, std::u16string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (FoldFileNameUnit(a[i]) != FoldFileNameUnit(b[i])) return false;
-    }
-    return true;
 }
 
 DWORD PathError(int code, const std::string& path) {

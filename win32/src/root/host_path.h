@@ -33,10 +33,6 @@ std::u16string FromHostPath(std::string_view path);
 [[nodiscard]] bool NameToUtf8(std::u16string_view name, std::string& utf8);
 [[nodiscard]] bool NameFromUtf8(std::string_view utf8, std::u16string& name);
 
-// Equality of file names without regard to case, as Windows folds them: code unit by code unit.
-bool SameFileName(std::u16string_view a, std::u16string_view b);
-char16_t FoldFileNameUnit(char16_t unit);
-
 // What to report when a call on `path` failed with `code` of errno: a missing file is
 // ERROR_FILE_NOT_FOUND in a folder that exists and ERROR_PATH_NOT_FOUND elsewhere.
 DWORD PathError(int code, const std::string& path);

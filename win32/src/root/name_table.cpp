@@ -7,7 +7,7 @@
 #include <string>
 
 #include "base/os_error.h"
-#include "root/run_folder.h"
+#include "root/runtime_directory.h"
 #include "text/case_fold.h"
 
 namespace host {
@@ -95,8 +95,8 @@ DWORD Store(int folder, const char* kind, const NameTable& table) {
 }  // namespace
 
 DWORD WithNameTable(const char* kind, const std::function<bool(NameTable&)>& change) {
-    const UniqueFd folder = OpenRunFolder("names");
-    const UniqueFd lock = folder ? LockRunFolder(folder.get()) : UniqueFd();
+    const UniqueFd folder = OpenRuntimeDirectory("names");
+    const UniqueFd lock = folder ? LockRuntimeDirectory(folder.get()) : UniqueFd();
     if (!lock) return ErrorFromErrno(errno);
     NameTable table = Load(folder.get(), kind);
     return change(table) ? Store(folder.get(), kind, table) : NO_ERROR;
@@ -104,7 +104,7 @@ DWORD WithNameTable(const char* kind, const std::function<bool(NameTable&)>& cha
 
 ATOM FindName(const NameTable& table, WideView name) {
     for (const auto& [number, entry] : table) {
-        if (EqualFolded(entry.name, name)) return number;
+        if (SameFileName(entry.name, name)) return number;
     }
     return 0;
 }

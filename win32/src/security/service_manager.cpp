@@ -6,7 +6,7 @@
 #include <winsvc.h>
 
 #include "base/handles.h"
-#include "root/host_path.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;

@@ -1,6 +1,7 @@
 // Printer drivers, their folder, and port monitors.
 #include "spooler/print_keys.h"
 #include "spooler/record_buffer.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;
@@ -13,7 +14,7 @@ using Drivers = RecordBuffer<DRIVER_INFO_3W>;
 DWORD CheckPlace(LPCWSTR server, LPCWSTR environment) {
     if (!ViewOf(server).empty()) return ERROR_INVALID_NAME;
     const WideView name = ViewOf(environment);
-    return name.empty() || EqualFolded(name, kEnvironment) ? NO_ERROR : ERROR_INVALID_ENVIRONMENT;
+    return name.empty() || SameFileName(name, kEnvironment) ? NO_ERROR : ERROR_INVALID_ENVIRONMENT;
 }
 
 // The registry keeps bare names; the files lie in the folder of the driver's version.

@@ -5,6 +5,7 @@
 #include "spooler/print_keys.h"
 #include "spooler/printer_handle.h"
 #include "spooler/record_buffer.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;
@@ -106,7 +107,7 @@ bool SetNumber(RegKey& key, const WCHAR* name, DWORD number) {
 
 LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, RegKey& machine) {
     if (!printer.MayAdminister()) return ERROR_ACCESS_DENIED;
-    if (record.pPrinterName != nullptr && !EqualFolded(record.pPrinterName, printer.Name())) {
+    if (record.pPrinterName != nullptr && !SameFileName(record.pPrinterName, printer.Name())) {
         return ERROR_NOT_SUPPORTED;
     }
     if (record.pDevMode != nullptr && BlockSize(record.pDevMode) == 0) {

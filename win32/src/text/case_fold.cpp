@@ -1,10 +1,25 @@
 #include "text/case_fold.h"
 
+#include <locale.h>
+#include <wctype.h>
+
 #include <algorithm>
 
-#include "root/host_path.h"
-
 namespace host {
+
+char16_t FoldFileNameUnit(char16_t unit) {
+    if (unit < 0x80) {
+        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+    }
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    if (unicode == nullptr) return unit;
+    const wint_t upper = towupper_l(unit, unicode);
+    return upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
+}
+
+bool SameFileName(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && CompareFolded(a, b) == 0;
+}
 
 int CompareFolded(std::u16string_view a, std::u16string_view b) {
     const std::size_t shared = std::min(a.size(), b.size());

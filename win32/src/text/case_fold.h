@@ -1,17 +1,17 @@
-// Names without case: registry keys and values, printers, drivers. They compare unit by unit in
-// upper case, as file names do.
+// Names without case: files, registry keys and values, printers, drivers, environment variables.
+// Windows folds them code unit by code unit; so does this. Any thread.
 #pragma once
 
 #include <string_view>
 
 namespace host {
 
-// Below, at or above 0, by the folded units in order. Any thread.
-int CompareFolded(std::u16string_view a, std::u16string_view b);
+// The upper-case form of a code unit, or the unit itself.
+char16_t FoldFileNameUnit(char16_t unit);
+bool SameFileName(std::u16string_view a, std::u16string_view b);
 
-inline bool EqualFolded(std::u16string_view a, std::u16string_view b) {
-    return a.size() == b.size() && CompareFolded(a, b) == 0;
-}
+// Below, at or above 0, by the folded units in order.
+int CompareFolded(std::u16string_view a, std::u16string_view b);
 
 struct FoldedLess {
     bool operator()(std::u16string_view a, std::u16string_view b) const {

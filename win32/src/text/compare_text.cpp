@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "root/host_path.h"
+#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;

@@ -27,8 +27,7 @@ int MillisecondsUntil(const Deadline& deadline) {
 // of the memory.
 class DeliveredMessage {
   public:
-    explicit DeliveredMessage(WireMessage& wire)
-        : lparam_(static_cast<LPARAM>(wire.packet.lparam)) {
+    explicit DeliveredMessage(IpcMessage& wire) : lparam_(static_cast<LPARAM>(wire.packet.lparam)) {
         void* const bytes = wire.payload.empty() ? nullptr : wire.payload.data();
         if (wire.packet.message == WM_COPYDATA) {
             block_ = {wire.packet.copy_data, wire.packet.payload_bytes, bytes};
@@ -221,7 +220,7 @@ UniqueFd ThreadWindows::Connect(WindowNumber number, const Deadline& deadline, b
     }
 }
 
-DWORD ThreadWindows::Send(WindowNumber number, const WireMessage& wire, const Deadline& deadline,
+DWORD ThreadWindows::Send(WindowNumber number, const IpcMessage& wire, const Deadline& deadline,
                           bool deaf, LRESULT& answer) {
     DWORD error = NO_ERROR;
     const UniqueFd connection = Connect(number, deadline, deaf, error);

@@ -13,9 +13,9 @@
 #include <optional>
 #include <vector>
 
+#include "windows/ipc.h"
 #include "windows/window_class.h"
 #include "windows/window_records.h"
-#include "windows/window_wire.h"
 
 namespace host {
 
@@ -68,14 +68,14 @@ class ThreadWindows {
 
     // Sends to a window of another thread and waits for its answer; answers what is sent to this
     // thread meanwhile, unless `deaf`. Win32 code.
-    DWORD Send(WindowNumber number, const WireMessage& wire, const Deadline& deadline, bool deaf,
+    DWORD Send(WindowNumber number, const IpcMessage& wire, const Deadline& deadline, bool deaf,
                LRESULT& answer);
 
   private:
     struct Arrival {
         WindowNumber window;
         UniqueFd connection;
-        WireMessage wire;
+        IpcMessage wire;
     };
     void Accept();
     void ReadArrivals();

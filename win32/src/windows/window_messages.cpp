@@ -15,7 +15,7 @@ DWORD SendTo(ThreadWindows& windows, WindowNumber number, UINT message, WPARAM w
         answer = windows.Call(number, message, wparam, lparam);
         return NO_ERROR;
     }
-    WireMessage wire;
+    IpcMessage wire;
     const DWORD error = PackMessage(MessageKind::kSend, message, wparam, lparam, wire);
     return error == NO_ERROR ? windows.Send(number, wire, deadline, deaf, answer) : error;
 }
@@ -31,7 +31,7 @@ void Broadcast(ThreadWindows& windows, UINT message, WPARAM wparam, LPARAM lpara
     }
 }
 
-BOOL PostTo(WindowNumber number, const WireMessage& wire) {
+BOOL PostTo(WindowNumber number, const IpcMessage& wire) {
     DWORD error = NO_ERROR;
     const UniqueFd connection = ConnectToWindow(number, error);
     if (!connection) return Fail(error == ERROR_BUSY ? ERROR_NOT_ENOUGH_QUOTA : error);
@@ -87,7 +87,7 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
                             windows->Post({nullptr, message, wparam, lparam, GetTickCount(), {}});
         return posted ? TRUE : Fail(ERROR_NOT_ENOUGH_QUOTA);
     }
-    WireMessage wire;
+    IpcMessage wire;
     PackMessage(MessageKind::kPost, message, wparam, lparam, wire);
     if (window != HWND_BROADCAST) return PostTo(NumberOf(window), wire);
     for (const LiveWindow& target : LiveWindows()) {

@@ -13,7 +13,7 @@
 
 #include "base/os_error.h"
 #include "root/open_folder.h"
-#include "root/run_folder.h"
+#include "root/runtime_directory.h"
 
 namespace host {
 
@@ -159,9 +159,9 @@ DWORD WindowClaim::Publish(const WindowRecord& record) {
 }
 
 DWORD WindowClaim::Open(const WindowRecord& record) {
-    folder_ = OpenRunFolder(kFolder);
+    folder_ = OpenRuntimeDirectory(kFolder);
     if (!folder_) return ErrorFromErrno(errno);
-    const UniqueFd lock = LockRunFolder(folder_.get());
+    const UniqueFd lock = LockRuntimeDirectory(folder_.get());
     if (!lock) return ErrorFromErrno(errno);
     DWORD error = TakeNumber(folder_.get(), number_);
     if (error == NO_ERROR) error = Listen();
@@ -169,13 +169,13 @@ DWORD WindowClaim::Open(const WindowRecord& record) {
 }
 
 std::optional<WindowRecord> ReadWindow(WindowNumber number) {
-    const UniqueFd folder = number == 0 ? UniqueFd() : OpenRunFolder(kFolder);
+    const UniqueFd folder = number == 0 ? UniqueFd() : OpenRuntimeDirectory(kFolder);
     return folder ? ReadIn(folder.get(), number) : std::nullopt;
 }
 
 std::vector<LiveWindow> LiveWindows() {
     std::vector<LiveWindow> windows;
-    UniqueFd folder = OpenRunFolder(kFolder);
+    UniqueFd folder = OpenRuntimeDirectory(kFolder);
     const int listing = folder ? fcntl(folder.get(), F_DUPFD_CLOEXEC, 0) : -1;
     const OpenFolder entries(listing < 0 ? nullptr : fdopendir(listing));
     if (entries == nullptr) {
@@ -194,7 +194,7 @@ std::vector<LiveWindow> LiveWindows() {
 
 UniqueFd ConnectToWindow(WindowNumber number, DWORD& error) {
     error = ERROR_INVALID_WINDOW_HANDLE;
-    const UniqueFd folder = number == 0 ? UniqueFd() : OpenRunFolder(kFolder);
+    const UniqueFd folder = number == 0 ? UniqueFd() : OpenRuntimeDirectory(kFolder);
     if (!folder) return UniqueFd();
     UniqueFd fd(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!fd) {

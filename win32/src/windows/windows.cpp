@@ -15,8 +15,8 @@ HWND FailWindow(DWORD code) {
 }
 
 bool Matches(const WindowRecord& record, LPCWSTR class_name, LPCWSTR title) {
-    return (class_name == nullptr || EqualFolded(record.class_name, class_name)) &&
-           (title == nullptr || EqualFolded(record.title, title));
+    return (class_name == nullptr || SameFileName(record.class_name, class_name)) &&
+           (title == nullptr || SameFileName(record.title, title));
 }
 
 // The first two messages of a window; false when its procedure refuses it.

@@ -1,4 +1,4 @@
-#include "windows/window_wire.h"
+#include "windows/ipc.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -71,7 +71,7 @@ UniqueFd FileOf(msghdr& header) {
     return UniqueFd(file);
 }
 
-bool IsWellFormed(const WireMessage& wire) {
+bool IsWellFormed(const IpcMessage& wire) {
     const MessagePacket& packet = wire.packet;
     if (packet.magic != kMagic) return false;
     if (packet.kind == MessageKind::kPost) {
@@ -84,7 +84,7 @@ bool IsWellFormed(const WireMessage& wire) {
 }
 
 // The text must end where the block ends.
-bool HasItsTerminator(const WireMessage& wire) {
+bool HasItsTerminator(const IpcMessage& wire) {
     if (wire.packet.message != WM_DEVMODECHANGE || wire.payload.empty()) return true;
     return wire.payload.back() == 0 && wire.payload[wire.payload.size() - 2] == 0;
 }
@@ -95,7 +95,7 @@ bool CarriesMemory(UINT message) {
     return message == WM_COPYDATA || message == WM_DEVMODECHANGE;
 }
 
-DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, WireMessage& wire) {
+DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, IpcMessage& wire) {
     const void* bytes = nullptr;
     std::size_t size = 0;
     wire.packet = {kMagic, kind, message, 0, wparam, static_cast<std::uint64_t>(lparam), 0};
@@ -120,7 +120,7 @@ DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, 
     return NO_ERROR;
 }
 
-bool WriteMessage(int connection, const WireMessage& wire) {
+bool WriteMessage(int connection, const IpcMessage& wire) {
     MessagePacket packet = wire.packet;
     iovec part{&packet, sizeof packet};
     msghdr header{};
@@ -155,7 +155,7 @@ bool ReadAnswer(int connection, LRESULT& answer) {
     return true;
 }
 
-ReadOutcome ReadMessage(int connection, WireMessage& wire) {
+ReadOutcome ReadMessage(int connection, IpcMessage& wire) {
     FileControl control{};
     iovec part{&wire.packet, sizeof wire.packet};
     msghdr header{};

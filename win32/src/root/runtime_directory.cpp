@@ -1,4 +1,4 @@
-#include "root/run_folder.h"
+#include "root/runtime_directory.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -11,7 +11,7 @@
 
 namespace host {
 
-UniqueFd OpenRunFolder(const char* name) {
+UniqueFd OpenRuntimeDirectory(const char* name) {
     const std::string run = HostRoot() + "/run";
     std::error_code ignored;
     std::filesystem::create_directories(HostRoot(), ignored);
@@ -21,7 +21,7 @@ UniqueFd OpenRunFolder(const char* name) {
     return UniqueFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
 }
 
-UniqueFd LockRunFolder(int folder) {
+UniqueFd LockRuntimeDirectory(int folder) {
     UniqueFd lock(openat(folder, "lock", O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     int result = lock ? 0 : -1;
     while (lock && (result = flock(lock.get(), LOCK_EX)) != 0 && errno == EINTR) {

@@ -28,7 +28,7 @@ struct MessagePacket {
 static_assert(sizeof(MessagePacket) == 40);
 
 // A message with its own copy of what its parameters point at.
-struct WireMessage {
+struct IpcMessage {
     MessagePacket packet{};
     std::vector<BYTE> payload;
 };
@@ -39,10 +39,10 @@ bool CarriesMemory(UINT message);
 
 // Fills `wire` from a message's parameters. Win32 code: ERROR_INVALID_PARAMETER for a block without
 // bytes, ERROR_NOT_ENOUGH_MEMORY for more than 64 MiB.
-DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, WireMessage& wire);
+DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, IpcMessage& wire);
 
 // False, with errno.
-bool WriteMessage(int connection, const WireMessage& wire);
+bool WriteMessage(int connection, const IpcMessage& wire);
 void WriteAnswer(int connection, LRESULT answer);
 // False when the connection ended without an answer.
 bool ReadAnswer(int connection, LRESULT& answer);
@@ -50,7 +50,7 @@ bool ReadAnswer(int connection, LRESULT& answer);
 enum class ReadOutcome { kNothingYet, kRefused, kMessage };
 // Reads the message of an accepted connection. Refused: it ended, it is another user's, or it does
 // not hold one well-formed message.
-ReadOutcome ReadMessage(int connection, WireMessage& wire);
+ReadOutcome ReadMessage(int connection, IpcMessage& wire);
 
 // Whether the other side has let go of the connection.
 bool PeerIsGone(int connection);

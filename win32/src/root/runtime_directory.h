@@ -6,10 +6,10 @@
 namespace host {
 
 // The folder run/<name> of the host root, made when it is missing. Empty, with errno, on failure.
-UniqueFd OpenRunFolder(const char* name);
+UniqueFd OpenRuntimeDirectory(const char* name);
 
 // Waits until no other holder has the lock of the folder; ends with the descriptor, also when the
 // process is killed. Empty, with errno, on failure.
-UniqueFd LockRunFolder(int folder);
+UniqueFd LockRuntimeDirectory(int folder);
 
 }  // namespace host
