@@ -1,4 +1,4 @@
-// The strict reading of a request: it says yes, or gives complaints that can be read.
+// The strict reading of a request: it says yes, or gives diagnostics that can be read.
 #include "qv_rtl_main/xml_check.h"
 
 #include "support/machine.h"
@@ -6,10 +6,10 @@
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::ResetMachine();
-    Classes::TMemoryStream request, complaints;
+    Classes::TMemoryStream request, diagnostics;
     request.WriteBuffer(data, static_cast<int>(size));
     request.SetPosition(0);
-    if (!CheckXmlRequest(&request, &complaints) && fuzz::IsPlain({data, size}))
-        fuzz::RequireReadable(complaints);
+    if (!CheckXmlRequest(&request, &diagnostics) && fuzz::IsPlain({data, size}))
+        fuzz::RequireReadable(diagnostics);
     return 0;
 }

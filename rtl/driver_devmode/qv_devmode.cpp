@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "driver_devmode/source_log.h"
+#include "mox_classes/text/log_here.h"
 
-using driver_devmode::Log;
+using Mox::LogHere;
 
 std::uint32_t QV_DEVMODE_AvailableFields =
     DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_DEFAULTSOURCE;
@@ -78,19 +78,19 @@ bool QV_DEVMODE::IsValid() const {
 bool QV_DEVMODE::IsValidQV_DEVMODE(DEVMODEW* dm) {
     const int extra_size = dm == nullptr ? 0 : dm->dmDriverExtra;
     if (extra_size < kExtraSize) {
-        Log('*', UnicodeString().sprintf(
-                     TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] DriverExtra size mismatch "
-                          "dmDriverExtra %d != %d"),
-                     extra_size, int{kExtraSize}));
+        LogHere('*', UnicodeString().sprintf(
+                         TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] DriverExtra size mismatch "
+                              "dmDriverExtra %d != %d"),
+                         extra_size, int{kExtraSize}));
         return false;
     }
     const auto* block = static_cast<const QV_DEVMODE*>(dm);
     if (std::memcmp(block->exID, kId, sizeof(kId)) != 0) {
-        Log('*', TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Extra ID mismatch"));
+        LogHere('*', TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Extra ID mismatch"));
         return false;
     }
     if (block->exVersion < kOldestVersion) {
-        Log('*', TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Extra version mismatch"));
+        LogHere('*', TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Extra version mismatch"));
         return false;
     }
     return true;
@@ -99,9 +99,9 @@ bool QV_DEVMODE::IsValidQV_DEVMODE(DEVMODEW* dm) {
 bool QV_DEVMODE::IsValidQV_DEVMODE(DEVMODEW* dm, int size) {
     constexpr int kSizesEnd = offsetof(DEVMODEW, dmFields);
     if (dm != nullptr && (size < kSizesEnd || (dm->dmDriverExtra >= kExtraSize && size < Size()))) {
-        Log('*', UnicodeString().sprintf(
-                     TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Block size mismatch %d != %d"), size,
-                     Size()));
+        LogHere('*', UnicodeString().sprintf(
+                         TEXT("[QV_DEVMODE::IsValidQV_DEVMODE] Block size mismatch %d != %d"), size,
+                         Size()));
         return false;
     }
     return IsValidQV_DEVMODE(dm);

@@ -4,11 +4,11 @@
 #include <cstring>
 #include <memory>
 
-#include "driver_devmode/source_log.h"
-#include "driver_global/installation.h"
+#include "driver_devmode/document_folders.h"
+#include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils.h"
 
-using driver_devmode::Log;
+using Mox::LogHere;
 
 namespace {
 
@@ -99,8 +99,8 @@ bool TQVDM::SetDEVMODE(DEVMODEW* dm, int size) {
 
 bool TQVDM::borrow(DEVMODEW* dm, int size) {
     if (dm == nullptr) {
-        Log('X',
-            TEXT("[TQVDM::SetDEVMODE()] Cannot set the DEVMODE structure: Invalid QV_DEVMODE"));
+        LogHere('X',
+                TEXT("[TQVDM::SetDEVMODE()] Cannot set the DEVMODE structure: Invalid QV_DEVMODE"));
         return false;
     }
     auto* block = static_cast<QV_DEVMODE*>(dm);
@@ -120,7 +120,7 @@ bool TQVDM::Decode() {
     DeviceName = FromField(FDM->dmDeviceName, CCHDEVICENAME);
     FormName = FromField(FDM->dmFormName, CCHFORMNAME);
     if (!QV_DEVMODE::IsValidQV_DEVMODE(FDM)) {
-        Log('X', TEXT("[TQVDM::Decode()] Cannot decode the QV_DEVMODE structure"));
+        LogHere('X', TEXT("[TQVDM::Decode()] Cannot decode the QV_DEVMODE structure"));
         return false;
     }
     return ReadString(Directory, FDM->exOut.DirectoryOffset) &&
@@ -176,9 +176,9 @@ bool TQVDM::WriteString(short& offset, short& position, UnicodeString text) {
 
 void TQVDM::CopyTo(DEVMODEW* target) {
     if (FDM == nullptr) {
-        Log('X', TEXT("[TQVDM::CopyTo()] FDM cannot be NULL"));
+        LogHere('X', TEXT("[TQVDM::CopyTo()] FDM cannot be NULL"));
     } else if (target == nullptr) {
-        Log('X', TEXT("[TQVDM::CopyTo()] Target cannot be NULL"));
+        LogHere('X', TEXT("[TQVDM::CopyTo()] Target cannot be NULL"));
     } else {
         std::memmove(static_cast<void*>(target), FDM, sizeof(QV_DEVMODE));
     }

@@ -1,11 +1,11 @@
 #include "driver_global/catalogues.h"
 
-#include "driver_global/source_log.h"
+#include "mox_classes/text/log_here.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_node.h"
 #include "xml/xml_resource.h"
 
-using driver_global::Log;
+using Mox::LogHere;
 using System::kCodePageUtf8;
 
 namespace {
@@ -134,7 +134,7 @@ bool TQVPapers::ReadData() {
     data_.clear();
     TXmlNode* list = ListNode();
     if (list == nullptr) {
-        Log('X', TEXT("Cannot find out paper node"));
+        LogHere('X', TEXT("Cannot find out paper node"));
         return false;
     }
     std::vector<TQVPaperData> papers(static_cast<std::size_t>(Count));
@@ -142,7 +142,7 @@ bool TQVPapers::ReadData() {
         const UnicodeString name = static_cast<Classes::TStrings&>(*Items).Get(i);
         const TXmlNode* node = FindEntry(*list, name);
         if (node == nullptr) {
-            Log('X', UnicodeString().sprintf(TEXT("Cannot find out child node %s"), name));
+            LogHere('X', UnicodeString().sprintf(TEXT("Cannot find out child node %s"), name));
             Close();
             return false;
         }

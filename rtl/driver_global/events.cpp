@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "driver_global/program_texts.h"
-#include "driver_global/source_log.h"
 #include "mox_classes/format/template_string.h"
+#include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils.h"
 #include "xml/xml_doc.h"
 
@@ -78,10 +78,10 @@ void StartProgram(const TXmlNode& action, TFillTagsInfo& info) {
     const UnicodeString pattern =
         FirstText(Attribute(action, TEXT("param_run")), Attribute(action, TEXT("param")));
     if (IsBatchFile(file) && driver_global::HoldsCommandUnits(pattern, info)) {
-        driver_global::Log('*', Sysutils::UnicodePrintf(
-                                    TEXT("DoXmlEvent: '%s' is not started: a value could act as a "
-                                         "command of a batch file"),
-                                    file));
+        Mox::LogHere('*', Sysutils::UnicodePrintf(
+                              TEXT("DoXmlEvent: '%s' is not started: a value could act as a "
+                                   "command of a batch file"),
+                              file));
         return;
     }
     const UnicodeString parameters = driver_global::FilledParameters(pattern, info);
@@ -116,8 +116,7 @@ class TKeepFileNameSafe {
 
 bool DoXmlEvent(const UnicodeString& event_name, const UnicodeString& description,
                 TFillTagsInfo* info) {
-    driver_global::Log('i',
-                       Sysutils::UnicodePrintf(TEXT("DoXmlEvent: %s,%s"), event_name, description));
+    Mox::LogHere('i', Sysutils::UnicodePrintf(TEXT("DoXmlEvent: %s,%s"), event_name, description));
     if (description.Length() == 0) return false;
     TXmlDoc events;
     if (!events.LoadFromString(description, TEXT("events"))) return false;

@@ -2,12 +2,11 @@
 
 #include <memory>
 
+#include "driver_devmode/document_folders.h"
 #include "mox_classes/memory/module_static.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"
-#include "mox_log/log_source.h"
-#include "mox_log/logger.h"
 #include "mox_log/registry.h"
-#include "mox_log/sys_error.h"
 
 namespace {
 
@@ -67,15 +66,6 @@ UnicodeString GetPrinterLocale(UnicodeString printer) {
     return PrinterSetting(printer, TEXT("Locale"), TEXT("DefaultLocale"), TEXT("gl"));
 }
 
-UnicodeString GetUserDocument(UnicodeString defaultPath) {
-    return Or(Mox::ReadRegistry(HKEY_CURRENT_USER, kShellFoldersKey, TEXT("Personal")),
-              defaultPath);
-}
-
-UnicodeString GetPublicDocument() {
-    return Mox::ReadRegistry(HKEY_LOCAL_MACHINE, kShellFoldersKey, TEXT("Common Documents"));
-}
-
 UnicodeString GetPrinterLogFile() {
     const UnicodeString configured = ProductValue(TEXT("Logfile"));
     if (configured.Length() > 0) return configured;
@@ -105,19 +95,4 @@ UnicodeString GetOSInfo() {
     static const UnicodeString& info =
         System::KeepUntilUnload(std::make_unique<UnicodeString>(DescribeOS()));
     return info;
-}
-
-UnicodeString MakeSpoolFilename() {
-    LARGE_INTEGER counter{};
-    QueryPerformanceCounter(&counter);
-    const UnicodeString folder = Sysutils::ConfirmPathString(Sysutils::GetTempPathW());
-    UnicodeString name;
-    name.printf(TEXT("%s%08x_%s.qvspl"), folder, Mox::GetSessionId(),
-                Mox::GetHexEncoded(&counter, sizeof(counter)));
-    // Spool files belong to the settings module, under whose name readers of the log look for them.
-    UnicodeString text;
-    Mox::LogFrom(TEXT("driver_devmode"), ' ',
-                 text.sprintf(TEXT("[MakeSpoolFilename()] sTempPath=%s, sSpool=%s"), folder, name),
-                 __builtin_LINE());
-    return name;
 }

@@ -15,8 +15,6 @@ inline constexpr const WCHAR* kProductDriver = TEXT("Vantrel Driver");
 inline constexpr const WCHAR* kProductKey = TEXT("Software\\Halvorn\\Vantrel");
 inline constexpr const WCHAR* kPrintersKey = TEXT("Software\\Halvorn\\Vantrel\\Printers");
 
-inline constexpr const WCHAR* kShellFoldersKey =
-    TEXT("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders");
 // What is taken for a log file's name when there is to be none.
 inline constexpr const WCHAR* kLogFileOff = TEXT("Disabled");
 // Where the resource file is looked for when the installed one does not open.
@@ -35,9 +33,6 @@ QV_API UnicodeString GetInstalledResourceFile();
 QV_API UnicodeString GetPrinterLanguage();
 // Locale of a printer's output; "gl" when not set.
 QV_API UnicodeString GetPrinterLocale(UnicodeString printer);
-QV_API UnicodeString GetUserDocument(UnicodeString defaultPath);
-// "" when the system does not say.
-QV_API UnicodeString GetPublicDocument();
 // The configured log file, "Disabled" included; else a file in the public documents or the
 // temporary folder.
 QV_API UnicodeString GetPrinterLogFile();
@@ -46,5 +41,3 @@ QV_API UnicodeString GetPrinterLogFile();
 QV_API UnicodeString GetPrinterPost(UnicodeString printer, UnicodeString* params);
 // Description of the operating system for the log; the same text on every call.
 QV_API UnicodeString GetOSInfo();
-// A fresh spool file name in the temporary folder; nothing is created.
-QV_API UnicodeString MakeSpoolFilename();

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "driver_global/argument_split.h"
+#include "driver_global/argv_split.h"
 #include "mox_classes/format/template_string.h"
 #include "mox_classes/text/sysutils.h"
 

@@ -2,12 +2,12 @@
 #include <initializer_list>
 
 #include "driver_global/installation.h"
-#include "driver_global/source_log.h"
 #include "mox_classes/memory/handles.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_paths.h"
 #include "mox_log/registry.h"
 #include "mox_log/registry_text.h"
-#include "mox_log/sys_error.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ bool FindSetting(HKEY root, const UnicodeString& path, const UnicodeString& name
     const Mox::TRegText read = Mox::ReadRegText(key.Get(), name);
     if (read.state == Mox::TRegTextState::Failed) {
         UnicodeString text;
-        driver_global::Log(
+        Mox::LogHere(
             'X', text.sprintf(TEXT("RegQueryValueEx(): %s Key=\"%s|%s\""),
                               Mox::GetSysError(static_cast<DWORD>(read.code), true), path, name));
     }

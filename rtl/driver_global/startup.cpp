@@ -5,8 +5,8 @@
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"
-#include "driver_global/source_log.h"
 #include "log_file/log_recorder.h"
+#include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils.h"
 #include "mox_log/logger.h"
 #include "mox_log/wow64.h"
@@ -25,7 +25,7 @@ void ReadResources() {
     try {
         document->ReadFile();
     } catch (const UnicodeString& message) {
-        driver_global::Log('*', UnicodeString(TEXT("Resource file: ")) + message);
+        Mox::LogHere('*', UnicodeString(TEXT("Resource file: ")) + message);
     }
     document->CloseFile();
 }
@@ -63,10 +63,9 @@ void InstallRecorder(const UnicodeString& log_file) {
 
 void Identify(const UnicodeString& module_name) {
     UnicodeString text;
-    driver_global::Log('i', text.sprintf(TEXT("OS Version: %s"), GetOSInfo()));
-    driver_global::Log('i',
-                       text.sprintf(TEXT("'%s [%s%s]' initiated the log system. "), module_name,
-                                    TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
+    Mox::LogHere('i', text.sprintf(TEXT("OS Version: %s"), GetOSInfo()));
+    Mox::LogHere('i', text.sprintf(TEXT("'%s [%s%s]' initiated the log system. "), module_name,
+                                   TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
 }
 
 // A step that an exhausted heap ends is left out; the ones behind it still come, so that every

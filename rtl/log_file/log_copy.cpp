@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "log_file/log_ring.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace Mox {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace Mox {
 

@@ -5,9 +5,8 @@
 #include <mutex>
 #include <new>
 
-#include "mox_log/log_line.h"
-#include "mox_log/source_log.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace Mox {
 
@@ -31,9 +30,10 @@ std::mutex& ErrorReaderGuard() {
     return guard;
 }
 
-// What the logger says of itself is no reason to fail: without memory it is not said.
+// Runs `say`, which tells something about the logger itself. Its failure (no memory) is ignored: a
+// status line is no reason to fail.
 template <class Say>
-void Shielded(const Say& say) noexcept {
+void NoThrow(const Say& say) noexcept {
     try {
         say();
     } catch (...) {
@@ -42,7 +42,7 @@ void Shielded(const Say& say) noexcept {
 }
 
 void Status(const WCHAR* text, int line = __builtin_LINE()) {
-    Shielded([&] { mox_log::Status(text, line); });
+    NoThrow([&] { ShowStatus(text, line); });
 }
 
 // Takes source and label out of the caller's strings.
@@ -76,6 +76,10 @@ int InitLogger() {
 
 int UninitLogger() {
     return GetLogger()->Release();
+}
+
+UnicodeString LogHere(int level, const UnicodeString& text, int line, const char* file) {
+    return GetLogger()->Log(level, ModuleName(file), line, text, UnicodeString(), nullptr, 0);
 }
 
 int TLogger::Init() {
@@ -112,9 +116,9 @@ int TLogger::Release() {
     if (tlsIndex != TLS_OUT_OF_INDEXES && !TlsFree(tlsIndex)) {
         const DWORD code = ::GetLastError();
         const int line = __builtin_LINE();
-        Shielded([&] {
+        NoThrow([&] {
             UnicodeString text;
-            mox_log::Status(
+            ShowStatus(
                 text.sprintf(TEXT("TlsFree(%d) failed: %s"), tlsIndex, GetSysError(code, true)),
                 line);
         });

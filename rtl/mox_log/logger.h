@@ -9,6 +9,7 @@
 
 #include <cstddef>
 
+#include "mox_classes/text/log_line.h"
 #include "mox_classes/text/unicode_string.h"
 #include "mox_log/log_message.h"
 #include "qv_api.h"
@@ -91,16 +92,5 @@ static_assert(offsetof(TLogger, recorder) == 72 + sizeof(CRITICAL_SECTION));
 QV_API TLogger* GetLogger();
 QV_API int InitLogger();
 QV_API int UninitLogger();
-
-// Formats a line as the logger does and shows it on the debugger output. Reads no logger state.
-QV_API UnicodeString ODSLog(int level, UnicodeString source, int line, UnicodeString text,
-                            UnicodeString dataLabel, void* data, int dataSize);
-
-// Session of the calling process; 0xFFFFFFFF when it is not known.
-QV_API DWORD GetSessionId();
-// Two upper-case digits per byte, a blank before every eighth but the first group.
-QV_API UnicodeString GetHexEncoded(const void* data, int size);
-// Module name of a source file: its name without folder and without the last extension.
-QV_API UnicodeString BuildNamespace(UnicodeString path);
 
 }  // namespace Mox

@@ -1,9 +1,9 @@
 #include "mox_log/registry.h"
 
 #include "mox_classes/memory/handles.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_log/registry_text.h"
-#include "mox_log/source_log.h"
-#include "mox_log/sys_error.h"
 #include "mox_log/wow64.h"
 
 namespace Mox {
@@ -49,7 +49,7 @@ void LogReadFailure(const TRegText& read, const UnicodeString& key_and_name) {
     } else {
         text.printf(TEXT("RegQueryValueEx(): %s Key=\"%s\""), ErrorText(read.code), key_and_name);
     }
-    mox_log::Log('X', text);
+    Mox::LogHere('X', text);
 }
 
 // The text, or the default when it is missing or, after a line in the log, unreadable.
@@ -75,7 +75,7 @@ bool WriteRegistry(HKEY root, UnicodeString path, UnicodeString name, UnicodeStr
     if (path.Length() > 0) {
         const LSTATUS code = CreateKey(root, path, created);
         if (code != ERROR_SUCCESS) {
-            mox_log::Log('X',
+            Mox::LogHere('X',
                          text.sprintf(TEXT("RegCreateKey() %s Key=\"%s\""), ErrorText(code), path));
             return false;
         }
@@ -83,7 +83,7 @@ bool WriteRegistry(HKEY root, UnicodeString path, UnicodeString name, UnicodeStr
     const System::TKeyHandle owner(created);
     const LSTATUS code = StoreText(path.Length() == 0 ? root : created, name, value);
     if (code == ERROR_SUCCESS) return true;
-    mox_log::Log('X', text.sprintf(TEXT("RegSetValueEx() %s Key=\"%s|%s\"; Value=\"%s\""),
+    Mox::LogHere('X', text.sprintf(TEXT("RegSetValueEx() %s Key=\"%s|%s\"; Value=\"%s\""),
                                    ErrorText(code), path, name, value));
     return false;
 }

@@ -3,9 +3,9 @@
 #include <cwchar>
 #include <string_view>
 
+#include "mox_classes/text/log_here.h"
 #include "mox_log/logger.h"
 #include "mox_log/registry.h"
-#include "mox_log/source_log.h"
 
 namespace Mox {
 
@@ -35,7 +35,7 @@ UnicodeString TLogger::GetResString(UnicodeString domain, DWORD id) {
 
 DWORD TLogger::RegResString(UnicodeString domain, DWORD id, UnicodeString text) {
     if (!WriteRegistry(HKEY_CURRENT_USER, StorageKey(domain), StorageName(id), text)) {
-        mox_log::Log('i', TEXT("Run as Administrator to register the resource"));
+        Mox::LogHere('i', TEXT("Run as Administrator to register the resource"));
     }
     return id;
 }

@@ -1,7 +1,7 @@
 #include "mox_log/shared_memory.h"
 
-#include "mox_log/source_log.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace Mox {
 
@@ -33,7 +33,7 @@ void* AllocSharedMemory(UnicodeString name, int size, void*& mapping, DWORD* las
     }
     if (lastError != nullptr) *lastError = code;
     if (mapping == nullptr) {
-        mox_log::Status(
+        Mox::ShowStatus(
             line.sprintf(TEXT("CreateFileMapping( ... Size=%d, Key=%s) failed: [%lu]%s"), size, key,
                          code, GetSysError(code, true)));
         return nullptr;
@@ -42,7 +42,7 @@ void* AllocSharedMemory(UnicodeString name, int size, void*& mapping, DWORD* las
     if (view == nullptr) {
         code = GetLastError();
         if (lastError != nullptr) *lastError = code;
-        mox_log::Status(
+        Mox::ShowStatus(
             line.sprintf(TEXT("MapViewOfFile(FileMapHandle=0x%08x, Size=%d) failed: [%lu]%s"),
                          Shown(mapping), size, code, GetSysError(code, true)));
     }
@@ -52,11 +52,11 @@ void* AllocSharedMemory(UnicodeString name, int size, void*& mapping, DWORD* las
 void FreeSharedMemory(void* mapping, void* view) {
     UnicodeString line;
     if (!UnmapViewOfFile(view)) {
-        mox_log::Status(line.sprintf(TEXT("UnmapViewOfFile(Memory=0x%08x) failed: %s"), Shown(view),
+        Mox::ShowStatus(line.sprintf(TEXT("UnmapViewOfFile(Memory=0x%08x) failed: %s"), Shown(view),
                                      GetSysError(GetLastError(), true)));
     }
     if (!CloseHandle(mapping)) {
-        mox_log::Status(line.sprintf(TEXT("CloseHandle(FileMapHandle=0x%08x) failed: %s"),
+        Mox::ShowStatus(line.sprintf(TEXT("CloseHandle(FileMapHandle=0x%08x) failed: %s"),
                                      Shown(mapping), GetSysError(GetLastError(), true)));
     }
 }

@@ -1,8 +1,8 @@
 #include "os_xp/activation_context.h"
 
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "os_xp/loaded_module.h"
-#include "os_xp/source_log.h"
 
 static_assert(sizeof(ACTCTXW) == 56);
 
@@ -31,9 +31,9 @@ HANDLE FromManifest(TCreate create, const UnicodeString& module) {
 HANDLE CurrentContext(TGetCurrent get_current) {
     HANDLE context = INVALID_HANDLE_VALUE;
     if (get_current == nullptr) {
-        os_xp::Log('X', TEXT("\t_GetCurrentActCtx is null"));
+        Mox::LogHere('X', TEXT("\t_GetCurrentActCtx is null"));
     } else if (!get_current(&context)) {
-        os_xp::Log(
+        Mox::LogHere(
             'X', UnicodeString().sprintf(TEXT("\tGetCurrentActCtx() failed: %s"), LastErrorText()));
         context = INVALID_HANDLE_VALUE;
     }
@@ -47,15 +47,17 @@ HANDLE CreateActiveContext(UnicodeString module) {
     const auto get_current = os_xp::FindEntry<TGetCurrent>(kernel.Get(), "GetCurrentActCtx");
     const auto create = os_xp::FindEntry<TCreate>(kernel.Get(), "CreateActCtxW");
     if (create == nullptr) {
-        os_xp::Log('*', TEXT("\t_CreateActCtx is NULL. This system does not support Windows Theme "
-                             "System"));
+        Mox::LogHere('*',
+                     TEXT("\t_CreateActCtx is NULL. This system does not support Windows Theme "
+                          "System"));
         return INVALID_HANDLE_VALUE;
     }
     HANDLE context = FromManifest(create, module);
     if (context != INVALID_HANDLE_VALUE) return context;
-    os_xp::Log('X', UnicodeString().sprintf(TEXT("\tCreateActCtx() failed: %s"), LastErrorText()));
+    Mox::LogHere('X',
+                 UnicodeString().sprintf(TEXT("\tCreateActCtx() failed: %s"), LastErrorText()));
     context = CurrentContext(get_current);
-    if (context == INVALID_HANDLE_VALUE) os_xp::Log('X', TEXT("\tInvalid ActCtx handle"));
+    if (context == INVALID_HANDLE_VALUE) Mox::LogHere('X', TEXT("\tInvalid ActCtx handle"));
     return context;
 }
 
@@ -63,8 +65,8 @@ void ReleaseActiveContext(HANDLE context) {
     const os_xp::TModule kernel(LoadLibraryW(TEXT("kernel32.dll")));
     const auto release = os_xp::FindEntry<TRelease>(kernel.Get(), "ReleaseActCtx");
     if (release == nullptr) {
-        os_xp::Log('*', TEXT("_ReleaseActCtx is NULL. This system does not support Windows Theme "
-                             "System"));
+        Mox::LogHere('*', TEXT("_ReleaseActCtx is NULL. This system does not support Windows Theme "
+                               "System"));
         return;
     }
     release(context);

@@ -3,9 +3,9 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_paths.h"
-#include "mox_log/sys_error.h"
-#include "os_xp/source_log.h"
 
 static_assert(sizeof(SHELLEXECUTEINFOW) == 112);
 
@@ -20,8 +20,8 @@ bool RunAs(UnicodeString program, UnicodeString parameters, bool elevate) {
     start.nShow = SW_SHOWNORMAL;
     if (!ShellExecuteExW(&start)) {
         const UnicodeString reason = Mox::GetSysError(GetLastError(), true);
-        os_xp::Log('X', UnicodeString().sprintf(TEXT("ShellExecuteEx('%s', '%s') failed: %s"),
-                                                program, parameters, reason));
+        Mox::LogHere('X', UnicodeString().sprintf(TEXT("ShellExecuteEx('%s', '%s') failed: %s"),
+                                                  program, parameters, reason));
     }
     return true;
 }

@@ -8,9 +8,9 @@
 #include "printer_query/spooler.h"
 
 using Mox::GetSysError;
+using Mox::LogHere;
 using printer_query::CodeOf;
 using printer_query::HandleNumber;
-using printer_query::Log;
 using printer_query::Writable;
 using Sysutils::UnicodePrintf;
 
@@ -54,7 +54,7 @@ bool CopyBlock(std::span<const BYTE> buffer, const DEVMODEW* devmode, TDevModeRe
 template <class... Args>
 void Fail(TDevModeResult& result, DWORD code, const WCHAR* format, const Args&... arguments) {
     result.SetErrorCode(code);
-    Log('X', UnicodePrintf(format, arguments..., GetSysError(code, true)));
+    LogHere('X', UnicodePrintf(format, arguments..., GetSysError(code, true)));
 }
 
 System::TPrinterHandle OpenForUse(const UnicodeString& name) {
@@ -69,7 +69,7 @@ TW32StructData<DEVMODEW> GetGlobalDevModeByHandle(HANDLE printer) {
     GetPrinterW(printer, kUserLevel, nullptr, 0, &needed);
     const System::TGlobalBlock block(GlobalAlloc(GPTR, needed));
     const auto* bytes = static_cast<const BYTE*>(block.Get());
-    Log(' ', UnicodePrintf(TEXT("[GetGlobalDevMode(x%x)] Using level 9"), number));
+    LogHere(' ', UnicodePrintf(TEXT("[GetGlobalDevMode(x%x)] Using level 9"), number));
 
     const DWORD size = block ? needed : 0;
     const DWORD code =
@@ -81,7 +81,8 @@ TW32StructData<DEVMODEW> GetGlobalDevModeByHandle(HANDLE printer) {
     PRINTER_INFO_9W record = {};
     if (size >= sizeof record) std::memcpy(&record, bytes, sizeof record);
     if (record.pDevMode == nullptr) {
-        Log('*', UnicodePrintf(TEXT("[GetGlobalDevMode(x%x)] No default DEVMODE found"), number));
+        LogHere('*',
+                UnicodePrintf(TEXT("[GetGlobalDevMode(x%x)] No default DEVMODE found"), number));
     } else if (!CopyBlock({bytes, size}, record.pDevMode, result)) {
         Fail(result, ERROR_INVALID_DATA,
              TEXT("[GetGlobalDevMode(x%x)] The DEVMODE does not fit the returned data: %s"),
@@ -115,7 +116,7 @@ void MergeDevMode(HANDLE printer, const UnicodeString& name, DEVMODEW* devmode,
 void StoreDevMode(HANDLE printer, const UnicodeString& name, TDevModeResult& result) {
     PRINTER_INFO_9W record = {reinterpret_cast<LPDEVMODEW>(result.Bytes())};
     if (SetPrinterW(printer, kUserLevel, reinterpret_cast<LPBYTE>(&record), 0)) {
-        Log('i', TEXT("SetPrinter() called successfully"));
+        LogHere('i', TEXT("SetPrinter() called successfully"));
     } else {
         Fail(result, CodeOf(FALSE), TEXT("[SetGlobalDevMode('%s')] SetPrinter failed: %s"), name);
     }
@@ -124,9 +125,9 @@ void StoreDevMode(HANDLE printer, const UnicodeString& name, TDevModeResult& res
 void BroadcastChange(const UnicodeString& name) {
     SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, reinterpret_cast<LPARAM>(name.t_str()),
                         SMTO_NORMAL, kBroadcastMilliseconds, nullptr);
-    Log('i',
-        UnicodePrintf(TEXT("[SetGlobalDevMode('%s')] Broadcasted the DEVMODE change notification"),
-                      name));
+    LogHere('i', UnicodePrintf(
+                     TEXT("[SetGlobalDevMode('%s')] Broadcasted the DEVMODE change notification"),
+                     name));
 }
 
 }  // namespace
@@ -135,17 +136,17 @@ TW32StructData<DEVMODEW> GetPrinterDevMode(UnicodeString name) {
     TDevModeResult result;
     const TW32StructData<PRINTER_INFO_2W> info = GetPrinterInfo2(name);
     if (!info.IsSuccess()) {
-        Log('X',
-            UnicodePrintf(TEXT("[GetPrinterDevMode(\"%s\")] GetPrinterInfo2() failed."), name));
+        LogHere('X',
+                UnicodePrintf(TEXT("[GetPrinterDevMode(\"%s\")] GetPrinterInfo2() failed."), name));
         result.SetErrorCode(info.GetErrorCode());
         return result;
     }
     const PRINTER_INFO_2W& record = info[0];
     const auto* bytes = reinterpret_cast<const BYTE*>(&record);
     if (record.pDevMode == nullptr) {
-        Log('X',
-            UnicodePrintf(TEXT("[GetPrinterDevMode(\"%s\")] DEVMODE of the PRINTER_INFO_2 is NULL"),
-                          name));
+        LogHere('X', UnicodePrintf(
+                         TEXT("[GetPrinterDevMode(\"%s\")] DEVMODE of the PRINTER_INFO_2 is NULL"),
+                         name));
     } else if (!CopyBlock({bytes, static_cast<std::size_t>(info.Size())}, record.pDevMode,
                           result)) {
         Fail(result, ERROR_INVALID_DATA,

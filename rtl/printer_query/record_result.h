@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "mox_classes/containers/struct_data.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_numbers.h"
-#include "mox_log/sys_error.h"
-#include "printer_query/source_log.h"
 #include "printer_query/two_call.h"
 
 namespace printer_query {
@@ -70,8 +70,9 @@ TW32StructData<T> QueryRecords(DWORD expected, const TQueryTexts& texts, Call ca
     if (query.Failed()) {
         result.SetErrorCode(query.code);
         const bool early = query.answer == TAnswer::SizeFailed;
-        Log('X', Sysutils::UnicodePrintf(early ? texts.size_failed : texts.data_failed,
-                                         arguments..., Mox::GetSysError(query.code, true)));
+        Mox::LogHere('X',
+                     Sysutils::UnicodePrintf(early ? texts.size_failed : texts.data_failed,
+                                             arguments..., Mox::GetSysError(query.code, true)));
     }
     return result;
 }

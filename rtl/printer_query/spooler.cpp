@@ -6,9 +6,9 @@
 #include "printer_query/record_result.h"
 
 using Mox::GetSysError;
+using Mox::LogHere;
 using printer_query::CodeOf;
 using printer_query::HandleNumber;
-using printer_query::Log;
 using printer_query::QueryRecords;
 using printer_query::QueryTwice;
 using printer_query::TAnswer;
@@ -49,13 +49,13 @@ UnicodeString GetPrinterDriverDir() {
             return CodeOf(GetPrinterDriverDirectoryW(nullptr, nullptr, 1, bytes, size, needed));
         },
         [&](DWORD needed) {
-            Log('i', UnicodePrintf(TEXT("[GetPrinterDriverDirectory] needed=%lu"), needed));
+            LogHere('i', UnicodePrintf(TEXT("[GetPrinterDriverDirectory] needed=%lu"), needed));
             return buffer.Reserve(needed);
         });
     if (query.answer == TAnswer::SizeFailed) {
-        Log('X', UnicodePrintf(
-                     TEXT("[GetPrinterDriverDirectory] GetPrinterDriverDirectory() failed: %s"),
-                     GetSysError(query.code, true)));
+        LogHere('X', UnicodePrintf(
+                         TEXT("[GetPrinterDriverDirectory] GetPrinterDriverDirectory() failed: %s"),
+                         GetSysError(query.code, true)));
     }
     return query.answer == TAnswer::Filled ? buffer.Text() : UnicodeString();
 }
@@ -76,8 +76,8 @@ TW32StructData<PRINTER_INFO_2W> GetPrinterInfo2(UnicodeString name) {
     TW32StructData<PRINTER_INFO_2W> result;
     const DWORD code = CodeOf(FALSE);
     result.SetErrorCode(code);
-    Log('X', UnicodePrintf(TEXT("[GetPrinterInfo2(\"%s\")] OpenPrinter() failed: %s"), name,
-                           GetSysError(code, true)));
+    LogHere('X', UnicodePrintf(TEXT("[GetPrinterInfo2(\"%s\")] OpenPrinter() failed: %s"), name,
+                               GetSysError(code, true)));
     return result;
 }
 
@@ -170,7 +170,7 @@ UnicodeString ReadPrinterData(HANDLE printer, UnicodeString valueName) {
         [&](DWORD needed) { return buffer.Reserve(needed); });
     if (query.answer == TAnswer::Filled) return buffer.Text();
     // The call returns its error; the last error need not have it.
-    Log('X', UnicodePrintf(TEXT("GetPrinterDataW(Key=%s): %s"), valueName,
-                           GetSysError(query.code, true)));
+    LogHere('X', UnicodePrintf(TEXT("GetPrinterDataW(Key=%s): %s"), valueName,
+                               GetSysError(query.code, true)));
     return UnicodeString();
 }

@@ -2,9 +2,9 @@
 
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_command_line.h"
 #include "mox_classes/text/sysutils_numbers.h"
-#include "mox_log/sys_error.h"
 #include "printer_query/spooler.h"
 #include "xml/xml_node.h"
 #include "xml/xml_writer.h"
@@ -117,7 +117,7 @@ int CmdGetDevMode(TStrings* items, UnicodeString& result) {
 namespace {
 
 // Values that act together, after all pairs are read.
-struct TWishes {
+struct TPendingOptions {
     UnicodeString program;
     UnicodeString parameters;
     UnicodeString message_name;
@@ -138,86 +138,92 @@ std::uint8_t ByteOf(const UnicodeString& value) {
 
 struct TKeyword {
     const WCHAR* name;
-    void (*apply)(TQVDM& wrapper, TWishes& wishes, const UnicodeString& value);
+    void (*apply)(TQVDM& wrapper, TPendingOptions& pending, const UnicodeString& value);
 };
 
 using TText = const UnicodeString&;
 constexpr TKeyword kKeywords[] = {
     {TEXT("mode"),
-     [](TQVDM& dm, TWishes&, TText value) { dm.GetDM()->exDialog.Mode = ByteOf(value); }},
+     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exDialog.Mode = ByteOf(value); }},
     {TEXT("useserial"),
-     [](TQVDM& dm, TWishes&, TText value) { dm.GetDM()->exOut.UseSerial = ByteOf(value); }},
+     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exOut.UseSerial = ByteOf(value); }},
     {TEXT("usedocname"),
-     [](TQVDM& dm, TWishes&, TText value) {
+     [](TQVDM& dm, TPendingOptions&, TText value) {
          dm.GetDM()->exOut.UseDocNameAsFileName = ByteOf(value);
      }},
     {TEXT("callapp"),
-     [](TQVDM& dm, TWishes&, TText value) { dm.GetDM()->exRun.Enabled = ByteOf(value); }},
-    {TEXT("defaultsavefile"), [](TQVDM& dm, TWishes&, TText value) { dm.FileName = value; }},
-    {TEXT("defaultsavedir"), [](TQVDM& dm, TWishes&, TText value) { dm.Directory = value; }},
-    {TEXT("appname"), [](TQVDM&, TWishes& wishes, TText value) { wishes.program = value; }},
-    {TEXT("appparam"), [](TQVDM&, TWishes& wishes, TText value) { wishes.parameters = value; }},
-    {TEXT("msgname"), [](TQVDM&, TWishes& wishes, TText value) { wishes.message_name = value; }},
+     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exRun.Enabled = ByteOf(value); }},
+    {TEXT("defaultsavefile"),
+     [](TQVDM& dm, TPendingOptions&, TText value) { dm.FileName = value; }},
+    {TEXT("defaultsavedir"),
+     [](TQVDM& dm, TPendingOptions&, TText value) { dm.Directory = value; }},
+    {TEXT("appname"),
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.program = value; }},
+    {TEXT("appparam"),
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.parameters = value; }},
+    {TEXT("msgname"),
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.message_name = value; }},
     {TEXT("msgformat"),
-     [](TQVDM&, TWishes& wishes, TText value) { wishes.message_format = value; }},
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.message_format = value; }},
     {TEXT("msgwinclass"),
-     [](TQVDM&, TWishes& wishes, TText value) { wishes.window_class = value; }},
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.window_class = value; }},
     {TEXT("dithermethod"),
-     [](TQVDM&, TWishes& wishes, TText value) {
-         wishes.dither_method = value;
-         wishes.has_dither_method = true;
+     [](TQVDM&, TPendingOptions& pending, TText value) {
+         pending.dither_method = value;
+         pending.has_dither_method = true;
      }},
-    {TEXT("colormix"), [](TQVDM&, TWishes& wishes, TText value) { wishes.color_mix = value; }},
+    {TEXT("colormix"),
+     [](TQVDM&, TPendingOptions& pending, TText value) { pending.color_mix = value; }},
 };
 
-bool ApplyKeyword(TText name, TText value, TQVDM& wrapper, TWishes& wishes) {
+bool ApplyKeyword(TText name, TText value, TQVDM& wrapper, TPendingOptions& pending) {
     for (const TKeyword& keyword : kKeywords) {
         if (name != UnicodeString(keyword.name)) continue;
-        keyword.apply(wrapper, wishes, value);
+        keyword.apply(wrapper, pending, value);
         return true;
     }
     return false;
 }
 
 // The description of an event that starts a program, sends a message to a window, or both.
-UnicodeString EventText(const TWishes& wishes) {
+UnicodeString EventText(const TPendingOptions& pending) {
     TXmlNode event;
     event.FName = TEXT("event");
     const auto add = [&event](const WCHAR* name, TText value) {
         if (value.Length() != 0) event.AddAttribute(name, value);
     };
-    add(TEXT("file"), wishes.program);
-    if (wishes.parameters == wishes.message_format) {
-        add(TEXT("param"), wishes.parameters);
+    add(TEXT("file"), pending.program);
+    if (pending.parameters == pending.message_format) {
+        add(TEXT("param"), pending.parameters);
     } else {
-        add(TEXT("param_run"), wishes.parameters);
-        add(TEXT("param_msg"), wishes.message_format);
+        add(TEXT("param_run"), pending.parameters);
+        add(TEXT("param_msg"), pending.message_format);
     }
-    add(TEXT("msg"), wishes.message_name);
-    add(TEXT("win"), wishes.window_class);
+    add(TEXT("msg"), pending.message_name);
+    add(TEXT("win"), pending.window_class);
     TXmlFormatter compact;
     return event.SaveToString(compact);
 }
 
-void SetTarget(const TWishes& wishes, UnicodeString& target) {
-    const bool has_message = wishes.message_name.Length() != 0 ||
-                             wishes.message_format.Length() != 0 ||
-                             wishes.window_class.Length() != 0;
+void SetTarget(const TPendingOptions& pending, UnicodeString& target) {
+    const bool has_message = pending.message_name.Length() != 0 ||
+                             pending.message_format.Length() != 0 ||
+                             pending.window_class.Length() != 0;
     if (has_message) {
-        target = EventText(wishes);
-    } else if (wishes.program.Length() != 0 || wishes.parameters.Length() != 0) {
-        target = Sysutils::BuildCommandLine(wishes.program, wishes.parameters);
+        target = EventText(pending);
+    } else if (pending.program.Length() != 0 || pending.parameters.Length() != 0) {
+        target = Sysutils::BuildCommandLine(pending.program, pending.parameters);
     }
 }
 
-void SetImageOptions(const TWishes& wishes, TImageProcessOptions& options) {
-    if (wishes.has_dither_method) {
-        const int method = Sysutils::StrToIntDef(wishes.dither_method, kDefaultDither);
+void SetImageOptions(const TPendingOptions& pending, TImageProcessOptions& options) {
+    if (pending.has_dither_method) {
+        const int method = Sysutils::StrToIntDef(pending.dither_method, kDefaultDither);
         options.DitherMethod = static_cast<std::int8_t>(LowByte(method));
     }
     TStringList list;
     TStrings& weights = list;
-    weights.SetCommaText(wishes.color_mix);
+    weights.SetCommaText(pending.color_mix);
     if (weights.GetCount() < 3) return;
     const auto weight = [&weights](int i) {
         return Sysutils::StrToIntDef(weights.Get(i), kDefaultColorWeight);
@@ -236,17 +242,17 @@ int CmdSetDevMode(TStrings* items, UnicodeString& result) {
     const int status = ReadSettings(printer, settings, result);
     if (status < 0) return status;
 
-    TWishes wishes;
+    TPendingOptions pending;
     int understood = 0;
     for (int i = 2; i < count; i += 2) {
-        if (ApplyKeyword(items->Get(i), items->Get(i + 1), settings.wrapper, wishes)) {
+        if (ApplyKeyword(items->Get(i), items->Get(i + 1), settings.wrapper, pending)) {
             ++understood;
         } else {
             result.cat_printf(TEXT("Unsupported keyword '%s' was detected.\r\n"), items->Get(i));
         }
     }
-    SetTarget(wishes, settings.wrapper.Target);
-    SetImageOptions(wishes, settings.wrapper.GetDM()->exIPO);
+    SetTarget(pending, settings.wrapper.Target);
+    SetImageOptions(pending, settings.wrapper.GetDM()->exIPO);
 
     if (!settings.wrapper.Encode()) {
         result += TEXT("Cannot encode the QV_DEVMODE extra data\r\n");

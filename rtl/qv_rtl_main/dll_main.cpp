@@ -3,14 +3,14 @@
 
 #include "driver_global/startup.h"
 #include "mox_classes/memory/module_static.h"
+#include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils_platform.h"
-#include "qv_rtl_main/source_log.h"
 
 namespace {
 
 // The loader must see no exception; whatever a step could not do, the library stays usable.
 template <class Step>
-void Shielded(const Step& step) {
+void NoThrow(const Step& step) {
     try {
         step();
     } catch (...) {
@@ -23,14 +23,14 @@ void Shielded(const Step& step) {
 extern "C" QV_API BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID /*reserved*/) {
     if (reason == DLL_PROCESS_ATTACH) {
         OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_ATTACH Entered"));
-        Shielded([] {
+        NoThrow([] {
             QVInitApp(TEXT("qv_rtl"), UnicodeString(), UnicodeString());
-            qv_rtl_main::Log(
-                ' ', UnicodeString(TEXT("[qv_rtl] ExeName: ")) + Sysutils::ExeName(nullptr));
+            Mox::LogHere(' ',
+                         UnicodeString(TEXT("[qv_rtl] ExeName: ")) + Sysutils::ExeName(nullptr));
         });
     } else if (reason == DLL_PROCESS_DETACH) {
         // The name is not used; making it could fail, and the unit's end with it.
-        Shielded([] { QVUninitApp(UnicodeString()); });
+        NoThrow([] { QVUninitApp(UnicodeString()); });
         OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_DETACH Leaved"));
         System::ReleaseModuleStatics();
     }

@@ -9,7 +9,6 @@
 #include "driver_devmode/field_check.h"
 #include "mox_classes/containers/streams.h"
 #include "qv_rtl_main/xml_request_load.h"
-#include "xml/xml_watch.h"
 
 namespace {
 
@@ -38,7 +37,7 @@ constexpr TFilter kQuery[] = {{TEXT("global"), {}},
                               {TEXT("printer"), TEXT("driver")}};
 
 // Where everything stands that a complaint can be about.
-class TSource final : public TXmlWatch {
+class TSource final : public TXmlParseObserver {
   public:
     void Opened(const TXmlNode& node, int position) override {
         spans_[&node] = {position, position};
@@ -58,7 +57,7 @@ class TSource final : public TXmlWatch {
     std::vector<int> passed_;
 };
 
-struct TComplaint {
+struct TDiagnostic {
     int position;
     UnicodeString text;
 };
@@ -68,10 +67,10 @@ class TChecker {
     explicit TChecker(const TSource& source) : source_(source) {}
 
     // In the order of the text.
-    std::vector<TComplaint> Check(const TXmlNode& root);
+    std::vector<TDiagnostic> Check(const TXmlNode& root);
 
   private:
-    void Say(int position, const UnicodeString& text) { complaints_.push_back({position, text}); }
+    void Say(int position, const UnicodeString& text) { diagnostics_.push_back({position, text}); }
     void SayOf(const TXmlNode& node, const UnicodeString& text) { Say(source_.TagOf(node), text); }
     void CheckRoot(const TXmlNode& root);
     void NoAttributes(const TXmlNode& node);
@@ -88,7 +87,7 @@ class TChecker {
     void SayUnknown(const TXmlNode& child);
 
     const TSource& source_;
-    std::vector<TComplaint> complaints_;
+    std::vector<TDiagnostic> diagnostics_;
 };
 
 void TChecker::SayUnknown(const TXmlNode& child) {
@@ -134,7 +133,7 @@ bool TChecker::IsOnly(const TXmlNode& child, TView name, bool& seen) {
     return true;
 }
 
-std::vector<TComplaint> TChecker::Check(const TXmlNode& root) {
+std::vector<TDiagnostic> TChecker::Check(const TXmlNode& root) {
     CheckRoot(root);
     if (root.FName == TEXT("query")) {
         CheckQuery(root);
@@ -146,9 +145,9 @@ std::vector<TComplaint> TChecker::Check(const TXmlNode& root) {
     }
     for (const int position : source_.Passed()) Say(position, TEXT("this text is not used"));
     std::stable_sort(
-        complaints_.begin(), complaints_.end(),
-        [](const TComplaint& a, const TComplaint& b) { return a.position < b.position; });
-    return std::move(complaints_);
+        diagnostics_.begin(), diagnostics_.end(),
+        [](const TDiagnostic& a, const TDiagnostic& b) { return a.position < b.position; });
+    return std::move(diagnostics_);
 }
 
 void TChecker::CheckRoot(const TXmlNode& root) {
@@ -273,16 +272,17 @@ void TChecker::CheckField(TQVDM& scratch, TView group, const TXmlNode& leaf) {
     }
 }
 
-void Report(const std::vector<TComplaint>& complaints, TXmlPlaces& places, TXmlMessages& messages) {
+void Report(const std::vector<TDiagnostic>& diagnostics, TXmlSourceText& places,
+            TXmlMessages& messages) {
     constexpr std::size_t kMost = 100;
-    for (std::size_t i = 0; i < complaints.size() && i < kMost; ++i) {
-        const TXmlPlace place = places.FindInText(complaints[i].position);
-        UnicodeString text = place.Name() + TEXT(": ") + complaints[i].text;
+    for (std::size_t i = 0; i < diagnostics.size() && i < kMost; ++i) {
+        const TXmlSourceLocation place = places.FindInText(diagnostics[i].position);
+        UnicodeString text = place.Name() + TEXT(": ") + diagnostics[i].text;
         if (place.shown.Length() > 0) text += TEXT("\n") + place.shown;
         SetPlace(messages.Error(text), place);
     }
-    if (complaints.size() > kMost) {
-        messages.Error(UnicodeString(static_cast<long long>(complaints.size() - kMost)) +
+    if (diagnostics.size() > kMost) {
+        messages.Error(UnicodeString(static_cast<long long>(diagnostics.size() - kMost)) +
                        TEXT(" more are not shown"));
     }
 }
@@ -293,15 +293,15 @@ bool CheckXmlRequest(Classes::TStream* request, Classes::TStream* response) {
     TXmlDoc document;
     TXmlDoc answer;
     TSource source;
-    document.SetWatch(&source);
+    document.SetObserver(&source);
     std::vector<unsigned char> bytes;
     const TRequestFault fault = LoadRequest(document, *request, bytes);
     if (fault.text.IsEmpty()) {
-        const std::vector<TComplaint> complaints = TChecker(source).Check(*document.FRoot);
-        if (complaints.empty()) return true;
-        TXmlPlaces places(bytes.data(), static_cast<int>(bytes.size()), document.CodePage);
+        const std::vector<TDiagnostic> diagnostics = TChecker(source).Check(*document.FRoot);
+        if (diagnostics.empty()) return true;
+        TXmlSourceText places(bytes.data(), static_cast<int>(bytes.size()), document.CodePage);
         TXmlMessages messages;
-        Report(complaints, places, messages);
+        Report(diagnostics, places, messages);
         BeginResponse(document, answer);
         messages.AppendTo(*answer.FRoot);
     } else {

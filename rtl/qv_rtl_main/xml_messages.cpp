@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace {
 constexpr TCodePage kUtf8 = System::kCodePageUtf8;

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "mox_classes/containers/streams.h"
+#include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils_text.h"
-#include "qv_rtl_main/source_log.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 #include "qv_rtl_main/xml_request_load.h"
 #include "xml/xml_doc.h"
@@ -81,8 +81,8 @@ void AnswerFile(const UnicodeString& request_file, const UnicodeString& response
 }
 
 void LogFailure(const UnicodeString& file, const UnicodeString& text) {
-    qv_rtl_main::Log(
-        'X', TEXT("[DoXML] Cannot write the response file \"") + file + TEXT("\": ") + text);
+    Mox::LogHere('X',
+                 TEXT("[DoXML] Cannot write the response file \"") + file + TEXT("\": ") + text);
 }
 
 template <class Name>

@@ -8,7 +8,7 @@ void BeginResponse(const TXmlDoc& request, TXmlDoc& response) {
     response.CodePage = System::kCodePageUtf8;
 }
 
-void SetPlace(TXmlNode* message, const TXmlPlace& place) {
+void SetPlace(TXmlNode* message, const TXmlSourceLocation& place) {
     SetText(message, TEXT("line"), UnicodeString(place.line));
     SetText(message, TEXT("column"), UnicodeString(place.column));
 }

@@ -7,7 +7,7 @@
 
 #include "qv_rtl_main/xml_messages.h"
 #include "xml/xml_doc.h"
-#include "xml/xml_place.h"
+#include "xml/xml_source_location.h"
 
 namespace Classes {
 class TStream;
@@ -18,7 +18,7 @@ class TStream;
 struct TRequestFault {
     UnicodeString text;
     int position = -1;
-    TXmlPlace place;
+    TXmlSourceLocation place;
 };
 
 // Parses the whole stream, which is at its start; `bytes` keeps what was in it.
@@ -30,4 +30,4 @@ void RejectRequest(const TXmlDoc& request, TXmlDoc& response, const UnicodeStrin
 // The root of a response in UTF-8.
 void BeginResponse(const TXmlDoc& request, TXmlDoc& response);
 // Line and column as attributes of a message.
-void SetPlace(TXmlNode* message, const TXmlPlace& place);
+void SetPlace(TXmlNode* message, const TXmlSourceLocation& place);

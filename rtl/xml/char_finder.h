@@ -2,6 +2,8 @@
 // character takes in the input's encoding.
 #pragma once
 
+#include <string_view>
+
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/byte_block.h"
@@ -122,3 +124,16 @@ class QV_API TAsciiCharFinder {
     void StepByAnsi();
     void StepByUtf8();
 };
+
+// Spans of the scanned buffer are positions from its start.
+
+// Takes blanks and control characters off both ends.
+inline void XmlTrimSpan(const TAsciiCharFinder& finder, int& from, int& to) {
+    const unsigned char* bytes = finder.Bytes(0);
+    while (from < to && bytes[from] <= 0x20) ++from;
+    while (from < to && bytes[to - 1] <= 0x20) --to;
+}
+
+inline std::string_view XmlSpanBytes(const TAsciiCharFinder& finder, int from, int to) {
+    return {reinterpret_cast<const char*>(finder.Bytes(from)), static_cast<std::size_t>(to - from)};
+}

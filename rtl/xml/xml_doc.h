@@ -13,7 +13,23 @@
 class TAsciiCharFinder;
 struct TXmlSearchSets;
 struct TXmlParseState;
-class TXmlWatch;
+
+// What a parse tells beside the tree it makes: where elements and texts stand, and what is lost.
+// Positions count bytes of the scanned text: of the input, or for UTF-16 and UTF-32 of its UTF-8
+// form. They come in ascending order.
+class TXmlParseObserver {
+  public:
+    // The '<' of the element's start tag.
+    virtual void Opened(const TXmlNode& node, int position) = 0;
+    // Behind the '>' of a start tag.
+    virtual void TextBegins(const TXmlNode& node, int position) = 0;
+    // Characters inside the root that belong to no text.
+    virtual void Passed(int position) = 0;
+
+  protected:
+    TXmlParseObserver() = default;
+    ~TXmlParseObserver() = default;
+};
 
 // Owns its tree. One thread at a time. The load operations do not clear the document first: they
 // are meant for a fresh one.
@@ -48,7 +64,7 @@ class QV_API TXmlDoc {
     int FaultOpened() const { return fault_opened_; }
     // Hands out what a parse passes over and where the elements stand; null for none. The object
     // must outlive every parse.
-    void SetWatch(TXmlWatch* watch) { watch_ = watch; }
+    void SetObserver(TXmlParseObserver* observer) { observer_ = observer; }
 
     // Opens a file for ReadFile in place of one that is open.
     bool OpenFile(UnicodeString file_name);
@@ -111,12 +127,12 @@ class QV_API TXmlDoc {
     int ParseTail();
     void SkipComment();
     int Error() const;
-    void WatchPassed(int from);
+    void TellPassed(int from);
     int Fail(const UnicodeString& reason);
     int FailAtOpen(const UnicodeString& reason);
 
-    TXmlParseState* state_ = nullptr;  // set only during a parse
-    TXmlWatch* watch_ = nullptr;       // not owned
+    TXmlParseState* state_ = nullptr;        // set only during a parse
+    TXmlParseObserver* observer_ = nullptr;  // not owned
     int parse_result_ = 0;
     int fault_opened_ = -1;
     UnicodeString fault_;

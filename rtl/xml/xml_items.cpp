@@ -9,8 +9,7 @@
 #include "mox_classes/memory/memory.h"
 #include "mox_classes/memory/process_heap.h"
 #include "mox_classes/text/sysutils.h"
-#include "xml/xml_ahead.h"
-#include "xml/xml_node.h"
+#include "xml/xml_prefetch.h"
 
 namespace {
 
@@ -51,22 +50,12 @@ void* ResizedBlock(void* block, SIZE_T size) {
 
 }  // namespace
 
-void* TXmlBlock::operator new(std::size_t size) {
-    void* block = System::TProcessHeap::New(static_cast<int>(size));
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-
-void TXmlBlock::operator delete(void* block) noexcept {
-    if (block != nullptr) System::TProcessHeap::Delete(block);
-}
-
 TXmlItems::~TXmlItems() {
-    const TXmlAhead ahead(FList, GetCount());
+    const TXmlPrefetch prefetch(FList, GetCount());
     for (int i = 0; i < GetCount(); ++i) {
-        ahead.At(i);
+        prefetch.At(i);
         if (kind_ == TKind::Nodes) {
-            delete static_cast<TXmlNode*>(FList[i]);
+            DeleteXmlNode(FList[i]);
         } else {
             delete FList[i];
         }

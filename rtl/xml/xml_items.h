@@ -10,30 +10,15 @@
 
 #include <windows.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 #include "xml/xml_name_index.h"
+#include "xml/xml_pair.h"
 
 using System::TCodePage;
-
-// What the tree is made of comes from the process heap: a module may hand an element that it made
-// to a list of another module.
-class QV_API TXmlBlock {
-  public:
-    static void* operator new(std::size_t size);
-    static void operator delete(void* block) noexcept;
-};
-
-// A name and a value: an attribute, and what an element shares with it.
-class QV_API TXmlPair : public TXmlBlock {
-  public:
-    UnicodeString FName;
-    UnicodeString FValue;
-};
 
 // One slot of the exact table. Plain value.
 class THashSlot {

@@ -3,8 +3,6 @@
 #include <bit>
 #include <cstring>
 
-#include "xml/xml_span.h"
-
 namespace {
 
 std::uint64_t Word(const char* bytes) {

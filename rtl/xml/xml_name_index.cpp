@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "xml/xml_items.h"
+#include "xml/xml_pair.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "xml/xml_ahead.h"
+#include "xml/xml_prefetch.h"
 
 void TXmlNode::Clear() {
     TXmlNode* pending = nullptr;
@@ -22,9 +22,9 @@ void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
     delete std::exchange(FAttributes, nullptr);
     if (FChildren == nullptr) return;
     const int count = FChildren->GetCount();
-    const TXmlAhead ahead(FChildren->FList, count);
+    const TXmlPrefetch prefetch(FChildren->FList, count);
     for (int i = 0; i < count; ++i) {
-        ahead.At(i);
+        prefetch.At(i);
         auto* child = static_cast<TXmlNode*>(FChildren->FList[i]);
         if (child->IsLeaf()) {
             delete child;
@@ -125,4 +125,8 @@ UnicodeString TXmlNode::AttrGetString(const UnicodeString& name, TCodePage code_
 
 int TXmlNode::AttrGetInteger(const UnicodeString& name, TCodePage code_page) const {
     return AttrGetString(name, code_page).ToIntDef(0);
+}
+
+void DeleteXmlNode(TXmlPair* node) noexcept {
+    delete static_cast<TXmlNode*>(node);
 }

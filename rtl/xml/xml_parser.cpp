@@ -9,8 +9,6 @@
 #include "xml/xml_decode.h"
 #include "xml/xml_doc.h"
 #include "xml/xml_reference.h"
-#include "xml/xml_span.h"
-#include "xml/xml_watch.h"
 
 namespace {
 
@@ -133,7 +131,7 @@ int TXmlDoc::ParseElements() {
         if (FFinder->Current() != '<') {
             const int from = FFinder->Position();
             const bool found = FFinder->FindAny('<', '>') == '<';
-            if (watch_ != nullptr) WatchPassed(from);
+            if (observer_ != nullptr) TellPassed(from);
             if (!found) {
                 FFinder->Skip(1);
                 continue;
@@ -167,10 +165,10 @@ int TXmlDoc::ParseElements() {
 }
 
 // Tells of characters that the scan has passed over between two tags.
-void TXmlDoc::WatchPassed(int from) {
+void TXmlDoc::TellPassed(int from) {
     int to = FFinder->Position();
     XmlTrimSpan(*FFinder, from, to);
-    if (from < to && FRootSeen) watch_->Passed(from);
+    if (from < to && FRootSeen) observer_->Passed(from);
 }
 
 int TXmlDoc::Fail(const UnicodeString& reason) {
@@ -261,7 +259,7 @@ int TXmlDoc::ParseStartTag() {
     } else {
         FCurrent = FCurrent->AppendChild(std::move(name));
     }
-    if (watch_ != nullptr) watch_->Opened(*FCurrent, start - 1);
+    if (observer_ != nullptr) observer_->Opened(*FCurrent, start - 1);
     bool is_bare = false;
     if (FFinder->Current() != '/' && FFinder->Current() != '>') {
         const int result = ParseAttributes('/');
@@ -275,7 +273,7 @@ int TXmlDoc::ParseStartTag() {
     if (FFinder->Current() != '>' && is_bare) return Error();
     if (FFinder->Current() != '>') return Fail(TEXT("the tag does not end with '>' or '/>'"));
     FFinder->Skip(1);
-    if (watch_ != nullptr) watch_->TextBegins(*FCurrent, FFinder->Position());
+    if (observer_ != nullptr) observer_->TextBegins(*FCurrent, FFinder->Position());
     const int result = ParseText(FCurrent->FValue, false);
     return result < 0 ? result : 0;
 }
@@ -284,7 +282,7 @@ int TXmlDoc::ParseStartTag() {
 // to behind the end tag. False, and nothing has changed, for any other element and whenever one of
 // the ways of its parts has more to do.
 bool TXmlDoc::TakeLeaf(int length) {
-    if (!FRootSeen || watch_ != nullptr) return false;
+    if (!FRootSeen || observer_ != nullptr) return false;
     const int start = FFinder->Position();
     const unsigned char* const name = FFinder->Bytes(start);
     const unsigned char* const end = FFinder->Bytes(FFinder->Size());

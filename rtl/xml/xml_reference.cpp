@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "xml/xml_span.h"
-
 namespace {
 
 // The code point of a numeric reference: what stands behind its '#'. Other characters than digits

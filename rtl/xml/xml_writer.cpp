@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "xml/xml_doc.h"
-#include "xml/xml_sink.h"
+#include "xml/xml_output_buffer.h"
 
 void TXmlFormatter::Set(const UnicodeString& unit, const UnicodeString& line_break, int level) {
     if (unit != FIndentUnit) {
@@ -55,8 +55,8 @@ bool IsAscii(const UnicodeString& text) {
 template <class Unit>
 class TXmlTreeWriter {
   public:
-    TXmlTreeWriter(TXmlSink<Unit>& sink, TXmlFormatter& format, const UnicodeString& unit)
-        : sink_(sink), format_(format), unit_(unit), line_break_(format.LineBreak()) {}
+    TXmlTreeWriter(TXmlOutputBuffer<Unit>& output, TXmlFormatter& format, const UnicodeString& unit)
+        : output_(output), format_(format), unit_(unit), line_break_(format.LineBreak()) {}
 
     void Write(const TXmlNode* root) {
         std::vector<TOpenElement> open;
@@ -89,28 +89,28 @@ class TXmlTreeWriter {
         const bool instruction = format_.GetLevel() == -1;
         Indent();
         if (instruction) {
-            sink_.PutName("<?", node.FName, "");
+            output_.PutName("<?", node.FName, "");
         } else {
-            sink_.PutName("<", node.FName, "");
+            output_.PutName("<", node.FName, "");
         }
         for (int i = 0; i < node.AttributeCount(); ++i) {
             const TXmlPair* attribute = node.GetAttribute(i);
-            sink_.PutName(" ", attribute->FName, "=\"");
-            sink_.PutEscaped(attribute->FValue);
-            sink_.PutMarkup("\"");
+            output_.PutName(" ", attribute->FName, "=\"");
+            output_.PutEscaped(attribute->FValue);
+            output_.PutMarkup("\"");
         }
         const bool empty = node.ChildCount() == 0 && node.FValue.IsEmpty();
         if (instruction || empty) {
             if (instruction) {
-                sink_.PutMarkup("?>");
+                output_.PutMarkup("?>");
             } else {
-                sink_.PutMarkup("/>");
+                output_.PutMarkup("/>");
             }
             BreakLine();
             return false;
         }
-        sink_.PutMarkup(">");
-        const int lines = node.FValue.IsEmpty() ? 1 : sink_.PutEscaped(node.FValue);
+        output_.PutMarkup(">");
+        const int lines = node.FValue.IsEmpty() ? 1 : output_.PutEscaped(node.FValue);
         element.block = lines > 1 || node.ChildCount() > 0;
         if (element.block) BreakLine();
         return true;
@@ -118,9 +118,9 @@ class TXmlTreeWriter {
 
     void WriteEnd(const TOpenElement& element) {
         if (element.block) Indent();
-        sink_.PutName("</", element.node->FName, ">");
+        output_.PutName("</", element.node->FName, ">");
         BreakLine();
-        if (!element.node->FTail.IsEmpty()) sink_.PutEscaped(element.node->FTail);
+        if (!element.node->FTail.IsEmpty()) output_.PutEscaped(element.node->FTail);
     }
 
     // The indentation of any level begins that of a deeper one: no string for every change of the
@@ -134,30 +134,30 @@ class TXmlTreeWriter {
             if (plain_layout_) encoded_indent_ = Encoded(indent_);
         }
         if (plain_layout_) {
-            sink_.PutEncoded(encoded_indent_.data(), static_cast<std::size_t>(length));
+            output_.PutEncoded(encoded_indent_.data(), static_cast<std::size_t>(length));
         } else {
-            sink_.Put(indent_, static_cast<int>(length));
+            output_.Put(indent_, static_cast<int>(length));
         }
     }
 
     void BreakLine() {
         if (plain_layout_) {
-            sink_.PutEncoded(encoded_break_.data(), break_length_);
+            output_.PutEncoded(encoded_break_.data(), break_length_);
         } else {
-            sink_.Put(line_break_);
+            output_.Put(line_break_);
         }
     }
 
-    // ASCII, with the step behind it that the sink may read.
+    // ASCII, with the step behind it that the output may read.
     static std::basic_string<Unit> Encoded(const UnicodeString& text) {
         const auto length = static_cast<std::size_t>(text.Length());
-        std::basic_string<Unit> units(length + TXmlSink<Unit>::kStep, Unit{0});
+        std::basic_string<Unit> units(length + TXmlOutputBuffer<Unit>::kStep, Unit{0});
         std::transform(text.t_str(), text.t_str() + text.Length(), units.begin(),
                        [](WCHAR unit) { return static_cast<Unit>(unit); });
         return units;
     }
 
-    TXmlSink<Unit>& sink_;
+    TXmlOutputBuffer<Unit>& output_;
     TXmlFormatter& format_;
     UnicodeString unit_;
     UnicodeString line_break_;
@@ -187,19 +187,19 @@ const WCHAR* EncodingName(TCodePage code_page) {
 int TXmlNode::SaveTo(Classes::TStream* stream, UnicodeString* out, TXmlFormatter& format,
                      TCodePage code_page) const {
     if (stream == nullptr) {
-        TXmlSink<WCHAR> sink;
-        TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
-        return sink.FinishInto(*out);
+        TXmlOutputBuffer<WCHAR> output;
+        TXmlTreeWriter(output, format, format.FIndentUnit).Write(this);
+        return output.FinishInto(*out);
     }
     if (code_page == System::kCodePageUtf16) {
-        TXmlSink<WCHAR> sink(stream);
-        TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
-        return sink.Finish();
+        TXmlOutputBuffer<WCHAR> output(stream);
+        TXmlTreeWriter(output, format, format.FIndentUnit).Write(this);
+        return output.Finish();
     }
     if (EncodingName(code_page) == nullptr) return 0;
-    TXmlSink<char> sink(stream);
-    TXmlTreeWriter(sink, format, format.FIndentUnit).Write(this);
-    return sink.Finish();
+    TXmlOutputBuffer<char> output(stream);
+    TXmlTreeWriter(output, format, format.FIndentUnit).Write(this);
+    return output.Finish();
 }
 
 UnicodeString TXmlNode::SaveToString(TXmlFormatter& format) const {
@@ -241,4 +241,23 @@ UnicodeString TXmlDoc::SaveToString() {
 
 void TXmlDoc::SaveToStream(Classes::TStream* stream) {
     SaveTo(stream, nullptr);
+}
+
+int UnicodeStringToStream(Classes::TStream* stream, const UnicodeString& text,
+                          TCodePage code_page) {
+    switch (code_page) {
+        case System::kCodePageAnsi:
+        case System::kCodePageUtf8: {
+            TXmlOutputBuffer<char> output(stream);
+            output.Put(text);
+            return output.Finish();
+        }
+        case System::kCodePageUtf16: {
+            TXmlOutputBuffer<WCHAR> output(stream);
+            output.Put(text);
+            return output.Finish();
+        }
+        default:
+            return 0;
+    }
 }

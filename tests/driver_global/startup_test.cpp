@@ -1,5 +1,7 @@
 // Start and stop of units, and what the product asks about its installation.
 #include "driver_global/startup.h"
+#include "driver_devmode/document_folders.h"
+#include "driver_devmode/spool_file.h"
 
 #include "driver_devmode/qv_devmode.h"
 #include "driver_global/installation.h"

@@ -7,9 +7,9 @@
 #include <thread>
 #include <vector>
 
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"
 #include "mox_log/shared_memory.h"
-#include "mox_log/sys_error.h"
 #include "support/clean_logger.h"
 #include "support/string_print.h"
 

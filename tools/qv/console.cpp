@@ -33,7 +33,7 @@ std::string Escaped(unsigned unit) {
 }
 
 // `text` with its harmful units escaped, but for those that `kept` holds.
-std::string Harmless(const UnicodeString& text, std::string_view kept) {
+std::string EscapeControls(const UnicodeString& text, std::string_view kept) {
     UnicodeString line;
     int done = 0;
     for (int i = 0; i < text.Length(); ++i) {
@@ -72,11 +72,11 @@ std::string ToUtf8(const UnicodeString& text) {
 }
 
 std::string OneLine(const UnicodeString& text) {
-    return Harmless(text, {});
+    return EscapeControls(text, {});
 }
 
 std::string Lines(const UnicodeString& text) {
-    return Harmless(text, "\n\t");
+    return EscapeControls(text, "\n\t");
 }
 
 void Print(const std::string& text) {

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "mox_classes/containers/streams.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace qv {
 

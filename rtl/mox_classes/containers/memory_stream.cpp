@@ -4,22 +4,20 @@
 #include <cstring>
 #include <functional>
 
+#include "mox_classes/containers/fixed_lines.h"
 #include "mox_classes/memory/memory.h"
-#include "mox_classes/text/source_log.h"
-#include "mox_log/logger.h"
+#include "mox_classes/text/log_here.h"
 
 namespace Classes {
 
 namespace {
 
-constexpr int kLineOfRequestTrace = 728;
-constexpr int kLineOfRoundedTrace = 732;
 constexpr int kStep = 8192;
 
 void TraceCapacity(int capacity, int line) {
     UnicodeString text;
     text.printf(TEXT("NewCapacity=%d"), capacity);
-    Mox::ODSLog('>', mox_classes::kModule, line, text, UnicodeString(), nullptr, 0);
+    Mox::ShowStatus(text, line);
 }
 
 // The next full step; the last one ends at the largest size that there is.

@@ -4,17 +4,16 @@
 #include <iterator>
 #include <limits>
 
+#include "mox_classes/containers/fixed_lines.h"
 #include "mox_classes/memory/handles.h"
 #include "mox_classes/memory/memory.h"
-#include "mox_classes/text/source_log.h"
-#include "mox_log/logger.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace Classes {
 
 namespace {
 
-constexpr int kLineOfCopyTrace = 608;
 constexpr std::int64_t kTransferSize = 61440;
 constexpr unsigned kLastShareMode = 4;
 
@@ -59,7 +58,7 @@ HANDLE OpenFileFor(const UnicodeString& name, unsigned short mode) {
 void TraceCopy(int count) {
     UnicodeString text;
     text.printf(TEXT("[TStream::CopyFrom] WriteBuffer(%d)"), count);
-    Mox::ODSLog('>', mox_classes::kModule, kLineOfCopyTrace, text, UnicodeString(), nullptr, 0);
+    Mox::ShowStatus(text, kLineOfCopyTrace);
 }
 
 }  // namespace

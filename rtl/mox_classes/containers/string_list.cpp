@@ -5,14 +5,14 @@
 #include <new>
 #include <utility>
 
+#include "mox_classes/containers/fixed_lines.h"
 #include "mox_classes/memory/memory.h"
-#include "mox_classes/text/source_log.h"
+#include "mox_classes/text/log_here.h"
 
 namespace Classes {
 
 namespace {
 
-constexpr int kLineOfRangeError = 483;
 constexpr int kSmallStep = 8;
 constexpr int kLargeStep = 16;
 constexpr int kSmallCapacity = 32;
@@ -33,7 +33,7 @@ int HeldItems(int capacity) {
 [[noreturn]] void ThrowInvalidIndex(int index, int line) {
     UnicodeString message;
     message.printf(TEXT("Invalid range of index %d"), index);
-    throw mox_classes::Log('X', message, line);
+    throw Mox::LogHere('X', message, line);
 }
 
 }  // namespace

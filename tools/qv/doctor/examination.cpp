@@ -2,13 +2,14 @@
 
 #include <windows.h>
 
+#include "driver_devmode/document_folders.h"
 #include "driver_global/installation.h"
 #include "files.h"
 #include "mox_classes/text/sysutils.h"
 #include "os_xp/user_name.h"
 #include "qv_rtl_main/runtime_version.h"
 #include "xml/xml_doc.h"
-#include "xml/xml_place.h"
+#include "xml/xml_source_location.h"
 
 namespace qv {
 

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "doctor/examination.h"
+#include "driver_devmode/document_folders.h"
 #include "driver_global/installation.h"
 #include "mox_classes/text/sysutils.h"
 #include "mox_log/registry.h"

@@ -14,8 +14,8 @@
 #include "events/sample_job.h"
 #include "files.h"
 #include "mox_classes/format/template_string.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"
-#include "mox_log/sys_error.h"
 #include "printer_query/spooler.h"
 
 namespace qv {

@@ -1,7 +1,7 @@
 #include "settings/printer_settings.h"
 
 #include "driver_global/installation.h"
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 #include "printer_query/spooler.h"
 #include "settings/block_damage.h"
 

@@ -1,10 +1,9 @@
-#include "mox_log/log_line.h"
+#include "mox_classes/text/log_line.h"
 
 #include <algorithm>
 #include <atomic>
 
 #include "mox_classes/text/sysutils_paths.h"
-#include "mox_log/logger.h"
 
 namespace Mox {
 

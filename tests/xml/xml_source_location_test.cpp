@@ -1,5 +1,5 @@
 // Faults as people read them: reason, line, column and the line with a caret.
-#include "xml/xml_place.h"
+#include "xml/xml_source_location.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 using test::Utf8;
 
-std::string Describe(const std::string& bytes, TXmlPlace* place = nullptr) {
+std::string Describe(const std::string& bytes, TXmlSourceLocation* place = nullptr) {
     TXmlDoc doc;
     try {
         test::Parse(doc, bytes);
@@ -73,7 +73,7 @@ TEST(XmlPlace, ColumnsCountCharactersInEveryEncoding) {
     EXPECT_EQ(Describe(Wide(u"\xFEFF" + text, false)), shown);
     EXPECT_EQ(Describe(Wide(u"\xFEFF" + text, true)), shown);
     EXPECT_EQ(Describe(Wide(text, false)), shown);
-    TXmlPlace place;
+    TXmlSourceLocation place;
     Describe("<a>\r\r>", &place);
     EXPECT_EQ(place.line, 3);
     EXPECT_EQ(place.column, 1);

@@ -1,4 +1,4 @@
-#include "driver_global/argument_split.h"
+#include "driver_global/argv_split.h"
 
 #include <algorithm>
 

@@ -19,17 +19,17 @@ class TStream;
 using System::TCodePage;
 
 // Unit is what the text consists of on its way out: char for UTF-8, WCHAR for UTF-16. Text that is
-// still held when the sink is destroyed is lost. Stream exceptions pass through.
+// still held when the output is destroyed is lost. Stream exceptions pass through.
 template <class Unit>
-class TXmlSink {
+class TXmlOutputBuffer {
   public:
     // For a string, or for a stream that stays the caller's.
     // cppcheck-suppress uninitMemberVar ; room that is written before it is read
-    TXmlSink() = default;
+    TXmlOutputBuffer() = default;
     // cppcheck-suppress uninitMemberVar ; room that is written before it is read
-    explicit TXmlSink(Classes::TStream* stream) : stream_(stream) {}
-    TXmlSink(const TXmlSink&) = delete;
-    TXmlSink& operator=(const TXmlSink&) = delete;
+    explicit TXmlOutputBuffer(Classes::TStream* stream) : stream_(stream) {}
+    TXmlOutputBuffer(const TXmlOutputBuffer&) = delete;
+    TXmlOutputBuffer& operator=(const TXmlOutputBuffer&) = delete;
 
     // An ASCII literal.
     template <std::size_t size>

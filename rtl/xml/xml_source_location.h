@@ -13,7 +13,7 @@
 class TXmlDoc;
 
 // Both count from 1. A column is a character, a tab too; lines end with LF, CR LF or CR.
-struct TXmlPlace {
+struct TXmlSourceLocation {
     int line = 1;
     int column = 1;
     // The line, cut to what lies around the place, a line feed, and a line with a caret below the
@@ -26,18 +26,18 @@ struct TXmlPlace {
 };
 
 // The places of one text. Ascending positions are found in one pass over it.
-class TXmlPlaces {
+class TXmlSourceText {
   public:
     // The bytes that TXmlDoc::Parse got, and the code page that it found. They must outlive the
     // object.
-    TXmlPlaces(const void* bytes, int size, System::TCodePage code_page);
+    TXmlSourceText(const void* bytes, int size, System::TCodePage code_page);
 
     // What the parser scans: the bytes, or the UTF-8 form of UTF-16 and UTF-32.
     std::string_view Text() const { return text_; }
     // A byte position of the input; one behind the end is the end.
-    TXmlPlace Find(int position);
+    TXmlSourceLocation Find(int position);
     // A byte position of Text().
-    TXmlPlace FindInText(int position);
+    TXmlSourceLocation FindInText(int position);
 
   private:
     std::size_t LineEnd() const;
@@ -58,4 +58,4 @@ class TXmlPlaces {
 // Where the document's last parse of the bytes failed, and why: "line 3, column 7: reason" and the
 // line with a caret below. `place`, when given, is that place. Null when the parse did not fail.
 QV_API UnicodeString DescribeXmlFault(const TXmlDoc& document, const void* bytes, int size,
-                                      TXmlPlace* place);
+                                      TXmlSourceLocation* place);

@@ -1,4 +1,4 @@
-#include "mox_log/sys_error.h"
+#include "mox_classes/text/sys_error.h"
 
 #include "mox_classes/memory/handles.h"
 

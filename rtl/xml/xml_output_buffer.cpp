@@ -1,10 +1,9 @@
-#include "xml/xml_sink.h"
+#include "xml/xml_output_buffer.h"
 
 #include <limits>
 #include <utility>
 
 #include "mox_classes/containers/streams.h"
-#include "xml/xml_writer.h"
 
 namespace {
 
@@ -19,11 +18,11 @@ int Clamped(long long amount) {
 
 }  // namespace
 
-static_assert(xml_encode::kSlack <= TXmlSink<char>::kStep);
+static_assert(xml_encode::kSlack <= TXmlOutputBuffer<char>::kStep);
 
 template <class Unit>
 template <bool escape>
-int TXmlSink<Unit>::PutUnits(const WCHAR* text, std::ptrdiff_t length) {
+int TXmlOutputBuffer<Unit>::PutUnits(const WCHAR* text, std::ptrdiff_t length) {
     xml_encode::TState state{1, lead_};
     for (const WCHAR* const end = text + length; text < end;) {
         const std::ptrdiff_t run = std::min(end - text, kRun);
@@ -36,7 +35,7 @@ int TXmlSink<Unit>::PutUnits(const WCHAR* text, std::ptrdiff_t length) {
 }
 
 template <class Unit>
-void TXmlSink<Unit>::PutLead() {
+void TXmlOutputBuffer<Unit>::PutLead() {
     if constexpr (sizeof(Unit) == sizeof(char)) {
         at_ = xml_encode::PutPoint(xml_encode::kReplacement, at_);
     }
@@ -44,12 +43,12 @@ void TXmlSink<Unit>::PutLead() {
 }
 
 template <class Unit>
-void TXmlSink<Unit>::Put(const UnicodeString& text, int length) {
+void TXmlOutputBuffer<Unit>::Put(const UnicodeString& text, int length) {
     PutUnits<false>(text.t_str(), length);
 }
 
 template <class Unit>
-int TXmlSink<Unit>::PutEscaped(const UnicodeString& text) {
+int TXmlOutputBuffer<Unit>::PutEscaped(const UnicodeString& text) {
     const WCHAR* first = text.t_str();
     const WCHAR* last = first + text.Length();
     while (first < last && last[-1] <= 0x20) --last;
@@ -65,7 +64,7 @@ int TXmlSink<Unit>::PutEscaped(const UnicodeString& text) {
 }
 
 template <class Unit>
-void TXmlSink<Unit>::MakeRoom(std::size_t units) {
+void TXmlOutputBuffer<Unit>::MakeRoom(std::size_t units) {
     const auto used = static_cast<std::size_t>(at_ - first_);
     if (stream_ != nullptr && used >= kPiece) return Flush();
     const std::size_t least = stream_ != nullptr ? kPiece + kPiece / 4 : used * 2;
@@ -79,21 +78,21 @@ void TXmlSink<Unit>::MakeRoom(std::size_t units) {
 }
 
 template <class Unit>
-void TXmlSink<Unit>::Flush() {
+void TXmlOutputBuffer<Unit>::Flush() {
     const auto bytes = static_cast<int>((at_ - first_) * static_cast<int>(sizeof(Unit)));
     at_ = first_;
     if (bytes > 0) written_ += stream_->Write(first_, bytes);
 }
 
 template <class Unit>
-int TXmlSink<Unit>::Finish() {
+int TXmlOutputBuffer<Unit>::Finish() {
     if (lead_ != 0) PutMarkup("");
     Flush();
     return Clamped(written_);
 }
 
 template <>
-int TXmlSink<WCHAR>::FinishInto(UnicodeString& out) {
+int TXmlOutputBuffer<WCHAR>::FinishInto(UnicodeString& out) {
     const std::ptrdiff_t length = at_ - first_;
     const UnicodeString text(first_, length);
     if (out.IsEmpty()) {
@@ -104,24 +103,5 @@ int TXmlSink<WCHAR>::FinishInto(UnicodeString& out) {
     return Clamped(length);
 }
 
-template class TXmlSink<char>;
-template class TXmlSink<WCHAR>;
-
-int UnicodeStringToStream(Classes::TStream* stream, const UnicodeString& text,
-                          TCodePage code_page) {
-    switch (code_page) {
-        case System::kCodePageAnsi:
-        case System::kCodePageUtf8: {
-            TXmlSink<char> sink(stream);
-            sink.Put(text);
-            return sink.Finish();
-        }
-        case System::kCodePageUtf16: {
-            TXmlSink<WCHAR> sink(stream);
-            sink.Put(text);
-            return sink.Finish();
-        }
-        default:
-            return 0;
-    }
-}
+template class TXmlOutputBuffer<char>;
+template class TXmlOutputBuffer<WCHAR>;

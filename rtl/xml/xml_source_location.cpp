@@ -1,4 +1,4 @@
-#include "xml/xml_place.h"
+#include "xml/xml_source_location.h"
 
 #include <algorithm>
 #include <string>
@@ -69,11 +69,11 @@ int MarkLength(const void* bytes, int size) {
 
 }  // namespace
 
-UnicodeString TXmlPlace::Name() const {
+UnicodeString TXmlSourceLocation::Name() const {
     return TEXT("line ") + UnicodeString(line) + TEXT(", column ") + UnicodeString(column);
 }
 
-TXmlPlaces::TXmlPlaces(const void* bytes, int size, TCodePage code_page)
+TXmlSourceText::TXmlSourceText(const void* bytes, int size, TCodePage code_page)
     : bytes_(static_cast<const unsigned char*>(bytes)),
       mark_(MarkLength(bytes, size)),
       code_page_(code_page) {
@@ -86,13 +86,13 @@ TXmlPlaces::TXmlPlaces(const void* bytes, int size, TCodePage code_page)
     }
 }
 
-TXmlPlace TXmlPlaces::Find(int position) {
+TXmlSourceLocation TXmlSourceText::Find(int position) {
     if (!decoded_) return FindInText(position);
     return FindInText(
         TXmlDecodedText(bytes_ + mark_, std::max(position - mark_, 0), code_page_).Size());
 }
 
-TXmlPlace TXmlPlaces::FindInText(int position) {
+TXmlSourceLocation TXmlSourceText::FindInText(int position) {
     const std::size_t wanted = std::min(static_cast<std::size_t>(position), text_.size());
     if (wanted < at_) {
         at_ = line_start_ = decoded_ ? 0 : static_cast<std::size_t>(mark_);
@@ -114,11 +114,11 @@ TXmlPlace TXmlPlaces::FindInText(int position) {
     return {line_, column_, Show(at_)};
 }
 
-std::size_t TXmlPlaces::LineEnd() const {
+std::size_t TXmlSourceText::LineEnd() const {
     return std::min(text_.find_first_of("\r\n", at_), text_.size());
 }
 
-UnicodeString TXmlPlaces::Show(std::size_t at) const {
+UnicodeString TXmlSourceText::Show(std::size_t at) const {
     const std::size_t end = LineEnd();
     if (line_start_ == end) return UnicodeString();
     const std::size_t start = StepBack(text_, at, line_start_, kShownBefore);
@@ -138,10 +138,10 @@ UnicodeString TXmlPlaces::Show(std::size_t at) const {
 }
 
 UnicodeString DescribeXmlFault(const TXmlDoc& document, const void* bytes, int size,
-                               TXmlPlace* place) {
+                               TXmlSourceLocation* place) {
     const int result = document.ParseResult();
     if (result > 0) return UnicodeString();
-    TXmlPlaces places(bytes, size, document.CodePage);
+    TXmlSourceText places(bytes, size, document.CodePage);
     int at = result < 0 ? -result : size;
     UnicodeString opened;
     if (document.FaultOpened() >= 0) {
@@ -153,7 +153,7 @@ UnicodeString DescribeXmlFault(const TXmlDoc& document, const void* bytes, int s
         const bool nothing = last == std::string_view::npos;
         at = nothing ? 0 : static_cast<int>(last) + 1;
     }
-    const TXmlPlace found = result == 0 ? places.FindInText(at) : places.Find(at);
+    const TXmlSourceLocation found = result == 0 ? places.FindInText(at) : places.Find(at);
     if (place != nullptr) *place = found;
     UnicodeString text = found.Name() + TEXT(": ") + document.Fault() + opened;
     if (found.shown.Length() > 0) text += TEXT("\n") + found.shown;

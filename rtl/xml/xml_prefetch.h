@@ -1,12 +1,12 @@
 // Fetches what the end of a list of items needs before it is needed.
 #pragma once
 
-#include "xml/xml_items.h"
+#include "xml/xml_pair.h"
 
 // The items of a large tree lie in no cache, and neither do their texts' headers.
-class TXmlAhead {
+class TXmlPrefetch {
   public:
-    TXmlAhead(TXmlPair* const* items, int count) : items_(items), count_(count) {
+    TXmlPrefetch(TXmlPair* const* items, int count) : items_(items), count_(count) {
         for (int i = 0; i < kItems && i < count; ++i) Fetch(items[i]);
         for (int i = 0; i < kTexts && i < count; ++i) FetchText(i);
     }
