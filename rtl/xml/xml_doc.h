@@ -12,7 +12,7 @@
 
 class TAsciiCharFinder;
 struct TXmlSearchSets;
-struct TXmlParseState;
+class TXmlParser;
 
 // What a parse tells beside the tree it makes: where elements and texts stand, and what is lost.
 // Positions count bytes of the scanned text: of the input, or for UTF-16 and UTF-32 of its UTF-8
@@ -109,29 +109,12 @@ class QV_API TXmlDoc {
     UnicodeString Indentation;
 
   private:
-    struct TParsing;
+    friend class TXmlParser;
 
     void _Init();
     int ParseWith(TAsciiCharFinder& finder);
-    int ParseElements();
-    int ParseInstruction();
-    int ParseEndTag();
-    bool SkipNameOfOpen();
-    int ParseStartTag();
-    int ParsePieces(UnicodeString& text, bool in_attribute);
-    bool TakeLeaf(int length);
-    bool TakeAttribute(char tag_end);
-    const UnicodeString& TakeKey(int length);
-    int ParseAttribute(char end);
-    int CloseElement();
-    int ParseTail();
-    void SkipComment();
-    int Error() const;
-    void TellPassed(int from);
-    int Fail(const UnicodeString& reason);
-    int FailAtOpen(const UnicodeString& reason);
 
-    TXmlParseState* state_ = nullptr;        // set only during a parse
+    TXmlParser* parser_ = nullptr;           // set only during a parse
     TXmlParseObserver* observer_ = nullptr;  // not owned
     int parse_result_ = 0;
     int fault_opened_ = -1;

@@ -68,6 +68,7 @@ class QV_API TXmlNode : public TXmlPair {
 
   protected:
     friend class TXmlDoc;
+    friend class TXmlParser;
 
     // With a stream writes to it, otherwise appends to `out`; the bytes or code units written.
     int SaveTo(Classes::TStream* stream, UnicodeString* out, TXmlFormatter& format,

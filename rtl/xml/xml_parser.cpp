@@ -1,4 +1,3 @@
-// The parsing members of TXmlDoc: one forward pass over the bytes.
 #include "xml/xml_parser.h"
 
 #include <cstddef>
@@ -7,7 +6,6 @@
 
 #include "mox_classes/text/sysutils.h"
 #include "xml/xml_decode.h"
-#include "xml/xml_doc.h"
 #include "xml/xml_reference.h"
 
 namespace {
@@ -65,30 +63,12 @@ class TInAttributes {
     bool& mark_;
 };
 
+const TXmlSearchSets& SearchSets() {
+    static const TXmlSearchSets sets;
+    return sets;
+}
+
 }  // namespace
-
-// Gives the document its scanner, sets and names for one parse, and takes them back however the
-// parse ends.
-struct TXmlDoc::TParsing {
-    TParsing(TXmlDoc& document, TAsciiCharFinder& finder)
-        : doc(document), state(finder.TakesUtf8()) {
-        doc.FFinder = &finder;
-        static const TXmlSearchSets sets;
-        doc.FSets = &sets;
-        doc.state_ = &state;
-        if (!doc.FRootSeen) doc.FCurrent = nullptr;
-    }
-    ~TParsing() {
-        doc.FFinder = nullptr;
-        doc.FSets = nullptr;
-        doc.state_ = nullptr;
-    }
-    TParsing(const TParsing&) = delete;
-    TParsing& operator=(const TParsing&) = delete;
-
-    TXmlDoc& doc;
-    TXmlParseState state;
-};
 
 int TXmlDoc::Parse(const void* buffer, int size) {
     parse_result_ = 0;
@@ -111,34 +91,59 @@ int TXmlDoc::Parse(const void* buffer, int size) {
 }
 
 int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
-    const TParsing parsing(*this, finder);
+    TXmlParser parser(*this, finder);
     try {
-        parse_result_ = ParseElements();
+        parse_result_ = parser.ParseElements();
     } catch (const UnicodeString& text) {
-        parse_result_ = Fail(text);
+        parse_result_ = parser.Fail(text);
         throw;
     } catch (...) {
-        parse_result_ = Error();
+        parse_result_ = parser.Error();
         throw;
     }
     return parse_result_;
 }
 
-// Every step below returns 0 to go on, or what Parse is to return: the position behind the root's
-// end tag, or the negated position of an error.
-int TXmlDoc::ParseElements() {
-    while (!FFinder->Eof()) {
-        if (FFinder->Current() != '<') {
-            const int from = FFinder->Position();
-            const bool found = FFinder->FindAny('<', '>') == '<';
-            if (observer_ != nullptr) TellPassed(from);
+// Outside a parse there is nothing to read.
+UnicodeString TXmlDoc::ParseKey(char end) {
+    return parser_ == nullptr ? UnicodeString() : parser_->ParseKey(end);
+}
+
+int TXmlDoc::ParseAttributes(char end) {
+    return parser_ == nullptr ? -1 : parser_->ParseAttributes(end);
+}
+
+int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
+    return parser_ == nullptr ? -1 : parser_->ParseText(text, in_attribute);
+}
+
+TXmlParser::TXmlParser(TXmlDoc& document, TAsciiCharFinder& finder)
+    : doc_(document), finder_(finder), sets_(SearchSets()), utf8_(finder.TakesUtf8()) {
+    doc_.FFinder = &finder;
+    doc_.FSets = &sets_;
+    doc_.parser_ = this;
+    if (!doc_.FRootSeen) doc_.FCurrent = nullptr;
+}
+
+TXmlParser::~TXmlParser() {
+    doc_.FFinder = nullptr;
+    doc_.FSets = nullptr;
+    doc_.parser_ = nullptr;
+}
+
+int TXmlParser::ParseElements() {
+    while (!finder_.Eof()) {
+        if (finder_.Current() != '<') {
+            const int from = finder_.Position();
+            const bool found = finder_.FindAny('<', '>') == '<';
+            if (doc_.observer_ != nullptr) TellPassed(from);
             if (!found) {
-                FFinder->Skip(1);
+                finder_.Skip(1);
                 continue;
             }
         }
         int result = 0;
-        switch (FFinder->Next()) {
+        switch (finder_.Next()) {
             case '?':
                 result = ParseInstruction();
                 break;
@@ -146,7 +151,7 @@ int TXmlDoc::ParseElements() {
                 SkipComment();
                 break;
             case '[':
-                FFinder->Skip(1);
+                finder_.Skip(1);
                 break;
             case '/':
                 result = ParseEndTag();
@@ -156,139 +161,139 @@ int TXmlDoc::ParseElements() {
         }
         if (result != 0) return result;
     }
-    if (!FRootSeen) {
-        fault_ = TEXT("there is no element");
+    if (!doc_.FRootSeen) {
+        doc_.fault_ = TEXT("there is no element");
     } else {
-        FailAtOpen(TEXT("'") + FCurrent->FName + TEXT("' has no end tag"));
+        FailAtOpen(TEXT("'") + doc_.FCurrent->FName + TEXT("' has no end tag"));
     }
     return 0;
 }
 
 // Tells of characters that the scan has passed over between two tags.
-void TXmlDoc::TellPassed(int from) {
-    int to = FFinder->Position();
-    XmlTrimSpan(*FFinder, from, to);
-    if (from < to && FRootSeen) observer_->Passed(from);
+void TXmlParser::TellPassed(int from) {
+    int to = finder_.Position();
+    XmlTrimSpan(finder_, from, to);
+    if (from < to && doc_.FRootSeen) doc_.observer_->Passed(from);
 }
 
-int TXmlDoc::Fail(const UnicodeString& reason) {
-    fault_ = reason;
+int TXmlParser::Fail(const UnicodeString& reason) {
+    doc_.fault_ = reason;
     return Error();
 }
 
 // The same for a fault of the innermost open element.
-int TXmlDoc::FailAtOpen(const UnicodeString& reason) {
-    if (!state_->open.empty()) fault_opened_ = state_->open.back().from - 1;
+int TXmlParser::FailAtOpen(const UnicodeString& reason) {
+    if (!open_.empty()) doc_.fault_opened_ = open_.back().from - 1;
     return Fail(reason);
 }
 
 // 0 would mean the end of the input.
-int TXmlDoc::Error() const {
-    return FFinder->Position() > 0 ? -FFinder->Position() : -1;
+int TXmlParser::Error() const {
+    return finder_.Position() > 0 ? -finder_.Position() : -1;
 }
 
-int TXmlDoc::ParseInstruction() {
-    if (FRootSeen) return Fail(TEXT("an instruction stands behind the root's start tag"));
-    FFinder->Skip(2);
+int TXmlParser::ParseInstruction() {
+    if (doc_.FRootSeen) return Fail(TEXT("an instruction stands behind the root's start tag"));
+    finder_.Skip(2);
     const UnicodeString name = ParseKey('?');
     if (name.IsEmpty()) return Fail(TEXT("the instruction has no name"));
-    FCurrent = FProlog->AddChild(name);
-    if (FFinder->Current() != '?' || FFinder->Next() != '>') {
+    doc_.FCurrent = doc_.FProlog->AddChild(name);
+    if (finder_.Current() != '?' || finder_.Next() != '>') {
         const int result = ParseAttributes('?');
-        if (result < 0 && !state_->bare_name) return result;
-        if (FFinder->Current() != '?' || FFinder->Next() != '>') {
+        if (result < 0 && !bare_name_) return result;
+        if (finder_.Current() != '?' || finder_.Next() != '>') {
             return Fail(TEXT("the instruction '") + name + TEXT("' does not end with '?>'"));
         }
     }
-    FFinder->Skip(2);
-    FCurrent = nullptr;
+    finder_.Skip(2);
+    doc_.FCurrent = nullptr;
     return 0;
 }
 
 // From a '<' and a '!'. What is not a comment is stepped into: the scan goes on behind the '<'.
-void TXmlDoc::SkipComment() {
-    if (FFinder->b(2) != '-' || FFinder->b(3) != '-') return FFinder->Skip(1);
-    FFinder->Skip(3);
-    while (!FFinder->Eof()) {
+void TXmlParser::SkipComment() {
+    if (finder_.b(2) != '-' || finder_.b(3) != '-') return finder_.Skip(1);
+    finder_.Skip(3);
+    while (!finder_.Eof()) {
         const bool end =
-            FFinder->FindAny('<', '>') == '>' && FFinder->b(-1) == '-' && FFinder->b(-2) == '-';
-        FFinder->Skip(1);
+            finder_.FindAny('<', '>') == '>' && finder_.b(-1) == '-' && finder_.b(-2) == '-';
+        finder_.Skip(1);
         if (end) return;
     }
 }
 
-int TXmlDoc::ParseEndTag() {
-    FFinder->Skip(2);
+int TXmlParser::ParseEndTag() {
+    finder_.Skip(2);
     if (!SkipNameOfOpen()) {
         const UnicodeString name = ParseKey('>');
-        if (FFinder->Current() != '>') return Fail(TEXT("the end tag does not end with '>'"));
-        if (FCurrent == nullptr) return Fail(TEXT("the end tag closes no element"));
-        if (!XmlNamesEqual(name, FCurrent->FName)) {
+        if (finder_.Current() != '>') return Fail(TEXT("the end tag does not end with '>'"));
+        if (doc_.FCurrent == nullptr) return Fail(TEXT("the end tag closes no element"));
+        if (!XmlNamesEqual(name, doc_.FCurrent->FName)) {
             return FailAtOpen(TEXT("the end tag is of '") + name +
-                              TEXT("', the open element is '") + FCurrent->FName + TEXT("'"));
+                              TEXT("', the open element is '") + doc_.FCurrent->FName + TEXT("'"));
         }
     }
-    FFinder->Skip(1);
+    finder_.Skip(1);
     return CloseElement();
 }
 
 // The common end tag, which repeats the bytes of the start tag: moves to its '>'.
-bool TXmlDoc::SkipNameOfOpen() {
-    if (state_->open.empty()) return false;
-    const TXmlNameSpan& name = state_->open.back();
-    const int left = FFinder->Size() - FFinder->Position();
-    if (left <= name.length || FFinder->b(name.length) != '>') return false;
-    const unsigned char* bytes = FFinder->Bytes(FFinder->Position());
-    if (!SameBytes(bytes, FFinder->Bytes(name.from), name.length, left)) return false;
-    FFinder->Skip(name.length);
+bool TXmlParser::SkipNameOfOpen() {
+    if (open_.empty()) return false;
+    const TNameSpan& name = open_.back();
+    const int left = finder_.Size() - finder_.Position();
+    if (left <= name.length || finder_.b(name.length) != '>') return false;
+    const unsigned char* bytes = finder_.Bytes(finder_.Position());
+    if (!SameBytes(bytes, finder_.Bytes(name.from), name.length, left)) return false;
+    finder_.Skip(name.length);
     return true;
 }
 
-int TXmlDoc::ParseStartTag() {
-    FFinder->Skip(1);
-    const int start = FFinder->Position();
-    const int length = PlainKeyLength(*FFinder, start, '/', '<');
+int TXmlParser::ParseStartTag() {
+    finder_.Skip(1);
+    const int start = finder_.Position();
+    const int length = PlainKeyLength(finder_, start, '/', '<');
     if (length > 0 && TakeLeaf(length)) return ParseTail();
     UnicodeString name = length > 0 ? TakeKey(length) : ParseKey('/');
     if (name.IsEmpty()) return Fail(TEXT("the tag has no name"));
-    state_->open.push_back({start, state_->key_end - start});
-    if (!FRootSeen) {
-        FRoot->FName = std::move(name);
-        FCurrent = FRoot;
-        FRootSeen = true;
+    open_.push_back({start, key_end_ - start});
+    if (!doc_.FRootSeen) {
+        doc_.FRoot->FName = std::move(name);
+        doc_.FCurrent = doc_.FRoot;
+        doc_.FRootSeen = true;
     } else {
-        FCurrent = FCurrent->AppendChild(std::move(name));
+        doc_.FCurrent = doc_.FCurrent->AppendChild(std::move(name));
     }
-    if (observer_ != nullptr) observer_->Opened(*FCurrent, start - 1);
+    if (doc_.observer_ != nullptr) doc_.observer_->Opened(*doc_.FCurrent, start - 1);
     bool is_bare = false;
-    if (FFinder->Current() != '/' && FFinder->Current() != '>') {
+    if (finder_.Current() != '/' && finder_.Current() != '>') {
         const int result = ParseAttributes('/');
-        if (result < 0 && !state_->bare_name) return result;
+        if (result < 0 && !bare_name_) return result;
         is_bare = result < 0;
     }
-    if (FFinder->Current() == '/' && FFinder->Next() == '>') {
-        FFinder->Skip(2);
+    if (finder_.Current() == '/' && finder_.Next() == '>') {
+        finder_.Skip(2);
         return CloseElement();
     }
-    if (FFinder->Current() != '>' && is_bare) return Error();
-    if (FFinder->Current() != '>') return Fail(TEXT("the tag does not end with '>' or '/>'"));
-    FFinder->Skip(1);
-    if (observer_ != nullptr) observer_->TextBegins(*FCurrent, FFinder->Position());
-    const int result = ParseText(FCurrent->FValue, false);
+    if (finder_.Current() != '>' && is_bare) return Error();
+    if (finder_.Current() != '>') return Fail(TEXT("the tag does not end with '>' or '/>'"));
+    finder_.Skip(1);
+    if (doc_.observer_ != nullptr) doc_.observer_->TextBegins(*doc_.FCurrent, finder_.Position());
+    const int result = ParseText(doc_.FCurrent->FValue, false);
     return result < 0 ? result : 0;
 }
 
 // Takes <name>text</name> in one step, which most elements are: from a name of `length` plain bytes
 // to behind the end tag. False, and nothing has changed, for any other element and whenever one of
 // the ways of its parts has more to do.
-bool TXmlDoc::TakeLeaf(int length) {
-    if (!FRootSeen || observer_ != nullptr) return false;
-    const int start = FFinder->Position();
-    const unsigned char* const name = FFinder->Bytes(start);
-    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
+bool TXmlParser::TakeLeaf(int length) {
+    if (!doc_.FRootSeen || doc_.observer_ != nullptr) return false;
+    const int start = finder_.Position();
+    const unsigned char* const name = finder_.Bytes(start);
+    const unsigned char* const end = finder_.Bytes(finder_.Size());
     const unsigned char* const text = name + length + 1;
     if (text[-1] != '>' || text == end || *text <= 0x20) return false;
-    const unsigned char* const behind = state_->text.Decode<'<'>(text, end, state_->utf8);
+    const unsigned char* const behind = text_.Decode<'<'>(text, end, utf8_);
     if (behind == nullptr || end - behind < length + 3) return false;
     const unsigned char* const repeated = behind + 2;
     if (behind[1] != '/' || repeated[length] != '>' ||
@@ -296,160 +301,159 @@ bool TXmlDoc::TakeLeaf(int length) {
         return false;
     }
     const auto move_to = [&](const unsigned char* at) {
-        FFinder->MoveTo(start + static_cast<int>(at - name));
+        finder_.MoveTo(start + static_cast<int>(at - name));
     };
-    FCurrent = FCurrent->AppendChild(state_->names.GetTrimmed(*FFinder, start, start + length));
+    doc_.FCurrent = doc_.FCurrent->AppendChild(names_.GetTrimmed(finder_, start, start + length));
     move_to(text);
-    FCurrent->FValue = state_->text.Trimmed();
+    doc_.FCurrent->FValue = text_.Trimmed();
     move_to(repeated + length + 1);
     return true;
 }
 
 // Behind an end tag or an empty element.
-int TXmlDoc::CloseElement() {
-    if (!state_->open.empty()) state_->open.pop_back();
+int TXmlParser::CloseElement() {
+    if (!open_.empty()) open_.pop_back();
     return ParseTail();
 }
 
 // The text up to the next tag, then back to the owner.
-int TXmlDoc::ParseTail() {
-    if (FCurrent->GetOwner() == nullptr) return FFinder->Position();
-    const int start = FFinder->Position();
-    FFinder->SkipBlanks();
-    if (FFinder->Current() != '<' || !FCurrent->FTail.IsEmpty()) {
-        FFinder->MoveTo(start);
-        const int result = ParseText(FCurrent->FTail, false);
+int TXmlParser::ParseTail() {
+    if (doc_.FCurrent->GetOwner() == nullptr) return finder_.Position();
+    const int start = finder_.Position();
+    finder_.SkipBlanks();
+    if (finder_.Current() != '<' || !doc_.FCurrent->FTail.IsEmpty()) {
+        finder_.MoveTo(start);
+        const int result = ParseText(doc_.FCurrent->FTail, false);
         if (result < 0) return result;
     }
-    FCurrent = FCurrent->GetOwner();
+    doc_.FCurrent = doc_.FCurrent->GetOwner();
     return 0;
 }
 
-UnicodeString TXmlDoc::ParseKey(char end) {
-    const int start = FFinder->Position();
-    const char quote = state_->in_attributes ? '"' : '<';
-    if (const int length = PlainKeyLength(*FFinder, start, end, quote)) return TakeKey(length);
-    FFinder->FindAny('<', '>', ' ', '=', end, quote);
-    if (FFinder->Eof()) return UnicodeString();
-    state_->key_end = FFinder->Position();
-    UnicodeString key = state_->names.Get(*FFinder, start, state_->key_end);
-    FFinder->FindSignificant(&FSets->Significant);
+UnicodeString TXmlParser::ParseKey(char end) {
+    const int start = finder_.Position();
+    const char quote = in_attributes_ ? '"' : '<';
+    if (const int length = PlainKeyLength(finder_, start, end, quote)) return TakeKey(length);
+    finder_.FindAny('<', '>', ' ', '=', end, quote);
+    if (finder_.Eof()) return UnicodeString();
+    key_end_ = finder_.Position();
+    UnicodeString key = names_.Get(finder_, start, key_end_);
+    finder_.FindSignificant(&sets_.Significant);
     return key;
 }
 
 // The key of `length` plain bytes at the position.
-const UnicodeString& TXmlDoc::TakeKey(int length) {
-    const int start = FFinder->Position();
-    FFinder->Skip(length);
-    state_->key_end = start + length;
-    if (FFinder->Current() == ' ') FFinder->FindSignificant(&FSets->Significant);
-    return state_->names.GetTrimmed(*FFinder, start, start + length);
+const UnicodeString& TXmlParser::TakeKey(int length) {
+    const int start = finder_.Position();
+    finder_.Skip(length);
+    key_end_ = start + length;
+    if (finder_.Current() == ' ') finder_.FindSignificant(&sets_.Significant);
+    return names_.GetTrimmed(finder_, start, start + length);
 }
 
-int TXmlDoc::ParseAttributes(char end) {
-    const TInAttributes mark(state_->in_attributes);
-    state_->bare_name = false;
-    while (FFinder->Current() != '>') {
-        if (FFinder->Current() == static_cast<unsigned char>(end)) break;
+int TXmlParser::ParseAttributes(char end) {
+    const TInAttributes mark(in_attributes_);
+    bare_name_ = false;
+    while (finder_.Current() != '>') {
+        if (finder_.Current() == static_cast<unsigned char>(end)) break;
         if (!TakeAttribute(end)) {
             const int result = ParseAttribute(end);
             if (result < 0) return result;
         }
-        FFinder->Skip(1);
-        FFinder->FindSignificant(&FSets->Significant);
-        if (FFinder->Eof()) return Fail(TEXT("the tag has no end"));
+        finder_.Skip(1);
+        finder_.FindSignificant(&sets_.Significant);
+        if (finder_.Eof()) return Fail(TEXT("the tag has no end"));
     }
-    return FFinder->Position();
+    return finder_.Position();
 }
 
 // Takes name="value" in one step, up to its last quote, as TakeLeaf does.
-bool TXmlDoc::TakeAttribute(char tag_end) {
-    const int start = FFinder->Position();
-    const int length = PlainKeyLength(*FFinder, start, tag_end, '"');
-    const unsigned char* const name = FFinder->Bytes(start);
-    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
+bool TXmlParser::TakeAttribute(char tag_end) {
+    const int start = finder_.Position();
+    const int length = PlainKeyLength(finder_, start, tag_end, '"');
+    const unsigned char* const name = finder_.Bytes(start);
+    const unsigned char* const end = finder_.Bytes(finder_.Size());
     const unsigned char* const text = name + length + 2;
     if (length == 0 || end - text < 1 || text[-2] != '=' || text[-1] != '"') return false;
-    const unsigned char* const behind = state_->text.Decode<'"'>(text, end, state_->utf8);
+    const unsigned char* const behind = text_.Decode<'"'>(text, end, utf8_);
     if (behind == nullptr) return false;
-    FFinder->MoveTo(start + length + 2);
-    FCurrent->AppendAttribute(state_->names.GetTrimmed(*FFinder, start, start + length),
-                              state_->text.Whole());
-    FFinder->MoveTo(start + static_cast<int>(behind - name));
+    finder_.MoveTo(start + length + 2);
+    doc_.FCurrent->AppendAttribute(names_.GetTrimmed(finder_, start, start + length),
+                                   text_.Whole());
+    finder_.MoveTo(start + static_cast<int>(behind - name));
     return true;
 }
 
-int TXmlDoc::ParseAttribute(char end) {
+int TXmlParser::ParseAttribute(char end) {
     UnicodeString name = ParseKey(end);
     if (name.IsEmpty()) return Fail(TEXT("the attribute has no name"));
-    if (FFinder->Current() != '=') {
-        state_->bare_name = true;
+    if (finder_.Current() != '=') {
+        bare_name_ = true;
         return Fail(TEXT("the attribute '") + name + TEXT("' has no '='"));
     }
-    FFinder->Skip(1);
-    if (FFinder->Current() != '"' && FFinder->FindAny('<', '>', '"') != '"') {
+    finder_.Skip(1);
+    if (finder_.Current() != '"' && finder_.FindAny('<', '>', '"') != '"') {
         return Fail(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
     }
-    FFinder->Skip(1);
+    finder_.Skip(1);
     UnicodeString value;
     const int result = ParseText(value, true);
-    if (result >= 0) FCurrent->AppendAttribute(std::move(name), std::move(value));
+    if (result >= 0) doc_.FCurrent->AppendAttribute(std::move(name), std::move(value));
     return result;
 }
 
-int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
-    const int start = FFinder->Position();
+int TXmlParser::ParseText(UnicodeString& text, bool in_attribute) {
+    const int start = finder_.Position();
     if (!in_attribute) {
-        FFinder->SkipBlanks();
-        if (FFinder->Current() == '<' && text.IsEmpty()) return FFinder->Position();
+        finder_.SkipBlanks();
+        if (finder_.Current() == '<' && text.IsEmpty()) return finder_.Position();
     }
-    const unsigned char* const from = FFinder->Bytes(FFinder->Position());
-    const unsigned char* const end = FFinder->Bytes(FFinder->Size());
-    const unsigned char* const to = in_attribute
-                                        ? state_->text.Decode<'"'>(from, end, state_->utf8)
-                                        : state_->text.Decode<'<'>(from, end, state_->utf8);
+    const unsigned char* const from = finder_.Bytes(finder_.Position());
+    const unsigned char* const end = finder_.Bytes(finder_.Size());
+    const unsigned char* const to =
+        in_attribute ? text_.Decode<'"'>(from, end, utf8_) : text_.Decode<'<'>(from, end, utf8_);
     if (to == nullptr || !text.IsEmpty()) {
-        FFinder->MoveTo(start);
+        finder_.MoveTo(start);
         return ParsePieces(text, in_attribute);
     }
-    text = in_attribute ? state_->text.Whole() : state_->text.Trimmed();
-    FFinder->MoveTo(FFinder->Position() + static_cast<int>(to - from));
-    return FFinder->Position();
+    text = in_attribute ? text_.Whole() : text_.Trimmed();
+    finder_.MoveTo(finder_.Position() + static_cast<int>(to - from));
+    return finder_.Position();
 }
 
-int TXmlDoc::ParsePieces(UnicodeString& text, bool in_attribute) {
+int TXmlParser::ParsePieces(UnicodeString& text, bool in_attribute) {
     const unsigned char end = in_attribute ? '"' : '<';
-    TPieces& pieces = state_->pieces;  // what stands before `start`
+    TPieces& pieces = pieces_;  // what stands before `start`
     pieces.clear();
-    int start = FFinder->Position();
+    int start = finder_.Position();
     bool in_reference = false;
     unsigned char octet = 0;
-    while ((octet = FFinder->FindAny('"', '&', ';', '<', '>')) != end) {
-        const int at = FFinder->Position();
+    while ((octet = finder_.FindAny('"', '&', ';', '<', '>')) != end) {
+        const int at = finder_.Position();
         bool failed = octet == '>' || (octet == '&' && in_reference);
         if (octet == '&' && !in_reference) {
-            AppendSpan(pieces, *FFinder, start, at);
+            AppendSpan(pieces, finder_, start, at);
             start = at;
             in_reference = true;
         } else if (octet == ';' && in_reference) {
-            failed = !AppendXmlReference(pieces, *FFinder, start + 1, at);
+            failed = !AppendXmlReference(pieces, finder_, start + 1, at);
             if (!failed) start = at + 1;
             in_reference = false;
         }
-        if (failed || FFinder->Eof()) {
+        if (failed || finder_.Eof()) {
             AppendPieces(text, pieces);
-            return failed ? Fail(TextFault(*FFinder, start, at)) : at;
+            return failed ? Fail(TextFault(finder_, start, at)) : at;
         }
-        FFinder->Skip(1);
+        finder_.Skip(1);
     }
-    const int at = FFinder->Position();
+    const int at = finder_.Position();
     if (pieces.empty() && text.IsEmpty()) {
         int to = at;
-        if (!in_attribute) XmlTrimSpan(*FFinder, start, to);
-        text = FFinder->Read(start, to);
+        if (!in_attribute) XmlTrimSpan(finder_, start, to);
+        text = finder_.Read(start, to);
         return at;
     }
-    AppendSpan(pieces, *FFinder, start, at);
+    AppendSpan(pieces, finder_, start, at);
     AppendPieces(text, pieces);
     if (!in_attribute) text = Sysutils::Trim(text);
     return at;
