@@ -11,7 +11,7 @@
 
 namespace {
 
-// The built-in Administrators group, made anew for each use.
+// The SID of the built-in Administrators group. It is made for each use.
 struct TSidPolicy {
     using Handle = PSID;
     static Handle None() { return nullptr; }

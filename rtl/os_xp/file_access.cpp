@@ -9,13 +9,13 @@ namespace {
 constexpr SECURITY_INFORMATION kFileSecurity =
     OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
 
-// The reason of a call that has just failed; never 0, which would say that it had not.
+// The error code of the call that has just failed; never 0, because 0 means success.
 LONG FailureCode() {
     const DWORD code = GetLastError();
     return static_cast<LONG>(code == NO_ERROR ? DWORD{ERROR_GEN_FAILURE} : code);
 }
 
-// The thread acting for its own user, by an impersonation token of its own.
+// Lets the thread impersonate its own user while it lives.
 class TSelfImpersonation {
   public:
     TSelfImpersonation() : active_(ImpersonateSelf(SecurityImpersonation) != FALSE) {}
@@ -30,7 +30,8 @@ class TSelfImpersonation {
     const bool active_;
 };
 
-// Empty, with the reason in the last error, when it cannot be read.
+// Reads the security descriptor of a file. Empty, with the reason in the last error, when it cannot
+// be read.
 std::vector<BYTE> SecurityOf(const UnicodeString& file) {
     DWORD size = 0;
     GetFileSecurityW(file.t_str(), kFileSecurity, nullptr, 0, &size);

@@ -12,7 +12,8 @@ static_assert(sizeof(OPENFILENAMEW) == 152);
 
 namespace {
 
-// The dialog's list: texts separated by zeros, ended by two.
+// The filter as the dialog wants it: texts that end with a 0 unit each, and one more 0 unit at the
+// end.
 std::basic_string<WCHAR> FilterList(const UnicodeString& filter) {
     std::basic_string<WCHAR> list(filter.t_str(), static_cast<size_t>(filter.Length()));
     std::replace(list.begin(), list.end(), WCHAR{'|'}, WCHAR{0});
@@ -49,7 +50,7 @@ bool OpenSaveFileDialog(HWND owner, UnicodeString defaultExt, UnicodeString filt
     dialog.lpstrTitle = TextOrNull(title);
     dialog.lpstrDefExt = TextOrNull(defaultExt);
     dialog.Flags = DialogFlags(mustExist, overwritePrompt, noChangeDir);
-    // Without an owner the dialog would open behind the window in front.
+    // A dialog without an owner would open behind the window in front.
     if (owner == nullptr) SetForegroundWindow(nullptr);
     const BOOL chosen = open ? GetOpenFileNameW(&dialog) : GetSaveFileNameW(&dialog);
     if (chosen) fileName = UnicodeString(static_cast<const WCHAR*>(name));

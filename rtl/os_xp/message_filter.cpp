@@ -15,7 +15,7 @@ HMODULE KeptModule() {
     HMODULE kept = kept_module.load();
     if (kept != nullptr) return kept;
     os_xp::TModule loaded(LoadLibraryW(TEXT("USER32.DLL")));
-    // Of two threads that load at once one keeps its reference.
+    // When two threads load the module at the same time, only one reference is kept.
     if (kept_module.compare_exchange_strong(kept, loaded.Get())) return loaded.Release();
     return kept;
 }

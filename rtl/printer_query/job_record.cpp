@@ -15,8 +15,8 @@ constexpr LPWSTR JOB_INFO_2W::*kStringMembers[ADP_JOB_INFO_2W::kStrings] = {
     &JOB_INFO_2W::pPrintProcessor, &JOB_INFO_2W::pParameters,  &JOB_INFO_2W::pDriverName,
     &JOB_INFO_2W::pStatus};
 
-// The part of a DEVMODE that holds its sizes. A job without DEVMODE is encoded with this much of
-// zeros, so that a reader finds a DEVMODE of 0 bytes.
+// The part of a DEVMODE up to the end of its size members. A job without a DEVMODE is encoded with
+// this many zero bytes, so that a reader finds a DEVMODE of 0 bytes.
 constexpr std::int64_t kSizesEnd = offsetof(DEVMODEW, dmFields);
 
 // A holder whose buffer is filled here.
@@ -51,7 +51,7 @@ std::int64_t DevModeBytes(const void* dm) {
     return std::int64_t{header.dmSize} + header.dmDriverExtra;
 }
 
-// Between the two records, either way: they name what they share alike.
+// Copies the members that both records have, in either direction.
 template <class From, class To>
 void CopyNumbers(const From& from, To& to) {
     to.JobId = from.JobId;
@@ -66,7 +66,7 @@ void CopyNumbers(const From& from, To& to) {
     to.PagesPrinted = from.PagesPrinted;
 }
 
-// Decodes a block whose DEVMODE, of `dm_bytes` bytes (0: none), ends its data area.
+// Decodes a block. Its DEVMODE has `dm_bytes` bytes (0: none) and ends the data area.
 TW32StructData<JOB_INFO_2W> Decode(const ADP_JOB_INFO_2W& block, const void* data,
                                    std::int64_t dm_bytes) {
     TFilledHolder<JOB_INFO_2W> result;
@@ -86,7 +86,7 @@ TW32StructData<JOB_INFO_2W> Decode(const ADP_JOB_INFO_2W& block, const void* dat
     return result;
 }
 
-// A string that begins at an even offset and ends, terminator included, before `end`.
+// Whether a string begins at an even offset and ends, terminator included, before `end`.
 bool IsString(const char* data, std::int64_t offset, std::int64_t end) {
     if (offset % 2 != 0) return false;
     for (; offset + 2 <= end; offset += 2) {
@@ -95,8 +95,8 @@ bool IsString(const char* data, std::int64_t offset, std::int64_t end) {
     return false;
 }
 
-// The DEVMODE's size, 0 when there is none, -1 when it does not end the data area of `data_bytes`
-// bytes.
+// The size of the DEVMODE in bytes; 0 when there is none, -1 when it does not end with the data
+// area of `data_bytes` bytes.
 std::int64_t CheckedDevModeBytes(const char* data, std::int64_t offset, std::int64_t data_bytes) {
     if (offset + kSizesEnd > data_bytes) return -1;
     const std::int64_t bytes = DevModeBytes(data + offset);

@@ -20,11 +20,11 @@ using TDevModeResult = printer_query::TRecordResult<DEVMODEW>;
 
 constexpr DWORD kUserLevel = 9;
 constexpr UINT kBroadcastMilliseconds = 500;
-// A block without its two sizes and the mask of its fields says nothing.
+// The smallest block that is accepted: it holds both sizes and the mask of its fields.
 constexpr std::size_t kSmallestBlock = offsetof(DEVMODEW, dmFields) + sizeof(DWORD);
 
-// The size that the block at the start of `bytes` states, 0 unless they hold that much. The block
-// need not be aligned.
+// The size that the block at the start of `bytes` states, or 0 when `bytes` is shorter than that.
+// The block need not be aligned.
 DWORD StatedSize(std::span<const BYTE> bytes) {
     if (bytes.size() < kSmallestBlock) return 0;
     WORD size;
@@ -35,8 +35,8 @@ DWORD StatedSize(std::span<const BYTE> bytes) {
     return size >= kSmallestBlock && stated <= bytes.size() ? stated : 0;
 }
 
-// Copies the block at `devmode`, which the spooler put somewhere into `buffer`, whole. False when
-// it is not inside.
+// Copies the block at `devmode`. The spooler put it somewhere into `buffer`; false when it is not
+// wholly inside.
 bool CopyBlock(std::span<const BYTE> buffer, const DEVMODEW* devmode, TDevModeResult& result) {
     const auto begin = reinterpret_cast<UINT_PTR>(buffer.data());
     const auto place = reinterpret_cast<UINT_PTR>(devmode);
@@ -44,13 +44,13 @@ bool CopyBlock(std::span<const BYTE> buffer, const DEVMODEW* devmode, TDevModeRe
     const std::span<const BYTE> rest = buffer.subspan(place - begin);
     const DWORD size = StatedSize(rest);
     if (size == 0) return false;
-    // A short block is one record all the same: its holder is as large as the block.
+    // A block shorter than DEVMODEW counts as one record; the holder is as large as the block.
     result.ReserveBlock(size);
     std::memcpy(result.Bytes(), rest.data(), size);
     return true;
 }
 
-// Puts `code` into the result and logs it; `format` ends with the error text.
+// Stores `code` in the result and logs it. `format` ends with the place of the error text.
 template <class... Args>
 void Fail(TDevModeResult& result, DWORD code, const WCHAR* format, const Args&... arguments) {
     result.SetErrorCode(code);

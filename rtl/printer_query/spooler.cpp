@@ -19,8 +19,8 @@ using Sysutils::UnicodePrintf;
 
 namespace {
 
-// The buffer of a query whose answer is a text: `needed` bytes and the whole units that they give,
-// of which the last one is the terminator.
+// The buffer of a query whose answer is a text. It has `needed` bytes; the last whole unit is the
+// terminator.
 class TTextBuffer {
   public:
     LPBYTE Reserve(DWORD needed) {
@@ -122,7 +122,7 @@ TW32StructData<JOB_INFO_1W> GetPrintersJobs(HANDLE printer, DWORD count) {
 
 namespace {
 
-// A holder of its own for one monitor, with its three strings behind the record.
+// Copies one monitor into a holder of its own, with its three strings behind the record.
 TW32StructData<MONITOR_INFO_2W> SelfContained(const MONITOR_INFO_2W& monitor) {
     const UnicodeString texts[] = {monitor.pName, monitor.pEnvironment, monitor.pDLLName};
     std::size_t units = 0;
@@ -169,7 +169,7 @@ UnicodeString ReadPrinterData(HANDLE printer, UnicodeString valueName) {
         },
         [&](DWORD needed) { return buffer.Reserve(needed); });
     if (query.answer == TAnswer::Filled) return buffer.Text();
-    // The call returns its error; the last error need not have it.
+    // The error code is the call's result. The last error may be another one.
     LogHere('X', UnicodePrintf(TEXT("GetPrinterDataW(Key=%s): %s"), valueName,
                                GetSysError(query.code, true)));
     return UnicodeString();

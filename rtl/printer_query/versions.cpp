@@ -11,10 +11,10 @@
 
 namespace {
 
-// More than any real version resource has.
+// In bytes. Real version resources are far smaller.
 constexpr DWORD kLargestResource = 16 * 1024 * 1024;
 
-// Null for a format that does not read these arguments from the first one on.
+// The format itself, or null when it reads other arguments than these.
 template <class... Args>
 UnicodeString FormatChecked(const UnicodeString& format, const Args&... arguments) {
     constexpr System::TFormatKind kKinds[] = {System::FormatKindOf<Args>()...};

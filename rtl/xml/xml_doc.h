@@ -62,8 +62,6 @@ class QV_API TXmlDoc {
     // The byte position of the start tag that a fault is about as well, -1 when there is none: of
     // the element whose end tag is missing.
     int FaultOpened() const { return fault_opened_; }
-    // Hands out what a parse passes over and where the elements stand; null for none. The object
-    // must outlive every parse.
     void SetObserver(TXmlParseObserver* observer) { observer_ = observer; }
 
     // Opens a file for ReadFile in place of one that is open.

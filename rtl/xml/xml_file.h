@@ -7,8 +7,8 @@
 
 #include "mox_classes/containers/streams.h"
 
-// As many bytes as the stream's size, from its current position: a stream that is not at its start
-// throws "Stream read failed", one above 2 GiB - 1 bytes "Out of range".
+// Reads as many bytes as the stream's size, from the current position. A stream that is not at its
+// start throws "Stream read failed"; one above 2 GiB - 1 bytes throws "Out of range".
 inline std::vector<unsigned char> ReadWhole(Classes::TStream& stream) {
     const std::int64_t size = stream.GetSize();
     if (size < 0 || size > std::numeric_limits<int>::max()) throw UnicodeString("Out of range");
@@ -17,8 +17,8 @@ inline std::vector<unsigned char> ReadWhole(Classes::TStream& stream) {
     return bytes;
 }
 
-// The writer passes on how much a stream took; a file that takes less than all of it, on a full
-// disk, must not go unnoticed: "Stream write failed" is thrown.
+// A file that takes less than what is written, for instance on a full disk, throws "Stream write
+// failed". The writer alone would only return the number of bytes.
 class TXmlFile : public Classes::TFileStream {
   public:
     explicit TXmlFile(const UnicodeString& name) : TFileStream(name, kCreate) {}

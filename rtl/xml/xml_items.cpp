@@ -13,19 +13,20 @@
 
 namespace {
 
-// Up to this many items a plain scan is faster than any index.
+// In lists up to this length a plain scan is faster than an index.
 constexpr int kSmallList = 16;
-// So many slots of the exact table are looked at before the name index is asked.
+// The number of slots of the exact table that a lookup tries before it asks the name index.
 constexpr int kProbes = 32;
 
-// For each slot of a table that is being filled the way to the next free one, upwards and around.
+// Finds free slots of a table that is being filled. For each slot it keeps the way to the next free
+// one.
 class TFreeSlots {
   public:
     explicit TFreeSlots(int count) : next_(static_cast<std::size_t>(count)) {
         std::iota(next_.begin(), next_.end(), 0u);
     }
 
-    // The first free slot from `start` on, which is taken. There must be one.
+    // Takes the first free slot at or behind `start`, around the end if needed. One must be free.
     std::size_t Take(std::size_t start) {
         std::size_t slot = start;
         while (next_[slot] != slot) {
@@ -40,7 +41,7 @@ class TFreeSlots {
     std::vector<std::uint32_t> next_;
 };
 
-// Lists may be larger than System::ReallocMemory can say.
+// As System::ReallocMemory, for blocks that may be larger than its 31 bits.
 void* ResizedBlock(void* block, SIZE_T size) {
     const HANDLE heap = System::TProcessHeap::Handle();
     void* resized = block == nullptr ? HeapAlloc(heap, 0, size) : HeapReAlloc(heap, 0, block, size);
@@ -63,8 +64,8 @@ TXmlItems::~TXmlItems() {
     System::FreeMemory(FList);
 }
 
-// Half as much again: most lists are short, and a heap that resizes within a size class moves
-// nothing.
+// Grows by half: most lists are short, and the heap does not move a block that stays in its size
+// class.
 void TXmlItems::Grow() {
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     constexpr std::int32_t kFirst = 4;
@@ -135,7 +136,7 @@ void TXmlItems::Build(TCodePage) {
     const int count = GetCount();
     FSlots = std::make_unique<THashSlot[]>(static_cast<std::size_t>(count));
     names_.reset();
-    // A scan for the free slot would take quadratic time when many names share a hash.
+    // When many names share a hash, a scan for the free slot would take quadratic time.
     TFreeSlots free_slots(count > kSmallList ? count : 0);
     for (int i = 0; i < count; ++i) {
         const std::uint32_t hash = Sysutils::StringHash(FList[i]->FName);

@@ -8,8 +8,8 @@ namespace {
 
 constexpr std::size_t kFirstEntries = 64;
 
-// Eight bytes at a time. The seed differs from index to index and from run to run, so that names
-// cannot easily be made to collide.
+// Hashes eight bytes at a time. The seed differs for each index and each run, so that nobody can
+// choose names that collide.
 std::uint32_t HashOf(const UnicodeString& name, std::uint64_t seed) {
     constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
     const auto* bytes = reinterpret_cast<const char*>(name.t_str());

@@ -15,9 +15,9 @@ void TXmlNode::Clear() {
     }
 }
 
-// Deletes both lists and the children that have none; the others go to the front of `pending`,
-// which is linked through the owner members: nodes about to die need no owner, and a tree of any
-// depth comes down without recursion and without memory.
+// Deletes both lists and all children that have no lists. The other children go to the front of
+// `pending`, a list that is linked through the owner members: a node that is about to be deleted
+// needs no owner. So a tree of any depth is deleted without recursion and without memory.
 void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
     delete std::exchange(FAttributes, nullptr);
     if (FChildren == nullptr) return;

@@ -7,9 +7,10 @@
 
 namespace {
 
-// What makes a write worth while. It stays within a processor's own cache.
+// The number of units that are written to the stream at once. A buffer of this size stays in the
+// processor's cache.
 constexpr std::size_t kPiece = 65536;
-// So many units are encoded before the room is checked again.
+// The number of units that are encoded before the room is checked again.
 constexpr std::ptrdiff_t kRun = 1024;
 
 int Clamped(long long amount) {

@@ -1,5 +1,5 @@
-// Where the writer puts its text: encoded straight into one buffer, which goes to a stream in large
-// pieces or becomes a string.
+// The buffer that the writer fills. Text is encoded straight into it; then it goes to a stream in
+// large pieces or becomes a string.
 #pragma once
 
 #include <windows.h>
@@ -18,8 +18,8 @@ class TStream;
 }
 using System::TCodePage;
 
-// Unit is what the text consists of on its way out: char for UTF-8, WCHAR for UTF-16. Text that is
-// still held when the output is destroyed is lost. Stream exceptions pass through.
+// Unit is the form of the output: char for UTF-8, WCHAR for UTF-16. Text that has not been written
+// by Finish is lost when the buffer is destroyed. Stream exceptions pass through.
 template <class Unit>
 class TXmlOutputBuffer {
   public:
@@ -31,12 +31,12 @@ class TXmlOutputBuffer {
     TXmlOutputBuffer(const TXmlOutputBuffer&) = delete;
     TXmlOutputBuffer& operator=(const TXmlOutputBuffer&) = delete;
 
-    // An ASCII literal.
+    // Puts an ASCII literal.
     template <std::size_t size>
     void PutMarkup(const char (&markup)[size]) {
         at_ = Markup(markup, Begin(size));
     }
-    // A name between two of them: most of a document is tags.
+    // Puts a name between two ASCII literals, which is how most tags look.
     template <std::size_t before_size, std::size_t behind_size>
     void PutName(const char (&before)[before_size], const UnicodeString& name,
                  const char (&behind)[behind_size]) {
@@ -51,7 +51,7 @@ class TXmlOutputBuffer {
             PutMarkup(behind);
         }
     }
-    // What is encoded already; kStep units behind it may be read.
+    // Puts units that are encoded already. The buffer may read kStep units behind them.
     void PutEncoded(const Unit* units, std::size_t count) {
         Unit* const out = Begin(count);
         for (std::size_t i = 0; i < count; i += kStep) {
@@ -60,15 +60,15 @@ class TXmlOutputBuffer {
         at_ = out + count;
     }
     void Put(const UnicodeString& text) { Put(text, text.Length()); }
-    // Its first `length` units.
+    // Puts the first `length` units of the text.
     void Put(const UnicodeString& text, int length);
-    // Trimmed and escaped; the number of lines of the text.
+    // Puts the text trimmed and escaped. Returns the number of its lines.
     int PutEscaped(const UnicodeString& text);
     static constexpr std::size_t kStep = 16;
 
-    // Hands on the rest; the bytes that the stream took, at most 2147483647.
+    // Writes the rest to the stream. Returns the bytes that the stream took, at most 2147483647.
     int Finish();
-    // Appends the text to `out`; its length.
+    // Appends the text to `out`. Returns the length of the text in units.
     int FinishInto(UnicodeString& out);
 
   private:
@@ -78,13 +78,14 @@ class TXmlOutputBuffer {
         return out + size - 1;
     }
 
-    // Room behind what is asked for: a step, and a lead surrogate that came to nothing.
+    // Room that is kept free behind the units that a caller asks for: one step, and the replacement
+    // of a lead surrogate without its other half.
     static constexpr std::size_t kSlack = kStep + 8;
     static constexpr std::size_t kFirst = 512;
 
     template <bool escape>
     int PutUnits(const WCHAR* text, std::ptrdiff_t length);
-    // Room for so many units that do not go on with what was put before.
+    // Makes room for `units` units that do not continue a text that was put before.
     Unit* Begin(std::size_t units) {
         Reserve(units);
         if (lead_ != 0) PutLead();

@@ -21,8 +21,8 @@ void AppendPieces(UnicodeString& text, const TPieces& pieces) {
     text += UnicodeString(pieces.data(), static_cast<long long>(pieces.size()));
 }
 
-// What is wrong with a text at `at`, where one of '>', '&' and ';' stands; a reference that is open
-// begins at `start`.
+// Says what is wrong with a text at `at`, where '>', '&' or ';' stands. When a reference is open,
+// it begins at `start`.
 UnicodeString TextFault(const TAsciiCharFinder& finder, int start, int at) {
     constexpr int kMostUnits = 40;
     switch (*finder.Bytes(at)) {
@@ -36,8 +36,8 @@ UnicodeString TextFault(const TAsciiCharFinder& finder, int start, int at) {
     }
 }
 
-// The length of the key at `at` when it is short, ASCII and ends right before one of the characters
-// that end keys; else 0.
+// The length in bytes of the key at `at`, when the key is short, ASCII and ends at a character that
+// ends keys; else 0, and the general way is taken.
 inline int PlainKeyLength(const TAsciiCharFinder& finder, int at, char end, char quote) {
     if (finder.Size() - at < TByteBlock::kSize) return 0;
     const unsigned char* bytes = finder.Bytes(at);
@@ -51,7 +51,7 @@ inline int PlainKeyLength(const TAsciiCharFinder& finder, int at, char end, char
     return last >= 0x20 && last < 0x80 ? static_cast<int>(length) : 0;
 }
 
-// Set for as long as it lives.
+// Sets a mark and takes it back when it ends.
 class TInAttributes {
   public:
     explicit TInAttributes(bool& mark) : mark_(mark) { mark_ = true; }
@@ -104,7 +104,7 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
     return parse_result_;
 }
 
-// Outside a parse there is nothing to read.
+// Outside of a parse there is no input.
 UnicodeString TXmlDoc::ParseKey(char end) {
     return parser_ == nullptr ? UnicodeString() : parser_->ParseKey(end);
 }
@@ -169,7 +169,7 @@ int TXmlParser::ParseElements() {
     return 0;
 }
 
-// Tells of characters that the scan has passed over between two tags.
+// Tells the observer about characters between two tags that belong to no text.
 void TXmlParser::TellPassed(int from) {
     int to = finder_.Position();
     XmlTrimSpan(finder_, from, to);
@@ -181,13 +181,13 @@ int TXmlParser::Fail(const UnicodeString& reason) {
     return Error();
 }
 
-// The same for a fault of the innermost open element.
+// As Fail, for a fault of the innermost open element.
 int TXmlParser::FailAtOpen(const UnicodeString& reason) {
     if (!open_.empty()) doc_.fault_opened_ = open_.back().from - 1;
     return Fail(reason);
 }
 
-// 0 would mean the end of the input.
+// A negative position. 0 would mean the end of the input, so position 0 becomes -1.
 int TXmlParser::Error() const {
     return finder_.Position() > 0 ? -finder_.Position() : -1;
 }
@@ -210,7 +210,7 @@ int TXmlParser::ParseInstruction() {
     return 0;
 }
 
-// From a '<' and a '!'. What is not a comment is stepped into: the scan goes on behind the '<'.
+// Begins at "<!". Skips a comment. What is no comment is entered: the scan goes on behind the '<'.
 void TXmlParser::SkipComment() {
     if (finder_.b(2) != '-' || finder_.b(3) != '-') return finder_.Skip(1);
     finder_.Skip(3);
@@ -237,7 +237,8 @@ int TXmlParser::ParseEndTag() {
     return CloseElement();
 }
 
-// The common end tag, which repeats the bytes of the start tag: moves to its '>'.
+// Most end tags repeat the bytes of their start tag. Moves to the '>' of such a tag; false for any
+// other.
 bool TXmlParser::SkipNameOfOpen() {
     if (open_.empty()) return false;
     const TNameSpan& name = open_.back();
@@ -283,9 +284,9 @@ int TXmlParser::ParseStartTag() {
     return result < 0 ? result : 0;
 }
 
-// Takes <name>text</name> in one step, which most elements are: from a name of `length` plain bytes
-// to behind the end tag. False, and nothing has changed, for any other element and whenever one of
-// the ways of its parts has more to do.
+// Reads <name>text</name> in one step; most elements have this form. `length` is the length of the
+// plain name at the position; afterwards the position is behind the end tag. False, and nothing has
+// changed, for every other element, and when one of its parts needs the general way.
 bool TXmlParser::TakeLeaf(int length) {
     if (!doc_.FRootSeen || doc_.observer_ != nullptr) return false;
     const int start = finder_.Position();
@@ -310,13 +311,13 @@ bool TXmlParser::TakeLeaf(int length) {
     return true;
 }
 
-// Behind an end tag or an empty element.
+// Called behind an end tag or an empty element.
 int TXmlParser::CloseElement() {
     if (!open_.empty()) open_.pop_back();
     return ParseTail();
 }
 
-// The text up to the next tag, then back to the owner.
+// Reads the text up to the next tag and goes back to the owner.
 int TXmlParser::ParseTail() {
     if (doc_.FCurrent->GetOwner() == nullptr) return finder_.Position();
     const int start = finder_.Position();
@@ -342,7 +343,7 @@ UnicodeString TXmlParser::ParseKey(char end) {
     return key;
 }
 
-// The key of `length` plain bytes at the position.
+// Reads the key of `length` plain bytes at the position.
 const UnicodeString& TXmlParser::TakeKey(int length) {
     const int start = finder_.Position();
     finder_.Skip(length);
@@ -367,7 +368,7 @@ int TXmlParser::ParseAttributes(char end) {
     return finder_.Position();
 }
 
-// Takes name="value" in one step, up to its last quote, as TakeLeaf does.
+// Reads name="value" in one step, up to its last quote. False as for TakeLeaf.
 bool TXmlParser::TakeAttribute(char tag_end) {
     const int start = finder_.Position();
     const int length = PlainKeyLength(finder_, start, tag_end, '"');

@@ -6,8 +6,8 @@
 
 namespace {
 
-// The code point of a numeric reference: what stands behind its '#'. Other characters than digits
-// are passed over, too large numbers wrap.
+// The code point of a numeric reference, given the text behind its '#'. Characters that are no
+// digits are skipped; a number that is too large wraps.
 template <class Unit>
 std::uint32_t NumberOf(std::basic_string_view<Unit> digits) {
     const bool hexadecimal = !digits.empty() && digits.front() == Unit{'x'};

@@ -10,8 +10,8 @@
 
 namespace {
 
-// What is known beside the document. A lookup reads the file and the indices of the tree on first
-// use, and any thread that logs may be the first: hence the mutex.
+// What is kept beside the document. A lookup may read the file and build the indices of the tree,
+// and any thread that logs may make the first lookup: hence the mutex.
 struct TResourceState {
     std::mutex mutex;
     const TXmlNode* section = nullptr;  // the root's child "mox", once it has been found
@@ -28,15 +28,15 @@ const TXmlNode* StringSection(TResourceState& state, TXmlDoc& document) {
         try {
             if (document.IsDocEmpty() && document.ReadFile() < 0) return nullptr;
         } catch (const UnicodeString&) {
-            // A broken file: what stands before the fault still serves.
+            // When the file is damaged, the part in front of the damage is used.
         }
         state.section = document.FRoot->FindChild(TEXT("mox"), System::kCodePageUtf8);
     }
     return state.section;
 }
 
-// The element name of a string: the domain's format comes from the file, so it is used only when it
-// takes exactly one number.
+// The element name of a string. The format comes from the file, so it is used only when it takes
+// exactly one number.
 UnicodeString ElementName(const TXmlNode& domain, ULONG id) {
     UnicodeString format = domain.AttrGetString(TEXT("format"), System::kCodePageUtf8);
     if (format.IsEmpty() || !System::FormatFits(format.t_str(), id)) format = TEXT("d%d");

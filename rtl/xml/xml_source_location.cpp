@@ -11,7 +11,7 @@ using System::TCodePage;
 
 namespace {
 
-// Characters of a long line that are shown in front of the place, and in all.
+// How much of a long line is shown, in characters: in front of the location, and in all.
 constexpr int kShownBefore = 60;
 constexpr int kShown = 100;
 constexpr std::string_view kCut = "...";
@@ -21,8 +21,8 @@ bool IsTrail(char octet) {
     return (static_cast<unsigned char>(octet) & 0xC0) == 0x80;
 }
 
-// Bytes of the character at the front of the text, which is not empty; a byte that belongs to none
-// is one for itself.
+// The number of bytes of the first character of `text`, which is not empty. A byte that begins no
+// character counts as one.
 std::size_t CharLength(std::string_view text) {
     const auto lead = static_cast<unsigned char>(text.front());
     const std::size_t length = lead < 0xC2 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -31,8 +31,9 @@ std::size_t CharLength(std::string_view text) {
     return std::all_of(trail.begin(), trail.end(), IsTrail) ? length : 1;
 }
 
-// Characters that make a terminal act, that have no place of their own on a line or that turn the
-// direction of writing; and what is no character.
+// Whether a terminal can show the character as it is. False for control characters, for characters
+// without a width of their own, for those that change the direction of writing, and for bytes that
+// are no character.
 bool IsPlain(std::string_view character) {
     if (character.size() == 1) {
         const char octet = character.front();
@@ -50,12 +51,12 @@ void AppendShown(std::string& line, std::string_view character) {
     line += IsPlain(character) ? character : kReplacement;
 }
 
-// The start of the character that lies `count` ones before `at`, at most `least`.
+// The start of the character `count` characters in front of `at`, but not in front of `least`.
 std::size_t StepBack(std::string_view text, std::size_t at, std::size_t least, int count) {
     for (; count > 0 && at > least; --count) {
         std::size_t start = at - 1;
         while (start > least && IsTrail(text[start]) && at - start < 4) --start;
-        // What is no character is passed over byte by byte.
+        // Bytes that are no character count as one each.
         at = start + CharLength(text.substr(start)) == at ? start : at - 1;
     }
     return at;
@@ -148,7 +149,8 @@ UnicodeString DescribeXmlFault(const TXmlDoc& document, const void* bytes, int s
         opened = TEXT(" (opened at ") + places.Find(document.FaultOpened()).Name() + TEXT(")");
     }
     if (result == 0) {
-        // The end of what is there says more than an empty line behind it.
+        // When the input ends too early, the last line with text says more than the empty line
+        // behind it.
         const std::size_t last = places.Text().find_last_not_of(" \t\r\n");
         const bool nothing = last == std::string_view::npos;
         at = nothing ? 0 : static_cast<int>(last) + 1;

@@ -18,7 +18,7 @@ constexpr TReference kReferences[] = {
     {"&quot;", TEXT('"')}, {"&apos;", TEXT('\'')},
 };
 
-// Behind a decimal reference of a few digits, which is written to `out`; else null.
+// Decodes a decimal reference of a few digits into `out`. Returns the position behind it, or null.
 const unsigned char* DecodeNumber(const unsigned char* at, const unsigned char* end, WCHAR* out) {
     constexpr std::uint32_t kMost = 0xFFFF;
     std::uint32_t value = 0;
@@ -30,7 +30,7 @@ const unsigned char* DecodeNumber(const unsigned char* at, const unsigned char* 
     return at + 1;
 }
 
-// Behind the reference at `at`, which is written to `out`; null when it is no common one.
+// Decodes one of the common references at `at` into `out`. Returns the position behind it, or null.
 const unsigned char* DecodeReference(const unsigned char* at, const unsigned char* end,
                                      WCHAR* out) {
     if (end - at > 2 && at[1] == '#') return DecodeNumber(at + 2, end, out);
@@ -48,8 +48,8 @@ bool IsTail(unsigned char octet) {
     return (octet & 0xC0) == 0x80;
 }
 
-// Behind the character at `at`, which is not ASCII and is written to `out`; null when its bytes are
-// not well-formed.
+// Decodes the character at `at`, which is not ASCII, into `out`. Returns the position behind it, or
+// null when the bytes are not well-formed.
 const unsigned char* DecodeCharacter(const unsigned char* at, const unsigned char* end,
                                      WCHAR*& out) {
     const std::uint32_t lead = *at;
@@ -75,7 +75,8 @@ const unsigned char* DecodeCharacter(const unsigned char* at, const unsigned cha
     return at + 4;
 }
 
-// Marks the terminator and what a text must not hold as it is, two of the three in one comparison.
+// Marks the terminator and the characters that a text must not hold as they are. One comparison
+// finds two of the three.
 template <char terminator>
 TByteMarks Ends(const TByteBlock& block) {
     if constexpr (terminator == '<') return block.IsEither('<', '>') | block.Is('&');
@@ -105,7 +106,7 @@ const unsigned char* TXmlText::Decode(const unsigned char* at, const unsigned ch
         }
         if (octet == 0 || octet == '>' || (octet >= 0x80 && !utf8)) return nullptr;
         if (octet >= 0x80) {
-            // One follows the other where they are not single accents.
+            // Scripts other than Latin have runs of such characters.
             while (at != nullptr && at < end && *at >= 0x80 && out < units_ + kMost) {
                 at = DecodeCharacter(at, end, out);
             }

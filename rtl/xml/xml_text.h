@@ -1,18 +1,19 @@
-// The text of an element or attribute as most of them are: well-formed, not long, with named
-// references at most.
+// The fast way for the text of an element or attribute. It takes well-formed text that is not long
+// and has named references at most, which most texts are.
 #pragma once
 
 #include <windows.h>
 
 #include "mox_classes/text/unicode_string.h"
 
-// Finds the end of a text and decodes it in the same pass, onto the stack, so that the exact string
-// can be made at once: half the time of finding, measuring and decoding one after the other.
+// Finds the end of a text and decodes it in the same pass into a buffer on the stack. Then the
+// string is made with its exact length. This takes half of the time of finding, measuring and
+// decoding in turn.
 class TXmlText {
   public:
-    // Decodes up to the terminator, '<' or '"', and returns where that stands. Null for whatever
-    // takes more than this: errors, other references, long texts; and, unless `utf8`, for what is
-    // not ASCII.
+    // Decodes up to the terminator, '<' or '"', and returns the position of the terminator. Null
+    // when the text needs the general way: errors, other references, long texts, and text that is
+    // not ASCII unless `utf8` is set.
     template <char terminator>
     const unsigned char* Decode(const unsigned char* at, const unsigned char* end, bool utf8);
     // The text decoded last; null when it is empty.

@@ -61,7 +61,7 @@ class TXmlTreeWriter {
     void Write(const TXmlNode* root) {
         std::vector<TOpenElement> open;
         TOpenElement element{root, 0, false};
-        // The last element of `open` is the parent of the one that is written next.
+        // The last element of `open` is the parent of the next element.
         while (true) {
             if (WriteStart(element)) {
                 if (element.node->ChildCount() == 0) {
@@ -83,7 +83,7 @@ class TXmlTreeWriter {
     }
 
   private:
-    // Writes the start tag with what belongs to its line; whether an end tag must follow.
+    // Writes the start tag and what stands on its line. True when an end tag must follow.
     bool WriteStart(TOpenElement& element) {
         const TXmlNode& node = *element.node;
         const bool instruction = format_.GetLevel() == -1;
@@ -123,8 +123,8 @@ class TXmlTreeWriter {
         if (!element.node->FTail.IsEmpty()) output_.PutEscaped(element.node->FTail);
     }
 
-    // The indentation of any level begins that of a deeper one: no string for every change of the
-    // level.
+    // The indentation of a level is the beginning of the indentation of a deeper level, so one
+    // string serves all levels.
     void Indent() {
         const int level = format_.GetLevel();
         if (unit_.IsEmpty() || level <= 0) return;
@@ -148,7 +148,7 @@ class TXmlTreeWriter {
         }
     }
 
-    // ASCII, with the step behind it that the output may read.
+    // The encoded form of an ASCII text. The output may read one step of units behind it.
     static std::basic_string<Unit> Encoded(const UnicodeString& text) {
         const auto length = static_cast<std::size_t>(text.Length());
         std::basic_string<Unit> units(length + TXmlOutputBuffer<Unit>::kStep, Unit{0});
@@ -162,7 +162,7 @@ class TXmlTreeWriter {
     UnicodeString unit_;
     UnicodeString line_break_;
     UnicodeString indent_;  // of the deepest level so far
-    // Much of an indented document is its layout; when it is ASCII it is encoded once.
+    // A large part of an indented document is layout. When it is ASCII, it is encoded once.
     const bool plain_layout_ = IsAscii(unit_) && IsAscii(line_break_);
     std::basic_string<Unit> encoded_indent_;
     const std::basic_string<Unit> encoded_break_ =

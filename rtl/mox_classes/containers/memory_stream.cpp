@@ -20,7 +20,7 @@ void TraceCapacity(int capacity, int line) {
     Mox::ShowStatus(text, line);
 }
 
-// The next full step; the last one ends at the largest size that there is.
+// Rounds up to a full step. The largest size that an int holds is not rounded.
 int RoundedUp(int capacity) {
     return capacity > INT_MAX - (kStep - 1) ? INT_MAX : (capacity + kStep - 1) & ~(kStep - 1);
 }
@@ -82,7 +82,8 @@ int TMemoryStream::Write(const void* buffer, int count) {
     const std::int64_t end = std::int64_t{FPosition} + count;
     if (FPosition < 0 || count < 0 || end < 1 || end > INT_MAX) return 0;
 
-    // A part of the own block may be written again; the block can move meanwhile.
+    // The caller may write a part of this stream's own block again. The block can move when it
+    // grows, so the source is found anew.
     const char* source = static_cast<const char*>(buffer);
     const char* own = static_cast<const char*>(FMemory);
     const std::less<> before;

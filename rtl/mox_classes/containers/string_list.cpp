@@ -19,9 +19,9 @@ constexpr int kSmallCapacity = 32;
 constexpr int kItemBytes = 2 * static_cast<int>(sizeof(void*));
 constexpr int kMostItems = INT_MAX / kItemBytes;
 
-// The items that the heap is asked for. A large block grows by halves: step by step of 16 items it
-// would be moved so often that ten million items take minutes. What a list does not use of it is
-// memory that the system never has to provide.
+// The number of items that the heap is asked for. Above 1,024 items a block grows by half of its
+// size: with steps of 16 items, ten million additions would move it so often that they take
+// minutes. The system provides memory only for the part that is used.
 int HeldItems(int capacity) {
     constexpr int kExact = 1024;
     if (capacity <= kExact) return capacity;
@@ -84,7 +84,8 @@ void TStringList::SetCapacity(int capacity) {
         System::FreeMemory(FItems);
         FItems = nullptr;
     } else if (FItems == nullptr || HeldItems(capacity) != HeldItems(FCapacity)) {
-        // The heap may move the block: an item is a bare pointer and a count-free share of it.
+        // The heap may move the block, because an item is only a pointer to a string and a pointer
+        // to an object.
         static_assert(sizeof(TItem) == kItemBytes);
         const int bytes = HeldItems(capacity) * kItemBytes;
         void* block = System::ReallocMemory(static_cast<void*>(FItems), bytes);

@@ -48,7 +48,7 @@ void TW32StructDataBase::SetErrorCode(DWORD code) {
 }
 
 void TW32StructDataBase::Unique() {
-    // A block that is not shared stays where it is: its records may point into it.
+    // A sole holder keeps its block: the records may hold pointers into it.
     if (FData == nullptr || kSpec.Count(FData).load() == 1) return;
     SetBufferSize(Size(), Count(), static_cast<int>(GetRec()->record_size));
 }
@@ -56,12 +56,13 @@ void TW32StructDataBase::Unique() {
 TW32StructDataBase::DataRec* TW32StructDataBase::SetBufferSize(int size, int count,
                                                                int record_size) {
     if (!IsSuccess()) Clear();
-    // Keeps the old bytes alive while they are copied: the other holders may let go at any time.
+    // The other holders may release the old block at any time. This holder keeps it alive while its
+    // bytes are copied.
     TW32StructDataBase old;
     const bool shared = FData != nullptr && kSpec.Count(FData).load() > 1;
     if (shared) old = *this;
 
-    // Records may point into their block: it must not move without need.
+    // Records may hold pointers into their block, so it is moved only when its size changes.
     const bool stays = FData != nullptr && !shared && size == Size();
     if (!stays && kSpec.SetSize(FData, size) == nullptr) return nullptr;
     DataRec* rec = GetRec();

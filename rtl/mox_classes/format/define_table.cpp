@@ -16,8 +16,8 @@ constexpr std::size_t kRowSize = sizeof(TDefineInfo);
 constexpr std::size_t kNameOffset = 4;
 static_assert(kRowSize == kNameOffset + sizeof(UnicodeString));
 
-// A string whose pointer is brought in from a row, or taken out to one, as bytes: a row's own name
-// is not aligned.
+// A string that is copied from or to a row as bytes. The name in a row is not aligned, so it has no
+// address that a reference could take.
 union TNameSlot {
     TNameSlot() : none(nullptr) {}
     ~TNameSlot() {}  // NOLINT(modernize-use-equals-default): would be deleted, the name has one
@@ -29,8 +29,8 @@ void* NamePlace(std::byte* rows, std::size_t row) {
     return rows + row * kRowSize + kNameOffset;
 }
 
-// Walks the value rows of a table; a null table has none. A row's name is looked at where it is,
-// not shared: most rows are only passed by.
+// Walks the value rows of a table; a null table has none. Most rows are passed over, so a row's
+// name is compared where it lies and no string is made of it.
 class TRows {
   public:
     explicit TRows(const TDefineInfo* table) : next_(reinterpret_cast<const std::byte*>(table)) {
@@ -68,7 +68,7 @@ class TRows {
 
 using TView = std::basic_string_view<WCHAR>;
 
-// Up to the first 0, where comparisons of strings end.
+// The text up to its first 0 unit. Comparisons of strings end there too.
 TView ViewOf(const UnicodeString& text) {
     const TView units(text.t_str(), static_cast<std::size_t>(text.Length()));
     return units.substr(0, units.find(WCHAR{0}));
@@ -84,7 +84,7 @@ bool IsUpperCaseOf(TView name, TView text) {
                       [](WCHAR a, WCHAR b) { return Upper(a) == b; });
 }
 
-// The value of the row that `text` names or numbers.
+// Finds the row that has the name or the number `text`.
 bool FindDefineRow(const TDefineInfo* table, int& value, const UnicodeString& text) {
     TRows rows(table);
     int number;

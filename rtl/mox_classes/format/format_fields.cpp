@@ -46,7 +46,7 @@ bool IsInteger(const TFormatValue& value) {
     return value.kind == TFormatKind::Int32 || value.kind == TFormatKind::Int64;
 }
 
-// %L and %ll name a size and no conversion: decimal is meant.
+// "%L" and "%ll" give a size but no conversion. They mean decimal.
 bool FormatInt64(UnicodeString& out, UnicodeString spec, long long value) {
     spec.SetLength(spec.Length() - (spec[spec.Length()] == 'L' ? 1 : 2));
     spec += TEXT("I64d");
@@ -89,8 +89,8 @@ bool FormatValue(UnicodeString& out, const UnicodeString& spec, TArgumentType ty
     }
 }
 
-// Copies `text` with each field that `fill(field, out)` knows replaced. Of one that it does not
-// know the '{' is text, and the search goes on behind it.
+// Copies `text` and replaces each field that `fill(field, out)` knows. When it does not know a
+// field, the '{' stays as text and the search goes on behind it.
 template <class Fill>
 UnicodeString ReplaceFields(const WCHAR* text, Fill fill) {
     if (text == nullptr) return UnicodeString();
@@ -159,8 +159,8 @@ bool TFormatFields::FillSingleField(const UnicodeString& name, const UnicodeStri
 }
 
 UnicodeString TFormatFields::FillFromTable(const WCHAR* format, const TFormatValue* table) const {
-    // A name of a length that no field has is not made: a text full of '{' has one at every unit,
-    // and only the first of them may be a field's.
+    // Only names whose length some field has are made into strings: a hostile text of nothing but
+    // '{' has a name at each unit.
     std::unordered_set<std::ptrdiff_t> lengths;
     for (const auto& field : fields_) lengths.insert(field->FName.Length());
     return ReplaceFields(format, [&](const TFieldSpan& field, UnicodeString& out) {

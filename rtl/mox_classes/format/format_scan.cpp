@@ -3,7 +3,8 @@
 #include "mox_classes/text/sysutils_text.h"
 
 bool FindField(const WCHAR* text, TFieldSpan& field) {
-    // What the first '{' misses, the later ones miss as well: one look is enough.
+    // A '{' inside the name of the last field cannot begin a field that ends later, so the old
+    // result is used again.
     field.begin = Sysutils::StrScan(text, '{');
     if (field.begin == nullptr) return false;
     if (field.begin < field.spec) return true;

@@ -15,7 +15,7 @@ struct TTagTable {
     unsigned char bytes[kTagBytes];
 
     unsigned char operator[](int index) const { return bytes[index]; }
-    // 0 when the tag's length code is none of the table's.
+    // The size of the length field in bytes; 0 when the table has no such code.
     int LengthSizeOf(unsigned char tag) const {
         for (int size = 1; size <= kMaxLengthSize; ++size) {
             if (bytes[size] == (tag & bytes[kMask])) return size;
@@ -61,7 +61,7 @@ namespace System {
 
 namespace {
 
-// What precedes a payload, and the payload's size.
+// What stands in front of a payload, and the size of the payload in bytes.
 struct TRecord {
     unsigned char tag = 0;
     int length_size = 0;
@@ -101,8 +101,8 @@ void WritePayload(unsigned char* out, const TRecord& record, const UnicodeString
     }
 }
 
-// Reads tag and length from `size` bytes; the payload is not looked at, but must fit behind them.
-// The result is 0 or the Win32 error.
+// Reads tag and length from `size` bytes. The payload is not read, but it must fit into the bytes
+// behind them. Returns 0 or the Win32 error.
 DWORD ReadHead(const unsigned char* bytes, std::uint64_t size, TRecord& record) {
     if (bytes == nullptr || size == 0) return ERROR_INSUFFICIENT_BUFFER;
     record.tag = bytes[0];
@@ -119,7 +119,7 @@ DWORD ReadHead(const unsigned char* bytes, std::uint64_t size, TRecord& record) 
     return size < record.Bytes() ? ERROR_INSUFFICIENT_BUFFER : 0;
 }
 
-// The text of a payload that was found to be inside its buffer; 0 or the Win32 error.
+// Reads the text of a payload that lies inside its buffer. Returns 0 or the Win32 error.
 DWORD ReadPayload(const unsigned char* bytes, const TRecord& record, UnicodeString& s) {
     if (record.tag == 0) return 0;
     if (record.is_utf16) {
@@ -147,7 +147,7 @@ int GetMinUnicodeLength(const UnicodeString& s, TCodePage& code_page) {
     const int bytes =
         WideCharToMultiByte(CP_UTF8, 0, s.t_str(), s.Length(), nullptr, 0, nullptr, nullptr);
     if (code_page == kCodePageUtf8) return bytes;
-    // A text whose UTF-8 the platform cannot measure has UTF-16 only.
+    // The platform cannot measure the UTF-8 form of some texts. Those are stored as UTF-16.
     const bool utf8_is_shorter = bytes > 0 && bytes < 2LL * s.Length();
     code_page = utf8_is_shorter ? kCodePageUtf8 : kCodePageUtf16;
     return utf8_is_shorter ? bytes : s.Length();

@@ -5,8 +5,7 @@
 namespace System {
 
 namespace {
-// Constant-initialised and trivially destroyed: valid before the first constructor and after the
-// last destructor.
+// Has no constructor that runs and no destructor, so it is valid before and after all others.
 constinit std::atomic<TModuleStatic*> kept_objects{nullptr};
 }  // namespace
 

@@ -10,7 +10,7 @@ namespace System {
 
 namespace {
 
-// Refuses what does not fit the heap interface's 31 bits.
+// Adds, and refuses a sum that does not fit the 31 bits of the heap interface.
 int CheckedSum(long long a, long long b) {
     if (a < 0 || a + b > std::numeric_limits<int>::max()) throw std::bad_alloc();
     return static_cast<int>(a + b);
@@ -45,7 +45,8 @@ void TRCMSpec::Clear(void*& data) const {
     if (data == nullptr) return;
     void* old = data;
     data = nullptr;
-    // Two holders that let go at the same time both see 2; the decrement decides who is the last.
+    // When two holders release at the same time, both may read 2 here. The decrement below tells
+    // which one is the last.
     if (Count(old).load(std::memory_order_acquire) <= 1 ||
         Count(old).fetch_sub(1, std::memory_order_acq_rel) == 1) {
         FreeMemory(BlockOf(old));

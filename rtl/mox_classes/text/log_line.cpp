@@ -33,7 +33,7 @@ UnicodeString ODSLog(int level, UnicodeString source, int line, UnicodeString te
     return shown;
 }
 
-// A process stays in its session: the system is asked until it has answered once.
+// A process never changes its session, so the system is asked only until it has answered once.
 DWORD GetSessionId() {
     constexpr DWORD kUnknown = 0xFFFFFFFF;
     static std::atomic<DWORD> last{kUnknown};

@@ -8,7 +8,7 @@ namespace {
 
 constexpr DWORD kNeutralLanguage = 0x400;
 
-// The inserts of a message are left alone: there is nothing to fill them with.
+// Inserts such as %1 stay in the text, because there are no values for them.
 UnicodeString SystemText(DWORD code) {
     System::TLocalBlock buffer;
     const DWORD length = FormatMessageW(

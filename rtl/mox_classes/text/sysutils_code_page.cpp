@@ -12,7 +12,7 @@ struct TMark {
     unsigned char bytes[4];
 };
 
-// The marks of UTF-32 come first: one of them starts with the mark of UTF-16.
+// UTF-32 is tested first, because the mark of UTF-32LE begins with the mark of UTF-16LE.
 constexpr TMark kMarks[] = {
     {System::kCodePageUtf32, 4, {0xFF, 0xFE, 0, 0}},
     {System::kCodePageUtf32BigEndian, 4, {0, 0, 0xFE, 0xFF}},

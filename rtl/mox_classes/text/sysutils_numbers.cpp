@@ -10,7 +10,7 @@ namespace Sysutils {
 
 namespace {
 
-// -1 for a unit that is no digit of the base.
+// The value of a digit; -1 when the unit is no digit of the base.
 int DigitOf(WCHAR unit, int base) {
     if (unit >= '0' && unit <= '9') return unit - '0';
     if (base == 16 && unit >= 'a' && unit <= 'f') return unit - 'a' + 10;
@@ -18,8 +18,8 @@ int DigitOf(WCHAR unit, int base) {
     return -1;
 }
 
-// Accumulates in `Unsigned`, where overflow wraps. False at the first unit that does not belong;
-// `value` then holds what came before it.
+// Computes in `Unsigned`, where an overflow wraps. Stops with false at the first unit that is no
+// digit; `value` then holds the number before it.
 template <class Unsigned>
 bool ParseInteger(const UnicodeString& s, Unsigned& value) {
     value = 0;
@@ -50,8 +50,8 @@ bool IsDigit(char c, bool hex) {
     return (c >= '0' && c <= '9') || (hex && ((c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F')));
 }
 
-// Whether a number that a double cannot hold is too large, not too small: its highest digit that is
-// not 0 stands, exponent included, at a position above the point.
+// Whether a number that no double can hold is too large rather than too small. It is too large when
+// its first digit other than 0, exponent included, stands in front of the point.
 bool IsTooLarge(const char* text, const char* end, bool hex) {
     long long position = 0;
     bool point = false, significant = false;
@@ -109,7 +109,7 @@ TFloatText ParseFloat(const std::string& text) {
     return {negative ? -value : value, static_cast<std::size_t>(stop - text.data())};
 }
 
-// A unit that is not ASCII ends the number.
+// Only ASCII units belong to a number.
 bool ReadFloat(const UnicodeString& s, double& value) {
     std::string narrow;
     narrow.reserve(static_cast<std::size_t>(s.Length()));

@@ -36,7 +36,8 @@ bool IsAbsolute(const UnicodeString& path) {
     return (path[1] == '\\' && path[2] == '\\') || (path[2] == ':' && path[3] == '\\');
 }
 
-// For files whose attributes cannot be read, because they are locked or out of reach.
+// Asks the folder for the file. Needed when the file's attributes cannot be read, because it is
+// locked or access is denied.
 bool IsListedAsFile(const UnicodeString& name) {
     WIN32_FIND_DATAW found;
     const System::TSearchHandle search(FindFirstFileW(name.t_str(), &found));

@@ -9,7 +9,7 @@ namespace Sysutils {
 
 namespace {
 
-// The platform's version as it was at the first question.
+// The version of Windows. It is read once, at the first question.
 struct TVersion {
     DWORD major = 0;
     DWORD minor = 0;
@@ -34,8 +34,9 @@ TVersion ReadVersion() {
     return version;
 }
 
-// Text of a platform call that takes a buffer and its size and answers the size it needs (with the
-// terminator) when that is too small, 0 when it fails. What it needs may grow between two calls.
+// The text of a platform call that takes a buffer and its size. A call that needs more room returns
+// the size that it needs, terminator included; one that fails returns 0. The needed size may grow
+// between two calls, so this asks again.
 template <class Call>
 UnicodeString TextOf(Call call) {
     DWORD size = call(nullptr, 0);

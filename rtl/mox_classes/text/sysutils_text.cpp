@@ -122,7 +122,8 @@ bool IsAlphaNumericString(UnicodeString s) {
 ULONG StringHash(UnicodeString s) {
     const WCHAR* const units = s.t_str();
     ULONG hash = 0;
-    // An odd length takes the terminator into its last word.
+    // Two units make one step. When the length is odd, the last step reads the terminator as its
+    // second unit.
     for (int i = 0; i < s.Length(); i += 2) {
         const ULONG word = static_cast<ULONG>(units[i]) | static_cast<ULONG>(units[i + 1]) << 16;
         hash = hash * 31 + word;

@@ -15,9 +15,9 @@ namespace System {
 
 namespace {
 
-// A string's block is that of TRCMSpec(12, 4, 1, 1). Strings are made and resized far more often
-// than anything else that is counted, so those steps stand here with their numbers known to the
-// compiler: an append by way of the description takes half as long again.
+// The layout is the one that TRCMSpec(12, 4, 1, 1) describes. Strings are made and resized far more
+// often than other counted blocks, so these steps use constants: an append through the description
+// takes 1.5 times as long.
 static_assert(sizeof(StrRec) == 12 && offsetof(StrRec, ref_count) == 4);
 constexpr int kMaxLength = std::numeric_limits<int>::max();
 
@@ -27,7 +27,8 @@ int BlockSize(int units) {
     return static_cast<int>(sizeof(StrRec)) + (units + 1) * static_cast<int>(sizeof(WCHAR));
 }
 
-// The characters of a block that has one holder; they are as they are, up to the terminator.
+// Writes the header of a new block with one holder, and the terminator. The characters are left as
+// they are. `block` null means that the heap is exhausted.
 WCHAR* Prepared(void* block, int units) {
     if (block == nullptr) throw std::bad_alloc();
     auto* const rec = static_cast<StrRec*>(block);
@@ -47,7 +48,7 @@ void MoveUnits(WCHAR* dest, const WCHAR* source, int count) {
 
 }  // namespace
 
-// Most strings begin here: straight from the text to the block.
+// The most common constructor: it copies the text straight into a new block.
 UnicodeString::UnicodeString(const WCHAR* text, long long count) : UnicodeString() {
     if (text == nullptr) return;
     if (count == -1) count = static_cast<long long>(std::char_traits<WCHAR>::length(text));
@@ -58,7 +59,8 @@ UnicodeString::UnicodeString(const WCHAR* text, long long count) : UnicodeString
 }
 
 void UnicodeString::Release() noexcept {
-    // Two holders that let go at the same time both see 2; the decrement decides who is the last.
+    // When two holders release at the same time, both may read 2 here. The decrement below tells
+    // which one is the last.
     if (count().load(std::memory_order_acquire) <= 1 ||
         count().fetch_sub(1, std::memory_order_acq_rel) == 1) {
         TProcessHeap::Delete(rec());
@@ -90,12 +92,13 @@ UnicodeString& UnicodeString::SetLength(long long length) {
     return *this;
 }
 
-// Gives the string a buffer of its own of this length, with as many of its characters as fit.
+// Gives the string its own buffer of `units` units, and keeps as many of its characters as fit.
 void UnicodeString::Resize(int units) {
     if (data_ == nullptr) {
         data_ = NewBuffer(units);
     } else if (RefCount() > 1) {
-        // The old share is kept while its characters are copied: the other holders may let go.
+        // The other holders may release the old buffer at any time. This string keeps its share
+        // while it copies.
         UnicodeString fresh;
         fresh.data_ = NewBuffer(units);
         CopyUnits(fresh.data_, data_, std::min(Length(), units));
@@ -117,7 +120,7 @@ UnicodeString& UnicodeString::Insert(const UnicodeString& sub, int index) {
     const int old_length = Length();
     const int position = index < 1 ? 0 : std::min(index - 1, old_length);
     if (added > kMaxLength - old_length) throw UnicodeString("Integer overflow!");
-    // A share of its own keeps the inserted text whole when it is this string.
+    // `sub` may be this string. The copy of it keeps the inserted text unchanged.
     const UnicodeString inserted(sub);
     Resize(old_length + added);
     MoveUnits(data_ + position + added, data_ + position, old_length - position);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr long long kMaxLength = std::numeric_limits<int>::max();
 
-// The length of a counted text: the count as given, or for -1 up to the terminator.
+// The length of a text: `count`, or for -1 the units up to the terminator.
 template <class Unit>
 long long CountedLength(const Unit* text, long long count) {
     if (count > kMaxLength) throw UnicodeString("Out of length");
@@ -37,7 +37,8 @@ UnicodeString FromShorts(const unsigned short* text, long long count) {
     return result;
 }
 
-// Null when the conversion yields nothing. Short texts, which most are, are converted only once.
+// Null when the conversion gives no units. Short texts are converted on the stack, so they need one
+// pass.
 UnicodeString FromAnsi(const char* text, int bytes) {
     constexpr int kShort = 256;
     UnicodeString result;
@@ -62,8 +63,8 @@ int DigitsOf(unsigned long long value) {
     return digits + (value >= 10) + (value >= 100) + (value >= 1000);
 }
 
-// The digits are written where they stay, from the last to the first, two for a division: read back
-// from elsewhere they would be waited for.
+// Writes the digits from the last to the first, two for each division, straight into the new
+// string. A copy from a stack buffer would wait for the bytes that were just written.
 UnicodeString FromNumber(unsigned long long value, bool negative) {
     int digits = DigitsOf(value);
     UnicodeString text;

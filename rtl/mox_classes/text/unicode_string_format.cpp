@@ -1,5 +1,7 @@
-// Formatting into strings. The text is made in a buffer on the stack first: one pass does for most
-// texts, and arguments may point into the string that receives the result.
+// Formatting into strings.
+//
+// The text is made in a buffer on the stack first. One pass is enough for most texts, and an
+// argument may be a part of the string that receives the result.
 #include <windows.h>
 
 #include <cstdarg>
@@ -14,7 +16,8 @@ namespace {
 
 constexpr int kStackUnits = 512;
 
-// Negative when the text does not fit; a text of exactly `room` units is not terminated.
+// Returns a negative number when the text does not fit. A text of exactly `room` units is not
+// terminated.
 int FormatInto(WCHAR* buffer, int room, const WCHAR* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
@@ -23,8 +26,8 @@ int FormatInto(WCHAR* buffer, int room, const WCHAR* format, va_list arguments) 
     return count > room && buffer != nullptr ? -1 : count;
 }
 
-// For texts that do not fit the stack: asks for the size, or tries ever larger buffers when the
-// formatter cannot tell.
+// Used for a text that does not fit the stack buffer. It asks the formatter for the size; when the
+// formatter cannot tell, it tries larger and larger buffers.
 UnicodeString FormatLong(const WCHAR* format, va_list arguments) {
     UnicodeString text;
     const int size = FormatInto(nullptr, 0, format, arguments);

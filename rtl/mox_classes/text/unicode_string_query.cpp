@@ -10,8 +10,8 @@
 
 namespace System {
 
-// Most strings that are compared differ in their first unit or nowhere: neither asks for the look
-// at every unit for a difference and an end.
+// Most different strings differ in their first unit, and equal ones often share one buffer. These
+// two cases are decided before the units are compared.
 bool UnicodeString::operator==(const UnicodeString& other) const {
     if (data_ == other.data_) return true;
     const WCHAR* const a = t_str();

@@ -9,8 +9,8 @@ namespace System {
 
 namespace {
 
-// Entry `index` of a string table block: 16 texts, each behind its 16-bit length. Empty when the
-// block ends before it.
+// Entry `index` of a block of a string table. A block holds 16 texts; a 16-bit length stands in
+// front of each. Empty when the block ends before the entry.
 UnicodeString StringTableEntry(const char* block, std::size_t bytes, int index) {
     for (;;) {
         WORD length = 0;

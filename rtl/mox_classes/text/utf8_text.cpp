@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kShort = 256;
 
-// One pass for the size and one for the text.
+// Converts in two passes: the first gives the size, the second the text.
 UnicodeString Measured(const char* bytes, int count) {
     UnicodeString text;
     const int units = MultiByteToWideChar(CP_UTF8, 0, bytes, count, nullptr, 0);
@@ -22,7 +22,8 @@ UnicodeString Measured(const char* bytes, int count) {
     return text;
 }
 
-// The units of well-formed text; of other text any number.
+// Counts the UTF-16 units of well-formed UTF-8. For other bytes the result is some number that
+// means nothing.
 long long ExpectedUnits(const char* bytes, int count) {
     long long units = 0;
     const char* const end = bytes + count;
@@ -41,9 +42,9 @@ long long ExpectedUnits(const char* bytes, int count) {
 
 }  // namespace
 
-// The platform's converter is strict about sizes and slow to count: short text is converted on the
-// stack, longer text straight into the block that it fills when it is well-formed (1 KB of
-// three-byte characters: half the time of counting first).
+// The platform's converter counts slowly. Short text is therefore converted on the stack. Longer
+// text is converted straight into the new string when it is well-formed (1 KB of three-byte
+// characters: half of the time of counting first).
 UnicodeString StringFromUtf8(const char* bytes, int count) {
     if (bytes == nullptr || count < 1) return UnicodeString();
     if (count <= kShort) {

@@ -13,7 +13,7 @@ bool IsOneOf(WCHAR unit, const char* set) {
     return false;
 }
 
-// Steps over decimal digits; false above kMaxWidth.
+// Steps over decimal digits; false when they make a number above kMaxWidth.
 bool SkipNumber(const WCHAR*& p) {
     int value = 0;
     for (; *p >= '0' && *p <= '9'; ++p) {
@@ -49,7 +49,7 @@ TSize ReadSize(const WCHAR*& p) {
     }
 }
 
-// The kind that the conversion at `p` (behind its '%') reads; moves `p` behind it.
+// Reads what the conversion at `p` (behind its '%') takes, and moves `p` behind it.
 bool ReadConversion(const WCHAR*& p, TFormatKind& kind) {
     while (IsOneOf(*p, "-+ #0")) ++p;
     if (!SkipNumber(p)) return false;

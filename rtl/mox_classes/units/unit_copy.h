@@ -10,7 +10,7 @@
 
 namespace System {
 
-// As many units as a piece holds, to twice as many: two pieces, which may overlap.
+// Copies as many units as one piece holds, up to twice as many, with two pieces that may overlap.
 template <class Piece>
 inline void CopyEnds(WCHAR* dest, const WCHAR* source, std::ptrdiff_t count) {
     const std::ptrdiff_t last = count - static_cast<std::ptrdiff_t>(sizeof(Piece) / sizeof(WCHAR));
@@ -21,7 +21,7 @@ inline void CopyEnds(WCHAR* dest, const WCHAR* source, std::ptrdiff_t count) {
     std::memcpy(dest + last, &tail, sizeof tail);
 }
 
-// Nothing when `count` is below 1. The two do not overlap.
+// Copies `count` units; nothing when `count` is below 1. The two areas must not overlap.
 inline void CopyUnits(WCHAR* dest, const WCHAR* source, std::ptrdiff_t count) {
     constexpr std::ptrdiff_t kFew = 16;
     if (count > kFew) {

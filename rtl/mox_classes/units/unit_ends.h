@@ -14,7 +14,7 @@ class TUnitEnds {
           delimiters_(delimiter),
           last_blanks_(last_blank) {}
 
-    // The first from `at` on. There is one at `end` at the latest: the terminator.
+    // The first such unit at or behind `at`. The terminator at `end` is one at the latest.
     const WCHAR* Next(const WCHAR* at, const WCHAR* end) const {
         for (; end - at >= kUnitStep; at += kUnitStep) {
             const TUnits8 units(at);

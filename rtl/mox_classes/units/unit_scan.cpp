@@ -14,15 +14,15 @@ int Difference(WCHAR a, WCHAR b) {
            static_cast<int>(static_cast<unsigned short>(b));
 }
 
-// Bits of the units where two texts of eight differ or end.
+// A bit mask of the units where two texts of eight units differ or where one of them is 0.
 unsigned DifferOrEnd(const WCHAR* a, const WCHAR* b) {
     const TUnits8 units(a);
     return (units.Equal(TUnits8(b)) ^ kAllUnits) | units.Equal(TUnits8(WCHAR{0}));
 }
 
-// Calls `look(i)` for each place where eight of `count` units begin, the last of them reaching to
-// the end and over units that were seen before, until one answers true. False when none does or
-// there are fewer than eight.
+// Calls `look(i)` for each index where a group of eight of `count` units begins, until one call
+// returns true. The last group ends with the last unit and may repeat units of the group before it.
+// False when no call returned true, or when there are fewer than eight units.
 template <class Look>
 bool ForEachEight(int count, Look look) {
     if (count < kUnitStep) return false;
@@ -36,7 +36,7 @@ bool ForEachEight(int count, Look look) {
 }  // namespace
 
 int CompareUnits(const WCHAR* a, int a_length, const WCHAR* b, int b_length) {
-    // One of the texts ends at the last unit that is looked at.
+    // The last unit that is compared is the terminator of the shorter text.
     const int last = std::min(a_length, b_length);
     int at = 0;
     const bool found = ForEachEight(last, [&](int i) {
@@ -67,8 +67,9 @@ int FindUnitOrEnd(const WCHAR* text, int length, WCHAR unit) {
 int FindUnits(const WCHAR* text, int length, const WCHAR* sub, int sub_length) {
     sub_length = FindUnitOrEnd(sub, sub_length, 0);
     if (sub_length == 0) return 0;
-    // A candidate's first and last unit are looked at together, eight candidates at a time. The
-    // text's end is seen under the last unit, but for the units in front of the first of those.
+    // Compares the first and the last unit of eight candidates at a time. A 0 unit ends the text:
+    // the comparison of last units meets it, except in the units in front of the first last unit;
+    // those are searched here.
     const int ahead = sub_length - 1;
     if (FindUnitOrEnd(text, std::min(length, ahead), 0) < std::min(ahead, length)) return -1;
     const int candidates = length - ahead;
