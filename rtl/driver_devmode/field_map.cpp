@@ -1,5 +1,6 @@
 #include "driver_devmode/field_map.h"
 
+#include "driver_devmode/field_table.h"
 #include "driver_devmode/field_text.h"
 #include "driver_devmode/qv_devmode.h"
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <optional>
@@ -17,47 +16,6 @@ namespace {
 
 using enum FieldKind;
 using TView = std::basic_string_view<WCHAR>;
-
-// Fields are packed: numbers are copied in and out, never referred to.
-template <class T>
-long long LoadAs(const void* data) {
-    T value;
-    std::memcpy(&value, data, sizeof(value));
-    return value;
-}
-
-template <class T>
-void StoreAs(void* data, long long number) {
-    const T value = static_cast<T>(number);
-    std::memcpy(data, &value, sizeof(value));
-}
-
-long long Load(FieldKind kind, const void* data) {
-    switch (kind) {
-        case Bool8:
-        case Int8:
-            return LoadAs<std::int8_t>(data);
-        case UInt8:
-            return LoadAs<std::uint8_t>(data);
-        case Int16:
-            return LoadAs<std::int16_t>(data);
-        case UInt16:
-            return LoadAs<std::uint16_t>(data);
-        default:
-            return LoadAs<std::uint32_t>(data);
-    }
-}
-
-void Store(int size, void* data, long long number) {
-    switch (size) {
-        case 1:
-            return StoreAs<std::uint8_t>(data, number);
-        case 2:
-            return StoreAs<std::uint16_t>(data, number);
-        default:
-            return StoreAs<std::uint32_t>(data, number);
-    }
-}
 
 template <class T>
 bool Fits(long long number) {
@@ -78,11 +36,6 @@ bool InRange(FieldKind kind, long long number) {
         default:
             return Fits<std::int32_t>(number) || Fits<std::uint32_t>(number);
     }
-}
-
-std::uint8_t* ElementAt(const TField& field, int index) {
-    // cppcheck-suppress CastIntegerToAddressAtReturn ; an address and a distance
-    return static_cast<std::uint8_t*>(field.data) + std::ptrdiff_t{index} * field.row->Size;
 }
 
 enum class Unsigned32 : bool { AsSigned, AsUnsigned };
@@ -198,7 +151,7 @@ UnicodeString ReadNumbers(const TField& field) {
     const TFieldInfo& row = *field.row;
     std::array<long long, kMostElements> elements{};
     for (int i = 0; i < row.Count; ++i) {
-        elements[static_cast<std::size_t>(i)] = Load(row.Kind, ElementAt(field, i));
+        elements[static_cast<std::size_t>(i)] = LoadElement(field, i);
     }
     return ElementsText(row, elements.data(), Unsigned32::AsSigned);
 }
@@ -209,12 +162,11 @@ bool SetNumbers(const TField& field, const UnicodeString& text, UnicodeString* p
     TElements supplied(text);
     bool all_set = true;
     for (int i = 0; i < row.Count; ++i) {
-        std::uint8_t* const element = ElementAt(field, i);
-        before[static_cast<std::size_t>(i)] = Load(row.Kind, element);
+        before[static_cast<std::size_t>(i)] = LoadElement(field, i);
         bool valid = false;
         long long number = 0;
         if (!supplied.Next(row, valid, number)) continue;
-        if (valid) Store(row.Size, element, number);
+        if (valid) StoreElement(field, i, number);
         all_set = all_set && valid;
     }
     if (all_set && previous != nullptr) {

@@ -2,7 +2,7 @@
 // by commas.
 #pragma once
 
-#include "driver_devmode/field_text.h"
+#include "driver_devmode/field_elements.h"
 
 namespace driver_devmode {
 

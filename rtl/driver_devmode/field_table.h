@@ -7,46 +7,13 @@
 #include <span>
 #include <string_view>
 
-#include "driver_devmode/value_tables.h"
+#include "driver_devmode/field_info.h"
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace driver_devmode {
 
-enum class FieldKind : unsigned char {
-    Bool8,
-    Int8,
-    UInt8,
-    Int16,
-    UInt16,
-    UInt32,
-    AnsiText,
-    WideText,
-    String,
-    Gap
-};
-
-// More elements than any row of numbers has.
-inline constexpr int kMostElements = 8;
-
-// One row. `Size` is bytes per element, `Count` elements (characters for texts, bytes for gaps),
-// `Offset` bytes from the start of the block, or the place of the member among the wrapper's
-// strings.
-struct TFieldInfo {
-    const WCHAR* Name;
-    FieldKind Kind;
-    bool Listed;
-    int Size;
-    int Count;
-    ValueTable Values;
-    int Offset;
-
-    constexpr bool IsText() const { return Kind >= FieldKind::AnsiText && Kind != FieldKind::Gap; }
-    constexpr int End() const { return Offset + Size * Count; }
-};
-
-// The rows of the block; offsets follow from the rows before. The public part is the rows with
-// offsets below 220.
+// The rows of the block. The public part is the rows with offsets below 220.
 QV_API std::span<const TFieldInfo> DevModeFields();
 // The wrapper's strings: DeviceName, FormName, exOut.Directory, exOut.FileName, exRun.Target.
 QV_API std::span<const TFieldInfo> WrapperFields();

@@ -1,20 +1,11 @@
 // The text form of one field: reading it, and setting it from text.
 #pragma once
 
-#include "driver_devmode/field_table.h"
+#include "driver_devmode/field_elements.h"
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
 namespace driver_devmode {
-
-// A field in memory: its row and its bytes (a UnicodeString for the kind String). Rows without
-// memory are unknown names.
-struct TField {
-    const TFieldInfo* row = nullptr;
-    void* data = nullptr;
-
-    explicit operator bool() const { return row != nullptr; }
-};
 
 // The elements joined by ",": "True"/"False", symbolic names without prefix, decimal numbers
 // (32-bit ones signed), or the whole text. Gaps read as the empty string.

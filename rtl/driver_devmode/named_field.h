@@ -1,6 +1,7 @@
 // A wrapper's field by its name.
 #pragma once
 
+#include "driver_devmode/field_table.h"
 #include "driver_devmode/field_text.h"
 #include "driver_devmode/qvdm.h"
 #include "qv_api.h"

@@ -6,63 +6,7 @@
 
 using Mox::LogHere;
 
-std::uint32_t QV_DEVMODE_AvailableFields =
-    DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_DEFAULTSOURCE;
-
-namespace {
-
-constexpr char kId[QV_DEVMODE_EXTRA::kIdSize] = "QV DEVMODEex";
-
-void InitPublic(DEVMODEW& dm) {
-    constexpr WCHAR kDeviceName[] = TEXT("Vantrel");
-    constexpr WCHAR kFormName[] = TEXT("A4");
-    std::memcpy(dm.dmDeviceName, kDeviceName, sizeof(kDeviceName));
-    std::memcpy(dm.dmFormName, kFormName, sizeof(kFormName));
-    dm.dmSpecVersion = DM_SPECVERSION;
-    dm.dmDriverVersion = 0x0100;
-    dm.dmSize = QV_DEVMODE_EXTRA::kPublicSize;
-    dm.dmDriverExtra = QV_DEVMODE_EXTRA::kExtraSize;
-    dm.dmFields = QV_DEVMODE_AvailableFields;
-    dm.dmOrientation = DMORIENT_PORTRAIT;
-    dm.dmPaperSize = DMPAPER_A4;
-    dm.dmPaperLength = 2970;
-    dm.dmPaperWidth = 2100;
-    dm.dmScale = 100;
-    dm.dmCopies = 1;
-    dm.dmDefaultSource = DMBIN_AUTO;
-    dm.dmColor = DMCOLOR_COLOR;
-    dm.dmDuplex = DMDUP_SIMPLEX;
-    dm.dmTTOption = DMTT_SUBDEV;
-    dm.dmCollate = DMCOLLATE_FALSE;
-    dm.dmNup = DMNUP_ONEUP;
-    dm.dmICMMethod = DMICMMETHOD_NONE;
-    dm.dmICMIntent = DMICM_SATURATE;
-    dm.dmMediaType = DMMEDIA_STANDARD;
-    dm.dmDitherType = DMDITHER_NONE;
-}
-
-void InitExtra(QV_DEVMODE_EXTRA& extra) {
-    std::memcpy(extra.exID, kId, sizeof(kId));
-    extra.exVersion = QV_DEVMODE_EXTRA::kVersion;
-    extra.exFax.Resolution[0] = 204;
-    extra.exFax.Resolution[1] = 196;
-    extra.exOut.UseDocNameAsFileName = 1;
-    extra.exOut.UseSerial = 1;
-    extra.exOut.RememberLastDir = 1;
-    extra.exRun.Enabled = 1;
-    extra.exLayout.CenterHorizontal = 1;
-    extra.exLayout.DeleteEmptyPage = 1;
-    extra.exLayout.ShrinkIfLarge = 1;
-    extra.exIPO.Init();
-}
-
-}  // namespace
-
-void QV_DEVMODE::Init() {
-    std::memset(static_cast<void*>(this), 0, sizeof(*this));
-    InitPublic(*this);
-    InitExtra(*this);
-}
+std::uint32_t QV_DEVMODE_AvailableFields = kSupportedFields;
 
 void QV_DEVMODE::Validate() {
     if (dmPrintQuality == 600 && dmYResolution == 600) return;

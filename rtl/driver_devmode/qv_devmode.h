@@ -16,8 +16,12 @@
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
-// The dmFields mask that a fresh block gets: the public fields that the product supports. Start-up
-// may replace it from the resource file; read-only afterwards.
+// The public fields that the product supports.
+inline constexpr std::uint32_t kSupportedFields =
+    DM_ORIENTATION | DM_PAPERSIZE | DM_PAPERLENGTH | DM_PAPERWIDTH | DM_DEFAULTSOURCE;
+
+// The dmFields mask that a fresh block gets. Start-up may replace it from the resource file;
+// read-only afterwards.
 extern QV_API std::uint32_t QV_DEVMODE_AvailableFields;
 
 #pragma pack(push, 1)
@@ -29,6 +33,7 @@ struct QV_DEVMODE_EXTRA {
     static constexpr int kExtraSize = 4180;
     static constexpr int kPoolUnits = 2048;
     static constexpr int kIdSize = 13;
+    static constexpr char kId[kIdSize] = "QV DEVMODEex";
     static constexpr std::uint16_t kVersion = 263;
     static constexpr std::uint16_t kOldestVersion = 261;
 

@@ -26,8 +26,8 @@ TQVDM::TQVDM() : TQVDM(static_cast<DEVMODEW*>(nullptr)) {
     FDM = std::make_unique<QV_DEVMODE>().release();
     FOwnDM = true;
     block_size_ = QV_DEVMODE::Size();
-    DeviceName = TEXT("Vantrel");
-    FormName = TEXT("A4");
+    DeviceName = FromField(FDM->dmDeviceName, CCHDEVICENAME);
+    FormName = FromField(FDM->dmFormName, CCHFORMNAME);
     Directory = GetUserDocument(UnicodeString());
     FileName = Sysutils::ConfirmPathString(Directory) + TEXT("fax.tif");
     Encode();

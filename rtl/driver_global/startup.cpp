@@ -16,7 +16,6 @@
 namespace {
 
 constexpr DWORD kLogFileLimit = 0x500000;
-constexpr int kDefaultAvailableFields = 527;
 
 // A broken file leaves what could be read of it.
 void ReadResources() {
@@ -36,7 +35,7 @@ void TakeAvailableFields() {
     const TXmlNode* fields = document->FRoot->Find(TEXT("devmode\\fields"), System::kCodePageUtf8);
     if (fields == nullptr) return;
     QV_DEVMODE_AvailableFields =
-        static_cast<std::uint32_t>(Sysutils::StrToIntDef(fields->FValue, kDefaultAvailableFields));
+        static_cast<std::uint32_t>(Sysutils::StrToIntDef(fields->FValue, int{kSupportedFields}));
 }
 
 // Installs `recorder` and returns the one that was installed. Threads that are about to log to that

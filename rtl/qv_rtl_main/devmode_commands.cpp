@@ -6,6 +6,7 @@
 #include "mox_classes/text/sysutils_command_line.h"
 #include "mox_classes/text/sysutils_numbers.h"
 #include "printer_query/spooler.h"
+#include "qv_rtl_main/keyed_fields.h"
 #include "xml/xml_node.h"
 #include "xml/xml_writer.h"
 
@@ -16,8 +17,6 @@ namespace {
 
 constexpr const WCHAR* kPrinterKeyword = TEXT("printername");
 constexpr WCHAR kTab = 9;
-constexpr int kDefaultDither = 2;
-constexpr int kDefaultColorWeight = 1;
 
 enum TStatus : int {
     kBadCount = -10,
@@ -61,19 +60,6 @@ bool HasPrinterName(TStrings* items, UnicodeString& result) {
     return false;
 }
 
-void AppendSettings(const QV_DEVMODE& dm, const TQVDM& wrapper, UnicodeString& result) {
-    const auto on = [](std::uint8_t flag) { return static_cast<std::int8_t>(flag); };
-    const TColorMix mix = dm.exIPO.ColorMixer;
-    result.cat_printf(TEXT("Mode\t%d"), dm.exDialog.Mode);
-    result.cat_printf(TEXT("\tColorMix\t%d,%d,%d"), mix.Red, mix.Green, mix.Blue);
-    result.cat_printf(TEXT("\tDitherMethod\t%d"), dm.exIPO.DitherMethod);
-    result.cat_printf(TEXT("\tUseSerial\t%d"), on(dm.exOut.UseSerial));
-    result.cat_printf(TEXT("\tUseDocname\t%d"), on(dm.exOut.UseDocNameAsFileName));
-    result.cat_printf(TEXT("\tCallApp\t%d"), on(dm.exRun.Enabled));
-    result.cat_printf(TEXT("\tDefaultSaveFile\t%s"), wrapper.FileName);
-    result.cat_printf(TEXT("\tDefaultSaveDir\t%s"), wrapper.Directory);
-}
-
 }  // namespace
 
 int CmdGetOrloPrinters(TStrings* /*items*/, UnicodeString& result) {
@@ -105,7 +91,7 @@ int CmdGetDevMode(TStrings* items, UnicodeString& result) {
     if (status < 0) return status;
     OutputDebugStringW(TEXT("Called the GetGlobalDevMode()"));
 
-    AppendSettings(*settings.wrapper.GetDM(), settings.wrapper, result);
+    qv_rtl_main::AppendKeyedFields(settings.wrapper, result);
     UnicodeString program, parameters;
     if (Sysutils::ParseCommandLine(settings.wrapper.Target, program, parameters)) {
         result.cat_printf(TEXT("\tAppName\t%s\tAppParam\t%s"), program, parameters);
@@ -116,119 +102,66 @@ int CmdGetDevMode(TStrings* items, UnicodeString& result) {
 
 namespace {
 
-// Values that act together, after all pairs are read.
-struct TPendingOptions {
+using TText = const UnicodeString&;
+
+// What runs after a job, as the keywords name it.
+struct TTarget {
     UnicodeString program;
     UnicodeString parameters;
     UnicodeString message_name;
     UnicodeString message_format;
     UnicodeString window_class;
-    UnicodeString dither_method;
-    UnicodeString color_mix;
-    bool has_dither_method = false;
 };
 
-std::uint8_t LowByte(int number) {
-    return static_cast<std::uint8_t>(number & 0xFF);
-}
-
-std::uint8_t ByteOf(const UnicodeString& value) {
-    return LowByte(Sysutils::StrToInt(value));
-}
-
-struct TKeyword {
+struct TTargetKeyword {
     const WCHAR* name;
-    void (*apply)(TQVDM& wrapper, TPendingOptions& pending, const UnicodeString& value);
+    UnicodeString TTarget::*member;
+};
+constexpr TTargetKeyword kTargetKeywords[] = {
+    {TEXT("appname"), &TTarget::program},          {TEXT("appparam"), &TTarget::parameters},
+    {TEXT("msgname"), &TTarget::message_name},     {TEXT("msgformat"), &TTarget::message_format},
+    {TEXT("msgwinclass"), &TTarget::window_class},
 };
 
-using TText = const UnicodeString&;
-constexpr TKeyword kKeywords[] = {
-    {TEXT("mode"),
-     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exDialog.Mode = ByteOf(value); }},
-    {TEXT("useserial"),
-     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exOut.UseSerial = ByteOf(value); }},
-    {TEXT("usedocname"),
-     [](TQVDM& dm, TPendingOptions&, TText value) {
-         dm.GetDM()->exOut.UseDocNameAsFileName = ByteOf(value);
-     }},
-    {TEXT("callapp"),
-     [](TQVDM& dm, TPendingOptions&, TText value) { dm.GetDM()->exRun.Enabled = ByteOf(value); }},
-    {TEXT("defaultsavefile"),
-     [](TQVDM& dm, TPendingOptions&, TText value) { dm.FileName = value; }},
-    {TEXT("defaultsavedir"),
-     [](TQVDM& dm, TPendingOptions&, TText value) { dm.Directory = value; }},
-    {TEXT("appname"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.program = value; }},
-    {TEXT("appparam"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.parameters = value; }},
-    {TEXT("msgname"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.message_name = value; }},
-    {TEXT("msgformat"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.message_format = value; }},
-    {TEXT("msgwinclass"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.window_class = value; }},
-    {TEXT("dithermethod"),
-     [](TQVDM&, TPendingOptions& pending, TText value) {
-         pending.dither_method = value;
-         pending.has_dither_method = true;
-     }},
-    {TEXT("colormix"),
-     [](TQVDM&, TPendingOptions& pending, TText value) { pending.color_mix = value; }},
-};
-
-bool ApplyKeyword(TText name, TText value, TQVDM& wrapper, TPendingOptions& pending) {
-    for (const TKeyword& keyword : kKeywords) {
+// False for another keyword.
+bool TakeTargetKeyword(TText name, TText value, TTarget& target) {
+    for (const TTargetKeyword& keyword : kTargetKeywords) {
         if (name != UnicodeString(keyword.name)) continue;
-        keyword.apply(wrapper, pending, value);
+        target.*keyword.member = value;
         return true;
     }
     return false;
 }
 
 // The description of an event that starts a program, sends a message to a window, or both.
-UnicodeString EventText(const TPendingOptions& pending) {
+UnicodeString EventText(const TTarget& wanted) {
     TXmlNode event;
     event.FName = TEXT("event");
     const auto add = [&event](const WCHAR* name, TText value) {
         if (value.Length() != 0) event.AddAttribute(name, value);
     };
-    add(TEXT("file"), pending.program);
-    if (pending.parameters == pending.message_format) {
-        add(TEXT("param"), pending.parameters);
+    add(TEXT("file"), wanted.program);
+    if (wanted.parameters == wanted.message_format) {
+        add(TEXT("param"), wanted.parameters);
     } else {
-        add(TEXT("param_run"), pending.parameters);
-        add(TEXT("param_msg"), pending.message_format);
+        add(TEXT("param_run"), wanted.parameters);
+        add(TEXT("param_msg"), wanted.message_format);
     }
-    add(TEXT("msg"), pending.message_name);
-    add(TEXT("win"), pending.window_class);
+    add(TEXT("msg"), wanted.message_name);
+    add(TEXT("win"), wanted.window_class);
     TXmlFormatter compact;
     return event.SaveToString(compact);
 }
 
-void SetTarget(const TPendingOptions& pending, UnicodeString& target) {
-    const bool has_message = pending.message_name.Length() != 0 ||
-                             pending.message_format.Length() != 0 ||
-                             pending.window_class.Length() != 0;
+void SetTarget(const TTarget& wanted, UnicodeString& target) {
+    const bool has_message = wanted.message_name.Length() != 0 ||
+                             wanted.message_format.Length() != 0 ||
+                             wanted.window_class.Length() != 0;
     if (has_message) {
-        target = EventText(pending);
-    } else if (pending.program.Length() != 0 || pending.parameters.Length() != 0) {
-        target = Sysutils::BuildCommandLine(pending.program, pending.parameters);
+        target = EventText(wanted);
+    } else if (wanted.program.Length() != 0 || wanted.parameters.Length() != 0) {
+        target = Sysutils::BuildCommandLine(wanted.program, wanted.parameters);
     }
-}
-
-void SetImageOptions(const TPendingOptions& pending, TImageProcessOptions& options) {
-    if (pending.has_dither_method) {
-        const int method = Sysutils::StrToIntDef(pending.dither_method, kDefaultDither);
-        options.DitherMethod = static_cast<std::int8_t>(LowByte(method));
-    }
-    TStringList list;
-    TStrings& weights = list;
-    weights.SetCommaText(pending.color_mix);
-    if (weights.GetCount() < 3) return;
-    const auto weight = [&weights](int i) {
-        return Sysutils::StrToIntDef(weights.Get(i), kDefaultColorWeight);
-    };
-    options.ColorMixer.SetValues(weight(0), weight(1), weight(2));
 }
 
 }  // namespace
@@ -242,17 +175,20 @@ int CmdSetDevMode(TStrings* items, UnicodeString& result) {
     const int status = ReadSettings(printer, settings, result);
     if (status < 0) return status;
 
-    TPendingOptions pending;
+    qv_rtl_main::TKeyedChanges changes(settings.wrapper);
+    TTarget wanted;
     int understood = 0;
     for (int i = 2; i < count; i += 2) {
-        if (ApplyKeyword(items->Get(i), items->Get(i + 1), settings.wrapper, pending)) {
+        const UnicodeString keyword = items->Get(i);
+        const UnicodeString value = items->Get(i + 1);
+        if (changes.Take(keyword, value) || TakeTargetKeyword(keyword, value, wanted)) {
             ++understood;
         } else {
-            result.cat_printf(TEXT("Unsupported keyword '%s' was detected.\r\n"), items->Get(i));
+            result.cat_printf(TEXT("Unsupported keyword '%s' was detected.\r\n"), keyword);
         }
     }
-    SetTarget(pending, settings.wrapper.Target);
-    SetImageOptions(pending, settings.wrapper.GetDM()->exIPO);
+    SetTarget(wanted, settings.wrapper.Target);
+    changes.Finish();
 
     if (!settings.wrapper.Encode()) {
         result += TEXT("Cannot encode the QV_DEVMODE extra data\r\n");

@@ -139,8 +139,8 @@ TEST_F(Commands, TextsThatDoNotFitAreRefused) {
 }
 
 TEST_F(Commands, ColourMixAndDitherTakeWhatTheyCan) {
-    Set(TEXT("colormix|1,2"));
-    EXPECT_EQ(Stored().exIPO.ColorMixer.Red, 30) << "two weights are none";
+    Set(TEXT("colormix|1,2,3|colormix|1,2"));
+    EXPECT_EQ(Stored().exIPO.ColorMixer.Red, 30) << "two weights are none, and the last ones count";
     Set(TEXT("colormix|x,60,12,4|dithermethod|three"));
     const QV_DEVMODE dm = Stored();
     EXPECT_EQ(dm.exIPO.ColorMixer.Red, 1);
