@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
 
 #include "support/string_print.h"
 
@@ -14,29 +15,21 @@ constexpr TDefineConst kPapers[] = {
 constexpr TDefineConst kFlags[] = {{1, TEXT("F_")}, {1, TEXT("A")}, {2, TEXT("B")}, {4, TEXT("C")}};
 constexpr int kNoValue = 12345;
 
-int PaperOf(const WCHAR* text) {
-    const TDefineTable table(kPapers);
-    int value = 0;
-    return TryStringToDefine(table.Rows(), value, text) ? value : kNoValue;
-}
-
 }  // namespace
 
-TEST(DefineTable, ReadsNamesInAnyCaseAndNumbers) {
-    for (const WCHAR* text :
-         {TEXT("a4"), TEXT("A4"), TEXT("dmpaper_a4"), TEXT("DMPAPER_A4"), TEXT("9")}) {
-        EXPECT_EQ(PaperOf(text), 9) << testing::PrintToString(UnicodeString(text));
-    }
-    EXPECT_EQ(PaperOf(TEXT("high")), -4);
-    EXPECT_EQ(PaperOf(TEXT("-4")), -4);
-    EXPECT_EQ(PaperOf(TEXT("77")), 77) << "a number without a row";
-    for (const WCHAR* text : {TEXT(" A4"), TEXT("A"), TEXT(""), TEXT("dmpaper_"), TEXT("7x")}) {
-        EXPECT_EQ(PaperOf(text), kNoValue) << testing::PrintToString(UnicodeString(text));
-    }
-}
-
-TEST(DefineTable, WritesNamesOrTheNumber) {
+TEST(DefineTable, NamesInAnyCaseAndNumbers) {
     const TDefineTable table(kPapers);
+    const std::pair<const WCHAR*, int> rows[] = {
+        {TEXT("a4"), 9},         {TEXT("A4"), 9},      {TEXT("dmpaper_a4"), 9},
+        {TEXT("DMPAPER_A4"), 9}, {TEXT("9"), 9},       {TEXT("high"), -4},
+        {TEXT("-4"), -4},        {TEXT("77"), 77},     {TEXT(" A4"), kNoValue},
+        {TEXT("A"), kNoValue},   {TEXT(""), kNoValue}, {TEXT("dmpaper_"), kNoValue},
+        {TEXT("7x"), kNoValue}};
+    for (const auto& [text, expected] : rows) {
+        int value = kNoValue;
+        EXPECT_EQ(TryStringToDefine(table.Rows(), value, text), expected != kNoValue);
+        EXPECT_EQ(value, expected) << test::Shown(text);
+    }
     EXPECT_EQ(DefineToString(table.Rows(), -4, true), TEXT("DMPAPER_HIGH"));
     EXPECT_EQ(DefineToString(table.Rows(), 1, false), TEXT("LETTER"));
     EXPECT_EQ(DefineToString(table.Rows(), 77, true), TEXT("77"));
@@ -48,14 +41,16 @@ TEST(DefineTable, FlagSetsJoinNames) {
     EXPECT_EQ(DefineToString(table.Rows(), 7, false), TEXT("A|B|C"));
     EXPECT_EQ(FlagsToString(table.Rows(), 5, true), TEXT("F_A|F_C"));
     EXPECT_TRUE(FlagsToString(table.Rows(), 8, false).IsEmpty());
-
-    int value = 0;
-    EXPECT_TRUE(TryStringToDefine(table.Rows(), value, TEXT("c|f_a")));
-    EXPECT_EQ(value, 5);
-    EXPECT_FALSE(TryStringToFlags(table.Rows(), value, TEXT("A|X|B")));
-    EXPECT_EQ(value, 1) << "the flags before the unknown name";
-    EXPECT_TRUE(TryStringToFlags(table.Rows(), value, TEXT("")));
-    EXPECT_EQ(value, 0);
+    const std::pair<const WCHAR*, int> rows[] = {{TEXT("c|f_a"), 5},
+                                                 {TEXT("2|C"), 6},
+                                                 {TEXT(""), 0},
+                                                 {TEXT("A|X|B"), -1},
+                                                 {TEXT("A|8"), -1}};
+    for (const auto& [text, expected] : rows) {
+        int value = 0;
+        EXPECT_EQ(TryStringToDefine(table.Rows(), value, text), expected >= 0);
+        EXPECT_EQ(value, expected >= 0 ? expected : 1) << "the flags before the unknown name";
+    }
 }
 
 TEST(DefineTable, RowsAreTheExportedLayout) {
@@ -73,11 +68,11 @@ TEST(DefineTable, RowsAreTheExportedLayout) {
 
 TEST(Booleans, WordsOfNo) {
     for (const WCHAR* no : {TEXT("0"), TEXT(" OFF\t"), TEXT("False")}) {
-        EXPECT_FALSE(StringToBool(no)) << testing::PrintToString(UnicodeString(no));
+        EXPECT_FALSE(StringToBool(no)) << test::Shown(no);
     }
-    for (const WCHAR* yes : {TEXT("no"), TEXT("1"), TEXT("yes"), TEXT("")}) {
-        EXPECT_TRUE(StringToBool(yes)) << testing::PrintToString(UnicodeString(yes));
+    for (const WCHAR* yes : {TEXT("no"), TEXT("1"), TEXT("yes"), TEXT(""), TEXT("OF")}) {
+        EXPECT_TRUE(StringToBool(yes)) << test::Shown(yes);
     }
-    EXPECT_EQ(BoolToString(StringToBool(BoolToString(true))), TEXT("True"));
+    EXPECT_EQ(BoolToString(true), TEXT("True"));
     EXPECT_EQ(BoolToString(false), TEXT("False"));
 }

@@ -1,12 +1,15 @@
-// Named fields, templates and tags.
+// Named fields, templates and tags, and the typed front of the formatter below them.
 #include "mox_classes/format/format_fields.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdarg>
+#include <tuple>
+#include <utility>
 
 #include "mox_classes/containers/string_list.h"
 #include "mox_classes/format/template_string.h"
+#include "mox_classes/text/wide_format.h"
 #include "support/string_print.h"
 
 namespace {
@@ -42,10 +45,7 @@ UnicodeString Passed(const TFormatFields& fields, const WCHAR* format, ...) {
 }  // namespace
 
 TEST(FormatFields, KindOfASpecification) {
-    const struct {
-        const WCHAR* spec;
-        TArgumentType type;
-    } cases[] = {
+    const std::pair<const WCHAR*, TArgumentType> rows[] = {
         {TEXT("%d"), atInt32},    {TEXT("%5u"), atInt32},  {TEXT("%08X"), atInt32},
         {TEXT("%hd"), atInt32},   {TEXT("%ld"), atInt32},  {TEXT("%*d"), atInt32},
         {TEXT("%ll"), atInt64},   {TEXT("%L"), atInt64},   {TEXT("%lld"), atNone},
@@ -53,9 +53,8 @@ TEST(FormatFields, KindOfASpecification) {
         {TEXT("%G"), atDouble},   {TEXT("%Lf"), atDouble}, {TEXT("%s"), atPointer},
         {TEXT("%ls"), atPointer}, {TEXT("%p"), atPointer}, {TEXT("%hs"), atNone},
         {TEXT("%n"), atNone},     {TEXT("#d"), atNone},    {TEXT(""), atNone},
-        {TEXT("%"), atNone},      {TEXT("%d "), atNone},   {nullptr, atNone},
-    };
-    for (const auto& row : cases) EXPECT_EQ(DetectArgumentType(row.spec), row.type);
+        {TEXT("%"), atNone},      {TEXT("%d "), atNone},   {nullptr, atNone}};
+    for (const auto& [spec, type] : rows) EXPECT_EQ(DetectArgumentType(spec), type);
 }
 
 TEST(FormatFields, OneArgumentForEachName) {
@@ -136,32 +135,65 @@ TEST(FormatFields, BracesInsideNames) {
 }
 
 TEST(TemplateString, Tags) {
-    EXPECT_EQ(Tags(TEXT("Dear [name][x]!"), TEXT("John Smith")), TEXT("Dear \"John Smith\"!"));
-    EXPECT_EQ(Tags(TEXT("[name]"), TEXT("")), TEXT("\"\""));
-    EXPECT_EQ(Tags(TEXT("[name]"), TEXT("a\"b")), TEXT("\"a\"\"b\""));
+    const std::tuple<const WCHAR*, const WCHAR*, const WCHAR*> rows[] = {
+        {TEXT("Dear [name][x]!"), TEXT("John Smith"), TEXT("Dear \"John Smith\"!")},
+        {TEXT("[name]"), TEXT(""), TEXT("\"\"")},
+        {TEXT("[name]"), TEXT("a\"b"), TEXT("\"a\"\"b\"")},
+        {TEXT("[name] [na"), TEXT("v"), TEXT("v [na")}};
+    for (const auto& [text, value, result] : rows) EXPECT_EQ(Tags(text, value), result);
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT(""), true), TEXT("\xFF02\xFF02"));
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT("a/b"), true), TEXT("a\xFF0F") TEXT("b"));
-    EXPECT_EQ(Tags(TEXT("[name] [na"), TEXT("v")), TEXT("v [na"));
     EXPECT_EQ(Tags(TEXT("<<name>>"), TEXT("[name]"), false, TEXT("<<"), TEXT(">>")),
               TEXT("[name]"));
-    EXPECT_EQ(Tags(TEXT("[name]"), TEXT("v"), false, TEXT(""), TEXT("")), TEXT("[name]"));
+    EXPECT_EQ(Tags(TEXT("[name]"), TEXT("v"), false, TEXT(""), TEXT("]")), TEXT("[name]"));
     EXPECT_EQ(Tags(TEXT("[name]"), TEXT("v"), false, TEXT("["), TEXT("")), TEXT("[name]"));
 }
 
 TEST(TemplateString, NamesAndValues) {
     TStringList items;
-    for (const WCHAR* text : {TEXT("a"), TEXT("1"), TEXT("b"), TEXT("x y"), TEXT("c"), TEXT("")}) {
+    Classes::TStrings& list = items;
+    const auto joined = [&] { return BuildNameValueString(&list, TEXT(";"), TEXT("=")); };
+    EXPECT_TRUE(joined().IsEmpty());
+    for (const WCHAR* text : {TEXT("a b"), TEXT("1"), TEXT("b"), TEXT("x y"), TEXT("c"), TEXT(""),
+                              TEXT("d"), TEXT("\"q")}) {
         items.Add(text);
     }
-    Classes::TStrings& list = items;
-    EXPECT_EQ(BuildNameValueString(&list, TEXT(";"), TEXT("=")), TEXT("a=1;b=\"x y\";c=\"\""));
-    EXPECT_EQ(list.Get(3), TEXT("\"x y\""));
-    EXPECT_EQ(list.Get(5), TEXT("\"\""));
-    items.Add(TEXT("d"));
-    items.Put(1, TEXT("\"q"));
-    EXPECT_EQ(BuildNameValueString(&list, TEXT(";"), TEXT("=")).SubString(1, 11),
-              TEXT("a=\"\"\"q\";b=\""));
-    EXPECT_EQ(list.GetCount(), 7);
-    items.Clear();
-    EXPECT_TRUE(BuildNameValueString(&list, TEXT(";"), TEXT("=")).IsEmpty());
+    EXPECT_EQ(joined(), TEXT("a b=1;b=\"x y\";c=\"\";d=\"\"\"q\""));
+    EXPECT_EQ(list.Get(3), TEXT("\"x y\"")) << "the list keeps the quotes";
+    items.Delete(7);
+    EXPECT_GT(joined().Pos(TEXT(";d=\"\"")), 0);
+}
+
+using System::FormatKindOf;
+using System::TFormatKind;
+
+TEST(FormatFront, EveryNumberTravelsAtTheWidthItsConversionReads) {
+    enum class Small : unsigned char { One = 1 };
+    EXPECT_EQ(FormatKindOf<Small>(), TFormatKind::Int32);
+    EXPECT_EQ(FormatKindOf<DWORD>(), TFormatKind::Int32);
+    EXPECT_EQ(FormatKindOf<std::int64_t>(), TFormatKind::Int64);
+    EXPECT_EQ(FormatKindOf<long double>(), TFormatKind::Double);
+    EXPECT_EQ(FormatKindOf<const WCHAR*>(), TFormatKind::Text);
+    EXPECT_EQ(FormatKindOf<HANDLE>(), TFormatKind::Pointer);
+}
+
+TEST(FormatFront, ATextThatAsksForOtherArgumentsIsRefused) {
+    for (const WCHAR* format :
+         {TEXT("%d of %s, %5.2f"), TEXT("%-05hd%ls%Lg"), TEXT("%% %I32u %s %%%E"),
+          TEXT("%lx|%s|%.3lf"), TEXT("%c%4096s%4.2e")}) {
+        EXPECT_TRUE(System::FormatFits(format, 1, TEXT("a"), 2.0)) << test::Shown(format);
+    }
+    const WCHAR* const refused[] = {
+        TEXT("%d %s"),         TEXT("%d %s %f %d"),     TEXT("%s %s %f"),
+        TEXT("%I64d %s %f"),   TEXT("%*d %s %f"),       TEXT("%n %s %f"),
+        TEXT("%d %hs %f"),     TEXT("%d %S %f"),        TEXT("%d %s %4097f"),
+        TEXT("%d %s %.4097f"), TEXT("%d %s %f %"),      TEXT("%d %s %5"),
+        TEXT("%Ld %s %f"),     TEXT("%d %s %k"),        TEXT("%lld %s %f"),
+        TEXT("%d %p %f"),      TEXT("%d %s %5.5.5.5f"), TEXT("%99999999999999999999d %s %f"),
+    };
+    for (const WCHAR* format : refused) {
+        EXPECT_FALSE(System::FormatFits(format, 1, TEXT("a"), 2.0)) << test::Shown(format);
+    }
+    EXPECT_TRUE(System::FormatFits(nullptr));
+    EXPECT_FALSE(System::FormatFits(TEXT("%s")));
 }

@@ -21,16 +21,12 @@ using test::ThrownText;
 
 constexpr unsigned short kBeginning = 0, kCurrent = 1, kEnd = 2;
 
-// Shows the capacity, which is the deriving classes' business.
-class OpenMemoryStream : public TMemoryStream {
-  public:
-    int Capacity() const { return FCapacity; }
-};
-
-// Counts the pieces in which it is read.
-class Source : public TMemoryStream {
+// Shows the capacity, which is the deriving classes' business, and counts the pieces in which it is
+// read.
+class OpenStream : public TMemoryStream {
   public:
     std::vector<int> pieces;
+    int Capacity() const { return FCapacity; }
     int Read(void* buffer, int count) override {
         pieces.push_back(count);
         return TMemoryStream::Read(buffer, count);
@@ -49,16 +45,22 @@ std::string ContentOf(const TMemoryStream& stream, std::size_t bytes) {
 }  // namespace
 
 TEST(MemoryStream, GrowsInStepsAndReleasesAll) {
-    OpenMemoryStream stream;
+    OpenStream stream;
     Fill(stream, 1);
     EXPECT_EQ(stream.GetSize(), 1);
     EXPECT_EQ(stream.Capacity(), 8192);
-    Fill(stream, 8192);
+    Fill(stream, 8191);
+    EXPECT_EQ(stream.Capacity(), 8192);
+    Fill(stream, 1);
     EXPECT_EQ(stream.Capacity(), 16384);
+    EXPECT_EQ(ContentOf(stream, 8193), std::string(8193, 'd'));
     stream.SetSize(0);
     EXPECT_EQ(stream.Capacity(), 0);
     EXPECT_EQ(stream.GetMemory(), nullptr);
     EXPECT_EQ(stream.GetPosition(), 0);
+    Fill(stream, 3);
+    stream.Clear();
+    EXPECT_EQ(stream.GetSize() + stream.GetPosition() + stream.Capacity(), 0);
 }
 
 TEST(MemoryStream, SetSizePullsThePositionBack) {
@@ -111,9 +113,10 @@ TEST(MemoryStream, WritesAPartOfItselfWhileItMoves) {
 TEST(Stream, ExactReadsOrNone) {
     TMemoryStream stream;
     Fill(stream, 5);
-    stream.SetPosition(0);
-    char buffer[10];
+    stream.SetPosition(1);
+    char buffer[10] = {};
     EXPECT_EQ(ThrownText([&] { stream.ReadBuffer(buffer, 10); }), TEXT("Stream read failed"));
+    EXPECT_EQ(std::string(buffer), "dddd");
     stream.ReadBuffer(buffer, 0);
     stream.Seek(-1, kBeginning);
     EXPECT_EQ(ThrownText([&] { stream.WriteBuffer(buffer, 1); }), TEXT("Stream write failed"));
@@ -122,7 +125,7 @@ TEST(Stream, ExactReadsOrNone) {
 }
 
 TEST(Stream, CopyFromMovesBoundedPieces) {
-    Source source;
+    OpenStream source;
     Fill(source, 100000);
     TMemoryStream target;
     EXPECT_EQ(target.CopyFrom(&source, 0), 100000);
@@ -134,19 +137,28 @@ TEST(Stream, CopyFromMovesBoundedPieces) {
     EXPECT_EQ(target.CopyFrom(&empty, 0), 0);
 }
 
+namespace {
+
 class FileStream : public testing::Test {
   protected:
     // A name in the temporary folder, which on Linux lies inside the fresh root.
-    static UnicodeString Name(const WCHAR* name) {
+    FileStream() {
         WCHAR folder[MAX_PATH + 1] = {};
         GetTempPathW(MAX_PATH, folder);
-        return UnicodeString(folder) + name;
+        name_ = UnicodeString(folder) + TEXT("qv_stream_test.bin");
     }
-    void TearDown() override { DeleteFileW(name_.t_str()); }
+    ~FileStream() override { DeleteFileW(name_.t_str()); }
+    // The code with which opening fails.
+    UnicodeString Failure(unsigned short mode) {
+        const UnicodeString text = ThrownText([&] { TFileStream(name_, mode); });
+        return text.SubString(1, text.Pos(TEXT("]")));
+    }
 
     test::FreshHostRoot root_;
-    const UnicodeString name_ = Name(TEXT("qv_stream_test.bin"));
+    UnicodeString name_;
 };
+
+}  // namespace
 
 TEST_F(FileStream, KeepsPositionAndSize) {
     TMemoryStream memory;
@@ -161,6 +173,7 @@ TEST_F(FileStream, KeepsPositionAndSize) {
     EXPECT_EQ(file.Seek(-1, kBeginning), -1);
     EXPECT_EQ(file.Seek(std::int64_t{3} << 31, TSeekOrigin::Beginning), std::int64_t{3} << 31);
     EXPECT_EQ(file.Seek(0, kCurrent), -1) << "no 32-bit form";
+    EXPECT_EQ(file.Read(&memory, 0) + file.Write(&memory, -1), 0);
 }
 
 TEST_F(FileStream, LoadsIntoMemory) {
@@ -175,21 +188,16 @@ TEST_F(FileStream, LoadsIntoMemory) {
     EXPECT_EQ(memory.GetPosition(), 2);
 }
 
-TEST_F(FileStream, FailuresBeginWithTheCode) {
-    const auto opening = [&](unsigned short mode) {
-        return ThrownText([&] { TFileStream(name_, mode); }).SubString(1, 4);
-    };
-    EXPECT_EQ(opening(0), TEXT("[2]") + opening(0).SubString(4, 1));
-    EXPECT_EQ(opening(3), TEXT("[87]"));
-    EXPECT_EQ(opening(0x50), TEXT("[87]"));
-    TFileStream creator(name_, TFileStream::kCreate);
-    EXPECT_EQ(opening(0x40), TEXT("[32]")) << "the creator shares nothing";
-}
-
 TEST_F(FileStream, ModesSayWhatOthersMayDo) {
-    TFileStream(name_, TFileStream::kCreate);
+    EXPECT_EQ(Failure(0), TEXT("[2]"));
+    EXPECT_EQ(Failure(3), TEXT("[87]"));
+    EXPECT_EQ(Failure(0x50), TEXT("[87]"));
+    {
+        TFileStream creator(name_, TFileStream::kCreate);
+        EXPECT_EQ(Failure(0x40), TEXT("[32]")) << "the creator shares nothing";
+    }
     TFileStream reader(name_, 0x20);
     TFileStream second_reader(name_, 0x40);
-    EXPECT_EQ(ThrownText([&] { TFileStream(name_, 0x41); }).SubString(1, 4), TEXT("[32]"));
+    EXPECT_EQ(Failure(0x41), TEXT("[32]"));
     EXPECT_EQ(reader.Write("x", 1), 0);
 }

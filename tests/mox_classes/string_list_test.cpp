@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "support/captured_log.h"
@@ -27,34 +29,28 @@ Texts Split(const WCHAR* text, bool strict = false) {
     return ItemsOf(list);
 }
 
-Texts Lines(const WCHAR* text) {
-    TStringList list;
-    list.SetTextStr(text);
-    return ItemsOf(list);
-}
+// Answers in capitals.
+class LoudList : public TStringList {
+  public:
+    UnicodeString Get(int index) override { return TStringList::Get(index).UpperCase(); }
+};
 
 }  // namespace
 
 TEST(StringList, BlanksAndDelimitersSeparateUnlessStrict) {
-    const struct {
-        const WCHAR* text;
-        Texts items;
-    } cases[] = {
+    const std::pair<const WCHAR*, Texts> rows[] = {
         {TEXT("a, b ,  c"), {TEXT("a"), TEXT("b"), TEXT("c")}},
         {TEXT("a b"), {TEXT("a"), TEXT("b")}},
         {TEXT("a,,b"), {TEXT("a"), TEXT(""), TEXT("b")}},
         {TEXT("a,"), {TEXT("a"), TEXT("")}},
         {TEXT("a, "), {TEXT("a")}},
         {TEXT(" \t\x01"), {}},
-        {TEXT(""), {}},
         {TEXT("\"x,y\""), {TEXT("x,y")}},
         {TEXT("\"say, \"\"hi\"\"\""), {TEXT("say, \"hi\"")}},
         {TEXT("\"abc"), {TEXT("ab")}},
         {TEXT("\"ab\"cd"), {TEXT("ab"), TEXT("cd")}},
-        {TEXT("a\"b,\"\""), {TEXT("a\"b"), TEXT("")}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(Split(c.text), c.items) << testing::PrintToString(UnicodeString(c.text));
+        {TEXT("a\"b,\"\""), {TEXT("a\"b"), TEXT("")}}};
+    for (const auto& [text, items] : rows) EXPECT_EQ(Split(text), items) << test::Shown(text);
     EXPECT_EQ(Split(TEXT("a b, c"), true), (Texts{TEXT("a b"), TEXT(" c")}));
     EXPECT_EQ(Split(TEXT(", "), true), (Texts{TEXT(""), TEXT(" ")}));
 }
@@ -71,23 +67,29 @@ TEST(StringList, UnusualDelimitersNeverHang) {
 
 TEST(StringList, JoiningDoesNotQuote) {
     TStringList list;
-    EXPECT_TRUE(list.GetDelimitedText().IsEmpty());
-    EXPECT_TRUE(list.GetTextStr().IsEmpty());
+    EXPECT_TRUE(list.GetDelimitedText().IsEmpty() && list.GetTextStr().IsEmpty());
     list.SetDelimiter('|');
+    list.SetQuoteChar('\'');
     list.SetCommaText(TEXT("\"x,y\",b"));
     EXPECT_EQ(list.GetCommaText(), TEXT("x,y,b"));
     EXPECT_EQ(list.GetDelimitedText(), TEXT("x,y|b"));
     EXPECT_EQ(list.GetTextStr(), TEXT("x,y\r\nb\r\n"));
+    list.SetDelimitedText(TEXT("'p|q'"));
+    EXPECT_EQ(ItemsOf(list), Texts{TEXT("p|q")});
 }
 
 TEST(StringList, LinesEndAtLineFeedWithOneReturnBesideIt) {
-    EXPECT_EQ(Lines(TEXT("a\r\nb")), (Texts{TEXT("a"), TEXT("b")}));
-    EXPECT_EQ(Lines(TEXT("a\n\rb")), (Texts{TEXT("a"), TEXT("b")}));
-    EXPECT_EQ(Lines(TEXT("a\rb")), (Texts{TEXT("a\rb")}));
-    EXPECT_EQ(Lines(TEXT("a\r")), (Texts{TEXT("a")}));
-    EXPECT_EQ(Lines(TEXT("a\r\n")), (Texts{TEXT("a"), TEXT("")}));
-    EXPECT_EQ(Lines(TEXT("a\n\r\nb")), (Texts{TEXT("a"), TEXT(""), TEXT("b")}));
-    EXPECT_EQ(Lines(TEXT("")), (Texts{TEXT("")}));
+    const std::pair<const WCHAR*, Texts> rows[] = {{TEXT("a\r\nb"), {TEXT("a"), TEXT("b")}},
+                                                   {TEXT("a\n\rb"), {TEXT("a"), TEXT("b")}},
+                                                   {TEXT("a\rb"), {TEXT("a\rb")}},
+                                                   {TEXT("a\r"), {TEXT("a")}},
+                                                   {TEXT("a\n\r\nb"), {TEXT("a"), {}, TEXT("b")}},
+                                                   {TEXT(""), {TEXT("")}}};
+    for (const auto& [text, lines] : rows) {
+        TStringList list;
+        list.SetTextStr(text);
+        EXPECT_EQ(ItemsOf(list), lines) << test::Shown(text);
+    }
 }
 
 TEST(StringList, NamesAndValues) {
@@ -95,7 +97,9 @@ TEST(StringList, NamesAndValues) {
     list.SetTextStr(TEXT("abc\nkey=a=b\n=x"));
     EXPECT_EQ(list.IndexOfName(TEXT("Key")), -1);
     EXPECT_EQ(list.IndexOfName(TEXT("ke")), -1);
+    EXPECT_EQ(list.IndexOfName(TEXT("keys")), -1);
     EXPECT_EQ(list.IndexOfName(TEXT("")), 2);
+    EXPECT_EQ(list.GetName(1), TEXT("key"));
     EXPECT_EQ(list.GetValue(TEXT("key")), TEXT("a=b"));
     EXPECT_TRUE(list.GetValue(TEXT("none")).IsEmpty());
     EXPECT_EQ(list.GetValueFromIndex(0), TEXT("bc"));
@@ -103,24 +107,34 @@ TEST(StringList, NamesAndValues) {
 
     list.SetValue(TEXT("key"), UnicodeString());
     list.SetValue(TEXT("none"), UnicodeString());
+    list.SetValue(TEXT("new"), TEXT("0"));
     list.SetValue(TEXT("new"), TEXT("1"));
     list.SetValueFromIndex(1, TEXT("2"));
     list.SetValueFromIndex(-1, TEXT("3"));
     EXPECT_EQ(ItemsOf(list), (Texts{TEXT("abc"), TEXT("=2"), TEXT("new=1"), TEXT("=3")}));
+    list.SetValueFromIndex(0, UnicodeString());
+    list.SetValueFromIndex(-1, UnicodeString());
+    EXPECT_EQ(list.GetCount(), 3);
 }
 
 TEST(StringList, GrowsInFixedStepsAndClearFreesAll) {
     TStringList list;
-    const struct { int count, capacity; } steps[] = {{1, 8}, {9, 16}, {25, 32}, {33, 48}, {49, 64}};
-    for (const auto& step : steps) {
-        while (list.GetCount() < step.count) list.Add(TEXT("x"));
-        EXPECT_EQ(list.GetCapacity(), step.capacity);
+    const std::pair<int, int> steps[] = {{1, 8}, {9, 16}, {33, 48}, {49, 64}, {5000, 5008}};
+    for (const auto& [count, capacity] : steps) {
+        while (list.GetCount() < count) list.Add(UnicodeString(list.GetCount()));
+        EXPECT_EQ(list.GetCapacity(), capacity);
     }
-    list.SetCapacity(3);
-    EXPECT_EQ(list.GetCount(), 3);
+    list.SetCapacity(3001);
+    for (int i = 3001; i < 4000; ++i) list.Insert(0, UnicodeString(i));
+    EXPECT_EQ(list.GetCapacity(), 3001 + 63 * 16);
+    EXPECT_EQ(ItemsOf(list)[0], TEXT("3999"));
+    EXPECT_EQ(ItemsOf(list)[999], TEXT("0"));
+    EXPECT_EQ(list.IndexOf(TEXT("3000")), 3999);
+    EXPECT_THROW(list.SetCapacity(0x7FFFFFFF), std::bad_alloc);
     EXPECT_EQ(ThrownText([&] { list.SetCapacity(-1); }), TEXT("Out of range"));
+    EXPECT_EQ(list.GetCount(), 4000);
     list.Clear();
-    EXPECT_EQ(list.GetCapacity(), 0);
+    EXPECT_EQ(list.GetCapacity() + list.GetCount(), 0);
 }
 
 TEST(StringList, ItemsMoveWithTheirObjectsAndCopiesAreDeep) {
@@ -133,13 +147,14 @@ TEST(StringList, ItemsMoveWithTheirObjectsAndCopiesAreDeep) {
     items.Delete(1);
     items.Put(1, TEXT("B"));
 
+    list.SetDelimiter('|');
     TStringList copy(list);
     TStringList assigned;
     assigned.Add(TEXT("dropped"));
     assigned = copy;
     list.Clear();
     TStrings& copied = assigned;
-    EXPECT_EQ(ItemsOf(copied), (Texts{TEXT("a"), TEXT("B")}));
+    EXPECT_EQ(copied.GetDelimitedText(), TEXT("a|B"));
     EXPECT_EQ(copied.Get_Object(0), &first);
     EXPECT_EQ(copied.Get_Object(1), &second);
     EXPECT_EQ(copied.IndexOf(TEXT("b")), -1);
@@ -151,20 +166,21 @@ TEST(StringList, BadIndicesAreLoggedAndThrown) {
     TStringList list;
     TStrings& items = list;
     items.Add(TEXT("x"));
-    EXPECT_EQ(ThrownText([&] { items.Insert(2, TEXT("")); }), TEXT("Invalid range of index 2"));
-    ASSERT_EQ(log.Entries().size(), 1u);
+    const std::pair<int, std::function<void()>> rows[] = {{2, [&] { items.Insert(2, TEXT("")); }},
+                                                          {-1, [&] { items.Insert(-1, TEXT("")); }},
+                                                          {1, [&] { items.Get(1); }},
+                                                          {-1, [&] { items.Put(-1, TEXT("")); }},
+                                                          {-1, [&] { items.Get_Object(-1); }},
+                                                          {1, [&] { items.PutObject(1, nullptr); }},
+                                                          {1, [&] { items.Delete(1); }}};
+    for (const auto& [index, action] : rows) {
+        EXPECT_EQ(ThrownText(action), TEXT("Invalid range of index ") + UnicodeString(index));
+    }
+    ASSERT_EQ(log.Entries().size(), std::size(rows));
     EXPECT_EQ(log.Entries()[0].level, 'X');
     EXPECT_EQ(log.Entries()[0].source, TEXT("mox_classes"));
     EXPECT_EQ(log.Entries()[0].line, 483);
-
-    const UnicodeString below = TEXT("Invalid range of index -1");
-    EXPECT_EQ(ThrownText([&] { items.InsertObject(-1, TEXT(""), nullptr); }), below);
-    EXPECT_EQ(ThrownText([&] { items.Get(-1); }), below);
-    EXPECT_EQ(ThrownText([&] { items.Put(-1, TEXT("")); }), below);
-    EXPECT_EQ(ThrownText([&] { items.Get_Object(-1); }), below);
-    EXPECT_EQ(ThrownText([&] { items.PutObject(1, nullptr); }), TEXT("Invalid range of index 1"));
-    EXPECT_EQ(ThrownText([&] { items.Delete(1); }), TEXT("Invalid range of index 1"));
-    EXPECT_EQ(ItemsOf(items), (Texts{TEXT("x")}));
+    EXPECT_EQ(ItemsOf(items), Texts{TEXT("x")});
 }
 
 TEST(StringList, AJoinedTextThatWouldPassTheLongestStringIsRefused) {
@@ -174,31 +190,6 @@ TEST(StringList, AJoinedTextThatWouldPassTheLongestStringIsRefused) {
     EXPECT_EQ(ThrownText([&] { list.GetTextStr(); }), TEXT("Integer overflow!"));
     EXPECT_EQ(ThrownText([&] { list.GetDelimitedText(); }), TEXT("Integer overflow!"));
 }
-
-TEST(StringList, LargeListsKeepTheirStepsAndTheirItems) {
-    TStringList list;
-    TStrings& items = list;
-    for (int i = 0; i < 5000; ++i) items.Add(UnicodeString(i));
-    EXPECT_EQ(list.GetCapacity(), 5008);
-    list.SetCapacity(3001);
-    for (int i = 3001; i < 4000; ++i) items.Insert(0, UnicodeString(i));
-    EXPECT_EQ(list.GetCapacity(), 3001 + 63 * 16);
-    EXPECT_EQ(items.Get(0), TEXT("3999"));
-    EXPECT_EQ(items.Get(999), TEXT("0"));
-    EXPECT_EQ(items.IndexOf(TEXT("3000")), 3999);
-    EXPECT_THROW(list.SetCapacity(0x7FFFFFFF), std::bad_alloc);
-    EXPECT_EQ(list.GetCount(), 4000);
-}
-
-namespace {
-
-// Answers in capitals.
-class LoudList : public TStringList {
-  public:
-    UnicodeString Get(int index) override { return TStringList::Get(index).UpperCase(); }
-};
-
-}  // namespace
 
 TEST(StringList, ADerivedListIsAskedForItsItems) {
     LoudList list;

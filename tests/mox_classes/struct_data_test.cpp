@@ -13,13 +13,13 @@ struct Pair {
     int number;
     const void* place;
 };
+constexpr int kPairBytes = static_cast<int>(sizeof(Pair));
 
 class Pairs : public TW32StructData<Pair> {
   public:
     using TW32StructDataBase::SetBufferSize;
     int RecordSize() const { return static_cast<int>(GetRec()->record_size); }
-    void Hold(int records) { SetBufferSize(records * RecordBytes(), records, RecordBytes()); }
-    static int RecordBytes() { return static_cast<int>(sizeof(Pair)); }
+    void Hold(int records) { SetBufferSize(records * kPairBytes, records, kPairBytes); }
 };
 
 }  // namespace
@@ -32,7 +32,7 @@ TEST(StructData, ThreeStates) {
 
     holder.Hold(2);
     EXPECT_TRUE(!holder.IsEmpty() && holder.IsSuccess());
-    EXPECT_EQ(holder.RecordSize(), Pairs::RecordBytes());
+    EXPECT_EQ(holder.RecordSize(), kPairBytes);
 
     holder.SetErrorCode(5);
     EXPECT_FALSE(holder.IsEmpty() || holder.IsSuccess());
@@ -42,7 +42,7 @@ TEST(StructData, ThreeStates) {
     EXPECT_EQ(holder.RecordSize(), 0);
 
     holder.Hold(1);
-    EXPECT_EQ(holder.RecordSize(), Pairs::RecordBytes());
+    EXPECT_EQ(holder.RecordSize(), kPairBytes);
     EXPECT_EQ(holder.GetErrorCode(), 0u);
     holder.SetBufferSize(0, 0, 0);
     EXPECT_TRUE(holder.IsEmpty());
@@ -59,7 +59,7 @@ TEST(StructData, WritingToACopyLeavesTheOriginal) {
     EXPECT_EQ(std::as_const(first)[0].number, 1);
     EXPECT_EQ(&first[0], place) << "a sole holder's block stays where its records point";
     EXPECT_EQ(first.Size(), copy.Size());
-    EXPECT_EQ(copy.RecordSize(), Pairs::RecordBytes());
+    EXPECT_EQ(copy.RecordSize(), kPairBytes);
 }
 
 TEST(StructData, ResizingKeepsTheLeadingBytes) {

@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <cmath>
+#include <tuple>
 
+#include "mox_classes/containers/streams.h"
 #include "support/fresh_host_root.h"
 #include "support/string_print.h"
 #include "support/thrown_text.h"
@@ -13,44 +15,27 @@
 using namespace Sysutils;
 using test::ThrownText;
 
-namespace {
-
-void MakeFile(const UnicodeString& name) {
-    const HANDLE file =
-        CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    CloseHandle(file);
-}
-
-}  // namespace
-
 TEST(Sysutils, Integers) {
-    const struct {
-        const WCHAR* text;
-        int value;
-        bool whole;
-    } cases[] = {
-        {TEXT("0x1F"), 31, true},
-        {TEXT("0Xff"), 255, true},
-        {TEXT("-12"), -12, true},
-        {TEXT("+7"), 7, true},
-        {TEXT("-"), 0, true},
-        {TEXT("0x"), 0, true},
-        {TEXT(""), 0, false},
-        {TEXT(" 1"), 0, false},
-        {TEXT("12a"), 12, false},
-        {TEXT("-3x"), -3, false},
-        {TEXT("4294967297"), 1, true},
-        {TEXT("1-"), 1, false},
-        {TEXT("0x1G"), 1, false},
-        {TEXT("-0x1"), 0, false},
-        {TEXT("2147483648"), INT_MIN, true},
-    };
-    for (const auto& row : cases) {
-        int value = 99;
-        EXPECT_EQ(TryStrToInt(row.text, value), row.whole) << UnicodeString(row.text).Length();
-        EXPECT_EQ(value, row.value);
-        EXPECT_EQ(StrToIntDef(row.text, -5), row.whole ? row.value : -5);
+    const std::tuple<const WCHAR*, int, bool> rows[] = {{TEXT("0x1F"), 31, true},
+                                                        {TEXT("0Xff"), 255, true},
+                                                        {TEXT("-12"), -12, true},
+                                                        {TEXT("+7"), 7, true},
+                                                        {TEXT("-"), 0, true},
+                                                        {TEXT("0x"), 0, true},
+                                                        {TEXT(""), 0, false},
+                                                        {TEXT(" 1"), 0, false},
+                                                        {TEXT("12a"), 12, false},
+                                                        {TEXT("-3x"), -3, false},
+                                                        {TEXT("4294967297"), 1, true},
+                                                        {TEXT("1-"), 1, false},
+                                                        {TEXT("0x1G"), 1, false},
+                                                        {TEXT("-0x1"), 0, false},
+                                                        {TEXT("2147483648"), INT_MIN, true}};
+    for (const auto& [text, value, whole] : rows) {
+        int read = 99;
+        EXPECT_EQ(TryStrToInt(text, read), whole) << test::Shown(text);
+        EXPECT_EQ(read, value);
+        EXPECT_EQ(StrToIntDef(text, -5), whole ? value : -5);
     }
     EXPECT_EQ(ThrownText([] { StrToInt(TEXT("12a")); }),
               TEXT("'12a' is not a valid integer value"));
@@ -63,11 +48,7 @@ TEST(Sysutils, Integers) {
 }
 
 TEST(Sysutils, FloatingPoint) {
-    const struct {
-        const WCHAR* text;
-        double value;
-        bool whole;
-    } cases[] = {
+    const std::tuple<const WCHAR*, double, bool> rows[] = {
         {TEXT(""), 0, true},
         {TEXT("1.5"), 1.5, true},
         {TEXT("1.5x"), 1.5, false},
@@ -89,19 +70,17 @@ TEST(Sysutils, FloatingPoint) {
         {TEXT("1.5 "), 1.5, false},
         {TEXT("1\x0660"), 1, false},
         {TEXT("0.00000000000000000001e400"), HUGE_VAL, true},
-        {TEXT("1e99999999999999999999"), HUGE_VAL, true},
-    };
-    for (const auto& row : cases) {
-        double value = 99;
-        EXPECT_EQ(TryStrToFloat(row.text, value), row.whole) << row.value;
-        EXPECT_EQ(value, row.value);
-        EXPECT_EQ(StrToFloatDef(row.text, 7), row.whole ? row.value : 7);
+        {TEXT("1e99999999999999999999"), HUGE_VAL, true}};
+    for (const auto& [text, value, whole] : rows) {
+        double read = 99;
+        EXPECT_EQ(TryStrToFloat(text, read), whole) << test::Shown(text);
+        EXPECT_EQ(read, value) << test::Shown(text);
+        EXPECT_EQ(StrToFloatDef(text, 7), whole ? value : 7);
     }
     EXPECT_EQ(ThrownText([] { StrToFloat(TEXT("1.5x")); }),
               TEXT("'1.5x' is not a valid floating point value"));
     float narrow = 0;
-    EXPECT_TRUE(TryStrToFloat(TEXT("1e300"), narrow));
-    EXPECT_TRUE(std::isinf(narrow));
+    EXPECT_TRUE(TryStrToFloat(TEXT("1e300"), narrow) && std::isinf(narrow));
     EXPECT_EQ(FloatToStr(-1.25L), TEXT("-1.250000"));
     EXPECT_EQ(UnicodePrintf(TEXT("%u%%"), 5u), TEXT("5%"));
 }
@@ -141,11 +120,7 @@ TEST(Sysutils, HashAndCopy) {
 TEST(Sysutils, Quotes) {
     EXPECT_EQ(QuotedStr(TEXT("it's")), TEXT("'it''s'"));
     EXPECT_EQ(QuotedStr(UnicodeString()), TEXT("''"));
-    const struct {
-        const WCHAR* text;
-        const WCHAR* value;
-        int moved;
-    } cases[] = {
+    const std::tuple<const WCHAR*, const WCHAR*, int> rows[] = {
         {TEXT("'it''s',x"), TEXT("it's"), 7},
         {TEXT("x'a'"), TEXT(""), 0},
         {TEXT("''x"), TEXT(""), 2},
@@ -153,12 +128,11 @@ TEST(Sysutils, Quotes) {
         {TEXT("'"), TEXT(""), 1},
         {TEXT("'a''"), TEXT("a'"), 4},
         {TEXT("''''"), TEXT("'"), 4},
-        {TEXT(""), TEXT(""), 0},
-    };
-    for (const auto& row : cases) {
-        const WCHAR* p = row.text;
-        EXPECT_EQ(AnsiExtractQuotedStr(p, '\''), row.value);
-        EXPECT_EQ(p - row.text, row.moved);
+        {TEXT(""), TEXT(""), 0}};
+    for (const auto& [text, value, moved] : rows) {
+        const WCHAR* p = text;
+        EXPECT_EQ(AnsiExtractQuotedStr(p, '\''), value);
+        EXPECT_EQ(p - text, moved) << test::Shown(text);
     }
     const WCHAR* null = nullptr;
     EXPECT_TRUE(AnsiExtractQuotedStr(null, '"').IsEmpty());
@@ -189,49 +163,40 @@ TEST(Sysutils, CommandLinesAreSplitAtTheProgram) {
     const UnicodeString folder = GetTempPathW() + TEXT("a b");
     CreateDirectoryW(folder.t_str(), nullptr);
     const UnicodeString program = folder + TEXT("\\x y.exe");
-    MakeFile(program);
+    Classes::TFileStream(program, Classes::TFileStream::kCreate);
     EXPECT_TRUE(FileExists(program) && DirectoryExists(folder));
     EXPECT_FALSE(FileExists(folder) || DirectoryExists(program) || FileExists(UnicodeString()));
 
-    UnicodeString name, params;
-    EXPECT_TRUE(ParseCommandLine(TEXT("  \"") + program + TEXT("\"  -x "), name, params));
-    EXPECT_EQ(name, program);
-    EXPECT_EQ(params, TEXT("-x"));
-    EXPECT_TRUE(ParseCommandLine(program + TEXT("  -x y"), name, params));
-    EXPECT_EQ(name, program);
-    EXPECT_EQ(params, TEXT(" -x y"));
-    EXPECT_FALSE(ParseCommandLine(TEXT("\"c:\\none"), name, params));
-    EXPECT_EQ(name, TEXT("c:\\none"));
-    name = TEXT("c:\\none at all");
-    EXPECT_FALSE(ParseCommandLine(name, name, params));
-    EXPECT_EQ(name, TEXT("c:\\none at all"));
-    EXPECT_TRUE(params.IsEmpty());
-
+    const std::tuple<UnicodeString, UnicodeString, const WCHAR*, bool> rows[] = {
+        {TEXT("  \"") + program + TEXT("\"  -x "), program, TEXT("-x"), true},
+        {program + TEXT("  -x y"), program, TEXT(" -x y"), true},
+        {program, program, TEXT(""), true},
+        {TEXT("\"c:\\none"), TEXT("c:\\none"), TEXT(""), false},
+        {TEXT("c:\\none at all"), TEXT("c:\\none at all"), TEXT(""), false}};
+    for (const auto& [line, expected, rest, found] : rows) {
+        UnicodeString name = line, params = TEXT("old");
+        EXPECT_EQ(ParseCommandLine(name, name, params), found);
+        EXPECT_EQ(name, expected);
+        EXPECT_EQ(params, rest);
+    }
     DeleteFileW(program.t_str());
     RemoveDirectoryW(folder.t_str());
-}
-
-TEST(Sysutils, CommandLinesAreBuiltWithQuotesWhereNeeded) {
     EXPECT_EQ(BuildCommandLine(TEXT("c:\\a b\\x.exe"), TEXT("-q")), TEXT("\"c:\\a b\\x.exe\" -q"));
     EXPECT_EQ(BuildCommandLine(TEXT("c:\\a b\\x.exe"), TEXT("")), TEXT("\"c:\\a b\\x.exe\""));
     EXPECT_EQ(BuildCommandLine(TEXT("x.exe"), TEXT("-q")), TEXT("x.exe -q"));
 }
 
 TEST(Sysutils, ByteOrderMarks) {
-    const struct {
-        const char* bytes;
-        int size, code_page, length;
-    } cases[] = {
+    const std::tuple<const char*, int, int, int> rows[] = {
         {"\xFF\xFE\0\0", 4, 12000, 4}, {"\0\0\xFE\xFF", 4, 12001, 4},
         {"\xEF\xBB\xBF", 3, 65001, 3}, {"\xFF\xFE\x41\0", 4, 1200, 2},
         {"\xFF\xFE\0\0", 3, 1200, 2},  {"\xFE\xFF", 2, 1201, 2},
         {"\xFF", 1, 20127, 0},         {"ab", 2, 20127, 0},
-        {nullptr, 9, 20127, 0},
-    };
-    for (const auto& row : cases) {
+        {"\xEF\xBB\xBF", 2, 20127, 0}, {nullptr, 9, 20127, 0}};
+    for (const auto& [bytes, size, expected, length] : rows) {
         System::TCodePage code_page;
-        EXPECT_EQ(CheckBOM(&code_page, row.bytes, row.size), row.length);
-        EXPECT_EQ(code_page, row.code_page);
+        EXPECT_EQ(CheckBOM(&code_page, bytes, size), length);
+        EXPECT_EQ(code_page, expected);
     }
 }
 

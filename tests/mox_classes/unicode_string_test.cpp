@@ -7,12 +7,12 @@
 #include <cstring>
 #include <new>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "mox_classes/memory/memory.h"
 #include "mox_classes/text/strhlpr.h"
 #include "mox_classes/text/utf8_text.h"
+#include "support/format_page.h"
 #include "support/string_print.h"
 #include "support/thrown_text.h"
 
@@ -29,13 +29,14 @@ UnicodeString FromUtf32(std::vector<unsigned int> text, long long count = -1) {
     return UnicodeString(text.data(), count);
 }
 
-// A block made by hand, as another module would lay it out.
-WCHAR* ForeignBuffer(const WCHAR* text, int length, int count) {
-    const System::StrRec header{1200, 2, count, length};
-    char* block = static_cast<char*>(System::GetMemory(64));
-    std::memcpy(block, &header, sizeof header);
-    std::memcpy(block + sizeof header, text, 2 * (std::char_traits<WCHAR>::length(text) + 1));
-    return reinterpret_cast<WCHAR*>(block + sizeof header);
+// Takes over a copy of a block of 20 bytes, as another module would lay it out.
+UnicodeString FromBlock(const void* bytes) {
+    char* block = static_cast<char*>(System::GetMemory(20));
+    std::memcpy(block, bytes, 20);
+    block += sizeof(System::StrRec);
+    UnicodeString text;
+    std::memcpy(static_cast<void*>(&text), &block, sizeof block);
+    return text;
 }
 
 }  // namespace
@@ -85,6 +86,9 @@ TEST(UnicodeString, NumbersAndSingleUnits) {
     EXPECT_EQ(UnicodeString(static_cast<char>(0xE9))[1], 0xFFE9);
     EXPECT_EQ(UnicodeString(static_cast<unsigned short>(0xE9))[1], 0xE9);
     EXPECT_EQ(UnicodeString(static_cast<short>(-7)), TEXT("-7"));
+    for (const int number : {9, 10, 99, 100, 999, 1000, 9999, 10000, -100000}) {
+        EXPECT_EQ(UnicodeString(number), UnicodeString(std::to_string(number).c_str()));
+    }
     EXPECT_EQ(UnicodeString(-2147483647 - 1), TEXT("-2147483648"));
     EXPECT_EQ(UnicodeString(4294967295u), TEXT("4294967295"));
     EXPECT_EQ(UnicodeString(-9223372036854775807LL - 1), TEXT("-9223372036854775808"));
@@ -190,25 +194,30 @@ TEST(UnicodeString, FailuresLeaveTheStringAsItWas) {
 }
 
 TEST(UnicodeString, LengthsThatDoNotAddUp) {
-    WCHAR* longest = ForeignBuffer(TEXT("x"), 2147483647, 2);
-    UnicodeString text;
-    std::memcpy(static_cast<void*>(&text), &longest, sizeof longest);
+    const struct {
+        System::StrRec header{1200, 2, 1, 2147483647};
+        WCHAR text[4] = TEXT("x");
+    } longest;
+    UnicodeString text = FromBlock(&longest);
+    const WCHAR* const place = text.data();
     EXPECT_EQ(ThrownText([&] { text += TEXT("y"); }), TEXT("Integer overflow!"));
     EXPECT_EQ(ThrownText([&] { text + TEXT("y"); }), TEXT("Integer overflow!"));
-    EXPECT_EQ(text.data(), longest);
-    text.SetLength(-1);
-    System::FreeMemory(reinterpret_cast<char*>(longest) - sizeof(System::StrRec));
+    EXPECT_EQ(text.data(), place);
 }
 
-TEST(UnicodeString, ABlockOfAnotherModuleIsFreedHere) {
-    WCHAR* foreign = ForeignBuffer(TEXT("abc"), 3, 1);
-    UnicodeString text;
-    std::memcpy(static_cast<void*>(&text), &foreign, sizeof foreign);
-    const UnicodeString copy(text);
+TEST(UnicodeString, TheBufferOfThePage) {
+    const std::vector<unsigned char> bytes = test::PageDump("string.md", 0);
+    ASSERT_EQ(bytes.size(), 20u);
+    const UnicodeString made(TEXT("Ab\xE9"));
+    EXPECT_EQ(std::memcmp(reinterpret_cast<const char*>(made.data()) - 12, bytes.data(), 20), 0);
+
+    // A block that another module made is changed and freed here.
+    UnicodeString read = FromBlock(bytes.data());
+    const UnicodeString copy(read);
     EXPECT_EQ(copy.RefCount(), 2);
-    text += TEXT("d");
-    EXPECT_EQ(text, TEXT("abcd"));
-    EXPECT_EQ(copy, TEXT("abc"));
+    read += TEXT("d");
+    EXPECT_EQ(read, made + TEXT("d"));
+    EXPECT_EQ(copy, made);
 }
 
 TEST(UnicodeString, Formatting) {
@@ -226,24 +235,6 @@ TEST(UnicodeString, Formatting) {
         EXPECT_EQ(text.cat_printf(TEXT("%s"), text), length);
         EXPECT_EQ(text, part + part);
     }
-}
-
-TEST(UnicodeString, SharesInManyThreads) {
-    const UnicodeString shared = UnicodeString::StringOfChar('s', 100);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&shared] {
-            for (int i = 0; i < 2000; ++i) {
-                UnicodeString own(shared);
-                own[1] = 'x';
-                UnicodeString again(own);
-                again = shared;
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(shared.RefCount(), 1);
-    EXPECT_EQ(shared[1], 's');
 }
 
 TEST(Strhlpr, WorksOnReferences) {

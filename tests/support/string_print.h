@@ -1,8 +1,11 @@
 // How the strings of the library look in a failed comparison: ASCII as it is, the rest as \uXXXX.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <iomanip>
 #include <ostream>
+#include <string>
 
 #include "mox_classes/text/unicode_string.h"
 
@@ -22,3 +25,11 @@ inline void PrintTo(const UnicodeString& s, std::ostream* out) {
 }
 
 }  // namespace System
+
+namespace test {
+
+inline std::string Shown(const WCHAR* text) {
+    return testing::PrintToString(UnicodeString(text));
+}
+
+}  // namespace test
