@@ -1,8 +1,9 @@
-// Command lines split into arguments by the rules of Windows.
+// Splits command lines into arguments by the rules of Windows.
 //
-// Blanks and tabs outside quotes separate. 2n backslashes before a quote are n backslashes and a
-// quote that opens or closes; 2n + 1 are n backslashes and a quote of the argument; others stand
-// for themselves. Two quotes in a row inside quotes are read in two ways.
+// Blanks and tabs outside of quotes separate arguments. 2n backslashes in front of a quote are n
+// backslashes, and the quote opens or closes; 2n + 1 are n backslashes and a quote that belongs to
+// the argument. Backslashes elsewhere stand for themselves. Programs read two quotes in a row
+// inside of quotes in two ways; see below.
 #pragma once
 
 #include <windows.h>
@@ -29,7 +30,7 @@ struct TArgument {
 
 std::vector<TArgument> SplitArguments(TUnits text, TQuoteRule rule);
 
-// `value` as one argument that both rules give back, whatever it holds.
+// Quotes `value` so that both rules read it as one argument with exactly this value.
 TText QuotedArgument(TUnits value);
 
 }  // namespace driver_global

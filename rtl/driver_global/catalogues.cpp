@@ -31,7 +31,7 @@ TXmlNode* FindEntry(TXmlNode& list, const UnicodeString& name) {
     return list.FindChild(name, kCodePageUtf8);
 }
 
-// The entry at `index` of what ReadData loads on first use; null outside.
+// The entry at `index`; null outside. The first call makes ReadData load the entries.
 template <class Catalogue, class Entry>
 Entry* EntryAt(Catalogue& catalogue, std::vector<Entry>& data, int index) {
     if (data.empty() && catalogue.GetCount() > 0 && !catalogue.ReadData()) return nullptr;

@@ -70,14 +70,14 @@ constexpr TCodeName kDocumentEvents[] = {
 constexpr TCodeName kConvertModes[] = {
     {1, TEXT("CDM_CONVERT")}, {2, TEXT("CDM_CONVERT351")}, {4, TEXT("CDM_DRIVER_DEFAULT")}};
 
-// In the order in which they show.
+// The order of the rows is the order in the text.
 constexpr TCodeName kPropertyModes[] = {{0x10, TEXT("DM_ADVANCED")},
                                         {0x08, TEXT("DM_MODIFY")},
                                         {0x04, TEXT("DM_PROMPT")},
                                         {0x20, TEXT("DM_NOPERMISSION")},
                                         {0x02, TEXT("DM_COPY")}};
 
-// Some of these names have always ended in a blank; log filters rely on it.
+// Some names end in a blank. They always have, and log filters rely on it.
 constexpr TCodeName kOrientations[] = {{1, TEXT("Portrait")}, {2, TEXT("LANDSCAPE")}};
 constexpr TCodeName kSources[] = {
     {1, TEXT("DMBIN_ONLYONE ")},   {2, TEXT("DMBIN_LOWER")},          {3, TEXT("DMBIN_MIDDLE")},
@@ -110,7 +110,7 @@ DWORD Low32(const void* pointer) {
     return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(pointer));
 }
 
-// The text of a field that may lack its terminator.
+// The text of a fixed field. The terminator may be missing.
 UnicodeString FieldText(const WCHAR* field, int capacity) {
     return UnicodeString(field, std::find(field, field + capacity, WCHAR{0}) - field);
 }
@@ -120,7 +120,7 @@ bool IsAllZero(const DEVMODEW& dm) {
     return std::all_of(bytes, bytes + sizeof(dm), [](BYTE b) { return b == 0; });
 }
 
-// One "name=value " pair of an optional field, marked when its bit is set.
+// One "name=value " pair of a field. A '*' marks a field whose bit in dmFields is set.
 class TFieldLine {
   public:
     explicit TFieldLine(DWORD fields) : fields_(fields) {}
@@ -223,7 +223,8 @@ UnicodeString TextTypeSYSTEMTIME(SYSTEMTIME* t) {
 
 namespace {
 
-// A decoded job record has its DEVMODE right behind its texts, at any even address.
+// The DEVMODE of a decoded job record follows its texts and may lie at any even address, so its
+// members are copied.
 int DevModeBytes(const void* dm) {
     if (dm == nullptr) return 0;
     DEVMODEW sizes;

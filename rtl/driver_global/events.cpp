@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kDefaultTimeout = 3000;  // milliseconds
 
-// Absent ones are empty.
+// The value of an attribute; empty when it is missing.
 UnicodeString Attribute(const TXmlNode& action, const WCHAR* name) {
     return action.AttrGetString(name, System::kCodePageUtf8);
 }
@@ -27,7 +27,8 @@ UnicodeString FirstText(const UnicodeString& text, const UnicodeString& otherwis
     return text.Length() > 0 ? text : otherwise;
 }
 
-// `text` with its terminator as a block for WM_COPYDATA; false when it is too long for one.
+// Describes `text` with its terminator as a block for WM_COPYDATA. False when the text is too long
+// for one.
 bool MakeCopyData(ULONG_PTR id, const UnicodeString& text, COPYDATASTRUCT& data) {
     const unsigned long long bytes = (static_cast<unsigned long long>(text.Length()) + 1) * 2;
     if (bytes > std::numeric_limits<DWORD>::max()) return false;
@@ -35,7 +36,8 @@ bool MakeCopyData(ULONG_PTR id, const UnicodeString& text, COPYDATASTRUCT& data)
     return true;
 }
 
-// The description's "win": a handle's number, a class, a title.
+// Finds the window that the attribute "win" names: by the number of its handle, by its class, or by
+// its title.
 HWND FindTarget(const UnicodeString& win) {
     if (win.Length() == 0) return nullptr;
     auto* window = static_cast<HWND>(Sysutils::StrToHandleDef(win, nullptr));
@@ -61,7 +63,7 @@ void DeliverText(HWND window, const UnicodeString& message, const TXmlNode& acti
                         static_cast<UINT>(timeout), &result);
 }
 
-// Windows reads names without the dots and blanks at their ends.
+// Windows ignores dots and blanks at the end of a file name, so they are ignored here too.
 bool IsBatchFile(const UnicodeString& file) {
     int length = file.Length();
     while (length > 0 && (file[length] == '.' || file[length] == ' ')) --length;

@@ -23,7 +23,7 @@ UnicodeString Or(const UnicodeString& value, const UnicodeString& fallback) {
     return value.Length() > 0 ? value : fallback;
 }
 
-// The printer's own value, else the product's default, else the fixed one.
+// The printer's own value; else the product's default; else `fallback`.
 UnicodeString PrinterSetting(const UnicodeString& printer, const WCHAR* name,
                              const WCHAR* default_name, const WCHAR* fallback) {
     const UnicodeString own = PrinterValue(printer, name);

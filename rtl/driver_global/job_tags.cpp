@@ -11,7 +11,7 @@ namespace {
 
 using View = std::basic_string_view<WCHAR>;
 
-// One tag: exactly one of the members says where its value is.
+// One tag. Exactly one of the members says where its value comes from.
 struct TTag {
     const WCHAR* name;
     const WCHAR* spec;  // the conversion of a template that names none
@@ -61,7 +61,8 @@ constexpr TTag kTags[] = {
     OwnNumber(TEXT("sn"), &TFillTagsInfo::Sn),
 };
 
-// Null for an unknown name, and for a tag of a job when there is none.
+// The tag of that name. Null for an unknown name, and for a tag of the job's record when there is
+// no record.
 const TTag* FindTag(const UnicodeString& name, const TFillTagsInfo& info) {
     const View wanted(name.t_str(), static_cast<std::size_t>(name.Length()));
     const auto* tag = std::find_if(std::begin(kTags), std::end(kTags),
@@ -85,7 +86,8 @@ bool NeedsQuotes(const UnicodeString& text) {
                .find_first_of(TEXT("\" ,")) != View::npos;
 }
 
-// "%d", or "%<width>d" when that is nothing but digits, with a minus sign in front at most.
+// Formats with "%d". `width` may be digits, with at most one minus sign in front; then it becomes
+// the width of the conversion.
 bool FormatWithWidth(int number, const UnicodeString& width, UnicodeString& out) {
     const UnicodeString format = UnicodeString(TEXT("%")) + width + TEXT("d");
     if (!System::FormatFits(format.t_str(), number)) return false;

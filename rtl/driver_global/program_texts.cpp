@@ -19,13 +19,14 @@ UnicodeString StringOf(const TText& text) {
     return UnicodeString(text.data(), static_cast<long long>(text.size()));
 }
 
-// One filled field.
+// The value of one field.
 struct TValue {
     TText quoted;  // as QVFillField gives it
     TText plain;
 };
 
-// Takes back what QVFillField did: everything that holds a quote is quoted, and quotes are doubled.
+// Undoes the quoting of QVFillField: a value that holds a quote is quoted as a whole, with each
+// quote doubled.
 TText Unquoted(TUnits text) {
     if (!text.starts_with('"')) return TText(text);
     TText plain;
@@ -41,13 +42,13 @@ TText WithoutQuotes(TText text) {
     return text;
 }
 
-// A template in which one mark stands for each filled field, so that whatever is done to the text
-// is done to the template's own part.
+// A template with one mark in the place of each value. Changes to the text then apply only to the
+// template's own part.
 class TMarkedText {
   public:
     TMarkedText(const UnicodeString& text, TFillTagsInfo& info, bool without_quotes) : info_(info) {
         const UnicodeString pattern = TemplateString(text, QVFillField, &info);
-        // A mark must not occur by itself, neither in the template nor in a variable.
+        // The mark must be a unit that neither the template nor an environment variable holds.
         for (mark_ = kFirstMark; mark_ <= kLastMark; ++mark_) {
             if (UnitsOf(pattern).find(mark_) != TUnits::npos) continue;
             values_.clear();
@@ -66,7 +67,8 @@ class TMarkedText {
     TUnits Text() const { return UnitsOf(text_); }
     const std::vector<TValue>& Values() const { return values_; }
     bool HasMark(TUnits part) const { return part.find(mark_) != TUnits::npos; }
-    // `part` with its marks replaced by the values from number `next` on.
+    // Puts the values into `part`, in place of its marks. The first mark gets the value with number
+    // `next`.
     TText Replaced(TUnits part, std::size_t next, TText TValue::*form) const {
         TText result;
         for (const WCHAR unit : part) {
@@ -108,7 +110,8 @@ bool HasControlUnit(TUnits text) {
                        [](WCHAR unit) { return unit < 0x20 || unit == 0x7F; });
 }
 
-// Whether a program gets `value` for `text` by both rules, and the argument behind it as well.
+// Whether a program gets exactly `value` for the argument `text`, by both rules, and still gets an
+// argument that follows.
 bool ReadsAs(const TText& text, const TText& value) {
     const TText line = text + TEXT(" x");
     return std::ranges::all_of(

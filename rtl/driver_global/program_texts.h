@@ -1,7 +1,7 @@
-// Texts of a program start, filled from a job whose names come from strangers.
+// The texts that start a program, filled from a job. The names in a job come from strangers.
 //
-// Filled as templates, with environment variables expanded and blanks taken off both ends. Only
-// what the template itself says is expanded: a percent sign that a value brought along stays.
+// Each text is a template. Its environment variables are expanded, and blanks at both ends are
+// removed. Only the template's own text is expanded: a percent sign in a value stays.
 #pragma once
 
 #include "driver_global/job_tags.h"
@@ -10,16 +10,16 @@
 
 namespace driver_global {
 
-// A file or a folder: all double quotes are removed.
+// A file or a folder. All double quotes are removed.
 UnicodeString FilledPath(const UnicodeString& text, TFillTagsInfo& info);
 
-// Parameters: every value stays within its argument and reaches the program unchanged. Values are
-// quoted as QVFillField quotes them; only an argument that Windows' rules would read otherwise is
-// quoted anew by these rules. Empty values are two quotes.
+// Parameters. Every value stays within its argument and reaches the program unchanged. Values are
+// quoted as QVFillField does it; an argument that Windows would read in another way is quoted again
+// by the rules of Windows. An empty value becomes two quotes.
 QV_API UnicodeString FilledParameters(const UnicodeString& text, TFillTagsInfo& info);
 
-// Whether the command interpreter, which runs batch files, could take a part of a value that `text`
-// is filled with for a command: no quoting protects from that.
+// Whether a value that `text` is filled with holds characters that the command interpreter would
+// take for commands. The interpreter runs batch files, and no quoting protects from that.
 bool HoldsCommandUnits(const UnicodeString& text, TFillTagsInfo& info);
 
 }  // namespace driver_global

@@ -11,7 +11,7 @@
 
 namespace {
 
-// Whether this place settles the search. A value that is there but cannot be read does not.
+// Whether this place ends the search. A value that exists but cannot be read does not end it.
 bool FindSetting(HKEY root, const UnicodeString& path, const UnicodeString& name,
                  UnicodeString& value) {
     const System::TKeyHandle key(Mox::RegOpenToRead(root, path));

@@ -17,7 +17,7 @@ namespace {
 
 constexpr DWORD kLogFileLimit = 0x500000;
 
-// A broken file leaves what could be read of it.
+// When the file is damaged, the part in front of the damage is used.
 void ReadResources() {
     TXmlDoc* document = GetXmlRes();
     if (document == nullptr) return;
@@ -38,8 +38,8 @@ void TakeAvailableFields() {
         static_cast<std::uint32_t>(Sysutils::StrToIntDef(fields->FValue, int{kSupportedFields}));
 }
 
-// Installs `recorder` and returns the one that was installed. Threads that are about to log to that
-// one find the new one.
+// Installs `recorder` and returns the one that was installed before. A thread that is about to use
+// the old one uses the new one instead.
 std::unique_ptr<Mox::TLogRecorder> ExchangeRecorder(std::unique_ptr<Mox::TLogRecorder> recorder) {
     Mox::TLogger& logger = *Mox::GetLogger();
     if (recorder == nullptr) Mox::LeaveLogSoon();
@@ -67,8 +67,8 @@ void Identify(const UnicodeString& module_name) {
                                    TEXT("AMD64"), IsWow64() ? TEXT("(WOW64)") : TEXT("")));
 }
 
-// A step that an exhausted heap ends is left out; the ones behind it still come, so that every
-// start of a unit has its end.
+// Runs `step` and ignores that it runs out of memory. The next steps still run, so that each start
+// of a unit has its end.
 template <class Step>
 void AsFarAsPossible(const Step& step) noexcept {
     try {

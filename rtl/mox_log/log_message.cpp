@@ -24,7 +24,7 @@ void TLogMsg::Free() {
 
 void TLogMsg::ImportBinData() {
     if (dataSize >= 0) return;
-    // The most negative size has no positive counterpart and no block of that size exists.
+    // The most negative int has no positive counterpart, and no block has that size.
     const int size = dataSize < -INT32_MAX ? 0 : -dataSize;
     void* copy = data != nullptr && size > 0 ? System::GetMemory(size) : nullptr;
     if (copy != nullptr) std::memcpy(copy, data, static_cast<std::size_t>(size));

@@ -18,13 +18,14 @@ T Load(T& field) {
     return std::atomic_ref<T>(field).load(std::memory_order_acquire);
 }
 
-// Serialises the first Init with the last Release: who finds the logger connected finds it set up.
+// Serialises the first Init and the last Release. A unit that finds the logger connected finds it
+// completely set up.
 std::mutex& SetUpGuard() {
     static std::mutex guard;
     return guard;
 }
 
-// One reader of the last error at a time; writers do not wait.
+// Allows one reader of the last error at a time. Writers do not wait for it.
 std::mutex& ErrorReaderGuard() {
     static std::mutex guard;
     return guard;
@@ -45,7 +46,7 @@ void Status(const WCHAR* text, int line = __builtin_LINE()) {
     NoThrow([&] { ShowStatus(text, line); });
 }
 
-// Takes source and label out of the caller's strings.
+// Makes a message. It takes `source` and `label` out of the caller's strings.
 TLogMsg* NewMessage(TLogger& logger, int level, UnicodeString& source, int line,
                     const UnicodeString& text, UnicodeString& label, void* data, int size) {
     TLogMsg* message = TLogMsg::Alloc();
@@ -155,9 +156,9 @@ UnicodeString TLogger::Log(int level, UnicodeString source, int line, UnicodeStr
     return text;
 }
 
-// The last error is replaced, never changed, so that a thread that logs an error waits for nobody.
-// A reader takes the text out and leaves a marker in its place; whoever replaces the marker leaves
-// the text to the reader.
+// The text of the last error is replaced, never changed, so a thread that logs an error waits for
+// nobody. A reader takes the text out and leaves a marker. Whoever replaces the marker does not
+// free the text; the reader does.
 UnicodeString* TLogger::ErrorBeingRead() {
     return reinterpret_cast<UnicodeString*>(this);
 }

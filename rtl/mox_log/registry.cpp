@@ -14,8 +14,8 @@ UnicodeString ErrorText(LSTATUS code) {
     return GetSysError(static_cast<DWORD>(code), true);
 }
 
-// The platform's calls return their code. Callers of this file who get none find it as the thread's
-// last error.
+// The registry calls return their error code. Functions of this file that return none set it as the
+// thread's last error.
 bool Succeeded(LSTATUS code) {
     if (code != ERROR_SUCCESS) SetLastError(static_cast<DWORD>(code));
     return code == ERROR_SUCCESS;
@@ -52,7 +52,7 @@ void LogReadFailure(const TRegText& read, const UnicodeString& key_and_name) {
     Mox::LogHere('X', text);
 }
 
-// The text, or the default when it is missing or, after a line in the log, unreadable.
+// The text; or the default when the value is missing, or when it cannot be read, which is logged.
 UnicodeString TextOr(const TRegText& read, const UnicodeString& shown_name,
                      const UnicodeString& fallback) {
     if (read.state == TRegTextState::Found) return read.text;
@@ -112,7 +112,7 @@ DWORD RegReadInteger(HKEY key, UnicodeString name, DWORD defaultValue) {
     DWORD size = sizeof(value);
     const LSTATUS code = RegQueryValueExW(key, name.t_str(), nullptr, &read.type,
                                           reinterpret_cast<BYTE*>(&value), &size);
-    // A value that does not fit is there, but no integer.
+    // A value that is too long exists, but it is no integer.
     if (code != ERROR_SUCCESS && code != ERROR_MORE_DATA) return defaultValue;
     if (code == ERROR_SUCCESS && read.type == REG_DWORD && size == sizeof(value)) return value;
     read.state = TRegTextState::WrongType;

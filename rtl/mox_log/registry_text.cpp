@@ -17,7 +17,7 @@ UnicodeString TextOfUnits(const WCHAR* units, DWORD bytes) {
     return UnicodeString(units, static_cast<long long>(count));
 }
 
-// Reads into `bytes` of room; the result's code, and its text when it is one.
+// Reads into a buffer of `bytes` bytes. Stores the code and, when the value is a text, the text.
 void ReadInto(HKEY key, const UnicodeString& name, WCHAR* units, DWORD& bytes, TRegText& result) {
     result.code = RegQueryValueExW(key, name.t_str(), nullptr, &result.type,
                                    reinterpret_cast<BYTE*>(units), &bytes);
@@ -29,7 +29,8 @@ void ReadInto(HKEY key, const UnicodeString& name, WCHAR* units, DWORD& bytes, T
 
 }  // namespace
 
-// Nearly every value fits the first buffer: one call instead of two, half the time of a read.
+// Nearly every value fits the buffer on the stack, which saves a second call: half of the time of a
+// read.
 TRegText ReadRegText(HKEY key, const UnicodeString& name) {
     TRegText result;
     WCHAR first[256];

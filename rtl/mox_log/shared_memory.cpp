@@ -7,7 +7,7 @@ namespace Mox {
 
 namespace {
 
-// Handles and addresses are shown as 32-bit numbers.
+// The messages show handles and addresses as 32-bit numbers.
 DWORD Shown(const void* value) {
     return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(value));
 }

@@ -7,7 +7,7 @@ using TSwitchRedirection = BOOL(WINAPI*)(BYTE enable);
 using TDisableRedirection = BOOL(WINAPI*)(void** old_value);
 using TRevertRedirection = BOOL(WINAPI*)(void* old_value);
 
-// Entry points that a system need not have; null when it lacks one.
+// Entry points that only some systems have; null where one is missing.
 struct TWow64Entries {
     TIsWow64Process is_process = Find<TIsWow64Process>("IsWow64Process");
     TSwitchRedirection enable = Find<TSwitchRedirection>("Wow64EnableWow64FsRedirection");

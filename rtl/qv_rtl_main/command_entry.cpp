@@ -25,7 +25,8 @@ constexpr TCommand kCommands[] = {
     {TEXT("getorloprinters"), CmdGetOrloPrinters},
 };
 
-// The command word, taken out of the items; keywords in the form in which handlers compare them.
+// Takes the command word out of the items, and puts the keywords into the form that the handlers
+// compare with.
 UnicodeString TakeWord(TStrings& items) {
     if (items.GetCount() == 0) return UnicodeString();
     const UnicodeString word = Sysutils::Trim(Sysutils::LowerCase(items.Get(0)));
@@ -50,7 +51,7 @@ int Dispatch(const UnicodeString& line, UnicodeString& result) {
     return 0;
 }
 
-// The text of a failure, as far as there is memory for it.
+// Appends the text of a failure. Without memory the text is left out.
 void Append(UnicodeString& result, const char* text) noexcept {
     try {
         result += UnicodeString(text);
@@ -59,7 +60,7 @@ void Append(UnicodeString& result, const char* text) noexcept {
     }
 }
 
-// Runs `step`, which gives a status and may append to `result`; what it throws becomes a status and
+// Runs `step`, which returns a status and may append to `result`. An exception becomes a status and
 // a text.
 template <class Step>
 int Guarded(UnicodeString& result, Step step) noexcept {

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The loader must see no exception; whatever a step could not do, the library stays usable.
+// No exception may reach the loader. The library stays usable when a step fails.
 template <class Step>
 void NoThrow(const Step& step) {
     try {
@@ -29,7 +29,8 @@ extern "C" QV_API BOOL WINAPI DllMain(HINSTANCE /*module*/, DWORD reason, LPVOID
                          UnicodeString(TEXT("[qv_rtl] ExeName: ")) + Sysutils::ExeName(nullptr));
         });
     } else if (reason == DLL_PROCESS_DETACH) {
-        // The name is not used; making it could fail, and the unit's end with it.
+        // An empty name is passed, because QVUninitApp does not use it, and making a string could
+        // fail.
         NoThrow([] { QVUninitApp(UnicodeString()); });
         OutputDebugStringW(TEXT("[##qv_rtl::DllMain] DLL_PROCESS_DETACH Leaved"));
         System::ReleaseModuleStatics();

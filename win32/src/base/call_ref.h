@@ -1,5 +1,6 @@
-// A reference to a callable for the time of one call: what std::function is, without a copy and
-// without memory. The callable must outlive the call, as a lambda in its argument list does.
+// A reference to a callable, for the time of one call. It is like std::function, but makes no copy
+// and takes no memory. The callable must live as long as the call; a lambda in the argument list
+// does.
 #pragma once
 
 #include <type_traits>

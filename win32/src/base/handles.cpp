@@ -10,12 +10,12 @@ namespace {
 // A handle: generation (15 bits), slot (14 bits), two zero bits.
 constexpr std::uint32_t kSlots = 1u << 14;
 constexpr std::uint32_t kGenerations = 1u << 15;
-// So many freed slots are left to rest before the oldest is used again, so that a stale handle
-// stays a stale handle for long.
+// The number of freed slots that wait before the oldest one is used again. So a stale handle is
+// refused for a long time.
 constexpr std::uint32_t kResting = 64;
 
-// A slot's state: generation in the upper half, then "open", then the number of references: one for
-// the open handle and one for each pin.
+// The state of a slot: the generation in the upper half, the bit "open", and the number of
+// references. The open handle is one reference and each pin is one.
 constexpr std::uint64_t kOpen = 1ull << 31;
 constexpr std::uint64_t kReferences = kOpen - 1;
 
@@ -25,8 +25,8 @@ struct Slot {
     std::uint32_t next_free;
 };
 
-// Trivially destructible, so that handles still work while the process unloads its libraries.
-// Slot 0 is never given out, which keeps null from being a handle.
+// Has no destructor, so that handles still work while the process unloads its libraries. Slot 0 is
+// never used, because null is no handle.
 struct Table {
     Slot slots[kSlots];
     std::mutex mutex;  // guards the members below and next_free
@@ -57,7 +57,7 @@ void GiveBack(std::uint32_t index) {
     table.newest = index;
 }
 
-// Slot and generation of a handle; null for a number that no handle has.
+// The slot and the generation of a handle; null for a number that is no handle.
 Slot* SlotOf(HANDLE handle, std::uint64_t& generation) {
     const auto number = reinterpret_cast<std::uintptr_t>(handle);
     const std::uint64_t index = (number >> 2) % kSlots;
@@ -70,7 +70,7 @@ bool IsOpen(std::uint64_t state, std::uint64_t generation) {
     return (state >> 32) == generation && (state & kOpen) != 0;
 }
 
-// Drops one reference of a slot; the last one ends the object and the generation.
+// Drops one reference of a slot. The last one destroys the object and ends the generation.
 void Release(Slot& slot) {
     if (((slot.state.fetch_sub(1, std::memory_order_acq_rel) - 1) & (kReferences | kOpen)) != 0) {
         return;

@@ -7,8 +7,7 @@
 
 namespace {
 
-// More than any block that is meant; a size that wrapped around is refused before the allocator
-// sees it.
+// Larger than any real block. A size that wrapped around is refused before the allocator sees it.
 constexpr SIZE_T kLargestBlock = SIZE_T{1} << 39;
 
 char process_heap;
@@ -17,7 +16,7 @@ bool IsServed(HANDLE heap, SIZE_T bytes) {
     return heap == &process_heap && bytes <= kLargestBlock;
 }
 
-// What is not served. Apart from the common way, which every block of every string takes.
+// Refuses an allocation. It is apart from the common way, which every string takes.
 [[gnu::cold, gnu::noinline]] LPVOID Refuse(HANDLE heap) {
     SetLastError(heap == &process_heap ? ERROR_NOT_ENOUGH_MEMORY : ERROR_INVALID_HANDLE);
     return nullptr;

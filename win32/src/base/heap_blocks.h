@@ -1,8 +1,10 @@
-// Where the process heap's blocks come from. In builds for speed that is a small-block allocator
-// (QV_SMALL_BLOCKS): an XML tree is a million blocks of 16 to 64 bytes, and a string that grows by
-// one character asks for another size each time. Parsing the answer for 20 printers takes
-// 110 us instead of 175 with the C library's blocks, and a tree a sixth less memory. All other
-// builds, sanitizers among them, take the C library's, which checkers see one by one.
+// The blocks of the process heap.
+//
+// Builds for speed take them from a small-block allocator (QV_SMALL_BLOCKS): an XML tree is a
+// million blocks of 16 to 64 bytes, and a string that grows by one character asks for another size
+// each time. Parsing the answer for 20 printers takes 110 us instead of 175 us, and a tree takes a
+// sixth less memory. All other builds take the blocks from the C library, because the sanitizers
+// watch those one by one.
 #pragma once
 
 #include <cstddef>
@@ -19,18 +21,17 @@ namespace host {
 
 #ifdef QV_SMALL_BLOCKS
 
-// From this size on a block that grows gets as much again on top, so that a stream that grows in
-// steps is moved a few times instead of every time. Memory that nobody touches is only an address.
+// A block of this size or more that grows gets the same size again as spare room. A stream that
+// grows in steps is then moved only a few times. Memory that nobody touches costs only addresses.
 constexpr std::size_t kRoomFrom = std::size_t{1} << 16;
 
-// Such a block stays where it is down to this part of what it has. The allocator by itself moves a
-// block that is used less than half, and rounds large ones up to half a megabyte: room would be
-// taken away again by the next step, each time.
+// Such a block stays where it is until less than this part of it is used. The allocator alone would
+// move a block that is used less than half, and the spare room would be lost at the next step.
 constexpr std::size_t kLeastPart = 4;
 
-// Freed pages go back to the system after two seconds, not after 25 ms: a process that waits for
-// its turn longer than that would fault in its memory anew for each piece of work (1 MB of text
-// converted and dropped: half of the time).
+// Keeps freed pages for two seconds instead of 25 ms. A process that waits longer for its turn
+// would otherwise get its pages anew for each piece of work (1 MB of text converted and dropped:
+// half of the time).
 inline void KeepFreedPages() {
     mi_option_set(mi_option_decommit_delay, 2000);
 }

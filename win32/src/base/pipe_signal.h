@@ -8,8 +8,8 @@
 
 namespace host {
 
-// Keeps SIGPIPE from the calling thread while it lives, and takes back the one that a write in
-// between raised. A signal that was waiting before stays.
+// Blocks SIGPIPE for the calling thread, and at its end removes the signal that a write has raised.
+// A signal that was pending before stays.
 class HeldPipeSignal {
   public:
     HeldPipeSignal() {
@@ -22,7 +22,7 @@ class HeldPipeSignal {
     }
     HeldPipeSignal(const HeldPipeSignal&) = delete;
     HeldPipeSignal& operator=(const HeldPipeSignal&) = delete;
-    // Keeps errno, the write's.
+    // Keeps the errno of the write.
     ~HeldPipeSignal() {
         const int kept = errno;
         const timespec no_time{};

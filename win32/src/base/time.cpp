@@ -53,7 +53,7 @@ DWORD GetTickCount() {
 }
 
 BOOL FileTimeToLocalFileTime(const FILETIME* utc, FILETIME* local) {
-    // Windows applies the offset that is in force now, whatever the time converted.
+    // Windows uses the offset that holds now, not the one that held at the converted time.
     const std::time_t now = std::time(nullptr);
     std::tm parts{};
     localtime_r(&now, &parts);

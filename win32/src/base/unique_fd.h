@@ -17,7 +17,7 @@ class UniqueFd {
         UniqueFd old(std::exchange(fd_, std::exchange(other.fd_, -1)));
         return *this;
     }
-    // Keeps errno, so that a failing exit can close first and report after.
+    // Keeps errno, so that a function that fails can close first and report afterwards.
     ~UniqueFd() {
         const int kept = errno;
         if (fd_ >= 0) close(fd_);

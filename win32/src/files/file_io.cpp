@@ -1,5 +1,6 @@
-// Data of open files: reading, writing, position and size. The descriptor's own position is the
-// handle's, so each call is one system call; a transfer at an offset of its own leaves it alone.
+// Data of open files: reading, writing, position and size. The position of a handle is the position
+// of its descriptor, so each call is one system call. A transfer at its own offset does not change
+// the position.
 #include <fcntl.h>
 #include <minwinbase.h>
 #include <sys/stat.h>
@@ -18,11 +19,11 @@ namespace {
 
 using Pin = HandlePin<FileObject>;
 
-// The system moves no more than this in one call.
+// Linux moves at most this many bytes in one call.
 constexpr DWORD kLargest = 0x7FFFF000;
 
-// Moves `bytes` bytes with `step(done, size)`, the shape of read() and write(); stops early at a
-// short step when `short_ends`, else at the first that moves nothing.
+// Moves `bytes` bytes with `step(done, size)`, which works like read() and write(). It stops at a
+// step that moves nothing and, when `short_ends` is set, at a short step.
 template <class Step>
 DWORD Transfer(DWORD bytes, bool short_ends, DWORD& done, Step step) {
     while (done < bytes) {
@@ -44,7 +45,8 @@ DWORD SeekError(std::int64_t distance) {
     return errno == EINVAL && distance < 0 ? ERROR_NEGATIVE_SEEK : ErrorFromErrno(errno);
 }
 
-// The low half as the callers return it: the value that means failure is marked as none.
+// The low half of a 64-bit result. When it equals the value that means failure, the last error is
+// cleared to say that the call succeeded.
 DWORD LowHalf(std::int64_t value) {
     const auto low = static_cast<DWORD>(value);
     if (low == INVALID_SET_FILE_POINTER) SetLastError(NO_ERROR);
@@ -56,7 +58,8 @@ DWORD FailSeek(DWORD error) {
     return INVALID_SET_FILE_POINTER;
 }
 
-// Seeks for a caller who cannot take the upper half: beyond 4 GiB is an error that moves nothing.
+// Seeks for a caller that gets only the lower half. A position beyond 4 GiB is an error, and the
+// position does not change.
 DWORD SeekNear(int fd, LONG distance, DWORD method) {
     const off_t before = method == FILE_BEGIN ? 0 : lseek(fd, 0, SEEK_CUR);
     const off_t after = before < 0 ? before : lseek(fd, distance, static_cast<int>(method));
@@ -89,7 +92,7 @@ BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytes, LPDWORD done, LPOVERLAPPE
                    : pread(object->fd(), target, size, host::OffsetOf(*overlapped) + at);
     });
     if (done != nullptr) *done = count;
-    // Only at an offset of its own is the end of the file an error.
+    // The end of the file is an error only for a transfer at its own offset.
     if (error == NO_ERROR && overlapped != nullptr && count == 0 && bytes > 0) {
         error = ERROR_HANDLE_EOF;
     }
@@ -155,7 +158,7 @@ BOOL FlushFileBuffers(HANDLE file) {
     const host::Pin object(file);
     if (!object) return FALSE;
     if (!object->access().write) return host::Fail(ERROR_ACCESS_DENIED);
-    // Streams without a store behind them have nothing to flush.
+    // A pipe or a terminal has nothing to flush.
     if (fsync(object->fd()) == 0 || errno == EINVAL || errno == EROFS) return TRUE;
     return host::Fail(host::ErrorFromErrno(errno));
 }

@@ -41,7 +41,7 @@ DWORD FileObject::Lock(std::uint64_t start, std::uint64_t length) {
             return ERROR_LOCK_VIOLATION;
         }
     }
-    // First, since nothing may fail once the range is locked.
+    // Room for the range is made first, because nothing may fail once the range is locked.
     if (!MakeRoom()) return ERROR_NOT_ENOUGH_MEMORY;
     const short type = access_.write ? F_WRLCK : F_RDLCK;
     const off_t from = static_cast<off_t>(start);
@@ -56,7 +56,8 @@ DWORD FileObject::Unlock(std::uint64_t start, std::uint64_t length) {
         return range.start == start && range.length == length;
     });
     if (own == locked_.end()) return ERROR_NOT_LOCKED;
-    // Given back even when the kernel refuses: it would shut out this very handle from now on.
+    // The range counts as free even when the kernel refuses to unlock it. Otherwise it would lock
+    // out this handle for ever.
     *own = locked_.back();
     locked_.pop_back();
     const off_t from = static_cast<off_t>(start);
@@ -66,8 +67,8 @@ DWORD FileObject::Unlock(std::uint64_t start, std::uint64_t length) {
 
 }  // namespace host
 
-// Flattened: behind a system call the processor mispredicts every return to a frame of before, and
-// a log record locks and unlocks.
+// Inlines all calls (gnu::flatten). After a system call, the processor mispredicts each return to
+// an older frame, and every log record takes and frees a lock.
 [[gnu::flatten]] BOOL LockFile(HANDLE file, DWORD offset_low, DWORD offset_high, DWORD bytes_low,
                                DWORD bytes_high) {
     const host::HandlePin<host::FileObject> object(file);

@@ -19,8 +19,8 @@ struct FileAccess {
     bool write = false;
 };
 
-// Position and data live in the descriptor; this adds what the handle may do and the ranges that it
-// has locked. Any thread.
+// Position and data belong to the descriptor. This adds what the handle may do, and the ranges that
+// it has locked. Any thread.
 class FileObject final : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kFile;
@@ -30,11 +30,12 @@ class FileObject final : public HandleObject {
 
     int fd() const { return fd_.get(); }
     FileAccess access() const { return access_; }
-    // A pipe or a socket, whose other end can be gone.
+    // Whether it is a pipe or a socket. The other end of such a file can be gone.
     bool is_stream() const { return is_stream_; }
 
-    // Win32 codes. A range that touches one of this handle's own or another open file's is
-    // ERROR_LOCK_VIOLATION; Unlock takes exactly the ranges that Lock was given.
+    // Both return a Win32 code. Lock fails with ERROR_LOCK_VIOLATION when a part of the range is
+    // locked, by this handle or by another open file. Unlock takes exactly a range that was given
+    // to Lock.
     DWORD Lock(std::uint64_t start, std::uint64_t length);
     DWORD Unlock(std::uint64_t start, std::uint64_t length);
 
@@ -48,7 +49,7 @@ class FileObject final : public HandleObject {
         struct stat info;
         return fstat(fd.get(), &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
     }
-    // For one more range; false without memory.
+    // Makes room for one more range; false without memory.
     bool MakeRoom();
 
     const UniqueFd fd_;

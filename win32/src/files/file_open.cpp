@@ -50,7 +50,8 @@ DWORD Check(const Request& request, DWORD attributes) {
 int OpenExisting(const std::string& path, const Request& request) {
     constexpr int kFlags = O_CLOEXEC | O_NOCTTY;
     if (!request.use.write && !request.truncates()) return open(path.c_str(), O_RDONLY | kFlags);
-    // Reading is what holds a share mode, so it is asked for even when only writing is wanted.
+    // A share mode needs a descriptor that can read, so read access is asked for even when the
+    // caller only writes.
     const int fd = open(path.c_str(), O_RDWR | kFlags);
     if (fd >= 0 || request.use.read || (errno != EACCES && errno != EPERM)) return fd;
     return open(path.c_str(), O_WRONLY | kFlags);
@@ -61,7 +62,8 @@ int CreateNew(const std::string& path, const Request& request) {
     return open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, mode);
 }
 
-// Opens or creates; `existed` tells which. Starts again when the file comes or goes in between.
+// Opens or creates the file; `existed` tells which. Starts again when the file appears or
+// disappears in between.
 DWORD OpenOrCreate(const std::string& path, const Request& request, UniqueFd& fd, bool& existed) {
     constexpr int kAttempts = 16;
     for (int i = 0; i < kAttempts; ++i) {
@@ -80,7 +82,7 @@ DWORD OpenOrCreate(const std::string& path, const Request& request, UniqueFd& fd
     return ERROR_ACCESS_DENIED;
 }
 
-// What an existing file has to allow before it is this handle's.
+// Checks what an existing file must allow before the handle may use it.
 DWORD Enter(int fd, const Request& request, bool existed) {
     struct stat info;
     if (fstat(fd, &info) != 0) return ErrorFromErrno(errno);
@@ -104,7 +106,7 @@ DWORD OpenFile(LPCWSTR name, const Request& request, UniqueFd& fd, bool& existed
     return error != NO_ERROR ? error : Enter(fd.get(), request, existed);
 }
 
-// The standard streams belong to the process: their handles can be closed, they cannot.
+// The standard streams belong to the process. Their handles can be closed; the streams stay open.
 HANDLE StandardStream(int fd) {
     const int flags = fcntl(fd, F_GETFL);
     if (flags < 0) return nullptr;
@@ -146,7 +148,7 @@ HANDLE GetStdHandle(DWORD which) {
 }
 
 BOOL CloseHandle(HANDLE object) {
-    // The pin keeps the number from naming another object between the look and the close.
+    // The pin keeps the number from naming another object between the check and the close.
     host::HandleObject* const pinned = host::PinHandle(object);
     if (pinned == nullptr) return host::Fail(ERROR_INVALID_HANDLE);
     const bool closes = pinned->kind() != host::HandleKind::kSearch;

@@ -1,6 +1,6 @@
-// What the user may do with a file. A file's security descriptor holds the rights that the kernel
-// gives the user who asked for it: modes, access lists, capabilities and read-only file systems all
-// count. An access check compares with them.
+// What the user may do with a file. The security descriptor of a file holds the rights that the
+// kernel gives to the user who asks: modes, access lists, capabilities and read-only file systems
+// all count. An access check compares with these rights.
 #include <windows.h>
 
 #include <fcntl.h>
@@ -37,7 +37,7 @@ bool Allows(const std::string& path, int mode) {
     return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
 }
 
-// Taking a name away is a right to its folder. A sticky folder leaves it to the owners.
+// The right to delete a file is a right to its folder. In a sticky folder only the owners have it.
 bool MayRemove(const std::string& path, const struct stat& file) {
     const std::size_t end = path.find_last_of('/');
     const std::string folder = end == std::string::npos ? "." : path.substr(0, end + 1);
@@ -58,7 +58,8 @@ ACCESS_MASK RightsTo(const std::string& path, const struct stat& info) {
     return rights;
 }
 
-// What the descriptor gives the token's user; false when it is no descriptor of a file.
+// The rights that the descriptor gives to the token's user. False when it is no descriptor of a
+// file.
 bool Read(PSECURITY_DESCRIPTOR descriptor, const Token& token, ACCESS_MASK& rights) {
     FileRights content;
     std::memcpy(&content, descriptor, sizeof content);
@@ -67,7 +68,7 @@ bool Read(PSECURITY_DESCRIPTOR descriptor, const Token& token, ACCESS_MASK& righ
     return true;
 }
 
-// The code with which a check refuses a token, NO_ERROR when it takes it.
+// NO_ERROR when a check accepts the token, else the code with which it refuses.
 DWORD TokenError(const Token& token) {
     if (token.Level() == kPrimaryToken) return ERROR_NO_IMPERSONATION_TOKEN;
     if (token.Level() < SecurityIdentification) return ERROR_BAD_IMPERSONATION_LEVEL;
@@ -120,7 +121,8 @@ BOOL AccessCheck(PSECURITY_DESCRIPTOR descriptor, HANDLE handle, DWORD desired,
     if (!fits) return Fail(ERROR_INSUFFICIENT_BUFFER);
     *privileges = {};
 
-    // All that there is, or exactly what was asked for.
+    // MAXIMUM_ALLOWED grants all rights that there are; otherwise exactly the desired rights are
+    // granted.
     const bool everything = (desired & MAXIMUM_ALLOWED) != 0;
     const DWORD asked = desired & ~DWORD{MAXIMUM_ALLOWED};
     *status = (asked & ~rights) == 0 && (everything ? rights : asked) != 0;

@@ -22,7 +22,7 @@ FILETIME FileTimeOf(const timespec& time) {
 
 namespace {
 
-// The search is over with its first entry; the handle only waits for FindClose.
+// A search ends with its first entry. The handle only waits for FindClose.
 class SearchObject final : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kSearch;
@@ -34,7 +34,8 @@ struct Found {
     struct stat info = {};
 };
 
-// '*' stands for any run, '?' for one unit. Linear apart from one return point.
+// '*' matches any run of units, '?' matches one. The time is linear: only the last '*' is tried
+// again.
 bool Matches(std::u16string_view pattern, std::u16string_view name) {
     std::size_t p = 0, n = 0, star = pattern.size(), resume = 0;
     while (n < name.size()) {
@@ -60,7 +61,7 @@ bool Before(std::u16string_view a, std::u16string_view b) {
         [](char16_t x, char16_t y) { return FoldFileNameUnit(x) < FoldFileNameUnit(y); });
 }
 
-// Entries whose names do not fit or are not UTF-8 have no Windows name and are passed over.
+// An entry whose name is too long or not UTF-8 has no Windows name and is skipped.
 DWORD FindIn(const std::string& folder, std::u16string_view pattern, Found& found) {
     const OpenFolder open(opendir(folder.c_str()));
     if (open == nullptr) return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);

@@ -15,8 +15,8 @@
 namespace host {
 namespace {
 
-// Deletes through a descriptor, so that the share modes of the file's users are seen; a file that
-// cannot be opened has no user who could have marked it.
+// Deletes through a descriptor, so that the share modes of the file's users count. A file that
+// cannot be opened has no such user.
 DWORD DeleteFileAt(const HostPath& target) {
     const char* const path = target.path.c_str();
     struct stat info;
@@ -42,7 +42,7 @@ DWORD RemoveFolderAt(const HostPath& target) {
     return code == EEXIST ? ERROR_DIR_NOT_EMPTY : PathError(code, target.path);
 }
 
-// mkdir(): a missing parent is the path that is not found, never the file.
+// As mkdir(). A missing parent is reported as a missing path, never as a missing file.
 DWORD CreateFolderAt(const HostPath& target) {
     if (mkdir(target.path.c_str(), 0777) == 0) return NO_ERROR;
     return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);

@@ -46,7 +46,7 @@ struct Views {
     std::map<const void*, std::size_t> bytes_by_address;
 };
 
-// Never destroyed: libraries that unload after this one's statics still give their views back.
+// Never destroyed: libraries that unload later still unmap their views.
 Views& AllViews() {
     static Views& views = *std::make_unique<Views>().release();
     return views;
@@ -81,7 +81,7 @@ DWORD MakeUnnamed(std::uint64_t size, Memory& memory) {
     return NO_ERROR;
 }
 
-// A description of its own, so that views do not hold the locks and the share mode of the handle.
+// Opens the file again, so that a view does not keep the locks and the share mode of the handle.
 UniqueFd Reopen(int fd, bool writable) {
     const std::string path = "/proc/self/fd/" + std::to_string(fd);
     UniqueFd own(open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC));

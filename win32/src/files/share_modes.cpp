@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-// The file's gate for as long as the object lives. Somebody else's flock() is waited for, not long.
+// Holds the flock() of a file while it lives. It waits for another holder, but not long.
 class Gate {
   public:
     explicit Gate(int fd) : fd_(fd) {
@@ -36,7 +36,7 @@ class Gate {
     bool open_ = false;
 };
 
-// One thing that an open file may do, with its two marker bytes.
+// One kind of use of a file, with its two marker bytes.
 struct Right {
     bool FileUse::*used;
     DWORD share;

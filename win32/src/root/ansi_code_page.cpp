@@ -16,7 +16,7 @@ namespace {
 
 constexpr UINT kDefaultPage = 1252;
 
-// A page that this host can convert, else the default.
+// The code page that the registry names, when this host can convert it; else the default.
 UINT PageInRegistry() {
     WCHAR text[16] = {};
     DWORD type = 0;
@@ -42,7 +42,8 @@ UINT PageInRegistry() {
 }  // namespace
 
 UINT AnsiCodePage() {
-    // The last root asked for and its page, in one word: the root's hash above, the page below.
+    // The root that was asked for last and its code page in one word: the hash of the root above,
+    // the page below.
     static constinit std::atomic<ULONGLONG> known{0};
     const ULONGLONG root = std::hash<std::string>()(HostRoot()) & ~ULONGLONG{0xFFFF};
     const ULONGLONG last = known.load(std::memory_order_relaxed);

@@ -18,10 +18,10 @@ namespace host {
 
 namespace {
 
-// Constant-initialised and without a destructor: usable until the last moment of the process.
+// Has no constructor that runs and no destructor, so it is usable until the process ends.
 constinit std::mutex environment_lock;
 
-// The process's environment is read and changed here only, under the lock.
+// Only these functions read and change the environment of the process, under the lock.
 // NOLINTBEGIN(concurrency-mt-unsafe)
 const char* Get(const char* name) {
     return std::getenv(name);
@@ -51,7 +51,8 @@ constexpr DefaultVariable kDefaults[] = {
     {u"PROCESSOR_ARCHITECTURE", u"AMD64"},
 };
 
-// The name under which the environment holds a variable, exact spelling first. Lock held.
+// The name of the variable as the environment spells it; the exact spelling comes first. The caller
+// holds the lock.
 std::optional<std::string> ActualName(WideView name) {
     const std::string exact = ToUtf8(name);
     if (Get(exact.c_str()) != nullptr) return exact;

@@ -28,8 +28,8 @@ bool IsDriveLetter(char16_t unit) {
     return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
-// Characters that no component of a Windows name holds. A colon that is left after the drive would
-// name a stream of the file, which this host does not have.
+// Characters that no part of a Windows name may hold. A colon behind the drive would name a stream
+// of the file; this host has none.
 bool IsForbidden(char16_t unit) {
     return unit < 32 || std::u16string_view(u"<>:\"|?*").find(unit) != std::u16string_view::npos;
 }
@@ -38,7 +38,7 @@ std::string DriveC() {
     return HostRoot() + kDriveFolder;
 }
 
-// Where a name starts: the folder that ".." does not leave, and the components below it.
+// Where a name starts: the folder that ".." does not leave, and the parts below it.
 struct Base {
     std::string root;
     std::vector<std::string> parts;
@@ -65,7 +65,7 @@ std::string CurrentFolder() {
     return folder == nullptr ? "/" : folder;
 }
 
-// Symbolic links resolved, so that it compares with what getcwd gives.
+// Resolves symbolic links, so that the path can be compared with the one that getcwd gives.
 std::string Resolved(const std::string& path) {
     char buffer[PATH_MAX];
     return realpath(path.c_str(), buffer) == nullptr ? path : buffer;
@@ -83,7 +83,7 @@ Base CurrentBase() {
     return base;
 }
 
-// Takes the drive, or its absence, off the front of `name`.
+// Takes the drive off the front of `name`, when there is one, and sets the base.
 DWORD TakeBase(std::u16string_view& name, Base& base) {
     if (name.starts_with(u"\\\\?\\")) name.remove_prefix(4);
     if (name.starts_with(u"\\\\")) return ERROR_PATH_NOT_FOUND;
@@ -135,7 +135,7 @@ bool Exists(const std::string& path) {
     return lstat(path.c_str(), &info) == 0;
 }
 
-// The entry of `folder` that differs from `name` in nothing but case; `name` when there is none.
+// The entry of `folder` that differs from `name` in case only; `name` when there is none.
 std::string FindIgnoringCase(const std::string& folder, const std::string& name) {
     const OpenFolder open(opendir(folder.empty() ? "/" : folder.c_str()));
     std::u16string wanted, entry_name;
@@ -165,7 +165,7 @@ std::string Locate(const std::string& root, const std::vector<std::string>& part
     return path.empty() ? "/" : path;
 }
 
-// The root of a drive exists on Windows, always.
+// On Windows the root of a drive always exists, so it is made here.
 void MakeDriveC() {
     const std::string drive = DriveC();
     for (std::size_t end = drive.find('/', 1);; end = drive.find('/', end + 1)) {

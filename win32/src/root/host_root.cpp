@@ -43,7 +43,7 @@ bool HostRootKey::StillHolds() {
             values_[i] = now;
             holds = false;
         }
-        // A folder that is named outright leaves the names behind it without a meaning.
+        // When this variable names a folder, the variables behind it do not matter.
         if (now.starts_with('/')) break;
     }
     is_set_ = true;

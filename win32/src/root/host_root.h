@@ -10,8 +10,8 @@ namespace host {
 // Relative names in these variables are ignored.
 std::string HostRoot();
 
-// Tells whether HostRoot() is still what it was, for those who keep something that they made of it.
-// One thread at a time.
+// Tells whether HostRoot() has changed, for code that keeps something made from it. One thread at a
+// time.
 class HostRootKey {
   public:
     // False at the first call, and once after each change of the environment.

@@ -23,13 +23,14 @@ void AppendHex(std::string& text, unsigned int value, std::size_t digits) {
     text.append(digits > length ? digits - length : 0, '0').append(buffer, length);
 }
 
-// All of `text` as one number.
+// Reads the whole of `text` as one hexadecimal number.
 bool ParseHex(std::string_view text, DWORD& value) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
     return error == std::errc() && end == text.data() + text.size();
 }
 
-// A line: number, count, four digits per unit of the name. One that is damaged is left out.
+// Reads a line: number, count, and four digits for each unit of the name. A damaged line is
+// skipped.
 void ReadLine(std::string_view line, NameTable& table) {
     const std::size_t count_at = line.find(' ');
     const std::size_t name_at = count_at == line.npos ? line.npos : line.find(' ', count_at + 1);
@@ -72,7 +73,7 @@ NameTable Load(int folder, const char* kind) {
     return table;
 }
 
-// Replaces the file at once: a process that is killed meanwhile leaves the old one.
+// Replaces the file in one step. When the process is killed meanwhile, the old file stays.
 DWORD Store(int folder, const char* kind, const NameTable& table) {
     std::string text;
     for (const auto& [number, entry] : table) {

@@ -20,14 +20,14 @@ using NameTable = std::map<ATOM, NamedNumber>;
 constexpr ATOM kFirstNamed = 0xC000;
 constexpr std::size_t kLongestAtomName = 255;
 
-// Runs `change` on the table `kind` of this host root while no other process can; what it leaves is
-// stored when it returns true. Win32 code of reading and storing.
+// Runs `change` on the table `kind` of this host root while no other process can use it. The table
+// is stored when `change` returns true. Returns the Win32 code of reading and storing.
 DWORD WithNameTable(const char* kind, const std::function<bool(NameTable&)>& change);
 
 // The number of `name`, or 0.
 ATOM FindName(const NameTable& table, WideView name);
-// The number of `name`, which gets a free one when it is new, and its count raised by one; 0 when
-// none is left.
+// Gives `name` a free number when it is new, raises its count by one, and returns the number. 0
+// when no number is left.
 ATOM AddName(NameTable& table, WideView name);
 
 }  // namespace host

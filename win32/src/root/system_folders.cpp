@@ -11,7 +11,7 @@ using namespace host;
 
 namespace {
 
-// TMP, else TEMP, else TMPDIR, as they stand; else C:\Temp, made when it is missing.
+// TMP, else TEMP, else TMPDIR, as they are set; else C:\Temp, which is made when it is missing.
 WideString TempFolder() {
     for (const char* name : {"TMP", "TEMP", "TMPDIR"}) {
         const std::string value = EnvironmentText(name);

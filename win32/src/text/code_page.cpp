@@ -36,7 +36,7 @@ class Page1252 : public NarrowPage {
         0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 };
 
-// A code page by a converter pair of the C library.
+// A code page of the C library, as a pair of converters.
 class LibraryPage : public NarrowPage {
   public:
     LibraryPage(UINT code_page, const char* name)
@@ -68,7 +68,7 @@ class LibraryPage : public NarrowPage {
     }
 
   private:
-    // Bytes written; 0 when the whole source does not convert into the room given.
+    // Returns the number of bytes written; 0 when the whole source does not convert into the room.
     static std::size_t Convert(iconv_t converter, char* source, std::size_t count, char* result,
                                std::size_t room) {
         const std::size_t given = room;

@@ -15,10 +15,11 @@ class NarrowPage {
     static constexpr WCHAR kNone = 0xFFFF;
 
     virtual ~NarrowPage() = default;
-    // The character that starts `text` (never empty), kNone when there is none; `used` becomes its
-    // size in bytes, 1 or 2.
+    // Decodes the first character of `text`, which is not empty. kNone when the bytes are no
+    // character. `used` receives its size in bytes, 1 or 2.
     virtual WCHAR Decode(std::string_view text, std::size_t& used) = 0;
-    // Writes the bytes of one unit, at most 2, and answers how many; 0 when it has none.
+    // Writes the bytes of one unit, at most 2. Returns how many; 0 when the page does not have the
+    // unit.
     virtual std::size_t Encode(WCHAR unit, char* bytes) = 0;
 };
 
@@ -28,10 +29,10 @@ std::unique_ptr<NarrowPage> OpenNarrowPage(UINT code_page);
 // The ANSI code page of the host root.
 UINT AnsiCodePage();
 
-// Strict as in utf8.h; else what has no character becomes '?'.
+// Strict as in utf8.h; otherwise bytes that are no character become '?'.
 Conversion NarrowToWide(NarrowPage& page, std::string_view text, WCHAR* buffer, std::size_t size,
                         bool strict);
-// What has no bytes becomes `fallback` and sets `used_fallback`.
+// A unit that the page does not have becomes `fallback` and sets `used_fallback`.
 Conversion WideToNarrow(NarrowPage& page, std::basic_string_view<WCHAR> text, char* buffer,
                         std::size_t size, std::string_view fallback, bool& used_fallback);
 

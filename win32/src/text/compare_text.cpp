@@ -19,7 +19,7 @@ constexpr std::string_view kLatinABase =
     "RrRrRrSsSsSsSsTtTtTtUuUuUuUuUuUuWwYyYZzZzZzs";
 static_assert(kLatin1Base.size() == 0x40 && kLatinABase.size() == 0x80);
 
-// What one unit weighs at each level; the first level's number of 0 takes no part in it.
+// The weight of one unit at each level. A unit with weight 0 at the first level is ignored there.
 struct Weight {
     int alphabet, accent, upper;
 };
@@ -30,7 +30,7 @@ bool IsSymbol(WCHAR c) {
 }
 
 Weight WeightOf(WCHAR unit) {
-    // A word keeps its place whether or not it is written with a hyphen or an apostrophe.
+    // A word sorts at the same place with and without a hyphen or an apostrophe.
     if (unit == '-' || unit == '\'' || unit == 0xAD) return {0, unit, 0};
     WCHAR base = unit;
     if (unit >= 0xC0 && unit <= 0xFF && kLatin1Base[unit - 0xC0u] != ' ') {
@@ -49,7 +49,7 @@ int Sign(int a, int b) {
     return a < b ? -1 : a > b ? 1 : 0;
 }
 
-// The first level: units that weigh nothing are passed over.
+// Compares the first level; units with weight 0 are skipped.
 int CompareAlphabet(WideView a, WideView b) {
     const auto next = [](WideView& text) {
         while (!text.empty()) {
@@ -65,7 +65,7 @@ int CompareAlphabet(WideView a, WideView b) {
     return 0;
 }
 
-// A later level, unit by unit.
+// Compares a later level, unit by unit.
 int CompareLevel(WideView a, WideView b, int Weight::*level) {
     const std::size_t common = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < common; ++i) {

@@ -18,8 +18,8 @@ WideString FromUtf8(std::string_view text);
 // The text as a view; null is empty.
 WideView ViewOf(LPCWSTR text);
 
-// Answers a query of the form "length without the zero when it fits, else the size needed with the
-// zero" (GetTempPathW and its like).
+// Copies `text` as GetTempPathW and its like do: returns the length without the zero when it fits,
+// else the needed size with the zero.
 DWORD CopyOut(WideView text, LPWSTR buffer, DWORD size);
 
 }  // namespace host

@@ -24,7 +24,8 @@ DWORD CheckArguments(const From* text, int count, const To* buffer, int size) {
     return bad ? ERROR_INVALID_PARAMETER : NO_ERROR;
 }
 
-// The text that a call names: counted, or with its terminating zero when the count is negative.
+// The text of the caller: `count` units, or up to and with the terminating zero when the count is
+// negative.
 template <class Unit>
 std::basic_string_view<Unit> SourceText(const Unit* text, int count) {
     const std::size_t length =

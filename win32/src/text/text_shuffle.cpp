@@ -13,13 +13,14 @@ namespace host {
 
 namespace {
 
-// For each set of eight lanes, as bits: the shuffle that closes up what is kept.
+// For each set of eight lanes (one bit each), the shuffle that closes the gaps between the lanes
+// that are kept.
 using Shuffles = std::array<std::array<std::uint8_t, 16>, 256>;
 
-// What no lane shuffles in: a zero.
+// A lane with this number becomes 0.
 constexpr std::uint8_t kNone = 0x80;
 
-// Units, without the lanes of the set.
+// Keeps the units that are not in the set.
 constexpr Shuffles kWithoutUnits = []() {
     Shuffles shuffles{};
     for (unsigned set = 0; set < shuffles.size(); ++set) {
@@ -34,7 +35,7 @@ constexpr Shuffles kWithoutUnits = []() {
     return shuffles;
 }();
 
-// Bytes: both of the lanes of the set, the first of the others.
+// Keeps both bytes of the lanes in the set and the first byte of the others.
 constexpr Shuffles kBothBytes = []() {
     Shuffles shuffles{};
     for (unsigned set = 0; set < shuffles.size(); ++set) {
@@ -71,8 +72,8 @@ QV_SSSE3 inline std::size_t Bits(unsigned mask) {
     return static_cast<std::size_t>(__builtin_popcount(mask));
 }
 
-// Less than sixteen bytes, filled up with zeros, and as many of sixteen: pieces that overlap. By
-// way of memory beside it the bytes would be waited for (32 bytes to a string and back: 106 ns).
+// Loads fewer than sixteen bytes, filled up with zeros, as two pieces that overlap. A copy through
+// memory would wait for the bytes (32 bytes to a string and back: 106 ns).
 QV_SSSE3 inline __m128i LoadPart(const void* from, std::size_t bytes) {
     const auto* const first = static_cast<const unsigned char*>(from);
     std::uint64_t low = 0;
@@ -115,15 +116,16 @@ QV_SSSE3 inline void StorePart(void* to, __m128i value, std::size_t bytes) {
     }
 }
 
-// Eight bytes as units; where `trail` is set, joined with the byte before.
+// Widens eight bytes to units. Where `trail` is set, the unit is joined with the byte in front of
+// it.
 QV_SSSE3 inline __m128i Joined(__m128i bytes, __m128i before, __m128i trail) {
     const __m128i high = _mm_slli_epi16(_mm_and_si128(before, _mm_set1_epi16(0x1F)), 6);
     const __m128i low = _mm_and_si128(bytes, _mm_set1_epi16(0x3F));
     return Choose(trail, _mm_or_si128(high, low), bytes);
 }
 
-// What a block became: one or two vectors of which the first units or bytes count; not good when
-// other characters are among them.
+// The result for one block: one or two vectors with their number of valid units or bytes. `good` is
+// false when the block holds other characters.
 struct Decoded {
     bool good;
     __m128i low, high;
@@ -136,12 +138,12 @@ struct Encoded {
     std::size_t size;
 };
 
-// Sixteen bytes behind sixteen others, whose last one is a lead when `open` is 1. So the next block
-// begins sixteen bytes further whatever this one holds, and need not wait for it.
+// Decodes sixteen bytes. The byte in front of them is a lead when `open` is 1. The next block
+// begins sixteen bytes later, whatever this one holds, so it need not wait.
 QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned open) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i before = _mm_alignr_epi8(bytes, previous, 15);
-    // Of the bytes from 0x80: trails are below 0xC0, leads from 0xC2 to 0xDF.
+    // Among the bytes from 0x80 on, trails are below 0xC0, and leads are 0xC2 to 0xDF.
     const __m128i trails = _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC0)));
     const __m128i leads =
         _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC1))),
@@ -161,7 +163,7 @@ QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned op
             lead >> 15};
 }
 
-// Eight units.
+// Encodes eight units.
 QV_SSSE3 inline Encoded EncodeBlock(__m128i units) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
@@ -186,8 +188,8 @@ QV_SSSE3 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out,
     Progress done{0, 0};
     __m128i previous = _mm_setzero_si128();
     unsigned open = 0;
-    // 48 bytes become sixteen units at least, whatever they are: what is written too much is
-    // written again.
+    // 48 bytes become at least sixteen units. Units that are written too much are overwritten by
+    // the next step.
     while (left - done.read >= 48 && room - done.written >= 16) {
         const __m128i bytes = Load(text + done.read);
         const Decoded block = DecodeBlock(bytes, previous, open);
@@ -204,7 +206,7 @@ QV_SSSE3 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out,
         const char* const from = text + done.read;
         const __m128i bytes = count == 16 ? Load(from) : LoadPart(from, count);
         const Decoded block = DecodeBlock(bytes, previous, open);
-        // The zeros that filled it up are units at its end.
+        // The zeros that fill up the block are units at its end.
         const std::size_t units = block.low_units + block.high_units - (16 - count);
         if (!block.good || room - done.written < units) break;
         const std::size_t low = std::min(block.low_units, units);

@@ -1,6 +1,7 @@
-// Text of characters of one and two bytes, in any mixture: Latin with accents, Greek, Cyrillic,
-// Hebrew, Arabic. Its bytes are moved to their places by shuffles, which SSSE3 has and the baseline
-// has not, so this is chosen at run time. Prose with accents: 0.4 of the time of run after run.
+// Converts text whose characters have one or two bytes in UTF-8, in any mixture: Latin with
+// accents, Greek, Cyrillic, Hebrew, Arabic. The bytes are moved by shuffles. SSSE3 has them, the
+// baseline has not, so this is chosen at run time. Prose with accents takes 0.4 of the time of the
+// plain way.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +10,7 @@
 
 namespace host {
 
-// Whether this machine can.
+// Whether this processor has SSSE3.
 bool CanShuffle();
 
 struct Progress {
