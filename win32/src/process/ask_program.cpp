@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::size_t kMaxLine = 65536;
 
-// The child's streams: nothing to read, output into the pipe, errors where ours go.
+// The streams of the child: its input is empty, its output goes into the pipe, its errors go where
+// ours go.
 class Streams {
   public:
     explicit Streams(int output) {
@@ -33,8 +34,8 @@ class Streams {
     posix_spawn_file_actions_t actions_;
 };
 
-// The start of what comes through the pipe; the rest is read and dropped, so that the program can
-// finish.
+// The first part of what comes through the pipe. The rest is read and dropped, so that the program
+// can finish.
 std::string ReadAll(int pipe) {
     std::string text;
     char buffer[4096];

@@ -71,7 +71,7 @@ class Splitter {
     bool quoted_ = false;
 };
 
-// A program's name has no backslash rules. Moves `text` behind it.
+// Takes the program's name off the front of `text`. Backslashes have no special meaning there.
 WideString TakeProgram(WideView& text) {
     const bool quoted = text.starts_with(u'"');
     if (quoted) text.remove_prefix(1);
@@ -90,7 +90,7 @@ WideString OwnProgram() {
     return name;
 }
 
-// The pointers, then the texts that they point at.
+// Makes one block: the pointers first, then the texts that they point at.
 LPWSTR* OneBlock(const std::vector<WideString>& arguments) {
     std::size_t bytes = (arguments.size() + 1) * sizeof(LPWSTR);
     for (const WideString& argument : arguments) bytes += (argument.size() + 1) * sizeof(WCHAR);

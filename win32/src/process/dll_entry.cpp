@@ -1,12 +1,11 @@
-// The loader's duty on this host: DllMain of the module that this file is linked into runs on load
-// and unload.
+// Calls DllMain of the module that this file is linked into, when the module is loaded and
+// unloaded.
 //
-// Link it as the module's last source: the attach then follows the construction of the module's own
-// objects. The detach comes before their destruction when the module is unloaded; at process exit
-// it comes after every object with a destructor, the module's and the program's, so that a
-// program's last object can still call the module. What DllMain uses on detach must therefore have
-// no destructor that the C run-time knows of; nothing in the host layer has one. DllMain's result
-// is not looked at.
+// Link it as the module's last source: then the attach comes after the construction of the module's
+// own objects. On unload the detach comes before their destruction. At process exit it comes after
+// every object with a destructor, the module's and the program's, so that the program's last object
+// can still call the module. What DllMain uses on detach must therefore have no destructor that the
+// C run-time knows of; nothing in the host layer has one. The result of DllMain is ignored.
 #include <windows.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);

@@ -39,7 +39,7 @@ HMODULE HostLayer() {
     return ModuleAt(reinterpret_cast<const void*>(&GetModuleHandleW));
 }
 
-// The loader's reference to a module for the time of a call.
+// Holds the loader's reference to a module during a call.
 class LoadedModule {
   public:
     // Empty when `module` is not the start of a loaded image.
@@ -58,7 +58,8 @@ class LoadedModule {
     }
     explicit operator bool() const { return handle_ != nullptr; }
     const char* File() const { return file_; }
-    // A name that this module itself exports; not one of the libraries it uses.
+    // The address of a name that this module itself exports. Names of the libraries that it uses do
+    // not count.
     void* Symbol(const char* name) const {
         void* found = handle_ == nullptr ? nullptr : dlsym(handle_, name);
         return found != nullptr && ModuleAt(found) == module_ ? found : nullptr;
@@ -81,7 +82,7 @@ bool IsSystemModule(WideView name) {
                        [name](WideView known) { return SameFileName(known, name); });
 }
 
-// Whether a block holds its sixteen strings; readers of the block trust their lengths.
+// Whether a block holds its sixteen strings. The readers of a block trust its lengths.
 bool IsWhole(const QvStringBlock& block) {
     const WideView text(block.text, block.bytes / sizeof(WCHAR));
     std::size_t position = 0;
@@ -124,7 +125,8 @@ HMODULE GetModuleHandleW(LPCWSTR name) {
 }
 
 FARPROC GetProcAddress(HMODULE module, LPCSTR name) {
-    // An ordinal travels as a number in place of the name; modules of this host have none.
+    // A caller can pass an ordinal number in place of a name. The modules of this host have no
+    // ordinals.
     const bool ordinal = reinterpret_cast<ULONG_PTR>(name) < 0x10000;
     const LoadedModule loaded(module == nullptr ? Executable() : module);
     if (!loaded) return Refuse(ERROR_MOD_NOT_FOUND);
@@ -153,7 +155,7 @@ HMODULE LoadLibraryW(LPCWSTR name) {
 BOOL FreeLibrary(HMODULE module) {
     const LoadedModule loaded(module);
     if (!loaded) return Refuse<BOOL>(ERROR_INVALID_HANDLE);
-    // The host layer and the executable are not counted: they stay.
+    // The host layer and the executable are never unloaded, so they are not counted.
     if (module != HostLayer() && module != Executable()) loaded.DropReference();
     return TRUE;
 }

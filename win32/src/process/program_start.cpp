@@ -18,7 +18,7 @@ namespace host {
 
 namespace {
 
-// Only calls that a copy of a process with threads may make.
+// Runs in a copy of a process that may have threads, so it makes only calls that are safe there.
 [[noreturn]] void BecomeProgram(char* const* arguments, const char* folder, int report) {
     sigset_t none;
     sigemptyset(&none);
@@ -44,8 +44,8 @@ int StartProgram(const std::vector<std::string>& arguments, const std::string& f
     if (pipe2(ends, O_CLOEXEC) != 0) return errno;
     const UniqueFd report(ends[0]);
     UniqueFd child_end(ends[1]);
-    // The one in the middle ends at once, so that the program belongs to the system's first
-    // process.
+    // The process in the middle ends at once. The program then belongs to the system's first
+    // process, and nobody has to wait for it.
     const pid_t middle = fork();
     if (middle < 0) return errno;
     if (middle == 0) {

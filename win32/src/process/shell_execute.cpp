@@ -1,4 +1,4 @@
-// ShellExecuteW: which program a name means, and what a failure is called.
+// ShellExecuteW: finds the program that a name means, and the code for a failure.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -16,7 +16,7 @@ using namespace host;
 
 namespace {
 
-// The outcome in both forms: a Win32 code, and ShellExecute's own number.
+// The outcome in both forms: a Win32 code, and the number that ShellExecute returns.
 struct Outcome {
     DWORD error = NO_ERROR;
     int code = 42;  // anything above 32 is a success
@@ -44,7 +44,7 @@ bool IsFile(const std::string& path) {
     return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
-// A bare name means a program of the system, never one of the current folder.
+// A name without a folder means a program of the system, never one in the current folder.
 bool FindBareName(WideView name, std::string& path) {
     std::string narrow;
     if (!NameToUtf8(name, narrow)) return false;
@@ -74,11 +74,11 @@ Outcome FindProgram(WideView name, std::string& path) {
     path = std::move(full.path);
     struct stat info;
     if (stat(path.c_str(), &info) != 0) return FailedWith(PathError(errno, path));
-    // Folders and documents: no program is known for them.
+    // No program is known that opens folders and documents.
     return S_ISREG(info.st_mode) && access(path.c_str(), X_OK) == 0 ? Outcome() : kNoAssociation;
 }
 
-// Empty when there is none.
+// Finds the folder to start in; empty when none was given.
 Outcome FindFolder(WideView name, std::string& path) {
     if (name.empty()) return Outcome();
     HostPath full = ToHostPath(WideString(name).c_str());
@@ -92,7 +92,7 @@ Outcome FindFolder(WideView name, std::string& path) {
 Outcome CheckVerb(WideView verb) {
     if (verb.empty() || SameFileName(verb, u"open")) return Outcome();
     if (!SameFileName(verb, u"runas")) return kNoAssociation;
-    // Nobody here raises a program's rights; one that has them passes them on.
+    // This host cannot raise a program's rights. A program that has them already passes them on.
     return geteuid() == 0 ? Outcome() : FailedWith(ERROR_ACCESS_DENIED);
 }
 

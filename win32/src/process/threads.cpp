@@ -15,8 +15,8 @@ namespace {
 
 constexpr DWORD kSlots = 1088;
 
-// Odd while the slot is taken. A thread's value counts only while it was stored under the same
-// generation, so that freeing a slot clears it in every thread at once.
+// A generation for each slot, odd while the slot is in use. A thread's value counts only when it
+// was stored under the same generation. So freeing a slot clears it in all threads at once.
 constinit std::array<std::atomic<DWORD>, kSlots> generations{};
 
 struct TlsValue {
@@ -103,7 +103,7 @@ BOOL TryEnterCriticalSection(LPCRITICAL_SECTION section) {
 }
 
 DWORD GetCurrentThreadId() {
-    // The kernel is asked once per thread; the thread that a fork leaves is another one.
+    // Asks the kernel once for each thread. The thread that remains after a fork is a new one.
     static thread_local DWORD id = 0;
     if (id == 0) {
         static const bool forgets = pthread_atfork(nullptr, nullptr, [] { id = 0; }) == 0;
@@ -129,7 +129,7 @@ BOOL ProcessIdToSessionId(DWORD process, LPDWORD session) {
     const std::string folder = "/proc/" + std::to_string(process);
     struct stat status {};
     if (session == nullptr || stat(folder.c_str(), &status) != 0) return InvalidParameter();
-    // The kernel's login session; its highest number stands for "none", a kernel without audit has
+    // The kernel's login session. Its highest number means "none", and a kernel without audit has
     // no such file. Both count as the one interactive session.
     constexpr DWORD kNone = 0xFFFFFFFF;
     DWORD login = kNone;

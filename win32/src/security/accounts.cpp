@@ -14,10 +14,10 @@ namespace host {
 namespace {
 
 constexpr std::string_view kAdministrators[] = {"root", "sudo", "admin", "wheel"};
-// A record that does not fit is no account that anybody set up.
+// An account record larger than this is not a real one.
 constexpr std::size_t kMaxRecordBytes = 1u << 20;
 
-// The name in the account record of `id`, read by one of the C library's get...id_r; "" without a
+// The name in the account record of `id`, read with one of the C library's get...id_r; "" without a
 // record.
 template <class Record, class Id>
 std::string NameIn(int (*find)(Id, Record*, char*, std::size_t, Record**), char* Record::*name,

@@ -1,5 +1,5 @@
-// The desktop: there is no display, so no window is in front; and every program of a user may send
-// messages to every other one, so that nothing is filtered.
+// The desktop. There is no display, so no window is in front. Every program of a user may send
+// messages to every other one, so nothing is filtered.
 #include <windows.h>
 
 #include "base/os_error.h"

@@ -1,5 +1,5 @@
-// The service manager. This host runs no services for Windows programs: a handle shows that the
-// user may manage them, and that is all.
+// The service manager. This host runs no services. A handle only shows that the user may manage
+// services.
 #include <windows.h>
 
 #include <unistd.h>

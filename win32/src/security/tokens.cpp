@@ -1,5 +1,5 @@
-// Tokens of the process and of its threads. A thread impersonates nobody but its own user, so that
-// a thread's token differs from the process's in its level only.
+// Tokens of the process and of its threads. A thread can impersonate only its own user, so its
+// token differs from the process's token in its level only.
 #include <windows.h>
 
 #include <unistd.h>
@@ -30,7 +30,7 @@ struct Group {
     DWORD attributes;
 };
 
-// The groups behind one another, then their identifiers.
+// The groups in a row, then their identifiers.
 struct GroupList {
     DWORD count;
     SID_AND_ATTRIBUTES groups[3];
@@ -39,7 +39,8 @@ struct GroupList {
 static_assert(offsetof(GroupList, groups) == offsetof(TOKEN_GROUPS, Groups));
 
 void Fill(GroupList& list, const Token& token) {
-    // An administrator who is not root can only become one: the group counts for denials alone.
+    // An administrator who is not root has the group for denials only, as on Windows before
+    // elevation.
     const Group rows[] = {
         {&kEveryone, kMember},
         {&kUsers, kMember},

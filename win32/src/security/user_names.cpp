@@ -15,7 +15,7 @@ using namespace host;
 
 namespace {
 
-// Windows' machine names end here.
+// The longest machine name of Windows.
 constexpr std::size_t kMaxMachineName = 15;
 
 WideString UserName() {
@@ -34,7 +34,7 @@ WideString MachineName() {
     return FromUtf8(name);
 }
 
-// Copies when text and terminator fit; `needed` becomes the room they take.
+// Copies the text when it fits with its terminator. `needed` receives the room that both take.
 bool Copy(const WideString& text, LPWSTR buffer, DWORD& needed) {
     const DWORD room = needed;
     needed = static_cast<DWORD>(text.size()) + 1;

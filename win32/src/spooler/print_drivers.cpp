@@ -10,14 +10,14 @@ namespace {
 
 using Drivers = RecordBuffer<DRIVER_INFO_3W>;
 
-// This machine, in its one environment.
+// Accepts only this machine and its one environment.
 DWORD CheckPlace(LPCWSTR server, LPCWSTR environment) {
     if (!ViewOf(server).empty()) return ERROR_INVALID_NAME;
     const WideView name = ViewOf(environment);
     return name.empty() || SameFileName(name, kEnvironment) ? NO_ERROR : ERROR_INVALID_ENVIRONMENT;
 }
 
-// The registry keeps bare names; the files lie in the folder of the driver's version.
+// The registry holds bare file names. The files are in the folder of the driver's version.
 std::u16string DriverFile(const std::u16string& name, DWORD version) {
     if (name.empty() || name.find_first_of(u"\\/:") != name.npos) return name;
     std::u16string path = kDriverFolder;

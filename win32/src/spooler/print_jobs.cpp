@@ -1,6 +1,6 @@
-// Print jobs: each is a key Jobs\ID, the ID in decimal, below its printer's key. Its values bear
-// the names of the record's members without the "p": Document, UserName, Status (a number), ...;
-// the text of pStatus is StatusText, Submitted the 16 bytes of a SYSTEMTIME.
+// Print jobs. Each is a key Jobs\ID below its printer's key, with the ID in decimal. Its values
+// have the names of the record's members without the "p": Document, UserName, Status (a number),
+// and so on. The text of pStatus is StatusText. Submitted holds the 16 bytes of a SYSTEMTIME.
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -19,7 +19,7 @@ struct Job {
     const RegKey* key;
 };
 
-// 0 when the name is no job's.
+// The number in the name of a job's key; 0 for any other name.
 DWORD JobId(const std::u16string& name) {
     std::string digits;
     for (const WCHAR unit : name) digits += unit < 0x80 ? static_cast<char>(unit) : '?';
@@ -28,7 +28,7 @@ DWORD JobId(const std::u16string& name) {
     return error == std::errc() && end == digits.data() + digits.size() ? id : 0;
 }
 
-// In the order of the queue.
+// The jobs of a printer, in the order of the queue.
 std::vector<Job> JobsOf(const RegKey& printer) {
     std::vector<Job> jobs;
     const RegKey* const keys = printer.FindKey(u"Jobs");
@@ -49,7 +49,7 @@ std::u16string NameOfPrinter(const RegKey& printer) {
     return name.empty() ? printer.Name() : name;
 }
 
-// What both levels of record have.
+// Fills the members that both levels of record have.
 template <class Record>
 void AddCommon(const RegKey& printer, const Job& job, RecordBuffer<Record>& records) {
     Record& record = records.Add();

@@ -15,7 +15,7 @@ LONG Refuse(DWORD code) {
     return -1;
 }
 
-// What the printer starts from: the user's block, else the printer's own; may be empty.
+// The block that the printer starts from: the user's, else the printer's own. It may be empty.
 LSTATUS StartingBlock(const OpenPrinter& printer, std::vector<BYTE>& block) {
     std::vector<BYTE> of_printer;
     LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
@@ -50,8 +50,8 @@ DWORD GetPrinterDataW(HANDLE printer, LPWSTR name, LPDWORD type, LPBYTE data, DW
     return code != ERROR_SUCCESS ? static_cast<DWORD>(code) : outcome;
 }
 
-// Nobody but a driver knows its private part, so the block travels whole: the caller's, else the
-// one that the printer starts from. The size covers both, so that it suffices for either.
+// Only a driver knows its private part, so the block is copied whole: the caller's, else the one
+// that the printer starts from. The size that is returned is enough for both.
 LONG DocumentPropertiesW(HWND, HANDLE printer, LPWSTR, LPDEVMODEW output, LPDEVMODEW input,
                          DWORD mode) {
     const HandlePin<OpenPrinter> open(printer);

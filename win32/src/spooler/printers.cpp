@@ -19,7 +19,7 @@ struct TextRow {
     const WCHAR* name;
 };
 
-// The name stands apart: it is the key's own.
+// The name is not among these values, because it is the name of the key.
 constexpr TextRow kTexts[] = {
     {&PRINTER_INFO_2W::pShareName, u"Share Name"},
     {&PRINTER_INFO_2W::pPortName, u"Port"},
@@ -62,7 +62,7 @@ void AddPrinter(const RegKey& key, Printers& printers) {
     printers.Block(&PRINTER_INFO_2W::pDevMode, BlockValue(key, kDefaultBlock));
 }
 
-// A printer that has no settings block of the user has none here, whatever its default is.
+// A user without a block of this printer gets none, even when the printer has a default.
 BOOL GetUserBlock(const OpenPrinter& printer, LPBYTE buffer, DWORD size, LPDWORD needed) {
     std::vector<BYTE> block;
     LSTATUS code = ReadPrinterKey(printer.Name(), [](const RegKey&) {});
@@ -74,7 +74,7 @@ BOOL GetUserBlock(const OpenPrinter& printer, LPBYTE buffer, DWORD size, LPDWORD
     return records.Deliver(buffer, size, needed, nullptr);
 }
 
-// Null takes the user's block away.
+// Stores the user's block; null removes it.
 LSTATUS SetUserBlock(const OpenPrinter& printer, const DEVMODEW* block) {
     const std::size_t size = block == nullptr ? 0 : BlockSize(block);
     if (block != nullptr && size == 0) return ERROR_INVALID_PARAMETER;
@@ -120,7 +120,7 @@ LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, 
                : ERROR_UNKNOWN_PRINTER_DRIVER;
 }
 
-// A null text or block leaves what is there.
+// A null text or block leaves the stored value as it is.
 LSTATUS SetPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record) {
     return ChangeKey(HKEY_LOCAL_MACHINE, 0, [&](const KeyContext& on, bool& changed) -> LSTATUS {
         RegPath path = PrintersPath();

@@ -19,14 +19,15 @@ ATOM FailAtom(DWORD code) {
     return 0;
 }
 
-// What a name says before the table is asked: an atom of its own number, an error, or a text.
+// The meaning of a name before the table is asked: an atom with its own number, an error, or a
+// text.
 struct AtomName {
     WideView text;
     ATOM integer = 0;
     DWORD error = NO_ERROR;
 };
 
-// "#123" stands for the number; a '#' followed by anything else is a name like others.
+// "#123" means the number 123. A '#' in front of anything else is part of a name.
 bool ReadInteger(WideView text, DWORD& number) {
     if (text.size() < 2 || text[0] != u'#') return false;
     number = 0;

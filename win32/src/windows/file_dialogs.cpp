@@ -24,7 +24,7 @@ namespace {
 
 constexpr DWORD kKnownFlags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
                               OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_EXPLORER;
-// The reason that stands for "the user cancelled".
+// The code that means that the user cancelled.
 constexpr DWORD kCancelled = 0;
 
 thread_local DWORD dialog_error = 0;
@@ -37,7 +37,7 @@ std::string DialogProgram() {
     return ToUtf8(name);
 }
 
-// A name that leads somewhere becomes a path of this host, a bare one stays as it is.
+// A name with a folder becomes a path of this host; a bare name stays.
 std::string HostName(WideView name) {
     if (name.find_first_of(u"\\/:") == WideView::npos) return ToUtf8(name);
     const HostPath path = ToHostPath(WideString(name).c_str());
@@ -49,7 +49,7 @@ std::string HostFolder(WideView name) {
     return path.error == NO_ERROR ? path.path : std::string();
 }
 
-// Pairs of zero-terminated texts, up to an empty one.
+// Reads pairs of texts that end with a 0 unit, up to an empty one.
 std::vector<std::string> Filters(LPCWSTR list) {
     std::vector<std::string> lines;
     while (list != nullptr && *list != 0) {
@@ -66,7 +66,7 @@ class FileDialog {
     FileDialog(OPENFILENAMEW& record, bool open)
         : record_(record), open_(open), program_(DialogProgram()) {}
 
-    // NO_ERROR with the file in the record, else false with the reason.
+    // Asks the user. True when the record holds the chosen file; otherwise false, with the reason.
     bool Show(DWORD& reason) {
         reason = CDERR_DIALOGFAILURE;
         if (program_.empty()) return false;
@@ -102,7 +102,7 @@ class FileDialog {
         return std::filesystem::exists(file, ignored);
     }
 
-    // The answer as an absolute path, with the default extension where it needs one.
+    // The answer as an absolute path. It gets the default extension where it needs one.
     std::filesystem::path Chosen(const std::string& line) const {
         std::filesystem::path file(line);
         if (line.size() > 2 && line[1] == ':') file = HostName(FromUtf8(line));
@@ -125,7 +125,7 @@ class FileDialog {
 
     bool Store(const std::filesystem::path& file, DWORD& reason) {
         const WideString name = FromHostPath(file.native());
-        // A name that does not lead back to the file cannot be given to a Windows program.
+        // Some names have no Windows form that leads back to the same file. Those are refused.
         const HostPath back = ToHostPath(name.c_str());
         reason = FNERR_INVALIDFILENAME;
         if (back.error != NO_ERROR || back.path != file.native()) return false;

@@ -29,7 +29,7 @@ UniqueFd PayloadFile(const std::vector<BYTE>& payload) {
     return file && fcntl(file.get(), F_ADD_SEALS, kSeals) == 0 ? std::move(file) : UniqueFd();
 }
 
-// Only a sealed memory file: reading from anything else might wait.
+// Only a sealed memory file is accepted, because reading from anything else might wait.
 bool ReadPayload(int file, std::size_t bytes, std::vector<BYTE>& payload) {
     struct stat info;
     const int seals = fcntl(file, F_GET_SEALS);
@@ -83,7 +83,7 @@ bool IsWellFormed(const IpcMessage& wire) {
     return packet.message == WM_DEVMODECHANGE && packet.payload_bytes % sizeof(WCHAR) == 0;
 }
 
-// The text must end where the block ends.
+// The text must end exactly where the block ends.
 bool HasItsTerminator(const IpcMessage& wire) {
     if (wire.packet.message != WM_DEVMODECHANGE || wire.payload.empty()) return true;
     return wire.payload.back() == 0 && wire.payload[wire.payload.size() - 2] == 0;
@@ -144,7 +144,7 @@ bool WriteMessage(int connection, const IpcMessage& wire) {
 }
 
 void WriteAnswer(int connection, LRESULT answer) {
-    // A sender that has given up does not need it.
+    // A sender that has given up does not need the answer.
     [[maybe_unused]] const ssize_t sent = send(connection, &answer, sizeof answer, MSG_NOSIGNAL);
 }
 

@@ -20,7 +20,7 @@ struct Message {
     const char* text;
 };
 
-// Ascending by code; the line break that ends each text is added on the way out.
+// In ascending order of the codes. The line break at the end of each text is added later.
 constexpr Message kMessages[] = {
     {0, "The operation completed successfully."},
     {ERROR_INVALID_FUNCTION, "Incorrect function."},
@@ -148,7 +148,7 @@ constexpr bool Ascending() {
 }
 static_assert(Ascending());
 
-// The text of a code, plain or as the HRESULT made from it; null for one without a text.
+// The text of a code, plain or as an HRESULT made from it; null for a code without a text.
 const char* TextOf(DWORD id) {
     const DWORD code = (id & 0xFFFF0000) == 0x80070000 ? id & 0xFFFF : id;
     const auto* row = std::lower_bound(std::begin(kMessages), std::end(kMessages), code,
@@ -178,7 +178,8 @@ DWORD FormatMessageW(DWORD flags, LPCVOID /*source*/, DWORD id, DWORD language, 
     const char* found = TextOf(id);
     if (found == nullptr) return Refuse(ERROR_MR_MID_NOT_FOUND);
     const bool inserts = (flags & FORMAT_MESSAGE_IGNORE_INSERTS) == 0 && std::strchr(found, '%');
-    // Texts with inserts are given whole only; nobody passes arguments for them here.
+    // A text with inserts is only given when the caller wants it unchanged: no caller passes
+    // arguments.
     if (inserts || arguments != nullptr) return Refuse(ERROR_INVALID_PARAMETER);
     const WideString text = FromUtf8(std::string(found) + "\r\n");
     const auto length = static_cast<DWORD>(text.size());
@@ -186,7 +187,7 @@ DWORD FormatMessageW(DWORD flags, LPCVOID /*source*/, DWORD id, DWORD language, 
         if (size <= length) return Refuse(ERROR_INSUFFICIENT_BUFFER);
         return CopyOut(text, buffer, size);
     }
-    // The parameter is in truth the address of a pointer; `size` is the least to allocate.
+    // The parameter is the address of a pointer, and `size` is the smallest block to allocate.
     const DWORD units = std::max(size, length + 1);
     auto* block = static_cast<LPWSTR>(GlobalAlloc(GMEM_FIXED, units * sizeof(WCHAR)));
     if (block == nullptr) return 0;
@@ -204,7 +205,7 @@ void OutputDebugStringW(LPCWSTR text) {
                          ? STDERR_FILENO
                          : open(target.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (file < 0) return;
-    // One write, so that the lines of several processes do not mix; nobody hears of a failure.
+    // Writes once, so that the lines of several processes do not mix. A failure is ignored.
     [[maybe_unused]] const ssize_t written = write(file, line.data(), line.size());
     if (!to_stderr) close(file);
 }

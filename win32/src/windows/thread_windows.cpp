@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostPosted = 10000;
 constexpr std::size_t kMostArrivals = 64;
-// Answers within answers; a thread that deep in them lets further senders wait.
+// How many answers a thread makes inside of each other. Beyond that, further senders wait.
 constexpr int kDeepest = 32;
 
 int MillisecondsUntil(const Deadline& deadline) {
@@ -23,8 +23,8 @@ int MillisecondsUntil(const Deadline& deadline) {
     return static_cast<int>(std::clamp<long long>(left.count(), 0, INT_MAX));
 }
 
-// What a window's procedure gets for a message that arrived: parameters that point at its own copy
-// of the memory.
+// A message that arrived, as the window's procedure gets it: its parameters point at a copy of the
+// memory.
 class DeliveredMessage {
   public:
     explicit DeliveredMessage(IpcMessage& wire) : lparam_(static_cast<LPARAM>(wire.packet.lparam)) {
@@ -67,7 +67,7 @@ ThreadWindows* ThreadWindows::OfThisThread() {
         ThreadWindows*& slot_;
         ThreadWindows windows_;
     };
-    // Constant-initialised and without a destructor: still there while the thread's objects go.
+    // Has no destructor, so it is still valid while the thread's objects are destroyed.
     static thread_local constinit ThreadWindows* current = nullptr;
     static thread_local Owner owner(current);
     return current;
@@ -138,7 +138,7 @@ void ThreadWindows::ReadArrivals() {
             }
         }
     }
-    // Connections that never say anything give way to those that do.
+    // When too many connections wait, the oldest ones that have sent nothing are closed.
     while (waiting.size() > kMostArrivals) waiting.pop_front();
     arrivals_ = std::move(waiting);
 }
@@ -190,7 +190,7 @@ bool ThreadWindows::Wait(int connection, bool for_windows, const Deadline& deadl
     std::vector<pollfd> states;
     if (connection >= 0) states.push_back({connection, POLLIN, 0});
     if (for_windows) {
-        // While no more posted messages fit, new ones wait at their windows.
+        // New messages wait at their windows while the queue is full.
         const bool has_room = posted_.size() < kMostPosted;
         for (const auto& [number, window] : windows_) {
             if (!has_room) break;

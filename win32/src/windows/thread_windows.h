@@ -1,7 +1,7 @@
 // The windows of one thread, and the messages that wait for it.
 //
-// A window belongs to the thread that made it and is called by that thread only, whenever it looks
-// for messages or waits for an answer to one of its own. The windows of a thread end with it.
+// A window belongs to the thread that made it. Only that thread calls it: when it looks for
+// messages, and when it waits for an answer to one of its own. The windows of a thread end with it.
 #pragma once
 
 #include <windows.h>
@@ -36,7 +36,7 @@ struct OwnWindow {
     LONG_PTR user_data = 0;
 };
 
-// Which posted messages a call asks for. `last` 0: all numbers.
+// Selects posted messages. `last` 0 means all numbers.
 struct MessageFilter {
     HWND window = nullptr;
     UINT first = 0;
@@ -58,7 +58,7 @@ class ThreadWindows {
     // False when too many messages wait.
     bool Post(const MSG& message);
     void PostQuit(int exit_code) { quit_code_ = exit_code; }
-    // Takes what has arrived and answers what was sent; never waits for a message.
+    // Receives the messages that have arrived and answers the sent ones; never waits for a message.
     void Answer();
     // The next posted message, WM_QUIT after all others; false when there is none.
     bool Take(const MessageFilter& filter, bool remove, MSG& message);
@@ -66,8 +66,8 @@ class ThreadWindows {
     // False when the deadline has passed, or the system cannot wait.
     bool Wait(int connection, bool for_windows, const Deadline& deadline);
 
-    // Sends to a window of another thread and waits for its answer; answers what is sent to this
-    // thread meanwhile, unless `deaf`. Win32 code.
+    // Sends to a window of another thread and waits for its answer. Meanwhile it answers what is
+    // sent to this thread, unless `deaf` is set. Returns a Win32 code.
     DWORD Send(WindowNumber number, const IpcMessage& wire, const Deadline& deadline, bool deaf,
                LRESULT& answer);
 

@@ -16,7 +16,7 @@ struct ClassTable {
 };
 
 ClassTable& Classes() {
-    // Never destroyed: a thread that ends late still lets go of its classes.
+    // Never destroyed, because a thread that ends late still releases its classes.
     static auto& table = *new ClassTable;
     return table;
 }
@@ -57,7 +57,7 @@ ATOM RegisterClassW(const WNDCLASSW* description) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    // Class names and registered messages share their numbers, as on Windows.
+    // As on Windows, class names and registered messages share one set of numbers.
     const UINT atom = RegisterWindowMessageW(description->lpszClassName);
     if (atom == 0) return 0;
     ClassTable& table = Classes();

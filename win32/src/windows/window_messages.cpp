@@ -8,7 +8,7 @@ using namespace host;
 
 namespace {
 
-// Win32 code.
+// Sends a message. Returns a Win32 code.
 DWORD SendTo(ThreadWindows& windows, WindowNumber number, UINT message, WPARAM wparam,
              LPARAM lparam, const Deadline& deadline, bool deaf, LRESULT& answer) {
     if (windows.Find(number) != nullptr) {
@@ -20,7 +20,7 @@ DWORD SendTo(ThreadWindows& windows, WindowNumber number, UINT message, WPARAM w
     return error == NO_ERROR ? windows.Send(number, wire, deadline, deaf, answer) : error;
 }
 
-// Each window may take the whole time-out; what they answer is not told.
+// Each window may take the whole time-out. The answers are dropped.
 void Broadcast(ThreadWindows& windows, UINT message, WPARAM wparam, LPARAM lparam,
                const std::optional<UINT>& timeout, bool deaf) {
     for (const LiveWindow& window : LiveWindows()) {
@@ -38,7 +38,7 @@ BOOL PostTo(WindowNumber number, const IpcMessage& wire) {
     return WriteMessage(connection.get(), wire) ? TRUE : Fail(ERROR_NO_SYSTEM_RESOURCES);
 }
 
-// Whether `window` can name a filter: null, or a window of this thread.
+// Whether `window` can select messages: null, or a window of this thread.
 bool CheckFilter(ThreadWindows* windows, LPMSG message, HWND window) {
     if (windows == nullptr || message == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     return window == nullptr || windows->Find(NumberOf(window)) != nullptr ||

@@ -24,7 +24,7 @@ constexpr WindowNumber kFirst = 0x10002;
 constexpr WindowNumber kLast = 0x7FFFFFFE;
 constexpr std::size_t kLongestText = 0x7FFF;
 
-// The bytes of a record file; the units of class and title follow.
+// The first bytes of a record file. The units of class and title follow.
 struct RecordHead {
     DWORD magic, process, thread, message_only, class_units, title_units;
 };
@@ -37,7 +37,7 @@ std::string NameOf(WindowNumber number) {
     return digits;
 }
 
-// 0 for anything that is not a number in the form of NameOf.
+// The number in a file name; 0 when it does not have the form that NameOf gives.
 WindowNumber ParseName(std::string_view name) {
     WindowNumber number = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number, 16);
@@ -45,7 +45,8 @@ WindowNumber ParseName(std::string_view name) {
     return whole && NumberOf(WindowOf(number)) == number && NameOf(number) == name ? number : 0;
 }
 
-// Sockets are named through the folder's descriptor: their names have room for 107 bytes only.
+// The address names the socket through the folder's descriptor, because it has room for 107 bytes
+// only.
 sockaddr_un AddressOf(int folder, WindowNumber number) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -62,7 +63,7 @@ std::string ReadUpTo(int fd, std::size_t most) {
     return bytes;
 }
 
-// The number after the one given last; the folder's lock is held.
+// Takes the number that follows the last one. The caller holds the folder's lock.
 DWORD TakeNumber(int folder, WindowNumber& number) {
     const UniqueFd counter(openat(folder, "next", O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!counter) return ErrorFromErrno(errno);
@@ -143,7 +144,7 @@ DWORD WindowClaim::Listen() {
     return listens ? NO_ERROR : ErrorFromErrno(errno);
 }
 
-// The record shows up under its name only when it is whole and locked.
+// The record gets its name only when it is whole and locked.
 DWORD WindowClaim::Publish(const WindowRecord& record) {
     const std::string bytes = Encode(record);
     const char* const draft = "draft";

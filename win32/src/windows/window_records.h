@@ -1,9 +1,9 @@
-// The windows of all processes of this host root, as files of run/windows.
+// The windows of all processes of this host root, as files in run/windows.
 //
-// A window is a record file named by its number, under an flock that its owner holds for as long as
-// the window lives, and beside it the socket (number and ".s") at which its messages arrive. The
-// lock goes with the process: a record that nobody has locked is a dead window's and is removed by
-// whoever meets it.
+// A window is a record file with the window's number as its name. Its owner holds an flock on it
+// while the window lives. Beside it is the socket (number and ".s") that receives its messages. The
+// lock ends with the process: a record without a lock belongs to a dead window, and any process
+// that meets it removes it.
 #pragma once
 
 #include <windows.h>
@@ -27,7 +27,8 @@ struct WindowRecord {
     WideString title;
 };
 
-// A window's place among the others. Owns what makes it alive; the end takes its files away.
+// One window among those of all processes. It owns the files of the window and removes them at its
+// end.
 class WindowClaim {
   public:
     WindowClaim() = default;

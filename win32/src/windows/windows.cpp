@@ -1,4 +1,4 @@
-// Windows: made, found, ended.
+// Creates, finds and destroys windows.
 #include <windows.h>
 
 #include "base/os_error.h"
@@ -19,7 +19,7 @@ bool Matches(const WindowRecord& record, LPCWSTR class_name, LPCWSTR title) {
            (title == nullptr || SameFileName(record.title, title));
 }
 
-// The first two messages of a window; false when its procedure refuses it.
+// Sends the first two messages of a window; false when its procedure refuses the window.
 bool AcceptedByItsProcedure(ThreadWindows& windows, WindowNumber number, CREATESTRUCTW& create) {
     const auto parameter = reinterpret_cast<LPARAM>(&create);
     return windows.Call(number, WM_NCCREATE, 0, parameter) != FALSE &&
@@ -95,7 +95,7 @@ LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
 }
 
 HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
-    // A class atom: names are what windows are known by here.
+    // A class atom. This host knows windows by name only.
     if (class_name != nullptr && reinterpret_cast<ULONG_PTR>(class_name) <= 0xFFFF) {
         return FailWindow(ERROR_NOT_SUPPORTED);
     }
