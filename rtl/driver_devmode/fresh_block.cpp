@@ -16,9 +16,10 @@ using driver_devmode::TFieldInfo;
 constexpr std::size_t kRowBytes = static_cast<std::size_t>(kDevModeFields.back().End());
 using TRowBytes = std::array<std::uint8_t, kRowBytes>;
 
-constexpr void PutNumber(TRowBytes& bytes, int at, int size, long long number) {
+// `at` and `size` in bytes.
+constexpr void PutNumber(TRowBytes& bytes, int at, int size, int number) {
     for (int i = 0; i < size; ++i) {
-        bytes[static_cast<std::size_t>(at + i)] = static_cast<std::uint8_t>(number >> (8 * i));
+        bytes.at(static_cast<unsigned>(at + i)) = static_cast<std::uint8_t>(number >> (8 * i));
     }
 }
 

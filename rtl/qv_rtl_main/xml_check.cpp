@@ -2,18 +2,20 @@
 
 #include <algorithm>
 #include <span>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "driver_devmode/field_check.h"
 #include "mox_classes/containers/streams.h"
+#include "qv_rtl_main/request_vocabulary.h"
 #include "qv_rtl_main/xml_request_load.h"
 
 namespace {
 
 using driver_devmode::TFieldCheck;
-using TView = std::basic_string_view<WCHAR>;
+using request::TContent;
+using request::TElement;
+using request::TView;
 
 TView ViewOf(const UnicodeString& text) {
     return {text.t_str(), static_cast<std::size_t>(text.Length())};
@@ -25,16 +27,20 @@ UnicodeString Quoted(const UnicodeString& name) {
     return TEXT("'") + name.SubString(1, kMost) + (cut ? TEXT("...'") : TEXT("'"));
 }
 
-constexpr TView kRootAttributes[] = {TEXT("encoding"), TEXT("linebreak"), TEXT("indentation")};
+bool Has(std::span<const TView> known, TView name) {
+    return std::ranges::find(known, name) != known.end();
+}
 
-// A child of a query and the one child that it may have; empty: none.
-struct TFilter {
-    TView element, filter;
-};
-constexpr TFilter kQuery[] = {{TEXT("global"), {}},
-                              {TEXT("monitor"), TEXT("name")},
-                              {TEXT("driver"), TEXT("name")},
-                              {TEXT("printer"), TEXT("driver")}};
+// "'query' and 'update'"
+UnicodeString Roots() {
+    UnicodeString names;
+    for (const TElement& element : request::kElements) {
+        if (!element.Parent().empty()) continue;
+        if (!names.IsEmpty()) names += TEXT(" and ");
+        names += Quoted(UnicodeString(element.path.data()));
+    }
+    return names;
+}
 
 // Where everything stands that a complaint can be about.
 class TSource final : public TXmlParseObserver {
@@ -77,13 +83,10 @@ class TChecker {
     void NoText(const TXmlNode& node);
     void Group(const TXmlNode& node);
     void Leaf(const TXmlNode& node);
-    void CheckQuery(const TXmlNode& root);
-    void CheckUpdate(const TXmlNode& root);
-    void CheckPrinter(const TXmlNode& printer);
+    void CheckContent(const TXmlNode& node, const TElement& element);
+    void CheckChildren(const TXmlNode& node, const TElement& element);
     void CheckFields(const TXmlNode& devmode);
     void CheckField(TQVDM& scratch, TView group, const TXmlNode& leaf);
-    // The first child of that name counts; says so of another. False for a child of another name.
-    bool IsOnly(const TXmlNode& child, TView name, bool& seen);
     void SayUnknown(const TXmlNode& child);
 
     const TSource& source_;
@@ -126,22 +129,13 @@ void TChecker::Leaf(const TXmlNode& node) {
     }
 }
 
-bool TChecker::IsOnly(const TXmlNode& child, TView name, bool& seen) {
-    if (ViewOf(child.FName) != name) return false;
-    if (seen) SayOf(child, TEXT("a second ") + Quoted(child.FName) + TEXT(" is not used"));
-    seen = true;
-    return true;
-}
-
 std::vector<TDiagnostic> TChecker::Check(const TXmlNode& root) {
     CheckRoot(root);
-    if (root.FName == TEXT("query")) {
-        CheckQuery(root);
-    } else if (root.FName == TEXT("update")) {
-        CheckUpdate(root);
+    const TElement* operation = request::Find({}, ViewOf(root.FName));
+    if (operation != nullptr) {
+        CheckChildren(root, *operation);
     } else {
-        SayOf(root, TEXT("unknown request ") + Quoted(root.FName) +
-                        TEXT(": known are 'query' and 'update'"));
+        SayOf(root, TEXT("unknown request ") + Quoted(root.FName) + TEXT(": known are ") + Roots());
     }
     for (const int position : source_.Passed()) Say(position, TEXT("this text is not used"));
     std::stable_sort(
@@ -154,12 +148,11 @@ void TChecker::CheckRoot(const TXmlNode& root) {
     for (int i = 0; i < root.AttributeCount(); ++i) {
         const TXmlPair& attribute = *root.GetAttribute(i);
         const TView name = ViewOf(attribute.FName);
-        const bool known = std::find(std::begin(kRootAttributes), std::end(kRootAttributes),
-                                     name) != std::end(kRootAttributes);
-        if (!known) SayOf(root, TEXT("unknown attribute ") + Quoted(attribute.FName));
+        if (!Has(request::kRootAttributes, name))
+            SayOf(root, TEXT("unknown attribute ") + Quoted(attribute.FName));
         const TView value = ViewOf(attribute.FValue);
-        if (name == kRootAttributes[0] && !value.empty() && value != TView(TEXT("UTF-8")) &&
-            value != TView(TEXT("UTF-16"))) {
+        if (name == request::kRootAttributes[0] && !value.empty() &&
+            !Has(request::kEncodings, value)) {
             SayOf(root, TEXT("the encoding ") + Quoted(attribute.FValue) +
                             TEXT(" is neither 'UTF-8' nor 'UTF-16'"));
         }
@@ -167,58 +160,37 @@ void TChecker::CheckRoot(const TXmlNode& root) {
     NoText(root);
 }
 
-void TChecker::CheckQuery(const TXmlNode& root) {
-    bool seen[std::size(kQuery)] = {};
-    for (int i = 0; i < root.ChildCount(); ++i) {
-        const TXmlNode& child = *root.GetChild(i);
-        const TFilter* row = std::find_if(
-            std::begin(kQuery), std::end(kQuery),
-            [&](const TFilter& filter) { return filter.element == ViewOf(child.FName); });
-        if (row == std::end(kQuery)) {
+// The table is three levels deep, and so is the recursion.
+void TChecker::CheckContent(const TXmlNode& node, const TElement& element) {
+    switch (element.content) {
+        case TContent::Elements:
+        case TContent::Repeated:
+            Group(node);
+            return CheckChildren(node, element);
+        case TContent::Text:
+            return Leaf(node);
+        case TContent::AnyTexts:
+            Group(node);
+            for (int i = 0; i < node.ChildCount(); ++i) Leaf(*node.GetChild(i));
+            return;
+        case TContent::Fields:
+            return CheckFields(node);
+    }
+}
+
+void TChecker::CheckChildren(const TXmlNode& node, const TElement& element) {
+    std::vector<const TElement*> seen;
+    for (int i = 0; i < node.ChildCount(); ++i) {
+        const TXmlNode& child = *node.GetChild(i);
+        const TElement* row = request::Find(element.path, ViewOf(child.FName));
+        if (row == nullptr) {
             SayUnknown(child);
             continue;
         }
-        IsOnly(child, row->element, seen[row - kQuery]);
-        Group(child);
-        bool filtered = false;
-        for (int j = 0; j < child.ChildCount(); ++j) {
-            const TXmlNode& filter = *child.GetChild(j);
-            if (row->filter.empty() || !IsOnly(filter, row->filter, filtered)) {
-                SayUnknown(filter);
-            } else {
-                Leaf(filter);
-            }
-        }
-    }
-}
-
-void TChecker::CheckUpdate(const TXmlNode& root) {
-    for (int i = 0; i < root.ChildCount(); ++i) {
-        const TXmlNode& child = *root.GetChild(i);
-        if (child.FName == TEXT("global")) {
-            Group(child);
-            for (int j = 0; j < child.ChildCount(); ++j) Leaf(*child.GetChild(j));
-        } else if (child.FName == TEXT("printer")) {
-            CheckPrinter(child);
-        } else {
-            SayUnknown(child);
-        }
-    }
-}
-
-void TChecker::CheckPrinter(const TXmlNode& printer) {
-    Group(printer);
-    bool named = false;
-    bool set = false;
-    for (int i = 0; i < printer.ChildCount(); ++i) {
-        const TXmlNode& child = *printer.GetChild(i);
-        if (IsOnly(child, TEXT("name"), named)) {
-            Leaf(child);
-        } else if (IsOnly(child, TEXT("devmode"), set)) {
-            CheckFields(child);
-        } else {
-            SayUnknown(child);
-        }
+        if (element.content == TContent::Elements && std::ranges::count(seen, row) > 0)
+            SayOf(child, TEXT("a second ") + Quoted(child.FName) + TEXT(" is not used"));
+        if (std::ranges::count(seen, row) == 0) seen.push_back(row);
+        CheckContent(child, *row);
     }
 }
 

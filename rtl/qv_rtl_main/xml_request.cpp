@@ -7,6 +7,7 @@
 #include "mox_classes/containers/streams.h"
 #include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sysutils_text.h"
+#include "qv_rtl_main/request_vocabulary.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 #include "qv_rtl_main/xml_request_load.h"
 #include "xml/xml_doc.h"
@@ -27,12 +28,21 @@ void SetForm(const TXmlNode& request, TXmlDoc& response, TXmlMessages& messages)
     }
 }
 
+struct TOperation {
+    const WCHAR* name;
+    void (*answer)(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages);
+};
+constexpr TOperation kOperations[] = {
+    {request::NameOf(TEXT("query")), AnswerQuery},
+    {request::NameOf(TEXT("update")), AnswerUpdate},
+};
+static_assert(request::AreAllBelow({}, kOperations));
+
 void Answer(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages) {
     try {
-        if (XmlNamesEqual(request.FName, TEXT("query"))) {
-            AnswerQuery(request, response, messages);
-        } else if (XmlNamesEqual(request.FName, TEXT("update"))) {
-            AnswerUpdate(request, response, messages);
+        for (const TOperation& operation : kOperations) {
+            if (XmlNamesEqual(request.FName, operation.name))
+                operation.answer(request, response, messages);
         }
     } catch (const UnicodeString& text) {
         messages.Error(TEXT("The request was not answered to its end: ") + text);
@@ -42,12 +52,13 @@ void Answer(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages)
     }
 }
 
-void AnswerStream(Classes::TStream& request_stream, Classes::TStream& response_stream,
-                  const UnicodeString& file) {
+// Answers the stream, or says what kept it from being opened (`stream` is null then).
+void AnswerStream(Classes::TStream* stream, TRequestFault fault, const UnicodeString& file,
+                  Classes::TStream& response_stream) {
     TXmlDoc request;
     TXmlDoc response;
     std::vector<unsigned char> bytes;
-    const TRequestFault fault = LoadRequest(request, request_stream, bytes);
+    if (stream != nullptr) fault = LoadRequest(request, *stream, bytes);
     if (fault.text.IsEmpty()) {
         DoXML(&request, &response);
     } else {
@@ -71,13 +82,7 @@ void AnswerFile(const UnicodeString& request_file, const UnicodeString& response
     const auto request = OpenRequest(request_file, fault.text);
     // A request in the response's place is open now, so that it cannot be overwritten.
     TXmlFile response(response_file);
-    if (request != nullptr) {
-        AnswerStream(*request, response, request_file);
-        return;
-    }
-    TXmlDoc document;
-    RejectRequest(TXmlDoc(), document, request_file, fault);
-    document.SaveToStream(&response);
+    AnswerStream(request.get(), fault, request_file, response);
 }
 
 void LogFailure(const UnicodeString& file, const UnicodeString& text) {
@@ -113,7 +118,7 @@ int DoXMLA(const char* requestFile, const char* responseFile) {
 }
 
 int DoXML(Classes::TStream* request, Classes::TStream* response) {
-    AnswerStream(*request, *response, UnicodeString());
+    AnswerStream(request, {}, UnicodeString(), *response);
     return 1;
 }
 

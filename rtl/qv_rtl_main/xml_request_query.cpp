@@ -13,9 +13,12 @@
 #include "mox_log/registry.h"
 #include "printer_query/spooler.h"
 #include "printer_query/versions.h"
+#include "qv_rtl_main/request_vocabulary.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 
 namespace {
+
+using request::NameOf;
 
 constexpr TCodePage kUtf8 = System::kCodePageUtf8;
 
@@ -32,7 +35,7 @@ void AddFile(TXmlNode& parent, const WCHAR* name, const UnicodeString& file) {
     SetText(child, TEXT("version"), FormatFileVersion(file, TEXT("%d.%d.%d.%d")));
 }
 
-void ReportGlobal(TXmlNode& response, TXmlMessages& messages) {
+void ReportGlobal(const TXmlNode& /*asked*/, TXmlNode& response, TXmlMessages& messages) {
     const System::TKeyHandle key(Mox::RegOpenToRead(HKEY_LOCAL_MACHINE, kProductKey));
     if (!key) {
         messages.Error(TEXT("Cannot open the registry for global settings"), GetLastError());
@@ -45,8 +48,9 @@ void ReportGlobal(TXmlNode& response, TXmlMessages& messages) {
     }
 }
 
-void ReportMonitors(const UnicodeString& name, TXmlNode& response) {
-    const TW32StructData<MONITOR_INFO_2W> monitors = GetMonitors(name);
+void ReportMonitors(const TXmlNode& asked, TXmlNode& response, TXmlMessages& /*messages*/) {
+    const TW32StructData<MONITOR_INFO_2W> monitors =
+        GetMonitors(ChildText(asked, NameOf(TEXT("query/monitor/name"))));
     for (int i = 0; i < monitors.Count(); ++i) {
         auto monitor = NewElement(TEXT("monitor"));
         AddText(*monitor, TEXT("name"), monitors[i].pName);
@@ -68,7 +72,8 @@ void ReportDriver(const DRIVER_INFO_3W& info, TXmlNode& response) {
     Append(response, std::move(driver));
 }
 
-void ReportDrivers(const UnicodeString& name, TXmlNode& response, TXmlMessages& messages) {
+void ReportDrivers(const TXmlNode& asked, TXmlNode& response, TXmlMessages& messages) {
+    const UnicodeString name = ChildText(asked, NameOf(TEXT("query/driver/name")));
     const TW32StructData<DRIVER_INFO_3W> drivers = GetInstalledPrinterDrivers();
     if (!drivers.IsSuccess()) {
         messages.Error(TEXT("Cannot get installed printer drivers information."),
@@ -123,7 +128,8 @@ void ReportSettings(const UnicodeString& name, TWrappers& wrappers, TXmlNode& pr
     wrapper.ToXmlNode(node);
 }
 
-void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessages& messages) {
+void ReportPrinters(const TXmlNode& asked, TXmlNode& response, TXmlMessages& messages) {
+    const UnicodeString driver = ChildText(asked, NameOf(TEXT("query/printer/driver")));
     const TW32StructData<PRINTER_INFO_2W> printers = GetInstalledPrintersInfo2();
     if (!printers.IsSuccess()) {
         messages.Error(TEXT("Cannot get installed printers"), printers.GetErrorCode());
@@ -144,18 +150,23 @@ void ReportPrinters(const UnicodeString& driver, TXmlNode& response, TXmlMessage
     if (!found) messages.Warning(TEXT("No printer was found"));
 }
 
+struct TAnswer {
+    const WCHAR* name;
+    void (*report)(const TXmlNode& asked, TXmlNode& response, TXmlMessages& messages);
+};
+constexpr TAnswer kAnswers[] = {
+    {NameOf(TEXT("query/global")), ReportGlobal},
+    {NameOf(TEXT("query/monitor")), ReportMonitors},
+    {NameOf(TEXT("query/driver")), ReportDrivers},
+    {NameOf(TEXT("query/printer")), ReportPrinters},
+};
+static_assert(request::AreAllBelow(TEXT("query"), kAnswers));
+
 }  // namespace
 
 void AnswerQuery(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages) {
-    const auto asked = [&](const WCHAR* name) { return request.FindChild(name, kUtf8); };
-    if (asked(TEXT("global")) != nullptr) ReportGlobal(response, messages);
-    if (const TXmlNode* monitor = asked(TEXT("monitor"))) {
-        ReportMonitors(ChildText(*monitor, TEXT("name")), response);
-    }
-    if (const TXmlNode* driver = asked(TEXT("driver"))) {
-        ReportDrivers(ChildText(*driver, TEXT("name")), response, messages);
-    }
-    if (const TXmlNode* printer = asked(TEXT("printer"))) {
-        ReportPrinters(ChildText(*printer, TEXT("driver")), response, messages);
+    for (const TAnswer& answer : kAnswers) {
+        const TXmlNode* asked = request.FindChild(answer.name, kUtf8);
+        if (asked != nullptr) answer.report(*asked, response, messages);
     }
 }

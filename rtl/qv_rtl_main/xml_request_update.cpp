@@ -9,9 +9,12 @@
 #include "mox_classes/memory/handles.h"
 #include "mox_log/registry.h"
 #include "printer_query/spooler.h"
+#include "qv_rtl_main/request_vocabulary.h"
 #include "qv_rtl_main/xml_request_handlers.h"
 
 namespace {
+
+using request::NameOf;
 
 constexpr TCodePage kUtf8 = System::kCodePageUtf8;
 
@@ -67,12 +70,12 @@ void UpdateSettings(const UnicodeString& name, TXmlNode& changes, TXmlNode& resp
 }
 
 void UpdatePrinter(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages) {
-    const TXmlNode* name = request.FindChild(TEXT("name"), kUtf8);
+    const TXmlNode* name = request.FindChild(NameOf(TEXT("update/printer/name")), kUtf8);
     if (name == nullptr) {
         messages.Error(TEXT("No name node was found"));
         return;
     }
-    TXmlNode* changes = request.FindChild(TEXT("devmode"), kUtf8);
+    TXmlNode* changes = request.FindChild(NameOf(TEXT("update/printer/devmode")), kUtf8);
     if (changes == nullptr) {
         SetText(messages.Warning(TEXT("Nothing to set")), TEXT("printer"), name->FValue);
         return;
@@ -80,12 +83,23 @@ void UpdatePrinter(const TXmlNode& request, TXmlNode& response, TXmlMessages& me
     UpdateSettings(name->FValue, *changes, response, messages);
 }
 
+struct TChange {
+    const WCHAR* name;
+    void (*apply)(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages);
+};
+constexpr TChange kChanges[] = {
+    {NameOf(TEXT("update/global")), UpdateGlobal},
+    {NameOf(TEXT("update/printer")), UpdatePrinter},
+};
+static_assert(request::AreAllBelow(TEXT("update"), kChanges));
+
 }  // namespace
 
 void AnswerUpdate(const TXmlNode& request, TXmlNode& response, TXmlMessages& messages) {
     for (int i = 0; i < request.ChildCount(); ++i) {
         const TXmlNode& child = *request.GetChild(i);
-        if (XmlNamesEqual(child.FName, TEXT("global"))) UpdateGlobal(child, response, messages);
-        if (XmlNamesEqual(child.FName, TEXT("printer"))) UpdatePrinter(child, response, messages);
+        for (const TChange& change : kChanges) {
+            if (XmlNamesEqual(child.FName, change.name)) change.apply(child, response, messages);
+        }
     }
 }

@@ -2,43 +2,26 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "driver_devmode/field_table.h"
 #include "driver_devmode/field_text.h"
 #include "driver_devmode/qv_devmode.h"
-#include "support/source_folder.h"
+#include "support/page_text.h"
 
 namespace {
 
 using driver_devmode::FieldKind;
 using driver_devmode::TField;
 using driver_devmode::TFieldInfo;
-
-std::string PageText(const std::string& path) {
-    std::ifstream file(test::SourceFolder() + "/docs/" + path);
-    EXPECT_TRUE(file.is_open()) << path;
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
+using test::Between;
+using test::PageText;
 
 std::string Ascii(const UnicodeString& text) {
-    std::string ascii;
-    for (int i = 1; i <= text.Length(); ++i) ascii += static_cast<char>(text[i]);
-    return ascii;
-}
-
-// What stands between the first `begin` and the next `end` behind it.
-std::string Between(const std::string& text, const std::string& begin, const std::string& end) {
-    const std::size_t at = text.find(begin);
-    if (at == std::string::npos) return "";
-    const std::size_t from = at + begin.size();
-    return text.substr(from, text.find(end, from) - from);
+    return test::Ascii(
+        std::basic_string_view<WCHAR>(text.t_str(), static_cast<std::size_t>(text.Length())));
 }
 
 TField FieldOf(QV_DEVMODE& block, const TFieldInfo& row) {

@@ -21,8 +21,9 @@ bool IsReservedPaper(const Field& field, long long value) {
 std::vector<long long> ElementsOf(const SettingsBlock& block, const Field& field) {
     const driver_devmode::TField place{&field,
                                        const_cast<std::uint8_t*>(block.BytesOf(field).data())};
-    std::vector<long long> elements;
-    for (int i = 0; i < field.Count; ++i) elements.push_back(LoadElement(place, i));
+    std::vector<long long> elements(static_cast<std::size_t>(field.Count));
+    for (int i = 0; i < field.Count; ++i)
+        elements[static_cast<std::size_t>(i)] = LoadElement(place, i);
     return elements;
 }
 
