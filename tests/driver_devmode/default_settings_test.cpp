@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "driver_devmode/qvdm.h"
 #include "printer_query/spooler.h"
@@ -55,29 +56,27 @@ TEST_F(DefaultSettings, SwitchesAndTextsLandInTheUsersBlock) {
     EXPECT_EQ(settings.GetDM()->exRun.Enabled, 0);
     EXPECT_EQ(settings.GetDM()->exOut.UseSerial, 0);
     EXPECT_EQ(settings.GetDM()->exOut.UseDocNameAsFileName, 1);
-    EXPECT_EQ(settings.Directory, UnicodeString(TEXT("C:\\out")));
-    EXPECT_EQ(settings.FileName, UnicodeString(TEXT("fax.tif")));
+    EXPECT_EQ(settings.Directory, TEXT("C:\\out"));
+    EXPECT_EQ(settings.FileName, TEXT("fax.tif"));
     EXPECT_EQ(settings.Target.Length(), 0);
 }
 
 TEST_F(DefaultSettings, TheTargetIsACommandLineOrAnEvent) {
-    struct {
-        Target target;
-        const WCHAR* stored;
-    } const cases[] = {
+    const std::pair<Target, const WCHAR*> rows[] = {
         {{TEXT("C:\\a b\\x.exe"), TEXT("-q"), nullptr, nullptr, nullptr},
          TEXT("\"C:\\a b\\x.exe\" -q")},
         {{TEXT("x.exe"), nullptr, nullptr, nullptr, nullptr}, TEXT("x.exe")},
-        {{nullptr, nullptr, TEXT("Done"), nullptr, nullptr},
-         TEXT("<event file=\"\" msg=\"Done\" win=\"\"/>")},
+        {{nullptr, nullptr, TEXT("D"), nullptr, nullptr},
+         TEXT("<event file=\"\" msg=\"D\" win=\"\"/>")},
+        {{nullptr, nullptr, nullptr, nullptr, TEXT("f")},
+         TEXT("<event file=\"\" param_msg=\"f\" msg=\"\" win=\"\"/>")},
         {{TEXT("x"), TEXT("-p"), TEXT("m"), TEXT("w"), TEXT("-p")},
          TEXT("<event file=\"x\" param=\"-p\" msg=\"m\" win=\"w\"/>")},
         {{TEXT("x"), TEXT("-p"), nullptr, TEXT("w"), TEXT("-f")},
-         TEXT("<event file=\"x\" param_run=\"-p\" param_msg=\"-f\" msg=\"\" win=\"w\"/>")},
-    };
-    for (const auto& c : cases) {
-        ASSERT_EQ(Set(c.target), 1);
-        EXPECT_EQ(StoredTarget(), UnicodeString(c.stored));
+         TEXT("<event file=\"x\" param_run=\"-p\" param_msg=\"-f\" msg=\"\" win=\"w\"/>")}};
+    for (const auto& [target, stored] : rows) {
+        ASSERT_EQ(Set(target), 1);
+        EXPECT_EQ(StoredTarget(), stored);
     }
 }
 
@@ -85,7 +84,7 @@ TEST_F(DefaultSettings, NothingIsWrittenWhenItCannotBeDoneWhole) {
     EXPECT_EQ(Set({TEXT("before"), nullptr, nullptr, nullptr, nullptr}), 1);
     const test::Text long_text(2100, 'x');
     EXPECT_EQ(Set({TEXT("after"), nullptr, nullptr, nullptr, nullptr}, long_text.c_str()), 0);
-    EXPECT_EQ(StoredTarget(), UnicodeString(TEXT("before")));
+    EXPECT_EQ(StoredTarget(), TEXT("before"));
 }
 
 TEST_F(DefaultSettings, MissingAndForeignPrintersAreRefused) {

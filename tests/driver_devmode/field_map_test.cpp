@@ -3,22 +3,19 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include "driver_devmode/qvdm.h"
+#include "xml/xml_test.h"
+#include "xml/xml_writer.h"
 
 namespace {
 
 using Classes::TStringList;
 using System::kCodePageUtf8;
-
-std::string Narrow(const UnicodeString& text) {
-    std::string out;
-    for (int i = 1; i <= text.Length(); ++i) out += static_cast<char>(text[i]);
-    return out;
-}
+using test::Utf8;
 
 class FieldMap : public testing::Test {
   protected:
@@ -28,69 +25,64 @@ class FieldMap : public testing::Test {
         TStringList items;
         items.Add(name);
         items.Add(value);
-        const std::string before = Narrow(settings.FromStrings(&items, 0, TEXT(" ")));
+        const std::string before = Utf8(settings.FromStrings(&items, 0, TEXT(" ")));
         return before.empty() ? "-" : before.substr(before.find('=') + 1);
     }
-    std::string Text(const UnicodeString& path) {
-        TXmlNode node;
-        settings.ToXmlNode(&node);
-        const TXmlNode* found = node.Find(path, kCodePageUtf8);
-        return found == nullptr ? "(none)" : Narrow(found->FValue);
+    // A value without blanks, as the text form shows it.
+    std::string Now(const std::string& name) {
+        const std::string all = " " + Utf8(settings.ToString(TEXT(" "), 0)) + " ";
+        const std::size_t at = all.find(" " + name + "=") + name.size() + 2;
+        return all.substr(at, all.find(' ', at) - at);
     }
 
     TQVDM settings;
 };
 
-TEST_F(FieldMap, AFreshBlockReadsAsItsDocumentedTexts) {
-    EXPECT_EQ(Text(TEXT("dmOrientation")), "PORTRAIT");
-    EXPECT_EQ(Text(TEXT("dmPaperSize")), "A4");
-    EXPECT_EQ(Text(TEXT("exDialog\\Mode")), "INTERACTIVE");
-    EXPECT_EQ(Text(TEXT("exFax\\PaperSize")), "0");
-    EXPECT_EQ(Text(TEXT("exFax\\Resolution")), "204,196");
-    EXPECT_EQ(Text(TEXT("exOut\\UseSerial")), "True");
-    EXPECT_EQ(Text(TEXT("exIPO\\DitherMethod")), "PD256");
-    EXPECT_EQ(Text(TEXT("exIPO\\CP3")), "255,255");
-    EXPECT_EQ(Text(TEXT("exIPO\\ColorMixer")), "30,59,11");
-    for (const WCHAR* unlisted :
-         {TEXT("dmDeviceName"), TEXT("dmSize"), TEXT("exID"), TEXT("DeviceName")}) {
-        EXPECT_EQ(Text(unlisted), "(none)");
+TEST_F(FieldMap, AFreshBlockAsText) {
+    settings.Directory = TEXT("C:\\my faxes");
+    settings.FileName = TEXT("a=b");
+    settings.Encode();
+    const std::string own = Utf8(settings.ToString(TEXT(" "), 34));
+    EXPECT_TRUE(
+        own.starts_with("exID=\"QV DEVMODEex\" exVersion=263 exDialog.Mode=INTERACTIVE "
+                        "exFax.PaperSize=0 exFax.Resolution=204,196 "
+                        "exOut.UseDocNameAsFileName=True "));
+    EXPECT_TRUE(
+        own.ends_with("exIPO.ColorMixer=30,59,11 DeviceName=Vantrel FormName=A4 "
+                      "exOut.Directory=\"C:\\my faxes\" exOut.FileName=a=b "
+                      "exRun.Target=\"\""));
+    EXPECT_TRUE(Utf8(settings.ToString(TEXT(";"), -1)).starts_with("dmDeviceName=Vantrel;"));
+}
+
+TEST_F(FieldMap, ValuesAreTakenByNameByPrefixedNameAndByNumberInTheirRange) {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
+        {"dmOrientation", "landscape", "PORTRAIT", "LANDSCAPE"},
+        {"dmOrientation", "DMORIENT_PORTRAIT", "LANDSCAPE", "PORTRAIT"},
+        {"dmOrientation", "2", "PORTRAIT", "LANDSCAPE"},
+        {"dmOrientation", "sideways", "-", "LANDSCAPE"},
+        {"dmPrintQuality", "-4", "0", "HIGH"},
+        {"exRun.Enabled", "off", "True", "False"},
+        {"exFax.Resolution", "100", "204,196", "100,196"},
+        {"exFax.Resolution", "204,70000", "-", "204,196"},
+        {"exFax.Resolution", "\"1 \" , 2", "204,196", "1,2"},
+        {"exIPO.ColorMixer", "300,0,0", "-", "30,0,0"},
+        {"dmCopies", " 12 pages", "1", "12"},
+        {"dmCopies", "none", "12", "0"},
+        {"dmCopies", "32768", "-", "0"},
+        {"dmCopies", "+32767", "0", "32767"},
+        {"dmFields", "4294967295", "527", "-1"},
+        {"dmFields", "-1", "4294967295", "-1"},
+        {"dmFields", "4294967296", "-", "-1"},
+        {"dmFields", "99999999999999999999999", "-", "-1"},
+        {"exIPO.Contrast", "-128", "5", "-128"},
+        {"exIPO.Contrast", "128", "-", "-128"},
+        {"exIPO.CriticalZone", "255,256", "-", "255,137"},
+        {"dmLogPixels", "65535", "0", "65535"},
+        {"dmLogPixels", "65536", "-", "65535"}};
+    for (const auto& [name, value, previous, now] : rows) {
+        EXPECT_EQ(Set(name, value), previous) << name << "=" << value;
+        EXPECT_EQ(Now(name), now) << name << "=" << value;
     }
-}
-
-TEST_F(FieldMap, ValuesAreTakenByNameByPrefixedNameAndByNumber) {
-    EXPECT_EQ(Set("dmOrientation", "landscape"), "PORTRAIT");
-    EXPECT_EQ(Set("dmOrientation", "DMORIENT_PORTRAIT"), "LANDSCAPE");
-    EXPECT_EQ(Set("dmOrientation", "2"), "PORTRAIT");
-    EXPECT_EQ(Set("dmOrientation", "sideways"), "-");
-    EXPECT_EQ(settings.GetDM()->dmOrientation, 2);
-    EXPECT_EQ(Set("dmPrintQuality", "-4"), "0");
-    EXPECT_EQ(Text(TEXT("dmPrintQuality")), "HIGH");
-}
-
-TEST_F(FieldMap, ElementsAreSetOneByOneAndAFailedOneFailsTheField) {
-    EXPECT_EQ(Set("exFax.Resolution", "100"), "204,196");
-    EXPECT_EQ(Text(TEXT("exFax\\Resolution")), "100,196");
-    EXPECT_EQ(Set("exFax.Resolution", "204,70000"), "-");
-    EXPECT_EQ(Text(TEXT("exFax\\Resolution")), "204,196");
-    EXPECT_EQ(Set("exIPO.ColorMixer", "300,0,0"), "-");
-    EXPECT_EQ(Text(TEXT("exIPO\\ColorMixer")), "30,0,0");
-}
-
-TEST_F(FieldMap, NumbersKeepToTheRangeOfTheirElement) {
-    struct {
-        const char* name;
-        const char* value;
-        const char* previous;
-    } const cases[] = {
-        {"dmCopies", " 12 pages", "1"},   {"dmCopies", "none", "12"},
-        {"dmCopies", "32768", "-"},       {"dmFields", "4294967295", "527"},
-        {"dmFields", "-1", "4294967295"}, {"dmFields", "4294967296", "-"},
-        {"exIPO.Contrast", "-128", "5"},  {"exIPO.Contrast", "128", "-"},
-        {"dmLogPixels", "65536", "-"},    {"dmFields", "99999999999999999999999", "-"},
-    };
-    settings.GetDM()->dmFields = 527;
-    for (const auto& c : cases)
-        EXPECT_EQ(Set(c.name, c.value), c.previous) << c.name << "=" << c.value;
 }
 
 TEST_F(FieldMap, TheIdentifierIsPlainTextThatEndsBeforeItsZero) {
@@ -100,21 +92,33 @@ TEST_F(FieldMap, TheIdentifierIsPlainTextThatEndsBeforeItsZero) {
 }
 
 TEST_F(FieldMap, XmlSetsGroupsAndRecordsPreviousValues) {
-    TXmlNode request;
+    TXmlDoc request;
+    test::Parse(request,
+                "<r><dmCopies>2</dmCopies><noSuchField>2</noSuchField><exOut><UseSerial>false"
+                "</UseSerial><Directory>D:\\in</Directory></exOut></r>");
     TXmlNode result;
-    request.SetChild(TEXT("dmCopies"), TEXT("2"), kCodePageUtf8);
-    request.SetChild(TEXT("noSuchField"), TEXT("2"), kCodePageUtf8);
-    request.AddChild(TEXT("exOut"))->SetChild(TEXT("UseSerial"), TEXT("false"), kCodePageUtf8);
-    request.FindChild(TEXT("exOut"), kCodePageUtf8)
-        ->SetChild(TEXT("Directory"), TEXT("D:\\in"), kCodePageUtf8);
     settings.Directory = TEXT("C:\\was");
-    EXPECT_TRUE(settings.FromXmlNode(&request, &result));
-    EXPECT_EQ(settings.GetDM()->dmCopies, 2);
-    EXPECT_EQ(settings.GetDM()->exOut.UseSerial, 0);
-    EXPECT_EQ(Narrow(result.ChildGetText(TEXT("dmCopies"), kCodePageUtf8)), "1");
-    EXPECT_EQ(Narrow(result.Find(TEXT("exOut\\UseSerial"), kCodePageUtf8)->FValue), "True");
-    EXPECT_EQ(result.FindChild(TEXT("noSuchField"), kCodePageUtf8), nullptr);
+    EXPECT_TRUE(settings.FromXmlNode(request.FRoot, &result));
+    TXmlFormatter plain;
+    EXPECT_EQ(Utf8(result.SaveToString(plain)),
+              "<><dmCopies>1</dmCopies><exOut><UseSerial>True</UseSerial><Directory>C:\\was"
+              "</Directory></exOut></>");
     EXPECT_EQ(TQVDM(settings.GetDM()).Directory, UnicodeString(TEXT("D:\\in")));
+
+    TXmlNode written;
+    written.AddChild(TEXT("exOut"));
+    settings.ToXmlNode(&written);
+    const std::pair<const WCHAR*, const char*> rows[] = {{TEXT("dmCopies"), "2"},
+                                                         {TEXT("exOut\\UseSerial"), "False"},
+                                                         {TEXT("exIPO\\CP3"), "255,255"}};
+    for (const auto& [path, text] : rows) {
+        ASSERT_NE(written.Find(path, kCodePageUtf8), nullptr);
+        EXPECT_EQ(Utf8(written.Find(path, kCodePageUtf8)->FValue), text);
+    }
+    for (const WCHAR* unlisted :
+         {TEXT("dmDeviceName"), TEXT("dmSize"), TEXT("exID"), TEXT("DeviceName")}) {
+        EXPECT_EQ(written.Find(unlisted, kCodePageUtf8), nullptr);
+    }
 }
 
 TEST_F(FieldMap, DeepNestingKeepsTheInnermostGroupAndNeedsNoStack) {
@@ -128,31 +132,20 @@ TEST_F(FieldMap, DeepNestingKeepsTheInnermostGroupAndNeedsNoStack) {
 
 TEST_F(FieldMap, FormNamesLastOnlyUnderTheWrappersName) {
     Set("dmFormName", "Lost");
-    EXPECT_EQ(Text(TEXT("dmFormName")), "A4");
+    EXPECT_EQ(Now("dmFormName"), "A4");
     Set("FormName", "Kept");
-    EXPECT_EQ(Text(TEXT("dmFormName")), "Kept");
+    EXPECT_EQ(Now("dmFormName"), "Kept");
 }
 
-TEST_F(FieldMap, TextFormReadsBackWhatItWrites) {
+TEST_F(FieldMap, TextSetsWhatItNamesAndSkipsAnUnknownNameAlone) {
     settings.Directory = TEXT("C:\\my faxes");
-    settings.FileName = TEXT("a=b");
-    settings.Encode();
-    const std::string text = Narrow(settings.ToString(TEXT(" "), 34));
-    EXPECT_EQ(text.find("exID=\"QV DEVMODEex\" exVersion=263 exDialog.Mode=INTERACTIVE"), 0u);
-    EXPECT_NE(text.find("exFax.Resolution=204,196 "), std::string::npos);
-    EXPECT_NE(text.find("exOut.Directory=\"C:\\my faxes\" exOut.FileName=a=b exRun.Target=\"\""),
-              std::string::npos);
-
     EXPECT_EQ(
-        Narrow(settings.FromString(TEXT("dmCopies=3 exOut.Directory=\"D:\\x y\""), 0, TEXT(" "))),
+        Utf8(settings.FromString(TEXT("dmCopies=3 exOut.Directory=\"D:\\x y\""), 0, TEXT(" "))),
         "dmCopies=1 exOut.Directory=\"C:\\my faxes\"");
     EXPECT_EQ(settings.Directory, UnicodeString(TEXT("D:\\x y")));
-}
-
-TEST_F(FieldMap, AnUnknownNameIsSkippedAloneInATextList) {
     TStringList items;
-    for (const char* item : {"bogus", "dmCopies", "2"}) items.Add(item);
-    EXPECT_EQ(Narrow(settings.FromStrings(&items, 0, TEXT(" "))), "dmCopies=1");
+    for (const char* item : {"first", "bogus", "dmCopies", "2", "dmScale"}) items.Add(item);
+    EXPECT_EQ(Utf8(settings.FromStrings(&items, 1, TEXT(" "))), "dmCopies=3");
 }
 
 TEST(DevModeXml, AllPublicFieldsOfAForeignBlockAreWrittenAndSet) {
@@ -162,17 +155,20 @@ TEST(DevModeXml, AllPublicFieldsOfAForeignBlockAreWrittenAndSet) {
     TXmlNode node;
     DevModeToXmlNode(&foreign, &node);
     EXPECT_EQ(node.ChildCount(), 34);
-    EXPECT_EQ(Narrow(node.ChildGetText(TEXT("dmCopies"), kCodePageUtf8)), "3");
+    EXPECT_EQ(Utf8(node.ChildGetText(TEXT("dmCopies"), kCodePageUtf8)), "3");
+    foreign.dmSize = 0;
+    DevModeToXmlNode(&foreign, &node);
+    EXPECT_EQ(node.ChildCount(), 34);
+    EXPECT_EQ(Utf8(node.ChildGetText(TEXT("dmSize"), kCodePageUtf8)), "0");
 
-    TXmlNode request;
+    TXmlDoc request;
+    test::Parse(request,
+                "<r><dmCopies>5</dmCopies><exVersion>5</exVersion><dmFormName>"
+                "A form name of more than thirty-two characters</dmFormName></r>");
     TXmlNode result;
-    request.SetChild(TEXT("dmCopies"), TEXT("5"), kCodePageUtf8);
-    request.SetChild(TEXT("exVersion"), TEXT("5"), kCodePageUtf8);
-    request.SetChild(TEXT("dmFormName"), TEXT("A form name of more than thirty-two characters"),
-                     kCodePageUtf8);
-    XmlNodeToDevMode(&request, &foreign, &result);
+    XmlNodeToDevMode(request.FRoot, &foreign, &result);
     EXPECT_EQ(foreign.dmCopies, 5);
-    EXPECT_EQ(foreign.dmFormName[31], 0);
+    EXPECT_EQ(Utf8(foreign.dmFormName), "A form name of more than thirty");
     EXPECT_EQ(result.ChildCount(), 2);
 }
 

@@ -8,28 +8,14 @@
 
 #include "driver_devmode/qvdm.h"
 #include "support/format_page.h"
+#include "support/string_print.h"
 
 namespace {
 
-const unsigned char* Bytes(const QV_DEVMODE& block) {
-    return reinterpret_cast<const unsigned char*>(static_cast<const DEVMODEW*>(&block));
-}
-
-TEST(QvDevmode, AFreshBlockIsValidAndItsBytesAreWhereReadersLook) {
+TEST(QvDevmode, ValidityLooksAtExtraSizeIdentifierAndVersion) {
     QV_DEVMODE block;
     EXPECT_TRUE(block.IsValid());
     EXPECT_EQ(QV_DEVMODE::Size(), 4400);
-    EXPECT_EQ(block.dmSize, 220);
-    EXPECT_EQ(block.dmDriverExtra, 4180);
-    EXPECT_EQ(block.dmFields, QV_DEVMODE_AvailableFields);
-    EXPECT_EQ(std::memcmp(Bytes(block) + 220, "QV DEVMODEex\0\x07\x01", 15), 0);
-    EXPECT_EQ(Bytes(block)[238], 204);
-    EXPECT_EQ(Bytes(block)[294], 30);
-    EXPECT_EQ(Bytes(block)[78], 9);
-}
-
-TEST(QvDevmode, ValidityLooksAtExtraSizeIdentifierAndVersion) {
-    QV_DEVMODE block;
     block.dmDriverExtra = 4181;
     EXPECT_TRUE(block.IsValid());
     block.dmDriverExtra = 4179;
@@ -43,31 +29,25 @@ TEST(QvDevmode, ValidityLooksAtExtraSizeIdentifierAndVersion) {
     block.exVersion = 261;
     EXPECT_TRUE(block.IsValid());
     EXPECT_FALSE(QV_DEVMODE::IsValidQV_DEVMODE(nullptr));
-}
-
-TEST(QvDevmode, ABlockThatClaimsMoreThanItsBytesIsNotRead) {
-    QV_DEVMODE block;
+    // A block that claims more than its bytes is not read.
     EXPECT_TRUE(QV_DEVMODE::IsValidQV_DEVMODE(&block, 4400));
     EXPECT_FALSE(QV_DEVMODE::IsValidQV_DEVMODE(&block, 4399));
     EXPECT_FALSE(QV_DEVMODE::IsValidQV_DEVMODE(&block, 10));
 }
 
 TEST(QvDevmode, TheRenderingResolutionFollowsTheFaxResolution) {
-    struct {
-        short x, y, quality, y_resolution, expected;
-    } const cases[] = {{204, 196, 0, 0, 196},
-                       {204, 98, 0, 0, 196},
-                       {204, 391, 600, 300, 391},
-                       {204, 196, 600, 600, 600}};
-    for (const auto& c : cases) {
+    const short rows[][5] = {{204, 196, 0, 0, 196},     {204, 98, 0, 0, 196},
+                             {203, 102, 0, 0, 102},     {200, 100, 1, 1, 200},
+                             {204, 391, 600, 300, 391}, {1, 2, 600, 600, 600}};
+    for (const auto& [x, y, quality, y_resolution, expected] : rows) {
         QV_DEVMODE block;
-        block.exFax.Resolution[0] = c.x;
-        block.exFax.Resolution[1] = c.y;
-        block.dmPrintQuality = c.quality;
-        block.dmYResolution = c.y_resolution;
+        block.exFax.Resolution[0] = x;
+        block.exFax.Resolution[1] = y;
+        block.dmPrintQuality = quality;
+        block.dmYResolution = y_resolution;
         block.Validate();
-        EXPECT_EQ(block.dmPrintQuality, c.expected);
-        EXPECT_EQ(block.dmYResolution, c.expected);
+        EXPECT_EQ(block.dmPrintQuality, expected);
+        EXPECT_EQ(block.dmYResolution, expected);
     }
 }
 
@@ -80,6 +60,7 @@ TEST(QvDevmode, ControlPointsKeepTheirSign) {
     EXPECT_EQ(points[0].y, 300);
     EXPECT_EQ(points[2].x, 127);
     EXPECT_EQ(points[2].y, 255);
+    EXPECT_EQ(points[3].x, 255);
 }
 
 TEST(QvDevmode, TheFormatPagesExampleIsWhatTheWriterWritesAndTheReaderReads) {
@@ -88,13 +69,11 @@ TEST(QvDevmode, TheFormatPagesExampleIsWhatTheWriterWritesAndTheReaderReads) {
     TQVDM settings(&block);
     settings.Directory = TEXT("C:\\f");
     ASSERT_TRUE(settings.Encode());
-    const unsigned char* extra = Bytes(block) + 220;
+    auto* extra = reinterpret_cast<unsigned char*>(static_cast<DEVMODEW*>(&block)) + 220;
     EXPECT_EQ(std::vector<unsigned char>(extra, extra + dump.size()), dump);
-
-    QV_DEVMODE read;
-    std::memcpy(reinterpret_cast<char*>(static_cast<DEVMODEW*>(&read)) + 220, dump.data(),
-                dump.size());
-    EXPECT_EQ(TQVDM(&read).Directory, UnicodeString(TEXT("C:\\f")));
+    std::memset(extra, 0, dump.size());
+    std::memcpy(extra, dump.data(), dump.size());
+    EXPECT_EQ(TQVDM(&block).Directory, TEXT("C:\\f"));
 }
 
 }  // namespace

@@ -5,6 +5,9 @@
 
 #include <memory>
 
+#include "support/captured_log.h"
+#include "support/string_print.h"
+
 namespace {
 
 UnicodeString Repeat(int count) {
@@ -13,6 +16,11 @@ UnicodeString Repeat(int count) {
 
 TEST(Qvdm, StringsArePackedInOrderBehindTheFirstUnit) {
     TQVDM settings;
+    EXPECT_EQ(settings.DeviceName, TEXT("Vantrel"));
+    EXPECT_EQ(settings.FormName, TEXT("A4"));
+    EXPECT_EQ(settings.FileName.SubString(settings.FileName.Length() - 6, 7), TEXT("fax.tif"));
+    settings.DeviceName = TEXT("Fax 2");
+    settings.FormName = Repeat(31) + TEXT("y");
     settings.Directory = TEXT("C:\\out");
     settings.FileName = TEXT("fax.tif");
     settings.Target = UnicodeString();
@@ -21,12 +29,14 @@ TEST(Qvdm, StringsArePackedInOrderBehindTheFirstUnit) {
     EXPECT_EQ(int{settings.GetDM()->exOut.FileNameOffset}, 8);
     EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 0);
 
-    TQVDM reader(settings.GetDM());
-    EXPECT_EQ(reader.DeviceName, UnicodeString(TEXT("Vantrel")));
-    EXPECT_EQ(reader.FormName, UnicodeString(TEXT("A4")));
-    EXPECT_EQ(reader.Directory, UnicodeString(TEXT("C:\\out")));
-    EXPECT_EQ(reader.FileName, UnicodeString(TEXT("fax.tif")));
+    const TQVDM reader(settings.GetDM());
+    EXPECT_EQ(reader.DeviceName, TEXT("Fax 2"));
+    EXPECT_EQ(reader.FormName, Repeat(31));
+    EXPECT_EQ(reader.Directory, TEXT("C:\\out"));
+    EXPECT_EQ(reader.FileName, TEXT("fax.tif"));
     EXPECT_EQ(reader.Target.Length(), 0);
+    settings.GetDM()->dmFormName[31] = 'z';
+    EXPECT_EQ(TQVDM(settings.GetDM()).FormName, Repeat(31) + TEXT("z")) << "no terminator";
 }
 
 TEST(Qvdm, ThePoolTakesExactly2047Units) {
@@ -47,7 +57,7 @@ TEST(Qvdm, OffsetsOutsideThePoolAndMissingTerminatorsFail) {
     UnicodeString text(TEXT("kept"));
     EXPECT_FALSE(settings.ReadString(text, -1));
     EXPECT_FALSE(settings.ReadString(text, 2048));
-    EXPECT_EQ(text, UnicodeString(TEXT("kept")));
+    EXPECT_EQ(text, TEXT("kept"));
     EXPECT_TRUE(settings.ReadString(text, 2047));
     EXPECT_EQ(text.Length(), 0);
     for (WCHAR& unit : settings.GetDM()->exPool) unit = 'y';
@@ -61,11 +71,12 @@ TEST(Qvdm, DecodeStopsAtTheFirstWrongOffset) {
     settings.GetDM()->exOut.DirectoryOffset = 3000;
     settings.GetDM()->dmFormName[0] = 'B';
     EXPECT_FALSE(settings.Decode());
-    EXPECT_EQ(settings.FormName, UnicodeString(TEXT("B4")));
-    EXPECT_EQ(settings.FileName, UnicodeString(TEXT("stays")));
+    EXPECT_EQ(settings.FormName, TEXT("B4"));
+    EXPECT_EQ(settings.FileName, TEXT("stays"));
 }
 
 TEST(Qvdm, OnlyAValidBlockIsBorrowed) {
+    test::CapturedLog log;
     QV_DEVMODE block;
     block.dmCopies = 7;
     TQVDM settings;
@@ -73,35 +84,59 @@ TEST(Qvdm, OnlyAValidBlockIsBorrowed) {
     block.exVersion = 1;
     EXPECT_FALSE(settings.SetDEVMODE(&block));
     EXPECT_EQ(settings.GetDM(), own);
+    EXPECT_TRUE(log.Has('X', TEXT("[TQVDM::SetDEVMODE()] Cannot set the DEVMODE structure: ")));
     block.exVersion = 263;
     EXPECT_FALSE(settings.SetDEVMODE(&block, 400));
     EXPECT_TRUE(settings.SetDEVMODE(&block, sizeof(block)));
     EXPECT_EQ(settings.GetDM(), &block);
+    EXPECT_TRUE(settings.StatedSizeFits());
+    block.dmDriverExtra = 60000;
+    EXPECT_FALSE(settings.StatedSizeFits());
+    EXPECT_TRUE(settings.SetDEVMODE(&block));
+    EXPECT_TRUE(settings.StatedSizeFits());
 }
 
 TEST(Qvdm, ACopySharesTheBlockAndAssignCopiesIt) {
     auto settings = std::make_unique<TQVDM>();
     TQVDM other;
     other.GetDM()->dmCopies = 9;
+    other.DeviceName = TEXT("Other");
+    other.FormName = TEXT("B5");
+    other.Directory = TEXT("C:\\d");
+    other.FileName = TEXT("f.tif");
     other.Target = TEXT("run.exe");
     settings->Assign(&other);
     EXPECT_NE(settings->GetDM(), other.GetDM());
-    EXPECT_EQ(settings->GetDM()->dmCopies, 9);
+    QV_DEVMODE target;
+    TQVDM assigned;
     {
         TQVDM copy(*settings);
         EXPECT_EQ(copy.GetDM(), settings->GetDM());
+        assigned = copy;
+        EXPECT_EQ(assigned.GetDM(), settings->GetDM());
     }
-    QV_DEVMODE target;
-    settings->CopyTo(&target);
+    assigned.Encode();
+    assigned.CopyTo(&target);
     settings.reset();
-    EXPECT_EQ(TQVDM(&target).Target, UnicodeString(TEXT("run.exe")));
+    const TQVDM read(&target);
+    EXPECT_EQ(read.DeviceName + read.FormName + read.Directory + read.FileName + read.Target,
+              TEXT("OtherB5C:\\df.tifrun.exe"));
+    EXPECT_EQ(target.dmCopies, 9);
 }
 
-TEST(Qvdm, ABlockWhoseStatedSizeGrewIsRecognised) {
-    TQVDM settings;
-    EXPECT_TRUE(settings.StatedSizeFits());
-    settings.GetDM()->dmDriverExtra = 60000;
-    EXPECT_FALSE(settings.StatedSizeFits());
+TEST(Qvdm, WithoutABlockNothingWorksAndNothingBreaks) {
+    test::CapturedLog log;
+    TQVDM none(static_cast<DEVMODEW*>(nullptr));
+    QV_DEVMODE target;
+    none.CopyTo(&target);
+    TQVDM().CopyTo(nullptr);
+    none.Assign(&none);
+    UnicodeString text;
+    EXPECT_FALSE(none.Decode() || none.Encode() || none.StatedSizeFits());
+    EXPECT_FALSE(none.ReadString(text, 0));
+    EXPECT_TRUE(target.IsValid());
+    EXPECT_TRUE(log.Has('X', TEXT("[TQVDM::CopyTo()] FDM cannot be NULL")));
+    EXPECT_TRUE(log.Has('X', TEXT("[TQVDM::CopyTo()] Target cannot be NULL")));
 }
 
 }  // namespace

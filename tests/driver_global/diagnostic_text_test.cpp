@@ -3,27 +3,27 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "driver_devmode/qv_devmode.h"
 #include "support/string_print.h"
 
 namespace {
 
 TEST(DiagnosticText, CodesShowTheirNameOrTheirNumber) {
-    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(18), UnicodeString(TEXT("DC_COPIES")));
-    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(36), UnicodeString(TEXT("Unknown(36)")));
-    EXPECT_EQ(DrvDocumentEvent_iEsc(14), UnicodeString(TEXT("DOCUMENTEVENT_QUERYFILTER")));
-    EXPECT_EQ(DrvDocumentEvent_iEsc(-1), UnicodeString(TEXT("Unknown(-1)")));
-    EXPECT_EQ(DrvConvertDevMode_fMode(4), UnicodeString(TEXT("CDM_DRIVER_DEFAULT")));
-    EXPECT_EQ(DrvConvertDevMode_fMode(0xFFFFFFFF), UnicodeString(TEXT("Unknown(4294967295)")));
+    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(18), TEXT("DC_COPIES"));
+    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(36), TEXT("Unknown(36)"));
+    EXPECT_EQ(DrvDocumentEvent_iEsc(14), TEXT("DOCUMENTEVENT_QUERYFILTER"));
+    EXPECT_EQ(DrvDocumentEvent_iEsc(-1), TEXT("Unknown(-1)"));
+    EXPECT_EQ(DrvConvertDevMode_fMode(4), TEXT("CDM_DRIVER_DEFAULT"));
+    EXPECT_EQ(DrvConvertDevMode_fMode(0xFFFFFFFF), TEXT("Unknown(4294967295)"));
 }
 
 TEST(DiagnosticText, NullRecordsAreNamed) {
-    const UnicodeString null_text(TEXT("NULL"));
-    EXPECT_EQ(DEVMODE_Str(nullptr), null_text);
-    EXPECT_EQ(DOCUMENTPROPERTYHEADER_Str(nullptr), null_text);
-    EXPECT_EQ(TextTypeSTROBJ(nullptr), null_text);
-    EXPECT_EQ(TextTypeSYSTEMTIME(nullptr), null_text);
-    EXPECT_EQ(TextTypeJOB_INFO_2(nullptr), null_text);
+    const UnicodeString texts[] = {DEVMODE_Str(nullptr), DOCUMENTPROPERTYHEADER_Str(nullptr),
+                                   TextTypeSTROBJ(nullptr), TextTypeSYSTEMTIME(nullptr),
+                                   TextTypeJOB_INFO_2(nullptr)};
+    for (const UnicodeString& text : texts) EXPECT_EQ(text, TEXT("NULL"));
 }
 
 TEST(DiagnosticText, PropertySheetModesAreJoined) {
@@ -35,61 +35,61 @@ TEST(DiagnosticText, PropertySheetModesAreJoined) {
     const UnicodeString rest(
         TEXT(" pdmIn=0x00000000 pdmOut=0x00000000 cbOut=0 pszPrinterName=\"Fax\" "
              "hPrinter=0x567890ab cbSize=64 Reserved=0 "));
-    struct {
-        DWORD mode;
-        const WCHAR* text;
-    } const cases[] = {{0x0A, TEXT("DM_MODIFY|DM_COPY")},
-                       {0x01, TEXT("Unknown(1)")},
-                       {0, TEXT("NULL")},
-                       {0x31, TEXT("DM_ADVANCED|DM_NOPERMISSION")}};
-    for (const auto& c : cases) {
-        header.fMode = c.mode;
-        EXPECT_EQ(DOCUMENTPROPERTYHEADER_Str(&header),
-                  UnicodeString(TEXT("fMode=")) + c.text + rest);
+    const std::pair<DWORD, const WCHAR*> rows[] = {{0x0A, TEXT("DM_MODIFY|DM_COPY")},
+                                                   {0x01, TEXT("Unknown(1)")},
+                                                   {0, TEXT("NULL")},
+                                                   {0x31, TEXT("DM_ADVANCED|DM_NOPERMISSION")}};
+    for (const auto& [mode, text] : rows) {
+        header.fMode = mode;
+        EXPECT_EQ(DOCUMENTPROPERTYHEADER_Str(&header), UnicodeString(TEXT("fMode=")) + text + rest);
     }
 }
 
-TEST(DiagnosticText, FieldsInForceAreMarked) {
-    DEVMODEW devmode = {};
-    EXPECT_EQ(DEVMODE_Str(&devmode), UnicodeString(TEXT("Empty")));
-    devmode.dmCopies = 2;
-    devmode.dmFields = DM_COPIES;
-    EXPECT_EQ(
-        DEVMODE_Str(&devmode),
-        UnicodeString(TEXT(
-            "DeviceName=\"\" SpecVersion=0 DriverVersion=0 Size=0 DriverExtra=0 "
-            "Orientation=Unknown(0) PaperSize=0 "
-            "PaperLength=0 PaperWidth=0 Scale=0 *Copies=2 DefaultSource=Unknown(0) PrintQuality=0 "
-            "Color=Unknown(0) "
-            "Duplex=0 YResolution=0 TTOption=0 Collate=0 FormName=\"\" Nup=Unknown(0) ICMMethod=0 "
-            "ICMIntent=0 "
-            "MediaType=0 DitherType=0 Reserved1=0 Reserved2=0 PanningWidth=0 PanningHeight=0 ")));
-}
-
-TEST(DiagnosticText, TheProductsOwnBlockShowsItsPrivateFields) {
+// The product's own block: what is in force is marked, and its private fields follow.
+TEST(DiagnosticText, ABlockShowsItsFields) {
+    DEVMODEW empty = {};
+    EXPECT_EQ(DEVMODE_Str(&empty), TEXT("Empty"));
     QV_DEVMODE block;
-    const UnicodeString text = DEVMODE_Str(&block);
-    EXPECT_GT(text.Pos(TEXT("*Orientation=Portrait *PaperSize=9")), 0);
-    EXPECT_GT(text.Pos(TEXT("Nup=DMNUP_ONEUP  ICMMethod=1")), 0);
-    EXPECT_GT(text.Pos(TEXT("PanningHeight=0 exID=\"QV DEVMODEex\" exVersion=263")), 0);
+    block.dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_FORMNAME | DM_PANNINGHEIGHT;
+    block.dmCopies = -2;
+    block.dmDefaultSource = 12;
+    for (WCHAR& unit : block.dmFormName) unit = 'f';
+    UnicodeString text = DEVMODE_Str(&block);
+    EXPECT_EQ(text.SubString(1, text.Pos(TEXT(" exDialog")) - 1),
+              TEXT("DeviceName=\"Vantrel\" SpecVersion=1025 DriverVersion=256 Size=220 "
+                   "DriverExtra=4180 *Orientation=Portrait *PaperSize=9 PaperLength=2970 "
+                   "PaperWidth=2100 Scale=100 *Copies=-2 DefaultSource=Unknown(12) PrintQuality=0 "
+                   "Color=DMCOLOR_COLOR Duplex=1 YResolution=0 TTOption=3 Collate=0 "
+                   "*FormName=\"ffffffffffffffffffffffffffffffff\" Nup=DMNUP_ONEUP  ICMMethod=1 "
+                   "ICMIntent=1 MediaType=1 DitherType=1 Reserved1=0 Reserved2=0 PanningWidth=0 "
+                   "*PanningHeight=0 exID=\"QV DEVMODEex\" exVersion=263"));
+    block.exVersion = 1;
+    text = DEVMODE_Str(&block);
+    EXPECT_EQ(text.SubString(text.Length() - 15, 16), TEXT("PanningHeight=0 "));
 }
 
 TEST(DiagnosticText, TimesAndJobsShowPlainNumbers) {
     SYSTEMTIME time = {2012, 5, 1, 7, 9, 3, 1, 500};
-    EXPECT_EQ(TextTypeSYSTEMTIME(&time), UnicodeString(TEXT("2012-5-7 9:3:1")));
+    EXPECT_EQ(TextTypeSYSTEMTIME(&time), TEXT("2012-5-7 9:3:1"));
     JOB_INFO_2W job = {};
+    QV_DEVMODE block;
     job.JobId = 9;
+    job.Priority = 1;
+    job.TotalPages = 8;
     job.Submitted = time;
-    const UnicodeString text = TextTypeJOB_INFO_2(&job);
-    EXPECT_EQ(text.Pos(TEXT("JobId=9 pPrinterName=\"(null)\"")), 1);
-    EXPECT_GT(text.Pos(TEXT("pDevMode=0bytes pStatus=\"(null)\" Status=0")), 0);
-    EXPECT_GT(text.Pos(TEXT("Submitted=2012-5-7 9:3:1 Time=0 PagesPrinted=0 ")), 0);
+    job.pDevMode = &block;
+    EXPECT_EQ(TextTypeJOB_INFO_2(&job),
+              TEXT("JobId=9 pPrinterName=\"(null)\" pMachineName=\"(null)\" "
+                   "pUserName=\"(null)\" pDocument=\"(null)\" pNotifyName=\"(null)\" "
+                   "pDatatype=\"(null)\" pPrintProcessor=\"(null)\" pParameters=\"(null)\" "
+                   "pDriverName=\"(null)\" pDevMode=4400bytes pStatus=\"(null)\" Status=0 "
+                   "Priority=1 Position=0 StartTime=0 UntilTime=0 TotalPages=8 Size=0 "
+                   "Submitted=2012-5-7 9:3:1 Time=0 PagesPrinted=0 "));
     STROBJ string = {};
     string.cGlyphs = 3;
     string.rclBkGround = {-1, 2, 3, 4};
-    EXPECT_EQ(TextTypeSTROBJ(&string),
-              UnicodeString(TEXT("cGlyphs=3 flAccel=0 ulCharInc=0 rclBkGround={-1,2,3,4} pgp=x0 "
-                                 "pwszOrg=x0 ")));
+    EXPECT_EQ(TextTypeSTROBJ(&string), TEXT("cGlyphs=3 flAccel=0 ulCharInc=0 "
+                                            "rclBkGround={-1,2,3,4} pgp=x0 pwszOrg=x0 "));
 }
 
 }  // namespace

@@ -7,33 +7,40 @@
 #include <string>
 #include <vector>
 
+#include "driver_global/diagnostic_text.h"
 #include "support/format_page.h"
+#include "support/string_print.h"
 
 namespace {
 
 using Text = std::basic_string<WCHAR>;
 
+// A job in which no two members are alike.
 struct SampleJob {
     Text texts[10] = {
         TEXT("Fax"), TEXT("\\\\PC"),   TEXT("anna"), TEXT("Report"),         TEXT(""),
-        TEXT("RAW"), TEXT("winprint"), TEXT(""),     TEXT("Vantrel Driver"), TEXT("")};
-    DEVMODEW devmode = {};
+        TEXT("RAW"), TEXT("winprint"), TEXT("-q"),   TEXT("Vantrel Driver"), TEXT("busy")};
+    struct {
+        DEVMODEW mode = {};
+        BYTE extra[6] = {1, 2, 3, 4, 5, 6};
+    } block;
     JOB_INFO_2W job = {};
 
     SampleJob() {
-        devmode.dmSize = sizeof(devmode);
-        devmode.dmCopies = 3;
-        job.JobId = 17;
-        job.Status = 2;
-        job.TotalPages = 5;
-        job.Submitted.wYear = 2026;
-        job.Time = 1500;
+        block.mode.dmSize = sizeof(DEVMODEW);
+        block.mode.dmDriverExtra = 6;
+        block.mode.dmCopies = 3;
         LPWSTR* const members[] = {&job.pPrinterName,    &job.pMachineName, &job.pUserName,
                                    &job.pDocument,       &job.pNotifyName,  &job.pDatatype,
                                    &job.pPrintProcessor, &job.pParameters,  &job.pDriverName,
                                    &job.pStatus};
         for (int i = 0; i < 10; ++i) *members[i] = texts[i].data();
-        job.pDevMode = &devmode;
+        job.pDevMode = &block.mode;
+        DWORD* const numbers[] = {&job.JobId,      &job.Status,      &job.Priority,  &job.Position,
+                                  &job.Time,       &job.StartTime,   &job.UntilTime, &job.Size,
+                                  &job.TotalPages, &job.PagesPrinted};
+        for (DWORD i = 0; i < 10; ++i) *numbers[i] = 17 + i;
+        job.Submitted = {2026, 11, 4, 26, 10, 20, 30, 400};
     }
 };
 
@@ -42,49 +49,34 @@ std::vector<unsigned char> BytesOf(TW32StructData<ADP_JOB_INFO_2W>& block) {
     return {bytes, bytes + block.Size()};
 }
 
-TEST(JobRecord, EmptyStringsAndAPublicDevmodeTake336Bytes) {
-    JOB_INFO_2W job = {};
-    DEVMODEW devmode = {};
-    devmode.dmSize = sizeof(devmode);
-    job.pDevMode = &devmode;
-    auto block = EncodeJobInfo2(&job);
-    EXPECT_EQ(block.Size(), 336);
-    EXPECT_EQ(block.Count(), 1);
-    EXPECT_EQ(block[0].StringOffsets[9], 18u);
-    EXPECT_EQ(block[0].DevModeOffset, 20u);
-}
-
 TEST(JobRecord, DecodingGivesBackEveryCarriedField) {
     SampleJob sample;
     auto block = EncodeJobInfo2(&sample.job);
+    EXPECT_EQ(block.Count(), 1);
+    EXPECT_EQ(block.Size(), 96 + 2 * 58 + 226);
     for (auto decoded : {DecodeJobInfo2(&block[0]), DecodeJobInfo2(&block[0], block.Size())}) {
         ASSERT_TRUE(decoded.IsSuccess());
-        const JOB_INFO_2W& job = static_cast<const TW32StructData<JOB_INFO_2W>&>(decoded)[0];
-        EXPECT_EQ(job.JobId, 17u);
-        EXPECT_EQ(job.TotalPages, 5u);
-        EXPECT_EQ(job.Submitted.wYear, 2026);
-        EXPECT_EQ(job.Time, 1500u);
-        EXPECT_EQ(job.Size, static_cast<DWORD>(decoded.Size()));
-        EXPECT_EQ(Text(job.pMachineName), TEXT("\\\\PC"));
-        EXPECT_EQ(Text(job.pDriverName), TEXT("Vantrel Driver"));
-        EXPECT_EQ(Text(job.pNotifyName), Text());
-        DEVMODEW devmode;
-        std::memcpy(&devmode, job.pDevMode, sizeof(devmode));
-        EXPECT_EQ(devmode.dmCopies, 3);
+        EXPECT_EQ(decoded[0].Size, static_cast<DWORD>(decoded.Size()));
+        EXPECT_EQ(decoded[0].Submitted.wMilliseconds, 400);
+        EXPECT_EQ(std::memcmp(decoded[0].pDevMode, &sample.block, 226), 0);
+        decoded[0].Size = sample.job.Size;
+        EXPECT_EQ(TextTypeJOB_INFO_2(&decoded[0]), TextTypeJOB_INFO_2(&sample.job));
     }
 }
 
 TEST(JobRecord, AJobWithoutDevmodeDecodesToNull) {
-    SampleJob sample;
-    sample.job.pDevMode = nullptr;
-    sample.job.pNotifyName = nullptr;
-    auto block = EncodeJobInfo2(&sample.job);
+    JOB_INFO_2W empty = {};
+    auto block = EncodeJobInfo2(&empty);
+    EXPECT_EQ(block[0].StringOffsets[9], 18u);
+    EXPECT_EQ(block[0].DevModeOffset, 20u);
+    EXPECT_EQ(block.Size(), 96 + 20 + 72);
     for (auto decoded : {DecodeJobInfo2(&block[0]), DecodeJobInfo2(&block[0], block.Size())}) {
-        const JOB_INFO_2W& job = static_cast<const TW32StructData<JOB_INFO_2W>&>(decoded)[0];
-        EXPECT_EQ(job.pDevMode, nullptr);
-        EXPECT_EQ(Text(job.pNotifyName), Text());
+        ASSERT_TRUE(decoded.IsSuccess());
+        EXPECT_EQ(decoded[0].pDevMode, nullptr);
+        EXPECT_EQ(Text(decoded[0].pNotifyName), Text());
     }
     EXPECT_FALSE(EncodeJobInfo2(nullptr).IsSuccess());
+    EXPECT_FALSE(DecodeJobInfo2(nullptr, 200).IsSuccess());
 }
 
 TEST(JobRecord, ABlockThatLiesIsRefused) {
