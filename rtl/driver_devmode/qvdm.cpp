@@ -134,18 +134,16 @@ bool TQVDM::Encode() {
     Sysutils::CopyCch(FDM->dmFormName, CCHFORMNAME, FormName);
     short position = 1;
     FDM->exPool[0] = 0;
-    // The offsets are packed members: they travel through locals.
-    short offset = 0;
-    bool fits = WriteString(offset, position, Directory);
-    FDM->exOut.DirectoryOffset = offset;
-    if (fits) {
-        fits = WriteString(offset, position, FileName);
-        FDM->exOut.FileNameOffset = offset;
-    }
-    if (fits) {
-        fits = WriteString(offset, position, Target);
-        FDM->exRun.TargetOffset = offset;
-    }
+    // A later text that kept its old offset would be read from the bytes of an earlier one.
+    bool fits = true;
+    const auto put = [&](const UnicodeString& text) {
+        short offset = 0;
+        fits = fits && WriteString(offset, position, text);
+        return offset;
+    };
+    FDM->exOut.DirectoryOffset = put(Directory);
+    FDM->exOut.FileNameOffset = put(FileName);
+    FDM->exRun.TargetOffset = put(Target);
     return fits;
 }
 

@@ -34,8 +34,8 @@ class QV_API TQVDM {
     // False without a valid block, or at the first string whose offset is wrong; strings not
     // reached keep their values.
     bool Decode();
-    // False at the first string that does not fit into the pool; its offset becomes 0, later ones
-    // stay.
+    // False when a string does not fit into the pool: its offset and those of all later strings
+    // become 0, so that the block holds none of them. pool_texts.h says which.
     bool Encode();
     // Offset in code units from the start of the pool. False outside the pool (text unchanged) or
     // without a terminator inside it (text empty).

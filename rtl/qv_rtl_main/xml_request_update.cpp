@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "driver_devmode/pool_texts.h"
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
 #include "mox_classes/memory/handles.h"
@@ -55,11 +56,16 @@ void UpdateSettings(const UnicodeString& name, TXmlNode& changes, TXmlNode& resp
     }
     TQVDM settings;
     if (!current.IsEmpty()) settings.SetDEVMODE(&current[0], current.Size());
+    const driver_devmode::TDamagedTexts damaged(settings);
 
     auto printer = NewElement(TEXT("printer"));
     AddText(*printer, TEXT("name"), name);
     settings.FromXmlNode(&changes, printer->AddChild(TEXT("devmode")));
     Append(response, std::move(printer));
+    for (const UnicodeString& text : damaged.Replaced(settings))
+        SetText(messages.Warning(text), TEXT("printer"), name);
+    for (const UnicodeString& text : driver_devmode::TextsWithoutRoom(settings))
+        SetText(messages.Error(text), TEXT("printer"), name);
     // The request may have changed the sizes that the block states.
     if (!settings.StatedSizeFits()) {
         failed(TEXT("Cannot set global DEVMODE"), ERROR_INVALID_DATA);

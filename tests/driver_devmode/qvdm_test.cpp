@@ -50,6 +50,11 @@ TEST(Qvdm, ThePoolTakesExactly2047Units) {
     settings.Target = Repeat(45);
     EXPECT_FALSE(settings.Encode());
     EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 0);
+    // A text behind one without room is not read from the middle of another one.
+    settings.Directory = Repeat(1500);
+    EXPECT_FALSE(settings.Encode());
+    EXPECT_EQ(int{settings.GetDM()->exOut.FileNameOffset}, 0);
+    EXPECT_EQ(int{settings.GetDM()->exRun.TargetOffset}, 0);
 }
 
 TEST(Qvdm, OffsetsOutsideThePoolAndMissingTerminatorsFail) {

@@ -272,6 +272,43 @@ TEST_F(XmlPrinterRequest, AnUpdateGivesThePreviousValuesAndIsStored) {
     EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut\\UseSerial")), "False");
 }
 
+TEST_F(XmlPrinterRequest, ATextWithoutRoomIsEmptyAndNamed) {
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"), ProductBlock());
+    const auto update = [this](const std::string& settings) {
+        Ask("<update><printer><name>QV One</name><devmode>" + settings +
+            "</devmode></printer></update>");
+    };
+    update("<exRun><Target>C:\\safe\\prog.exe --go</Target></exRun>");
+    std::string folder = "C:\\";
+    while (folder.size() < 1987) folder += "calc.exe --evil ";
+    update("<exOut><Directory>" + folder.substr(0, 1987) + "</Directory><FileName>" +
+           std::string(100, 'f') + "</FileName></exOut>");
+    EXPECT_EQ(
+        Text(TEXT("message\\error")),
+        "exOut.FileName has no room: its text has 100 characters, 59 are left. It is empty now");
+    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("printer")), "QV One");
+    EXPECT_EQ(Node(TEXT("message"))->ChildCount(), 2);
+    AskPrinters(test::kProductDriver);
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exOut\\FileName")), "");
+    EXPECT_EQ(Text(TEXT("printer\\devmode\\exRun\\Target")), "");
+}
+
+TEST_F(XmlPrinterRequest, ADamagedTextThatGetsItsDefaultIsNamed) {
+    auto block = ProductBlock();
+    reinterpret_cast<QV_DEVMODE*>(block.data())->exOut.DirectoryOffset = 3000;
+    printers_.InstallPrinter(TEXT("QV One"));
+    printers_.SetUserDevMode(TEXT("QV One"), block);
+    Ask("<update><printer><name>QV One</name><devmode><dmCopies>2</dmCopies><exOut><FileName>x"
+        "</FileName></exOut></devmode></printer></update>");
+    ASSERT_EQ(Node(TEXT("message"))->ChildCount(), 2);
+    for (const int i : {0, 1}) {
+        const UnicodeString text = Node(TEXT("message"))->GetChild(i)->FValue;
+        EXPECT_GT(text.Pos(i == 0 ? TEXT("exOut.Directory was damaged") : TEXT("exRun.Target was")),
+                  0);
+    }
+}
+
 TEST_F(XmlPrinterRequest, AForeignBlockIsReplacedByTheProductsDefaults) {
     printers_.InstallPrinter(TEXT("QV One"));
     printers_.SetUserDevMode(TEXT("QV One"),
