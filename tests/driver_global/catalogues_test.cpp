@@ -28,8 +28,8 @@ TEST_F(Catalogues, ASetNamesItsEntriesInOrderWithTheDefaultMarked) {
     EXPECT_EQ(papers.GetCount(), 5);
     EXPECT_EQ(papers.GetDefaultIndex(), 0);
     ASSERT_NE(papers.Get(3), nullptr);
-    EXPECT_EQ(papers.Get(3)->Name, UnicodeString(TEXT("Letter")));
-    EXPECT_EQ(papers.Get(3)->Text, UnicodeString(TEXT("US-Brief")));
+    EXPECT_EQ(papers.Get(3)->Name, TEXT("Letter"));
+    EXPECT_EQ(papers.Get(3)->Text, TEXT("US-Brief"));
     EXPECT_EQ(papers.Get(3)->X, 2159);
     EXPECT_EQ(papers.IndexOf(5), 4);
     EXPECT_EQ(papers.IndexOf(99), -1);
@@ -57,20 +57,17 @@ TEST_F(Catalogues, UnknownSetsAreStandardAndUnknownListsAreNone) {
 TEST_F(Catalogues, ATextMissingInTheLanguageIsTheEnglishOne) {
     ASSERT_TRUE(resolutions.Open(TEXT("resolutions"), TEXT("de"), TEXT("color")));
     ASSERT_NE(resolutions.Get(1), nullptr);
-    EXPECT_EQ(resolutions.Get(1)->Text, UnicodeString(TEXT("Superfine (204 x 391)")));
+    EXPECT_EQ(resolutions.Get(1)->Text, TEXT("Superfine (204 x 391)"));
 }
 
 TEST_F(Catalogues, TheBestFitIsTheSmallestPaperThatHoldsThePageElseTheLargest) {
     ASSERT_TRUE(papers.Open(TEXT("papers"), UnicodeString(), UnicodeString()));
-    struct {
-        int width, height;
-        short id;
-    } const cases[] = {
+    const int rows[][3] = {
         {2100, 2970, 9}, {1000, 1000, 11}, {2101, 2700, 1}, {2159, 3000, 5}, {2200, 4000, 12}};
-    for (const auto& c : cases) {
-        const int index = papers.IndexOfBestFit(c.width, c.height);
+    for (const auto& [width, height, id] : rows) {
+        const int index = papers.IndexOfBestFit(width, height);
         ASSERT_NE(papers.Get(index), nullptr);
-        EXPECT_EQ(papers.Get(index)->Id, c.id) << c.width << "x" << c.height;
+        EXPECT_EQ(papers.Get(index)->Id, id) << width << "x" << height;
     }
     papers.Close();
     EXPECT_EQ(papers.IndexOfBestFit(1, 1), -1);

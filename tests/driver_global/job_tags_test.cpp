@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "mox_classes/format/format_fields.h"
 #include "mox_classes/format/template_string.h"
@@ -33,10 +34,7 @@ class JobTags : public testing::Test {
 };
 
 TEST_F(JobTags, TemplatesTakeDefaultsAndConversionsOfTheSameKind) {
-    struct {
-        const WCHAR* text;
-        const WCHAR* expected;
-    } const cases[] = {
+    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
         {TEXT("{jobid}"), TEXT("17")},
         {TEXT("{jobid%05d}"), TEXT("00017")},
         {TEXT("{jobid%s}"), TEXT("{jobid%s}")},
@@ -47,37 +45,32 @@ TEST_F(JobTags, TemplatesTakeDefaultsAndConversionsOfTheSameKind) {
         {TEXT("{spoolfile}{parameters}"), TEXT("C:\\t\\1.qvspl\x43:\\t\\1.qvspl")},
         {TEXT("{outfile}"), TEXT("\"\"")},
         {TEXT("{username}"), TEXT("\"\"")},
-        {TEXT("{DocName} {unknown}"), TEXT("{DocName} {unknown}")},
-    };
-    for (const auto& c : cases) EXPECT_EQ(Fill(c.text), UnicodeString(c.expected));
+        {TEXT("{DocName} {unknown}"), TEXT("{DocName} {unknown}")}};
+    for (const auto& [text, expected] : rows) EXPECT_EQ(Fill(text), expected);
 }
 
 TEST_F(JobTags, ValuesForFileNamesAreMadeSafeInsteadOfQuoted) {
     document = TEXT("a/b \"c\"");
     job.pDocument = document.data();
-    EXPECT_EQ(Fill(TEXT("{docname}")), UnicodeString(TEXT("\"a/b \"\"c\"\"\"")));
+    EXPECT_EQ(Fill(TEXT("{docname}")), TEXT("\"a/b \"\"c\"\"\""));
     info.FileNameSafe = true;
-    EXPECT_EQ(Fill(TEXT("{docname}")), UnicodeString(TEXT("a\uFF0Fb \uFF02c\uFF02")));
+    EXPECT_EQ(Fill(TEXT("{docname}")), TEXT("a\uFF0Fb \uFF02c\uFF02"));
     EXPECT_EQ(Fill(TEXT("{outfile}")), UnicodeString());
 }
 
 TEST_F(JobTags, DelimitedTagsTakeAnyCaseAndAWidth) {
-    struct {
-        const WCHAR* text;
-        const WCHAR* expected;
-    } const cases[] = {
+    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
         {TEXT("[DocName]"), TEXT("\"Annual report\"")},
         {TEXT("[pageno] [pageno 04] [sn 0008]"), TEXT("3 0003 00000000")},
         {TEXT("[totalpages]"), TEXT("4000000000")},
         {TEXT("<[spoolfile]>"), TEXT("<>")},
-        {TEXT("<[pageno *][pageno n%s]>"), TEXT("<>")},
-    };
-    for (const auto& c : cases) EXPECT_EQ(Tags(c.text), UnicodeString(c.expected));
+        {TEXT("<[pageno *][pageno n%s]>"), TEXT("<>")}};
+    for (const auto& [text, expected] : rows) EXPECT_EQ(Tags(text), expected);
 }
 
 TEST_F(JobTags, WithoutAJobItsTagsAreUnknown) {
     info.Job = nullptr;
-    EXPECT_EQ(Fill(TEXT("{docname}{jobid}{pageno}")), UnicodeString(TEXT("{docname}{jobid}0003")));
+    EXPECT_EQ(Fill(TEXT("{docname}{jobid}{pageno}")), TEXT("{docname}{jobid}0003"));
 }
 
 }  // namespace

@@ -32,9 +32,9 @@ class Installation : public FileTest {
 TEST_F(Installation, WhatIsNotSetHasAFallback) {
     UnicodeString params;
     EXPECT_TRUE(GetInstallPath().IsEmpty());
-    EXPECT_EQ(GetPrinterLanguage(), UnicodeString(TEXT("en")));
-    EXPECT_EQ(GetPrinterLocale(TEXT("One")), UnicodeString(TEXT("gl")));
-    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), UnicodeString(TEXT("qv_post.exe")));
+    EXPECT_EQ(GetPrinterLanguage(), TEXT("en"));
+    EXPECT_EQ(GetPrinterLocale(TEXT("One")), TEXT("gl"));
+    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), TEXT("qv_post.exe"));
     EXPECT_EQ(params, UnicodeString(TEXT("-d {spoolfile} -t {docname} -p {printername} -j {jobid} "
                                          "-a {application}")));
 }
@@ -43,17 +43,17 @@ TEST_F(Installation, APrintersOwnValuesComeFirst) {
     Set(TEXT("DefaultLocale"), TEXT("fr"));
     Set(TEXT("InstallPath"), TEXT("C:\\QV"));
     Set(TEXT("DefaultRasterizer"), TEXT("all.exe"));
-    EXPECT_EQ(GetPrinterLocale(TEXT("One")), UnicodeString(TEXT("fr")));
-    EXPECT_EQ(GetPrinterPost(TEXT("One"), nullptr), UnicodeString(TEXT("C:\\QV\\all.exe")));
+    EXPECT_EQ(GetPrinterLocale(TEXT("One")), TEXT("fr"));
+    EXPECT_EQ(GetPrinterPost(TEXT("One"), nullptr), TEXT("C:\\QV\\all.exe"));
     Set(TEXT("Locale"), TEXT("de"), kPrinterKey);
     Set(TEXT("Rasterizer"), TEXT("D:\\own.exe"), kPrinterKey);
     Set(TEXT("RasterizerParams"), TEXT("{jobid}"), kPrinterKey);
     Set(TEXT("InstallPath"), TEXT("C:\\QV\\"));
     UnicodeString params;
-    EXPECT_EQ(GetPrinterLocale(TEXT("One")), UnicodeString(TEXT("de")));
-    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), UnicodeString(TEXT("D:\\own.exe")));
-    EXPECT_EQ(params, UnicodeString(TEXT("{jobid}")));
-    EXPECT_EQ(GetPrinterPost(TEXT("Two"), nullptr), UnicodeString(TEXT("C:\\QV\\all.exe")));
+    EXPECT_EQ(GetPrinterLocale(TEXT("One")), TEXT("de"));
+    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), TEXT("D:\\own.exe"));
+    EXPECT_EQ(params, TEXT("{jobid}"));
+    EXPECT_EQ(GetPrinterPost(TEXT("Two"), nullptr), TEXT("C:\\QV\\all.exe"));
 }
 
 TEST_F(Installation, TheLogFileIsInThePublicDocumentsOrTheTemporaryFolder) {
@@ -65,7 +65,7 @@ TEST_F(Installation, TheLogFileIsInThePublicDocumentsOrTheTemporaryFolder) {
                   TEXT("orlo.log");
     EXPECT_EQ(GetPrinterLogFile(), expected);
     Set(TEXT("Logfile"), TEXT("Disabled"));
-    EXPECT_EQ(GetPrinterLogFile(), UnicodeString(TEXT("Disabled")));
+    EXPECT_EQ(GetPrinterLogFile(), TEXT("Disabled"));
 }
 
 TEST_F(Installation, TheSystemIsDescribedOnce) {
@@ -82,7 +82,7 @@ TEST_F(Installation, SpoolFilesHaveNamesOfTheirOwn) {
         Mox::GetSessionId());
     EXPECT_EQ(name.SubString(1, lead.Length()), lead);
     EXPECT_EQ(name.Length(), lead.Length() + 16 + 6);
-    EXPECT_EQ(name.SubString(name.Length() - 5, 6), UnicodeString(TEXT(".qvspl")));
+    EXPECT_EQ(name.SubString(name.Length() - 5, 6), TEXT(".qvspl"));
     EXPECT_NE(MakeSpoolFilename(), name);
 }
 
@@ -126,7 +126,7 @@ class Startup : public Installation {
 TEST_F(Startup, AUnitSaysWhoItIs) {
     Start(TEXT("unit"));
     EXPECT_EQ(Logged(), Texts{Started("unit")});
-    EXPECT_EQ(GetLanguage(), UnicodeString(TEXT("de")));
+    EXPECT_EQ(GetLanguage(), TEXT("de"));
     EXPECT_NE(GetXmlRes(), nullptr);
     QVUninitApp(TEXT("unit"));
     EXPECT_EQ(CleanLogger::Logger().refCount, 0);
@@ -155,23 +155,20 @@ TEST_F(Startup, UnitsStopInAnyOrder) {
 }
 
 TEST_F(Startup, TheResourceFileMaySetTheSupportedFields) {
-    const struct {
-        const char* what;
-        const char* content;
-        std::uint32_t fields;
-    } rows[] = {{"a number", "<r><devmode><fields>515</fields></devmode></r>", 515},
-                {"no number", "<r><devmode><fields>all</fields></devmode></r>", 527},
-                {"no element", "<r><devmode/></r>", 77},
-                {"an empty file", "", 77},
-                {"a cut file", "<r><devmode><fields>5", 527},
-                {"a broken file", "<r><devmode><fields a=>5</fields></devmode></r>", 527},
-                {"no characters", "<r>\x80\x80</r>", 77}};
-    for (const auto& row : rows) {
-        const Wide name = Path(Wide(TEXT("res")) + Decimal(static_cast<DWORD>(&row - rows)));
-        MakeFile(name, row.content);
+    const std::pair<const char*, std::uint32_t> rows[] = {
+        {"<r><devmode><fields>515</fields></devmode></r>", 515},
+        {"<r><devmode><fields>all</fields></devmode></r>", 527},
+        {"<r><devmode/></r>", 77},
+        {"", 77},
+        {"<r><devmode><fields>5", 527},
+        {"<r><devmode><fields a=>5</fields></devmode></r>", 527},
+        {"<r>\x80\x80</r>", 77}};
+    for (const auto& [content, fields] : rows) {
+        const Wide name = Path(TEXT("res"));
+        MakeFile(name, content);
         QV_DEVMODE_AvailableFields = 77;
         Start(TEXT("unit"), name);
-        EXPECT_EQ(QV_DEVMODE_AvailableFields, row.fields) << row.what;
+        EXPECT_EQ(QV_DEVMODE_AvailableFields, fields) << content;
         QVUninitApp(TEXT("unit"));
     }
     EXPECT_EQ(Logged().size(), std::size(rows));

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "driver_global/installation.h"
 #include "mox_log/res_strings.h"
@@ -55,24 +57,19 @@ std::string Utf16(const std::string& text) {
 }
 
 TEST_F(Toolkit, TextsAreReadAsTheyAreStored) {
-    const struct {
-        const char* what;
-        DWORD type;
-        std::string bytes;
-        const WCHAR* text;
-    } rows[] = {{"with terminator", REG_SZ, Utf16("abc") + std::string(2, '\0'), TEXT("abc")},
-                {"without terminator", REG_SZ, Utf16("abc"), TEXT("abc")},
-                {"odd byte count", REG_SZ, Utf16("abc") + std::string(3, '\0'), TEXT("abc")},
-                {"odd, without terminator", REG_SZ, Utf16("abc") + "x", TEXT("abc")},
-                {"terminator alone", REG_SZ, std::string(2, '\0'), TEXT("")},
-                {"nothing", REG_SZ, "", TEXT("")},
-                {"one byte", REG_SZ, "x", TEXT("")},
-                {"another type", REG_EXPAND_SZ, Utf16("abc") + std::string(2, '\0'), TEXT("def")}};
-    for (const auto& row : rows) {
-        Store(HKEY_CURRENT_USER, kKey, TEXT("v"), row.type, row.bytes);
+    const std::tuple<const char*, DWORD, std::string, const WCHAR*> rows[] = {
+        {"with terminator", REG_SZ, Utf16("abc") + std::string(2, '\0'), TEXT("abc")},
+        {"without terminator", REG_SZ, Utf16("abc"), TEXT("abc")},
+        {"odd byte count", REG_SZ, Utf16("abc") + std::string(3, '\0'), TEXT("abc")},
+        {"odd, without terminator", REG_SZ, Utf16("abc") + "x", TEXT("abc")},
+        {"terminator alone", REG_SZ, std::string(2, '\0'), TEXT("")},
+        {"nothing", REG_SZ, "", TEXT("")},
+        {"one byte", REG_SZ, "x", TEXT("")},
+        {"another type", REG_EXPAND_SZ, Utf16("abc") + std::string(2, '\0'), TEXT("def")}};
+    for (const auto& [what, type, bytes, text] : rows) {
+        Store(HKEY_CURRENT_USER, kKey, TEXT("v"), type, bytes);
         const HKEY key = Mox::RegOpenToRead(HKEY_CURRENT_USER, kKey);
-        EXPECT_EQ(Mox::RegReadString(key, TEXT("v"), TEXT("def")), UnicodeString(row.text))
-            << row.what;
+        EXPECT_EQ(Mox::RegReadString(key, TEXT("v"), TEXT("def")), text) << what;
         Mox::RegClose(key);
     }
 }
@@ -81,7 +78,7 @@ TEST_F(Toolkit, ValuesOfAnotherTypeAreLogged) {
     const HKEY key = Mox::RegOpenToWrite(HKEY_CURRENT_USER, kKey);
     EXPECT_TRUE(Mox::RegWriteInteger(key, TEXT("number"), 5));
     EXPECT_TRUE(Mox::RegWriteString(key, TEXT("text"), TEXT("a longer text")));
-    EXPECT_EQ(Mox::RegReadString(key, TEXT("number"), TEXT("def")), UnicodeString(TEXT("def")));
+    EXPECT_EQ(Mox::RegReadString(key, TEXT("number"), TEXT("def")), TEXT("def"));
     EXPECT_EQ(Error(), UnicodeString(TEXT("RegQueryValueEx(): Invalid data type(4)\r\n "
                                           "Key=\"number\"")));
     EXPECT_EQ(Mox::RegReadInteger(key, TEXT("text"), 9), 9u);
@@ -100,7 +97,7 @@ TEST_F(Toolkit, WhatIsMissingIsNoError) {
     EXPECT_EQ(Mox::RegOpenToWrite(HKEY_CURRENT_USER, UnicodeString()), nullptr);
     EXPECT_TRUE(Mox::ReadRegistry(HKEY_CURRENT_USER, kKey, TEXT("v")).IsEmpty());
     const HKEY key = Mox::RegOpenToWrite(HKEY_CURRENT_USER, kKey);
-    EXPECT_EQ(Mox::RegReadString(key, TEXT("v"), TEXT("def")), UnicodeString(TEXT("def")));
+    EXPECT_EQ(Mox::RegReadString(key, TEXT("v"), TEXT("def")), TEXT("def"));
     EXPECT_EQ(Mox::RegReadInteger(key, TEXT("v"), 9), 9u);
     Mox::RegClose(key);
     Mox::RegClose(nullptr);
@@ -110,14 +107,12 @@ TEST_F(Toolkit, WhatIsMissingIsNoError) {
 
 TEST_F(Toolkit, WrittenTextsComeBack) {
     EXPECT_TRUE(Mox::WriteRegistry(HKEY_CURRENT_USER, kKey, TEXT("v"), TEXT("text")));
-    EXPECT_EQ(Mox::ReadRegistry(HKEY_CURRENT_USER, kKey, TEXT("v")), UnicodeString(TEXT("text")));
-    const HKEY key = Mox::RegOpenToRead(HKEY_CURRENT_USER, kKey);
-    EXPECT_TRUE(Mox::WriteRegistry(HKEY_CURRENT_USER, UnicodeString(), TEXT("QvTestRoot"),
-                                   UnicodeString()));
-    EXPECT_TRUE(
-        Mox::ReadRegistry(HKEY_CURRENT_USER, UnicodeString(), TEXT("QvTestRoot")).IsEmpty());
+    EXPECT_EQ(Mox::ReadRegistry(HKEY_CURRENT_USER, kKey, TEXT("v")), TEXT("text"));
+    for (const WCHAR* text : {TEXT("x"), TEXT("")}) {
+        EXPECT_TRUE(Mox::WriteRegistry(HKEY_CURRENT_USER, TEXT(""), TEXT("QvTestRoot"), text));
+        EXPECT_EQ(Mox::ReadRegistry(HKEY_CURRENT_USER, TEXT(""), TEXT("QvTestRoot")), text);
+    }
     RegDeleteValueW(HKEY_CURRENT_USER, TEXT("QvTestRoot"));
-    Mox::RegClose(key);
 }
 
 TEST_F(Toolkit, AFailedWriteIsLogged) {
@@ -153,14 +148,14 @@ TEST_F(Toolkit, SettingsAreSearchedInFourPlaces) {
     const UnicodeString printer = UnicodeString(kPrintersKey) + TEXT("\\One");
     const auto find = [](const WCHAR* section) { return GetRegistrySetting(section, TEXT("v")); };
     Store(HKEY_LOCAL_MACHINE, kProductKey, TEXT("v"), REG_SZ, Utf16("machine"));
-    EXPECT_EQ(find(TEXT("One")), UnicodeString(TEXT("machine")));
+    EXPECT_EQ(find(TEXT("One")), TEXT("machine"));
     Store(HKEY_LOCAL_MACHINE, printer, TEXT("v"), REG_SZ, Utf16("machine's printer"));
-    EXPECT_EQ(find(TEXT("One")), UnicodeString(TEXT("machine's printer")));
-    EXPECT_EQ(find(TEXT("")), UnicodeString(TEXT("machine")));
+    EXPECT_EQ(find(TEXT("One")), TEXT("machine's printer"));
+    EXPECT_EQ(find(TEXT("")), TEXT("machine"));
     Store(HKEY_CURRENT_USER, kProductKey, TEXT("v"), REG_SZ, Utf16("user"));
-    EXPECT_EQ(find(TEXT("One")), UnicodeString(TEXT("user")));
+    EXPECT_EQ(find(TEXT("One")), TEXT("user"));
     Store(HKEY_CURRENT_USER, printer, TEXT("v"), REG_EXPAND_SZ, Utf16("skipped"));
-    EXPECT_EQ(find(TEXT("One")), UnicodeString(TEXT("user")));
+    EXPECT_EQ(find(TEXT("One")), TEXT("user"));
     Store(HKEY_CURRENT_USER, printer, TEXT("v"), REG_SZ, "");
     EXPECT_EQ(find(TEXT("One")), UnicodeString());
     EXPECT_EQ(GetRegistrySetting(TEXT("One"), TEXT("absent")), UnicodeString());
@@ -180,30 +175,30 @@ TEST_F(Toolkit, RegisteredTextsAreLookedUpAfresh) {
     EXPECT_TRUE(id.IsEmpty());
     EXPECT_EQ(UnicodeString(id), UnicodeString());
     EXPECT_EQ(CleanLogger::Logger().RegResString(TEXT("log_file"), 20, TEXT("text")), 20u);
+    EXPECT_TRUE(Error().IsEmpty());
     EXPECT_EQ(Mox::ReadRegistry(HKEY_CURRENT_USER, TEXT("Software\\MOX\\log_file"), TEXT("0014")),
-              UnicodeString(TEXT("text")));
-    EXPECT_EQ(id.AsString(), UnicodeString(TEXT("text")));
+              TEXT("text"));
+    EXPECT_EQ(id.AsString(), TEXT("text"));
     const WCHAR* text = id.w_str();
     CleanLogger::Logger().RegResString(TEXT("log_file"), 20, TEXT("other"));
-    EXPECT_EQ(UnicodeString(text), UnicodeString(TEXT("text")));
+    EXPECT_EQ(UnicodeString(text), TEXT("text"));
     CleanLogger::Logger().resStringProc = [](void*, UnicodeString domain, DWORD number,
                                              UnicodeString* result) {
         if (number == 20) *result = domain + TEXT("!");
     };
-    EXPECT_EQ(id.AsString(), UnicodeString(TEXT("log_file!")));
+    EXPECT_EQ(id.AsString(), TEXT("log_file!"));
 }
 
 TEST_F(Toolkit, ConversionsAreExtractedInOrder) {
-    const struct {
-        const WCHAR *format, *found;
-    } rows[] = {{TEXT("100%% of %d"), TEXT("%d")},
-                {TEXT("%-08.3lf|%*d"), TEXT("%-08.3lf%*d")},
-                {TEXT("%s(handle=0x%x, offset=0x%x) failed: \" %s \""), TEXT("%s%x%x%s")},
-                {TEXT("%d then %-5"), TEXT("%d")},
-                {TEXT("%"), TEXT("")},
-                {TEXT(""), TEXT("")}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(Mox::ExtractFormatStrings(row.format), UnicodeString(row.found));
+    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
+        {TEXT("100%% of %d"), TEXT("%d")},
+        {TEXT("%-08.3lf|%*d"), TEXT("%-08.3lf%*d")},
+        {TEXT("%s(handle=0x%x, offset=0x%x) failed: \" %s \""), TEXT("%s%x%x%s")},
+        {TEXT("%d then %-5"), TEXT("%d")},
+        {TEXT("%"), TEXT("")},
+        {TEXT(""), TEXT("")}};
+    for (const auto& [format, found] : rows) {
+        EXPECT_EQ(Mox::ExtractFormatStrings(format), found) << test::Shown(format);
     }
 }
 
