@@ -45,6 +45,10 @@ class SpoolerQueries : public testing::Test {
         return false;
     }
 
+    void ExpectErrors(std::initializer_list<const WCHAR*> lines) const {
+        for (const WCHAR* line : lines) EXPECT_TRUE(log_.Has('X', line)) << test::Shown(line);
+    }
+
     test::FreshHostRoot root_;
     test::TestPrinters printers_;
     test::CapturedLog log_;
@@ -76,13 +80,10 @@ TEST_F(SpoolerQueries, AMissingPrinterIsAnErrorEverywhere) {
     EXPECT_EQ(GetPrinterDevMode(missing).GetErrorCode(), 1801u);
     EXPECT_EQ(GetGlobalDevMode(missing).GetErrorCode(), 1801u);
     EXPECT_EQ(SetGlobalDevMode(missing, nullptr, nullptr).GetErrorCode(), 1801u);
-    for (const WCHAR* line :
-         {TEXT("[GetPrinterInfo2(\"QV No Such Printer\")] OpenPrinter() failed: [1801]"),
-          TEXT("[GetPrinterDevMode(\"QV No Such Printer\")] GetPrinterInfo2() failed."),
-          TEXT("[GetGlobalDevMode('QV No Such Printer')] OpenPrinter failed: [1801]"),
-          TEXT("[SetGlobalDevMode('QV No Such Printer')] OpenPrinter failed: [1801]")}) {
-        EXPECT_TRUE(log_.Has('X', line)) << testing::PrintToString(UnicodeString(line));
-    }
+    ExpectErrors({TEXT("[GetPrinterInfo2(\"QV No Such Printer\")] OpenPrinter() failed: [1801]"),
+                  TEXT("[GetPrinterDevMode(\"QV No Such Printer\")] GetPrinterInfo2() failed."),
+                  TEXT("[GetGlobalDevMode('QV No Such Printer')] OpenPrinter failed: [1801]"),
+                  TEXT("[SetGlobalDevMode('QV No Such Printer')] OpenPrinter failed: [1801]")});
 }
 
 TEST_F(SpoolerQueries, ABadHandleIsLoggedWithItsNumber) {
@@ -90,12 +91,9 @@ TEST_F(SpoolerQueries, ABadHandleIsLoggedWithItsNumber) {
     EXPECT_FALSE(GetPrinterInfo2(bad).IsSuccess());
     EXPECT_FALSE(GetJobInfo2(bad, 7).IsSuccess());
     EXPECT_FALSE(GetPrintersJobs(bad, 1).IsSuccess());
-    for (const WCHAR* line :
-         {TEXT("[GetPrinterInfo2(xABCD0)] GetPrinter() raised unexpected error: ["),
-          TEXT("[GetJobInfo(xABCD0,7)] Unexpected GetJob(NULL) result: ["),
-          TEXT("[GetPrintersJobs] EnumJobsW(NULL) failed: [")}) {
-        EXPECT_TRUE(log_.Has('X', line)) << testing::PrintToString(UnicodeString(line));
-    }
+    ExpectErrors({TEXT("[GetPrinterInfo2(xABCD0)] GetPrinter() raised unexpected error: ["),
+                  TEXT("[GetJobInfo(xABCD0,7)] Unexpected GetJob(NULL) result: ["),
+                  TEXT("[GetPrintersJobs] EnumJobsW(NULL) failed: [")});
 }
 
 TEST_F(SpoolerQueries, NoJobsIsAnEmptyAnswer) {
@@ -122,9 +120,11 @@ TEST_F(SpoolerQueries, AMonitorByNameIsSelfContained) {
 }
 
 TEST_F(SpoolerQueries, PrinterDataIsText) {
-    printers_.SetPrinterText(kFax, TEXT("Tray"), TEXT("Upper"));
     const System::TPrinterHandle printer = Open(kFax);
-    EXPECT_EQ(ReadPrinterData(printer.Get(), TEXT("Tray")), TEXT("Upper"));
+    for (const WCHAR* text : {TEXT("Upper"), TEXT("x"), TEXT("")}) {
+        printers_.SetPrinterText(kFax, TEXT("Tray"), text);
+        EXPECT_EQ(ReadPrinterData(printer.Get(), TEXT("Tray")), text);
+    }
     EXPECT_TRUE(log_.Entries().empty());
     EXPECT_TRUE(ReadPrinterData(printer.Get(), TEXT("None")).IsEmpty());
     EXPECT_TRUE(log_.Has('X', TEXT("GetPrinterDataW(Key=None): [2]")));

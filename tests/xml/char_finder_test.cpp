@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "xml/xml_test.h"
 
@@ -23,33 +24,26 @@ class TOpenFinder : public TAsciiCharFinder {
 };
 
 TEST(CharFinder, TheCodePageComesFromMarkWishOrContent) {
-    const struct {
-        std::string bytes;
-        int wanted;
-        int code_page;
-        int position;
-    } rows[] = {
-        {"<a/>", 0, 20127, 0},
-        {"<a/>", 65001, 65001, 0},
-        {"<a/>", 1252, 1252, 0},
-        {"\xEF\xBB\xBF<a/>", 0, 65001, 3},
-        {"\xFF\xFE<\0"s, 65001, 1200, 2},
-        {"\xFE\xFF\0<"s, 0, 1201, 2},
-        {"\xFF\xFE\0\0<\0\0\0"s, 0, 12000, 4},
-        {"\0\0\xFE\xFF\0\0\0<"s, 0, 12001, 4},
-        {"<\0a\0"s, 0, 1200, 0},
-        {"<\0a"s, 0, 20127, 0},
-        {"\0<\0a"s, 20127, 1201, 0},
-        {"<\0\0\0a\0\0\0"s, 0, 12000, 0},
-        {"\0\0\0<\0\0\0a"s, 0, 12001, 0},
-        {"<\0\0\0a\0\0"s, 0, 20127, 0},
-        {"", 0, 20127, 0},
-    };
-    for (const auto& row : rows) {
-        TOpenFinder finder(row.bytes);
-        finder.CheckCodePage(static_cast<TCodePage>(row.wanted));
-        EXPECT_EQ(finder.CodePage(), row.code_page);
-        EXPECT_EQ(finder.Position(), row.position) << row.code_page;
+    const std::tuple<std::string, int, int, int> rows[] = {{"<a/>", 0, 20127, 0},
+                                                           {"<a/>", 65001, 65001, 0},
+                                                           {"<a/>", 1252, 1252, 0},
+                                                           {"\xEF\xBB\xBF<a/>", 0, 65001, 3},
+                                                           {"\xFF\xFE<\0"s, 65001, 1200, 2},
+                                                           {"\xFE\xFF\0<"s, 0, 1201, 2},
+                                                           {"\xFF\xFE\0\0<\0\0\0"s, 0, 12000, 4},
+                                                           {"\0\0\xFE\xFF\0\0\0<"s, 0, 12001, 4},
+                                                           {"<\0a\0"s, 0, 1200, 0},
+                                                           {"<\0a"s, 0, 20127, 0},
+                                                           {"\0<\0a"s, 20127, 1201, 0},
+                                                           {"<\0\0\0a\0\0\0"s, 0, 12000, 0},
+                                                           {"\0\0\0<\0\0\0a"s, 0, 12001, 0},
+                                                           {"<\0\0\0a\0\0"s, 0, 20127, 0},
+                                                           {"", 0, 20127, 0}};
+    for (const auto& [bytes, wanted, code_page, position] : rows) {
+        TOpenFinder finder(bytes);
+        finder.CheckCodePage(static_cast<TCodePage>(wanted));
+        EXPECT_EQ(finder.CodePage(), code_page);
+        EXPECT_EQ(finder.Position(), position) << code_page;
     }
 }
 

@@ -58,6 +58,7 @@ TEST(XmlPlace, EveryFaultHasItsReason) {
         {"<!-- -->", "there is no element"},
     };
     for (const auto& row : rows) EXPECT_EQ(Reason(row.input), row.reason) << row.input;
+    EXPECT_EQ(Reason(Wide(u"\xFEFF<a>", true)), "'a' has no end tag (opened at line 1, column 1)");
     EXPECT_EQ(Describe("<a/>"), "");
 }
 

@@ -95,18 +95,14 @@ TEST(XmlWriter, ADocumentThatCannotBeDeclaredIsNotWritten) {
 
 TEST(XmlWriter, TheEncodingOfAStreamFollowsTheCodePage) {
     const UnicodeString text(TEXT("a\xE9\x20AC"));
-    const struct {
-        int code_page;
-        std::string bytes;
-    } rows[] = {{65001, "a\xC3\xA9\xE2\x82\xAC"},
-                {0, "a\xC3\xA9\xE2\x82\xAC"},
-                {1200, "a\0\xE9\0\xAC\x20"s},
-                {1252, ""}};
-    for (const auto& row : rows) {
+    const std::pair<int, std::string> rows[] = {{65001, "a\xC3\xA9\xE2\x82\xAC"},
+                                                {0, "a\xC3\xA9\xE2\x82\xAC"},
+                                                {1200, "a\0\xE9\0\xAC\x20"s},
+                                                {1252, ""}};
+    for (const auto& [code_page, bytes] : rows) {
         Classes::TMemoryStream stream;
-        const int size =
-            UnicodeStringToStream(&stream, text, static_cast<TCodePage>(row.code_page));
-        EXPECT_EQ(Bytes(stream, size), row.bytes) << row.code_page;
+        const int size = UnicodeStringToStream(&stream, text, static_cast<TCodePage>(code_page));
+        EXPECT_EQ(Bytes(stream, size), bytes) << code_page;
         EXPECT_EQ(stream.GetSize(), size);
     }
 }
@@ -151,21 +147,11 @@ TEST(XmlWriter, ALongTextIsWrittenWhole) {
 std::string Escaped(const UnicodeString& text) {
     std::string out;
     for (const char octet : Utf8(text)) {
-        switch (octet) {
-            case '<':
-                out += "&lt;";
-                break;
-            case '&':
-                out += "&amp;";
-                break;
-            case '\'':
-                out += "&apos;";
-                break;
-            case '\r':
-                break;
-            default:
-                out += octet;
-        }
+        if (octet == '\r') continue;
+        out += octet == '<'    ? "&lt;"
+               : octet == '&'  ? "&amp;"
+               : octet == '\'' ? "&apos;"
+                               : std::string(1, octet);
     }
     return out;
 }
