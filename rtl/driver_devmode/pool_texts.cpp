@@ -33,13 +33,13 @@ std::vector<UnicodeString> TextsWithoutRoom(const TQVDM& settings) {
         const int length = (settings.*row.text).Length();
         if (length == 0) continue;
         if (first_left_out != nullptr) {
-            sentences.push_back(Sysutils::UnicodePrintf(
-                TEXT("%s is empty now, because %s has no room"), row.name, first_left_out));
+            sentences.push_back(Sysutils::UnicodePrintf(TEXT("%s has no room behind %s"), row.name,
+                                                        first_left_out));
         } else if (length + 1 > room) {
             first_left_out = row.name;
             sentences.push_back(Sysutils::UnicodePrintf(
-                TEXT("%s has no room: its text has %d characters, %d are left. It is empty now"),
-                row.name, length, room > 0 ? room - 1 : 0));
+                TEXT("%s has no room: its text has %d characters, %d are left"), row.name, length,
+                room > 0 ? room - 1 : 0));
         } else {
             room -= length + 1;
         }

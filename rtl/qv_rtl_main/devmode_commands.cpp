@@ -1,5 +1,6 @@
 #include "qv_rtl_main/devmode_commands.h"
 
+#include "driver_devmode/pool_texts.h"
 #include "driver_devmode/qvdm.h"
 #include "driver_global/installation.h"
 #include "mox_classes/text/sys_error.h"
@@ -175,6 +176,7 @@ int CmdSetDevMode(TStrings* items, UnicodeString& result) {
     const int status = ReadSettings(printer, settings, result);
     if (status < 0) return status;
 
+    const driver_devmode::TDamagedTexts damaged(settings.wrapper);
     qv_rtl_main::TKeyedChanges changes(settings.wrapper);
     TTarget wanted;
     int understood = 0;
@@ -189,6 +191,8 @@ int CmdSetDevMode(TStrings* items, UnicodeString& result) {
     }
     SetTarget(wanted, settings.wrapper.Target);
     changes.Finish();
+    for (const UnicodeString& text : damaged.Replaced(settings.wrapper))
+        result += text + TEXT(".\r\n");
 
     if (!settings.wrapper.Encode()) {
         result += TEXT("Cannot encode the QV_DEVMODE extra data\r\n");

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "driver_devmode/field_check.h"
+#include "driver_devmode/pool_texts.h"
 #include "mox_classes/containers/streams.h"
 #include "qv_rtl_main/request_vocabulary.h"
 #include "qv_rtl_main/xml_request_load.h"
@@ -240,7 +241,8 @@ void TChecker::CheckField(TQVDM& scratch, TView group, const TXmlNode& leaf) {
             return SayOf(leaf, TEXT("the value of ") + Quoted(name) +
                                    TEXT(" does not last: set 'DeviceName' or 'FormName'"));
         case TFieldCheck::NoRoom:
-            return say(TEXT("the texts together are longer than the settings have room for"));
+            for (const UnicodeString& text : driver_devmode::TextsWithoutRoom(scratch)) say(text);
+            return;
     }
 }
 

@@ -65,9 +65,9 @@ void UpdateSettings(const UnicodeString& name, TXmlNode& changes, TXmlNode& resp
     for (const UnicodeString& text : damaged.Replaced(settings))
         SetText(messages.Warning(text), TEXT("printer"), name);
     for (const UnicodeString& text : driver_devmode::TextsWithoutRoom(settings))
-        SetText(messages.Error(text), TEXT("printer"), name);
-    // The request may have changed the sizes that the block states.
-    if (!settings.StatedSizeFits()) {
+        SetText(messages.Error(text + TEXT(". It is empty now")), TEXT("printer"), name);
+    // The request may have changed the sizes that the block states, or its identifier.
+    if (!settings.StatedSizeFits() || !settings.GetDM()->IsValid()) {
         failed(TEXT("Cannot set global DEVMODE"), ERROR_INVALID_DATA);
         return;
     }

@@ -78,7 +78,12 @@ TEST_F(FieldMap, ValuesAreTakenByNameByPrefixedNameAndByNumberInTheirRange) {
         {"exIPO.Contrast", "128", "-", "-128"},
         {"exIPO.CriticalZone", "255,256", "-", "255,137"},
         {"dmLogPixels", "65535", "0", "65535"},
-        {"dmLogPixels", "65536", "-", "65535"}};
+        {"dmLogPixels", "65536", "-", "65535"},
+        {"dmSize", "77", "-", "220"},
+        {"dmSize", "221", "220", "221"},
+        {"dmDriverExtra", "4179", "-", "4180"},
+        {"exVersion", "260", "-", "263"},
+        {"exVersion", "261", "263", "261"}};
     for (const auto& [name, value, previous, now] : rows) {
         EXPECT_EQ(Set(name, value), previous) << name << "=" << value;
         EXPECT_EQ(Now(name), now) << name << "=" << value;

@@ -119,6 +119,18 @@ TEST_F(Commands, MainSettingsGoOutAndIn) {
                          "\tCallApp\t0\tDefaultSaveFile\ta b.tif\tDefaultSaveDir\tc:\\faxes"));
 }
 
+TEST_F(Commands, ADamagedTextThatGetsItsDefaultIsReported) {
+    test::Bytes block(sizeof(QV_DEVMODE));
+    const QV_DEVMODE fresh;
+    std::memcpy(block.data(), static_cast<const void*>(&fresh), block.size());
+    reinterpret_cast<QV_DEVMODE*>(block.data())->exRun.TargetOffset = -1;
+    printers_.SetUserDevMode(kFax.t_str(), block);
+    Set(TEXT("mode|1"));
+    EXPECT_EQ(text, TEXT("The stored text of exRun.Target was damaged. Its default \"\" takes its "
+                         "place.\r\n"));
+    EXPECT_EQ(Stored().exDialog.Mode, 1);
+}
+
 TEST_F(Commands, AnUnknownKeywordIsReportedAndTheRestStored) {
     EXPECT_EQ(Set(TEXT("mode|1|colour|red")), 44);
     EXPECT_EQ(text, TEXT("Unsupported keyword 'colour' was detected.\r\n"));

@@ -392,11 +392,13 @@ TEST_F(XmlPrinterRequest, AForeignBlockIsReplacedByTheProductsDefaults) {
 TEST_F(XmlPrinterRequest, ABlockThatLiesAboutItsSizeIsNotStored) {
     printers_.InstallPrinter(TEXT("QV One"));
     printers_.SetUserDevMode(TEXT("QV One"), ProductBlock());
-    Ask("<update><printer><name>QV One</name><devmode><dmDriverExtra>60000</dmDriverExtra>"
-        "</devmode></printer></update>");
-    EXPECT_EQ(Children(), "printer message ");
-    EXPECT_EQ(Text(TEXT("message\\error")), "Cannot set global DEVMODE");
-    EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Code")), "13");
+    for (const char* change : {"<dmDriverExtra>60000</dmDriverExtra>", "<exID>other</exID>"}) {
+        Ask("<update><printer><name>QV One</name><devmode><dmCopies>2</dmCopies>" +
+            std::string(change) + "</devmode></printer></update>");
+        EXPECT_EQ(Children(), "printer message ");
+        EXPECT_EQ(Text(TEXT("message\\error")), "Cannot set global DEVMODE");
+        EXPECT_EQ(Attribute(TEXT("message\\error"), TEXT("W32Code")), "13");
+    }
     AskPrinters(test::kProductDriver);
     EXPECT_EQ(Text(TEXT("printer\\devmode\\dmCopies")), "1");
 }
