@@ -1,4 +1,4 @@
-// registry_kills_linux KILLS: kills a process KILLS times at random moments while it writes a value
+// kill-registry: kills a process KILLS times at random moments while it writes a value
 // of the registry of this host, beside another process that writes one. Afterwards the value is the
 // one before or the one that was being written, whole; the other values are what they were; nothing
 // is left over and nobody stays locked out.
@@ -10,7 +10,8 @@
 #include <random>
 #include <vector>
 
-#include "crowd.h"
+#include "processes.h"
+#include "verbs.h"
 
 namespace {
 
@@ -190,12 +191,8 @@ class TCampaign {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    const int kills = argc == 2 ? std::atoi(argv[1]) : 0;
-    if (kills < 1 || std::getenv("QV_HOST_ROOT") == nullptr) {
-        std::fputs("usage: QV_HOST_ROOT=FOLDER registry_kills_linux KILLS\n", stderr);
-        return 2;
-    }
-    TCampaign(static_cast<std::uint32_t>(kills)).Run();
+int stress::KillRegistry(const TArguments& arguments) {
+    if (std::getenv("QV_HOST_ROOT") == nullptr) Fail("QV_HOST_ROOT is not set");
+    TCampaign(static_cast<std::uint32_t>(std::stoul(arguments[0]))).Run();
     return 0;
 }

@@ -18,6 +18,10 @@ namespace stress {
 inline constexpr std::uint32_t kLargestBlock = 1500;
 // No slot of a numbered record is longer.
 inline constexpr std::uint32_t kLargestSlot = kLargestBlock + 150;
+// For a run with other records, set before its processes start: the largest block of a record, and
+// whether all have a block of that size.
+inline std::uint32_t largest_block = kLargestBlock;
+inline bool equal_blocks = false;
 
 struct TNumber {
     std::uint32_t writer = 0;
@@ -34,8 +38,8 @@ inline std::uint64_t Scramble(std::uint64_t x) {
 // Mostly what a line of a log carries, now and then much more, sometimes nothing.
 inline std::vector<std::uint8_t> BlockOf(TNumber n) {
     std::uint64_t state = Scramble(std::uint64_t{n.writer} << 32 | n.number);
-    const std::uint32_t bound = state % 16 == 0 ? kLargestBlock : 200;
-    std::vector<std::uint8_t> block((state >> 8) % (bound + 1));
+    const std::uint32_t bound = state % 16 == 0 ? largest_block : std::min(200U, largest_block);
+    std::vector<std::uint8_t> block(equal_blocks ? largest_block : (state >> 8) % (bound + 1));
     for (std::size_t at = 0; at < block.size(); at += sizeof(state)) {
         state = Scramble(state);
         std::memcpy(block.data() + at, &state, std::min(sizeof(state), block.size() - at));

@@ -1,9 +1,11 @@
-// Prints the text of every record of a log file, one a line; fails when the reader skipped
+// texts: prints the text of every record of a log file, one a line; fails when the reader skipped
 // anything.
-//   log_texts FILE
 #include <cstdio>
 
 #include "log_file/log_reader.h"
+#include "verbs.h"
+
+namespace stress {
 
 namespace {
 
@@ -14,10 +16,9 @@ void PrintLine(const UnicodeString& text) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 2) return 2;
+int Texts(const TArguments& arguments) {
     Mox::TLogReader reader;
-    if (!reader.Open(argv[1])) {
+    if (!reader.Open(arguments[0].c_str())) {
         PrintLine(reader.Error());
         return 1;
     }
@@ -25,3 +26,5 @@ int main(int argc, char** argv) {
     for (int i = 0; i < reader.SkipCount(); ++i) PrintLine(reader.Skip(i).reason);
     return reader.SkipCount() == 0 ? 0 : 1;
 }
+
+}  // namespace stress

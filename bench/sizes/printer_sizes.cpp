@@ -1,4 +1,4 @@
-// many_printers_linux FOLDER COUNT...: for each COUNT makes a host root with so many printers, each
+// printer_sizes FOLDER COUNT...: for each COUNT makes a host root with so many printers, each
 // with settings of the current user, their keys in no order, and answers a query for all of them.
 // Prints the processor time per printer of the first query, which reads the registry, and of a
 // second one. Fails when a printer of a larger machine takes more than twice the time of one of the
@@ -83,7 +83,7 @@ double Query(const std::filesystem::path& folder, const std::string& name, int c
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: many_printers_linux FOLDER COUNT...\n", stderr);
+        std::fputs("usage: printer_sizes FOLDER COUNT...\n", stderr);
         return 2;
     }
     const std::filesystem::path folder = argv[1];

@@ -9,9 +9,9 @@
 #include <cstdint>
 #include <string>
 
-#include "crowd.h"
 #include "log_file/log_format.h"
 #include "numbered_records.h"
+#include "processes.h"
 
 namespace stress {
 
@@ -52,6 +52,12 @@ class TWriterState {
         const std::uint64_t took = Now() - began;
         if (took > longest_.load()) longest_.store(took);
         returned_.store(before << kNumberBits | number);
+    }
+
+    // For a writer that has ended: its last record.
+    void HasLogged(std::uint32_t number) {
+        started_.store(number);
+        returned_.store(number);
     }
 
     std::uint32_t Started() const { return started_.load(); }

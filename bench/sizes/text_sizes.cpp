@@ -1,4 +1,4 @@
-// sizes_linux TEXT_UNITS LIST_ITEMS FOLDER: does what the library does with texts and lists to ones
+// text_sizes TEXT_UNITS LIST_ITEMS FOLDER: does what the library does with texts and lists to ones
 // of a quarter of these sizes and of these sizes, and prints the processor time of each. Fails when
 // four times as much takes more than nine times as long: linear work takes four times, quadratic
 // sixteen. Then asks for what lies beyond the limits of strings, lists and streams.
@@ -221,7 +221,7 @@ void Limits(const std::filesystem::path& folder) {
 
 int main(int argc, char** argv) {
     if (argc != 4) {
-        std::fputs("usage: sizes_linux TEXT_UNITS LIST_ITEMS FOLDER\n", stderr);
+        std::fputs("usage: text_sizes TEXT_UNITS LIST_ITEMS FOLDER\n", stderr);
         return 2;
     }
     const int units = std::atoi(argv[1]);

@@ -1,4 +1,4 @@
-// held_lock_linux FOLDER: stops a process in the middle of an append, while it holds the lock of
+// hold: stops a process in the middle of an append, while it holds the lock of
 // the log's header, and watches what others can do: a process whose threads log and work, one that
 // reads the log, one that starts, and one that ends. Then the stopped process goes on, and in a
 // second round it is killed; either way everybody must go on, and no record may be lost.
@@ -11,12 +11,12 @@
 #include <memory>
 #include <thread>
 
-#include "crowd.h"
 #include "driver_global/installation.h"
 #include "log_file/log_recorder.h"
 #include "mox_log/registry.h"
 #include "qv_rtl_c.h"
 #include "ring_check.h"
+#include "verbs.h"
 
 namespace {
 
@@ -128,28 +128,9 @@ class TRound {
         return logged;
     }
 
-    bool IsLocked() const {
-        const int fd = open(file_.c_str(), O_RDWR | O_CLOEXEC);
-        struct flock header = {};
-        header.l_type = F_WRLCK;
-        header.l_whence = SEEK_SET;
-        header.l_len = Mox::kHeaderSize;
-        const bool asked = fcntl(fd, F_OFD_GETLK, &header) == 0;
-        close(fd);
-        return asked && header.l_type != F_UNLCK;
-    }
-
-    // The lock that is held while nobody but the stopped process holds one for long is its lock.
     int StopWhileItHolds(pid_t holder) {
         for (int tries = 1; tries < 100000; ++tries) {
-            kill(holder, SIGSTOP);
-            int status = 0;
-            waitpid(holder, &status, WUNTRACED);
-            const std::uint64_t until = Now() + 20000;
-            while (IsLocked()) {
-                if (Now() > until) return tries;
-                SleepFor(200);
-            }
+            if (StopsInTheLock(holder, file_)) return tries;
             kill(holder, SIGCONT);
             SleepFor(static_cast<std::uint64_t>(tries * 7919 % 500));
         }
@@ -175,7 +156,7 @@ class TRound {
     pid_t StartProgram(const char* what) {
         return Start([&] {
             const std::string go = folder_ + "/leave";
-            execl("/proc/self/exe", "held_lock_linux", what, go.c_str(), nullptr);
+            execl("/proc/self/exe", "crowd", "hold", what, go.c_str(), nullptr);
             Fail("no program");
         });
     }
@@ -220,7 +201,7 @@ class TRound {
 };
 
 // A process that lives until the file `go` exists, while another of its threads logs.
-int Leave(const char* go) {
+int Leave(const std::string& go) {
     std::thread([] {
         while (true) {
             Mox::GetLogger()->Log('i', TEXT("leaver"), 1, TEXT("text"), UnicodeString(), nullptr,
@@ -234,14 +215,9 @@ int Leave(const char* go) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    const std::string what = argc < 2 ? "" : argv[1];
-    if (argc == 3 && what == "start") return 0;
-    if (argc == 3 && what == "leave") return Leave(argv[2]);
-    if (argc != 2) {
-        std::fputs("usage: held_lock_linux FOLDER\n", stderr);
-        return 2;
-    }
+int stress::Hold(const TArguments& arguments) {
+    const std::string& what = arguments[0];
+    if (arguments.size() == 2) return what == "leave" ? Leave(arguments[1]) : 0;
     const std::string file = what + "/shared.log";
     Mox::WriteRegistry(HKEY_LOCAL_MACHINE, kProduct, TEXT("Logfile"), file.c_str());
     for (const bool ends : {false, true}) {

@@ -1,4 +1,4 @@
-// xml_sizes_linux ITEMS TEXT_BYTES: parses, saves and destroys XML of a quarter of these sizes and
+// xml_sizes ITEMS TEXT_BYTES: parses, saves and destroys XML of a quarter of these sizes and
 // of these sizes - nesting, attributes, children, one text - and prints the processor time of each.
 // Fails when the cost does not grow with the size only, or when a tree is not what it must be.
 // Meant for a small stack.
@@ -135,7 +135,7 @@ void Limits() {
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::fputs("usage: xml_sizes_linux ITEMS TEXT_BYTES\n", stderr);
+        std::fputs("usage: xml_sizes ITEMS TEXT_BYTES\n", stderr);
         return 2;
     }
     const int items = std::atoi(argv[1]);

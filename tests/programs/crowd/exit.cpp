@@ -1,5 +1,6 @@
-// exit_orders ORDER: logs the texts "ORDER:1" to "ORDER:100" and ends in the way that ORDER names,
-// while the library is loaded, its units are connected and threads may be inside it.
+// exit: logs the texts "ORDER:1" to "ORDER:100" and ends in the way that ORDER names,
+// while the library is loaded, its units are connected and threads may be inside it. Without an
+// ORDER it lists them.
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/logger.h"
 #include "qv_rtl_c.h"
+#include "verbs.h"
 
 namespace {
 
@@ -23,7 +25,9 @@ void Log(const UnicodeString& text) {
 
 // Uses the library when the program's own objects are destroyed.
 struct TLateUser {
-    ~TLateUser() { Use(); }
+    ~TLateUser() {
+        if (*order != '\0') Use();
+    }
     static void Use() {
         WCHAR result[100];
         DoCommandW(TEXT("getdevmode\tprintername\tlate"), result, 99);
@@ -103,16 +107,17 @@ const TOrder kOrders[] = {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int stress::End(const TArguments& arguments) {
     for (const TOrder& known : kOrders) {
-        if (argc != 2 || std::strcmp(known.name, argv[1]) != 0) continue;
-        order = known.name;
-        for (int i = 1; i <= 100; ++i) {
-            Log(Sysutils::UnicodePrintf(TEXT("%s:%d"), UnicodeString(order), i));
+        if (arguments.empty()) {
+            std::puts(known.name);
+        } else if (arguments[0] == known.name) {
+            order = known.name;
+            for (int i = 1; i <= 100; ++i)
+                Log(Sysutils::UnicodePrintf(TEXT("%s:%d"), UnicodeString(order), i));
+            known.end();
+            return 0;
         }
-        known.end();
-        return 0;
     }
-    for (const TOrder& known : kOrders) std::puts(known.name);
-    return argc == 1 ? 0 : 2;
+    return arguments.empty() ? 0 : 2;
 }

@@ -1,8 +1,7 @@
-// log_kills_linux FOLDER KILLS: kills a process KILLS times at random moments while its two threads
-// append to a log file that two other processes append to as well and a third one reads. After each
-// kill the others go on, and the file must hold every record whose Log call had returned, except
-// those that are older than all that it holds. One more kill for each twenty falls on a process
-// that creates its file.
+// kill-log: kills a process at random moments while its two threads append to a log file that other
+// processes append to as well and one more reads. After each kill the others go on, and the file
+// must hold every record whose Log call had returned, except those that are older than all that it
+// holds. One more kill for each twenty falls on a process that creates its file.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -10,22 +9,28 @@
 #include <random>
 #include <thread>
 
-#include "crowd.h"
-
 #include "log_file/log_recorder.h"
 #include "ring_check.h"
+#include "verbs.h"
 
 namespace {
 
 using namespace stress;
 
-constexpr DWORD kLimit = 64 << 10;
-constexpr std::uint32_t kSteady = 2;
 constexpr std::uint32_t kThreads = 2;  // of the process that is killed
 constexpr std::uint32_t kPerLife = kThreads + 1;
 // Dead writers that are looked at after each kill: more than have left records in the ring.
 constexpr std::uint32_t kWindow = 1500;
 constexpr std::uint64_t kSmallestSize = 50;  // of a slot with a numbered record
+
+// What the command line asks for.
+struct TPlan {
+    std::uint32_t kills = 300;
+    DWORD ring = 64 << 10;      // bytes
+    std::uint32_t writers = 2;  // that are not killed
+    bool held = false;          // nine kills in ten while the victim holds the log's lock
+    std::uint32_t seed = 0;     // 0: another one each time
+};
 
 struct TShared {
     std::atomic<bool> stop{false};
@@ -36,8 +41,8 @@ struct TShared {
 // A log file that the process appends to.
 class TOpenLog {
   public:
-    explicit TOpenLog(const std::string& file) {
-        if (!recorder_.Open(file.c_str(), kLimit)) Fail("the log does not open");
+    TOpenLog(const std::string& file, DWORD ring) {
+        if (!recorder_.Open(file.c_str(), ring)) Fail("the log does not open");
         Mox::SetLogRecorder(&recorder_);
         counter_ = std::make_unique<TCounter>(file);
     }
@@ -50,17 +55,21 @@ class TOpenLog {
 
 class TCampaign {
   public:
-    TCampaign(const std::string& folder, std::uint32_t kills)
-        : folder_(folder), file_(folder + "/shared.log"), kills_(kills), creations_(kills / 20) {}
+    TCampaign(const std::string& folder, const TPlan& plan)
+        : folder_(folder),
+          file_(folder + "/shared.log"),
+          plan_(plan),
+          creations_(plan.kills / 20),
+          random_(plan.seed != 0 ? plan.seed : std::random_device()()) {}
 
     void Run() {
         std::vector<pid_t> others;
-        for (std::uint32_t w = 0; w < kSteady; ++w) {
+        for (std::uint32_t w = 0; w < plan_.writers; ++w) {
             others.push_back(Start([this, w] { WriteOn(w); }));
         }
         while (states_[0].Returned().number == 0) SleepFor(1000);
         others.push_back(Start([this] { Look(); }));
-        for (std::uint32_t life = 0; life < kills_; ++life) {
+        for (std::uint32_t life = 0; life < plan_.kills; ++life) {
             KillOne(life);
             if (!AllLive()) Fail("one of the others ended");
         }
@@ -68,21 +77,21 @@ class TCampaign {
         for (const pid_t other : others) {
             if (!EndsWell(other)) Fail("one of the others failed");
         }
-        const TRingCheck end = Inspect(file_, Everyone(kills_), "the end");
-        for (std::uint32_t i = 0; i < creations_; ++i) KillCreator(kills_ + i);
+        const TRingCheck end = Inspect(file_, Everyone(plan_.kills), "the end");
+        for (std::uint32_t i = 0; i < creations_; ++i) KillCreator(plan_.kills + i);
         Report(end);
     }
 
   private:
-    static std::uint32_t WriterOf(std::uint32_t life) { return kSteady + kPerLife * life; }
+    std::uint32_t WriterOf(std::uint32_t life) const { return plan_.writers + kPerLife * life; }
 
     TCrowd Everyone(std::uint32_t lives) const {
         const std::uint32_t end = WriterOf(lives);
-        return {states_, kSteady, std::max(kSteady, end - std::min(end, kWindow)), end};
+        return {states_, plan_.writers, std::max(plan_.writers, end - std::min(end, kWindow)), end};
     }
 
     void WriteOn(std::uint32_t writer) {
-        const TOpenLog log(file_);
+        const TOpenLog log(file_, plan_.ring);
         std::minstd_rand random(writer + 1);
         while (!shared_->stop) {
             states_[writer].LogNext(writer, log.Counter());
@@ -91,7 +100,7 @@ class TCampaign {
     }
 
     void WriteUntilKilled(const std::string& file, std::uint32_t life) {
-        const TOpenLog log(file);
+        const TOpenLog log(file, plan_.ring);
         const auto write = [&](std::uint32_t writer) {
             while (true) states_[writer].LogNext(writer, log.Counter());
         };
@@ -124,17 +133,29 @@ class TCampaign {
             WaitUntil(busy, "to write", 20);
         }
         SleepFor(random_() % 300);
+        if (plan_.held && random_() % 10 != 0) StopInTheLock(victim);
         Kill(victim);
         Count(Inspect(file_, Everyone(life + 1), "life " + std::to_string(life)), life);
-        std::uint32_t before[kSteady];
-        for (std::uint32_t w = 0; w < kSteady; ++w) before[w] = states_[w].Started();
+        std::vector<std::uint32_t> before(plan_.writers);
+        for (std::uint32_t w = 0; w < plan_.writers; ++w) before[w] = states_[w].Started();
         const auto goes_on = [&] {
-            for (std::uint32_t w = 0; w < kSteady; ++w) {
+            for (std::uint32_t w = 0; w < plan_.writers; ++w) {
                 if (states_[w].Returned().number > before[w]) return true;
             }
             return false;
         };
         WaitUntil(goes_on, "to append after a kill");
+    }
+
+    void StopInTheLock(pid_t victim) {
+        for (int tries = 0; tries < 200; ++tries) {
+            if (StopsInTheLock(victim, file_)) {
+                ++stopped_in_the_lock_;
+                return;
+            }
+            kill(victim, SIGCONT);
+            SleepFor(random_() % 200);
+        }
     }
 
     // Whoever comes next finds a file that it can use.
@@ -152,7 +173,7 @@ class TCampaign {
         Kill(victim);
         const std::uint32_t next = WriterOf(life) + kThreads;
         const pid_t follower = Start([&] {
-            const TOpenLog log(file);
+            const TOpenLog log(file, plan_.ring);
             states_[next].LogNext(next, log.Counter());
         });
         if (!EndsWell(follower)) Fail("a process cannot use a file whose maker was killed");
@@ -184,15 +205,15 @@ class TCampaign {
         most_skipped_ = std::max(most_skipped_, check.Skipped());
         // Once the ring has been round, it is full but for the room that one record needs at each
         // of its ends, and what the dead have overwritten.
-        if (check.Counter() < 3 * kLimit / kSmallestSize) return;
+        if (check.Counter() < 3 * plan_.ring / kSmallestSize) return;
         least_used_ = std::min(least_used_, check.Used());
-        if (check.Used() + 6 * kLargestSlot < kLimit) Fail("the ring has lost old records");
+        if (check.Used() + 6 * kLargestSlot < plan_.ring) Fail("the ring has lost old records");
     }
 
     void Report(const TRingCheck& end) {
         std::uint64_t of_the_others = 0;
         std::uint64_t longest = 0;
-        for (std::uint32_t w = 0; w < kSteady; ++w) {
+        for (std::uint32_t w = 0; w < plan_.writers; ++w) {
             of_the_others += states_[w].Returned().number;
             longest = std::max(longest, states_[w].Longest());
         }
@@ -202,18 +223,19 @@ class TCampaign {
             Fail("the change counter is " + std::to_string(end.Counter()) + " after " +
                  std::to_string(returned) + " records");
         }
-        std::printf("kills: %u, and %u of a process that makes its file\n", kills_, creations_);
+        std::printf("kills: %u, of them in the lock: %u, and %u of a process that makes its file\n",
+                    plan_.kills, stopped_in_the_lock_, creations_);
         std::printf("records logged: %ju by processes that were killed, %ju by %u others\n",
                     static_cast<std::uintmax_t>(of_the_dead_),
-                    static_cast<std::uintmax_t>(of_the_others), kSteady);
+                    static_cast<std::uintmax_t>(of_the_others), plan_.writers);
         std::printf("records being logged at a kill: %u, of them in the file: %u\n", interrupted_,
                     landed_);
         std::printf("other records lost, damaged, doubled or out of order: 0\n");
         std::printf("change counter: %ju\n", static_cast<std::uintmax_t>(end.Counter()));
         std::printf("kills that left damage at the oldest records: %u, most bytes: %ju\n", damaged_,
                     static_cast<std::uintmax_t>(most_skipped_));
-        std::printf("least of the ring's %u bytes in use: %ju\n", static_cast<unsigned>(kLimit),
-                    static_cast<std::uintmax_t>(least_used_));
+        std::printf("least of the ring's %u bytes in use: %ju\n", static_cast<unsigned>(plan_.ring),
+                    static_cast<std::uintmax_t>(std::min<std::uint64_t>(least_used_, plan_.ring)));
         std::printf("looks of the reader: %ju, refused 0, with something left out: %ju\n",
                     static_cast<std::uintmax_t>(shared_->looks.load()),
                     static_cast<std::uintmax_t>(shared_->looks_at_damage.load()));
@@ -224,28 +246,50 @@ class TCampaign {
 
     const std::string folder_;
     const std::string file_;
-    const std::uint32_t kills_;
+    const TPlan plan_;
     const std::uint32_t creations_;
     TShared* const shared_ = NewShared<TShared>();
-    TWriterState* const states_ = NewShared<TWriterState>(WriterOf(kills_ + creations_));
-    std::mt19937 random_{std::random_device()()};
+    TWriterState* const states_ = NewShared<TWriterState>(WriterOf(plan_.kills + creations_));
+    std::mt19937 random_;
+    std::uint32_t stopped_in_the_lock_ = 0;
     std::uint64_t of_the_dead_ = 0;
     std::uint32_t interrupted_ = 0;
     std::uint32_t landed_ = 0;
     std::uint32_t damaged_ = 0;
     std::uint32_t created_empty_ = 0;
     std::uint64_t most_skipped_ = 0;
-    std::uint64_t least_used_ = kLimit;
+    std::uint64_t least_used_ = UINT64_MAX;
 };
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    const int kills = argc == 3 ? std::atoi(argv[2]) : 0;
-    if (kills < 1) {
-        std::fputs("usage: log_kills_linux FOLDER KILLS\n", stderr);
-        return 2;
+int stress::KillLog(const TArguments& arguments) {
+    TPlan plan;
+    bool equal = false;
+    for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
+        const std::string& name = arguments[i];
+        const std::string& value = arguments[i + 1];
+        const auto number = [&] { return static_cast<std::uint32_t>(std::stoul(value)); };
+        if (name == "--kills") {
+            plan.kills = number();
+        } else if (name == "--ring") {
+            plan.ring = number();
+        } else if (name == "--writers") {
+            plan.writers = number();
+        } else if (name == "--sizes") {
+            equal = value == "equal";
+        } else if (name == "--held") {
+            plan.held = value == "yes";
+        } else if (name == "--seed") {
+            plan.seed = number();
+        } else {
+            Fail("unknown option " + name);
+        }
     }
-    TCampaign(argv[1], static_cast<std::uint32_t>(kills)).Run();
+    // Six of the largest records must find room in the ring.
+    largest_block =
+        std::min(equal ? 100U : kLargestBlock, plan.ring / 6 > 150 ? plan.ring / 6 - 150 : 0U);
+    equal_blocks = equal;
+    TCampaign(arguments[0], plan).Run();
     return 0;
 }

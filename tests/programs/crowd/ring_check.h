@@ -2,15 +2,13 @@
 // has not given way to newer ones, whole and in order.
 #pragma once
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "header_lock.h"
 #include "log_file/log_format.h"
 #include "log_file/log_reader.h"
 #include "log_file/log_record.h"
@@ -18,24 +16,6 @@
 #include "writer_states.h"
 
 namespace stress {
-
-// A copy of a log file that no writer changes meanwhile.
-inline std::vector<std::uint8_t> CopyUnderLock(const std::string& file) {
-    const int fd = open(file.c_str(), O_RDWR | O_CLOEXEC);
-    if (fd < 0) return {};
-    struct flock header = {};
-    header.l_type = F_WRLCK;
-    header.l_whence = SEEK_SET;
-    header.l_len = Mox::kHeaderSize;
-    std::vector<std::uint8_t> bytes;
-    if (fcntl(fd, F_OFD_SETLKW, &header) == 0) {
-        bytes.resize(static_cast<std::size_t>(lseek(fd, 0, SEEK_END)));
-        const auto size = pread(fd, bytes.data(), bytes.size(), 0);
-        bytes.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
-    }
-    close(fd);
-    return bytes;
-}
 
 // The writers whose records a file may hold. Of a dead one the record that it was at may be there,
 // whole, or not.
@@ -81,6 +61,8 @@ class TRingCheck {
         });
     }
     std::uint32_t Records() const { return records_; }
+    std::size_t Writers() const { return runs_.size(); }
+    const Mox::TLogFileHeader& Header() const { return header_; }
     std::uint64_t Counter() const { return header_.counter; }
     // Bytes that the ring holds, and those that the reader had to leave out.
     std::uint64_t Used() const { return used_; }

@@ -1,0 +1,36 @@
+// check: whether a log file to which WRITERS writers have appended RECORDS numbered records each,
+// and nobody else anything, counts them all and holds the last of them whole and in order.
+#include <cstdio>
+
+#include "ring_check.h"
+#include "verbs.h"
+
+namespace stress {
+
+int Check(const TArguments& arguments) {
+    const auto writers = static_cast<std::uint32_t>(std::stoul(arguments[1]));
+    const auto records = static_cast<std::uint32_t>(std::stoul(arguments[2]));
+    auto* const states = NewShared<TWriterState>(writers);
+    for (std::uint32_t w = 0; w < writers; ++w) states[w].HasLogged(records);
+
+    TRingCheck ring(TCrowd{states, writers, 0, writers});
+    const std::string fault = ring.Check(CopyUnderLock(arguments[0]));
+    if (!fault.empty()) Fail(fault);
+    const Mox::TLogFileHeader& header = ring.Header();
+    const std::uint64_t counter = header.counter;
+    if (counter != std::uint64_t{writers} * records)
+        Fail("the change counter is " + std::to_string(counter));
+    if (ring.Records() != header.count) Fail("the header's count is wrong");
+    if (ring.Skipped() != 0) Fail("the reader left something out");
+    const bool all = counter == ring.Records();
+    if (!all && ring.Used() + 3 * kLargestSlot < header.limit) Fail("old records are missing");
+    std::printf("records appended: %u by %u writers; change counter: %s\n", writers * records,
+                writers, std::to_string(counter).c_str());
+    std::printf(
+        "in the ring: %u records of %zu writers, %u bytes; lost, damaged, doubled or out of "
+        "order: 0\n",
+        ring.Records(), ring.Writers(), static_cast<unsigned>(ring.Used()));
+    return 0;
+}
+
+}  // namespace stress
