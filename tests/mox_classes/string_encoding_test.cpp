@@ -134,23 +134,22 @@ TEST(StringEncoding, CutAnywhereGivesError122) {
 }
 
 TEST(StringEncoding, HostileBytes) {
-    const std::pair<TBytes, const WCHAR*> rows[] = {
-        {{0x51, 1, 'a'}, TEXT("failed 13")},
-        {{0x21, 1, 'a'}, TEXT("failed 13")},
-        {{0x11, 0}, TEXT("failed 13")},
-        {{0x14, 0xFF, 0xFF, 0xFF, 0xFF, 'a'}, TEXT("failed 13")},
-        {{0x34, 0, 0, 0, 0x80, 'a', 0}, TEXT("failed 13")},
-        {{0x34, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0}, TEXT("failed 122")},
-        {{0x14, 0xFF, 0xFF, 0xFF, 0x7F}, TEXT("failed 122")},
-        {{0x10, 1, 'a'}, TEXT("failed 122")},
-        {{0x15, 1, 'a'}, TEXT("failed 122")},
-        {{0x12, 1}, TEXT("failed 122")},
-        {{0x31, 0}, TEXT("")},
-        {{0x12, 1, 0, 'a'}, TEXT("a")}};
-    for (const auto& [bytes, outcome] : rows) {
+    const auto check = [](const TBytes& bytes, const WCHAR* outcome) {
         EXPECT_EQ(Decoded(bytes), outcome);
         EXPECT_EQ(Unpacked(bytes), outcome);
+    };
+    for (const TBytes& damaged :
+         {TBytes{0x51, 1, 'a'}, TBytes{0x21, 1, 'a'}, TBytes{0x11, 0},
+          TBytes{0x14, 0xFF, 0xFF, 0xFF, 0xFF, 'a'}, TBytes{0x34, 0, 0, 0, 0x80, 'a', 0}}) {
+        check(damaged, TEXT("failed 13"));
     }
+    for (const TBytes& cut :
+         {TBytes{0x34, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0}, TBytes{0x14, 0xFF, 0xFF, 0xFF, 0x7F},
+          TBytes{0x10, 1, 'a'}, TBytes{0x15, 1, 'a'}, TBytes{0x12, 1}}) {
+        check(cut, TEXT("failed 122"));
+    }
+    check({0x31, 0}, TEXT(""));
+    check({0x12, 1, 0, 'a'}, TEXT("a"));
 }
 
 TEST_F(Tags, TablesThatAreRefused) {

@@ -16,27 +16,19 @@ using namespace Sysutils;
 using test::ThrownText;
 
 TEST(Sysutils, Integers) {
-    const std::tuple<const WCHAR*, int, bool> rows[] = {{TEXT("0x1F"), 31, true},
-                                                        {TEXT("0Xff"), 255, true},
-                                                        {TEXT("-12"), -12, true},
-                                                        {TEXT("+7"), 7, true},
-                                                        {TEXT("-"), 0, true},
-                                                        {TEXT("0x"), 0, true},
-                                                        {TEXT(""), 0, false},
-                                                        {TEXT(" 1"), 0, false},
-                                                        {TEXT("12a"), 12, false},
-                                                        {TEXT("-3x"), -3, false},
-                                                        {TEXT("4294967297"), 1, true},
-                                                        {TEXT("1-"), 1, false},
-                                                        {TEXT("0x1G"), 1, false},
-                                                        {TEXT("-0x1"), 0, false},
-                                                        {TEXT("2147483648"), INT_MIN, true}};
-    for (const auto& [text, value, whole] : rows) {
+    const std::pair<const char*, int> whole[] = {
+        {"0x1F", 31}, {"0Xff", 255}, {"-12", -12},      {"+7", 7},
+        {"-", 0},     {"0x", 0},     {"4294967297", 1}, {"2147483648", INT_MIN}};
+    const std::pair<const char*, int> partial[] = {{"", 0},   {" 1", 0},   {"12a", 12}, {"-3x", -3},
+                                                   {"1-", 1}, {"0x1G", 1}, {"-0x1", 0}};
+    const auto check = [](const char* text, int value, bool is_whole) {
         int read = 99;
-        EXPECT_EQ(TryStrToInt(text, read), whole) << test::Shown(text);
-        EXPECT_EQ(read, value);
-        EXPECT_EQ(StrToIntDef(text, -5), whole ? value : -5);
-    }
+        EXPECT_EQ(TryStrToInt(text, read), is_whole) << text;
+        EXPECT_EQ(read, value) << text;
+        EXPECT_EQ(StrToIntDef(text, -5), is_whole ? value : -5);
+    };
+    for (const auto& [text, value] : whole) check(text, value, true);
+    for (const auto& [text, value] : partial) check(text, value, false);
     EXPECT_EQ(ThrownText([] { StrToInt(TEXT("12a")); }),
               TEXT("'12a' is not a valid integer value"));
     EXPECT_EQ(ThrownText([] { StrToInt64(TEXT("")); }), TEXT("'' is not a valid integer value"));
@@ -48,34 +40,25 @@ TEST(Sysutils, Integers) {
 }
 
 TEST(Sysutils, FloatingPoint) {
-    const std::tuple<const WCHAR*, double, bool> rows[] = {
-        {TEXT(""), 0, true},
-        {TEXT("1.5"), 1.5, true},
-        {TEXT("1.5x"), 1.5, false},
-        {TEXT(" \t-2e3"), -2000, true},
-        {TEXT("+.5"), 0.5, true},
-        {TEXT("5."), 5, true},
-        {TEXT("1e"), 1, false},
-        {TEXT("1e+"), 1, false},
-        {TEXT("."), 0, false},
-        {TEXT("  "), 0, false},
-        {TEXT("+-1"), 0, false},
-        {TEXT("1,5"), 1, false},
-        {TEXT("0x1.8p1"), 3, true},
-        {TEXT("0x"), 0, false},
-        {TEXT("1e400"), HUGE_VAL, true},
-        {TEXT("-1e400"), -HUGE_VAL, true},
-        {TEXT("1e-400"), 0, true},
-        {TEXT("inf"), HUGE_VAL, true},
-        {TEXT("1.5 "), 1.5, false},
-        {TEXT("1\x0660"), 1, false},
-        {TEXT("0.00000000000000000001e400"), HUGE_VAL, true},
-        {TEXT("1e99999999999999999999"), HUGE_VAL, true}};
-    for (const auto& [text, value, whole] : rows) {
+    const std::pair<const char*, double> whole[] = {{"", 0},      {"1.5", 1.5}, {" \t-2e3", -2000},
+                                                    {"+.5", 0.5}, {"5.", 5},    {"0x1.8p1", 3},
+                                                    {"1e-400", 0}};
+    const std::pair<const char*, double> partial[] = {{"1.5x", 1.5}, {"1e", 1}, {"1e+", 1},
+                                                      {".", 0},      {"  ", 0}, {"+-1", 0},
+                                                      {"1,5", 1},    {"0x", 0}, {"1.5 ", 1.5}};
+    const auto check = [](const UnicodeString& text, double value, bool is_whole) {
         double read = 99;
-        EXPECT_EQ(TryStrToFloat(text, read), whole) << test::Shown(text);
-        EXPECT_EQ(read, value) << test::Shown(text);
-        EXPECT_EQ(StrToFloatDef(text, 7), whole ? value : 7);
+        EXPECT_EQ(TryStrToFloat(text, read), is_whole) << test::Shown(text.t_str());
+        EXPECT_EQ(read, value) << test::Shown(text.t_str());
+        EXPECT_EQ(StrToFloatDef(text, 7), is_whole ? value : 7);
+    };
+    for (const auto& [text, value] : whole) check(text, value, true);
+    for (const auto& [text, value] : partial) check(text, value, false);
+    check(TEXT("1\x0660"), 1, false);
+    check("-1e400", -HUGE_VAL, true);
+    for (const char* text :
+         {"1e400", "inf", "0.00000000000000000001e400", "1e9999999999999999999"}) {
+        check(text, HUGE_VAL, true);
     }
     EXPECT_EQ(ThrownText([] { StrToFloat(TEXT("1.5x")); }),
               TEXT("'1.5x' is not a valid floating point value"));

@@ -63,20 +63,15 @@ TEST(Logger, ALineShowsAtMostAHundredBytesOfABlock) {
     EXPECT_EQ(Line(TEXT("label"), {1, 2}, 0), text);
     EXPECT_EQ(Line(TEXT("label"), {1, 2}, -2), text);
     EXPECT_EQ(Line(TEXT("label"), {}, 5), text + TEXT(" (+label 0bytes )"));
-    EXPECT_EQ(Line(TEXT("label"), {1, 0xAB}, 2), text + TEXT(" (+label 2bytes 01AB)"));
+    EXPECT_EQ(Line(TEXT("label"), {0, 1, 2, 3, 4, 5, 6, 0xA7, 0xF8}, 9),
+              text + TEXT(" (+label 9bytes 00010203040506A7 F8)"));
+    EXPECT_TRUE(Mox::GetHexEncoded(nullptr, 9).IsEmpty());
+    EXPECT_TRUE(Mox::GetHexEncoded("x", -1).IsEmpty());
     const std::vector<BYTE> zeros(150);
     const UnicodeString hundred = Mox::GetHexEncoded(zeros.data(), 100);
     EXPECT_EQ(hundred.Length(), 212);
     EXPECT_EQ(Line(UnicodeString(), zeros, 150),
               text + TEXT(" (+ 150bytes ") + hundred + TEXT(" ...)"));
-}
-
-TEST(Logger, HexDigitsComeInGroupsOfEightBytes) {
-    const BYTE bytes[] = {0, 1, 2, 3, 4, 5, 6, 7, 0xF8};
-    EXPECT_EQ(Mox::GetHexEncoded(bytes, 8), TEXT("0001020304050607"));
-    EXPECT_EQ(Mox::GetHexEncoded(bytes, 9), TEXT("0001020304050607 F8"));
-    EXPECT_TRUE(Mox::GetHexEncoded(nullptr, 9).IsEmpty());
-    EXPECT_TRUE(Mox::GetHexEncoded(bytes, -1).IsEmpty());
 }
 
 TEST(Logger, ModuleNamesComeFromPaths) {

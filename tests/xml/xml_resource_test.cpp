@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "mox_classes/containers/streams.h"
-#include "mox_log/logger.h"
+#include "support/clean_logger.h"
 #include "support/fresh_host_root.h"
 #include "xml/xml_test.h"
 
@@ -17,20 +17,8 @@ const WCHAR* const kMissing = TEXT("C:\\xml_resource_missing.xml");
 
 class XmlResource : public testing::Test {
   protected:
-    XmlResource() {
-        // The library itself may be up; its document and language come back at the end.
-        Mox::TLogger* logger = Mox::GetLogger();
-        std::swap(proc_, logger->resStringProc);
-        std::swap(context_, logger->resStringContext);
-        std::swap(units_, logger->refCount);
-    }
     ~XmlResource() override {
-        Mox::TLogger* logger = Mox::GetLogger();
-        logger->refCount = 1;
         UninitXmlRes();
-        std::swap(proc_, logger->resStringProc);
-        std::swap(context_, logger->resStringContext);
-        std::swap(units_, logger->refCount);
         SetLanguage(language_);
         DeleteFileW(kFile);
     }
@@ -48,9 +36,7 @@ class XmlResource : public testing::Test {
 
   private:
     test::FreshHostRoot root_;
-    Mox::TResStringProc proc_ = nullptr;
-    void* context_ = nullptr;
-    LONG units_ = 1;
+    test::CleanLogger logger_;
     UnicodeString language_ = GetLanguage();
 };
 
@@ -71,10 +57,10 @@ TEST_F(XmlResource, ATextIsFoundInTheLanguageOrInEnglish) {
     EXPECT_EQ(Text(TEXT("other"), 7), "seven");
     EXPECT_EQ(Text(TEXT("log_file"), 21), "none");
     EXPECT_EQ(Text(TEXT("missing"), 20), "none");
-    Mox::GetLogger()->refCount = 2;
+    test::CleanLogger::Logger().Init();
     UninitXmlRes();
     EXPECT_EQ(GetXmlRes(), document);
-    Mox::GetLogger()->refCount = 1;
+    test::CleanLogger::Logger().Release();
     UninitXmlRes();
     EXPECT_EQ(GetXmlRes(), nullptr);
 }
