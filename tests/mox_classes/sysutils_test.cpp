@@ -138,6 +138,7 @@ TEST(Sysutils, Names) {
     EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("\\\\srv\\s")), TEXT("\\\\srv\\s"));
     EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("d:\\y")), TEXT("d:\\y"));
     EXPECT_EQ(GetFullpath(TEXT("c:\\x"), TEXT("ab")), TEXT("c:\\x\\ab"));
+    EXPECT_EQ(GetFullpath(TEXT("c:\\x\\"), TEXT("a\\b")), TEXT("c:\\x\\a\\b"));
     EXPECT_TRUE(ConfirmPathString(TEXT("")).IsEmpty());
 }
 

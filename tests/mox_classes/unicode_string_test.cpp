@@ -20,10 +20,6 @@ using test::ThrownText;
 
 namespace {
 
-bool IsBufferOfLength0(const UnicodeString& s) {
-    return !s.IsEmpty() && s.Length() == 0 && s.RefCount() == 1 && s.t_str()[0] == 0;
-}
-
 UnicodeString FromUtf32(std::vector<unsigned int> text, long long count = -1) {
     text.push_back(0);
     return UnicodeString(text.data(), count);
@@ -43,20 +39,14 @@ UnicodeString FromBlock(const void* bytes) {
 
 TEST(UnicodeString, NothingIsNull) {
     const WCHAR* no_text = nullptr;
-    const UnicodeString nothing[] = {UnicodeString(),
-                                     UnicodeString(""),
-                                     UnicodeString(TEXT("")),
-                                     UnicodeString(no_text),
-                                     UnicodeString(TEXT("abc"), 0),
-                                     UnicodeString(TEXT("abc"), -2),
-                                     FromUtf32({'a'}, 0),
-                                     UnicodeString(TEXT("abc")).SubString(4, 1),
-                                     UnicodeString(TEXT("   ")).Trim(),
-                                     UnicodeString::StringOfChar('x', -1)};
-    for (const UnicodeString& s : nothing) {
+    const UnicodeString text(TEXT("abc"));
+    for (const UnicodeString& s :
+         {UnicodeString(), UnicodeString(""), UnicodeString(TEXT("")), UnicodeString(no_text),
+          UnicodeString(TEXT("abc"), 0), UnicodeString(TEXT("abc"), -2), FromUtf32({'a'}, 0),
+          text.SubString(4, 1), UnicodeString(TEXT("   ")).Trim(),
+          UnicodeString::StringOfChar('x', -1)}) {
         EXPECT_TRUE(s.IsEmpty());
-        EXPECT_EQ(s.Length(), 0);
-        EXPECT_EQ(s.RefCount(), 0);
+        EXPECT_EQ(s.Length() + s.RefCount(), 0);
         EXPECT_EQ(s.CodePage(), 1200);
         EXPECT_EQ(s.ElementSize(), 2);
         EXPECT_EQ(s.data(), nullptr);
@@ -65,13 +55,14 @@ TEST(UnicodeString, NothingIsNull) {
 }
 
 TEST(UnicodeString, LengthZeroIsABuffer) {
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().SetLength(0)));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().Unique()));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString(TEXT("abc")).Delete(1, 3)));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString::StringOfChar('x', 0)));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString().LowerCase()));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString("abc", 0)));
-    EXPECT_TRUE(IsBufferOfLength0(UnicodeString(TEXT("abc")).sprintf(TEXT("%s"), TEXT(""))));
+    for (UnicodeString s :
+         {UnicodeString().SetLength(0), UnicodeString().Unique(),
+          UnicodeString(TEXT("abc")).Delete(1, 3), UnicodeString::StringOfChar('x', 0),
+          UnicodeString().LowerCase(), UnicodeString("abc", 0),
+          UnicodeString().sprintf(TEXT("%s"), TEXT(""))}) {
+        EXPECT_TRUE(!s.IsEmpty() && s.Length() == 0 && s.t_str()[0] == 0);
+        EXPECT_EQ(s.CodePage(), 1200);
+    }
 
     const UnicodeString null;
     const UnicodeString zero = UnicodeString().SetLength(0);
