@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "mox_classes/memory/memory.h"
@@ -315,24 +316,20 @@ TEST(UnicodeString, PosFindsAsUnitByUnitAcrossAnyBorder) {
 }
 
 TEST(UnicodeString, Utf8FillsTheExactBlockWhateverItHolds) {
-    struct {
-        const char* bytes;
-        int times;
-        int units;
-    } const rows[] = {{"a", 1, 1},
-                      {"\xC3\xA9", 200, 200},
-                      {"x\xE5\x8D\xB0", 300, 600},
-                      {"\x80", 300, 300},
-                      {"\xF5", 300, 300},
-                      {"\xF0\x9F\x98\x80", 100, 200},
-                      {"\xF0\x9Fzzz", 99, 396},
-                      {"\xC3", 257, 257}};
-    for (const auto& row : rows) {
+    const std::tuple<const char*, int, int> rows[] = {{"a", 1, 1},
+                                                      {"\xC3\xA9", 200, 200},
+                                                      {"x\xE5\x8D\xB0", 300, 600},
+                                                      {"\x80", 300, 300},
+                                                      {"\xF5", 300, 300},
+                                                      {"\xF0\x9F\x98\x80", 100, 200},
+                                                      {"\xF0\x9Fzzz", 99, 396},
+                                                      {"\xC3", 257, 257}};
+    for (const auto& [piece, times, units] : rows) {
         std::string bytes;
-        for (int i = 0; i < row.times; ++i) bytes += row.bytes;
+        for (int i = 0; i < times; ++i) bytes += piece;
         const UnicodeString text =
             System::StringFromUtf8(bytes.data(), static_cast<int>(bytes.size()));
-        EXPECT_EQ(text.Length(), row.units);
+        EXPECT_EQ(text.Length(), units);
         EXPECT_EQ(text.t_str()[text.Length()], 0);
     }
     EXPECT_TRUE(System::StringFromUtf8("", 0).IsEmpty());

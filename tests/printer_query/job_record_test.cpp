@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "driver_global/diagnostic_text.h"
@@ -89,15 +90,12 @@ TEST(JobRecord, ABlockThatLiesIsRefused) {
         EXPECT_EQ(DecodeJobInfo2(shorter.data(), cut).GetErrorCode(), DWORD{ERROR_INVALID_DATA})
             << cut;
     }
-    struct {
-        std::size_t at;
-        std::uint32_t value;
-    } const lies[] = {{52, 1},           {52, 0xFFFFFFFEu}, {88, 100000},
-                      {92, 0xFFFFFFFFu}, {92, 0},           {92, 400}};
-    for (const auto& lie : lies) {
+    const std::pair<std::size_t, std::uint32_t> lies[] = {
+        {52, 1}, {52, 0xFFFFFFFEu}, {88, 100000}, {92, 0xFFFFFFFFu}, {92, 0}, {92, 400}};
+    for (const auto& [at, value] : lies) {
         std::vector<unsigned char> bytes = honest;
-        std::memcpy(bytes.data() + lie.at, &lie.value, 4);
-        EXPECT_FALSE(DecodeJobInfo2(bytes.data(), size).IsSuccess()) << lie.at << " " << lie.value;
+        std::memcpy(bytes.data() + at, &value, 4);
+        EXPECT_FALSE(DecodeJobInfo2(bytes.data(), size).IsSuccess()) << at << " " << value;
     }
     std::vector<unsigned char> bytes = honest;
     const std::size_t dm_extra = 96 + block[0].DevModeOffset + 70;

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "driver_devmode/qvdm.h"
 #include "mox_classes/containers/streams.h"
@@ -64,21 +65,19 @@ TEST_F(Commands, OtherWordsAreInvalid) {
 }
 
 TEST_F(Commands, TheBufferGetsWhatFitsAndATerminator) {
-    const struct {
-        int length;
-        const char* stored;
-    } cases[] = {{5, "Inval"}, {0, ""}, {-3, ""}, {15, "Invalid Command"}, {20, "Invalid Command"}};
-    for (const auto& c : cases) {
+    const std::pair<int, const char*> rows[] = {
+        {5, "Inval"}, {0, ""}, {-3, ""}, {15, "Invalid Command"}, {20, "Invalid Command"}};
+    for (const auto& [length, stored] : rows) {
         WCHAR wide[24];
         char narrow[24];
         std::fill(std::begin(wide), std::end(wide), WCHAR{'#'});
         std::fill(std::begin(narrow), std::end(narrow), '#');
-        EXPECT_EQ(DoCommand(TEXT("x"), wide, c.length), 15);
-        EXPECT_EQ(DoCommandA("x", narrow, c.length), 15);
-        EXPECT_EQ(UnicodeString(wide), UnicodeString(c.stored));
-        EXPECT_STREQ(narrow, c.stored);
-        EXPECT_EQ(wide[std::strlen(c.stored) + 1], '#');
-        EXPECT_EQ(narrow[std::strlen(c.stored) + 1], '#');
+        EXPECT_EQ(DoCommand(TEXT("x"), wide, length), 15);
+        EXPECT_EQ(DoCommandA("x", narrow, length), 15);
+        EXPECT_EQ(UnicodeString(wide), UnicodeString(stored));
+        EXPECT_STREQ(narrow, stored);
+        EXPECT_EQ(wide[std::strlen(stored) + 1], '#');
+        EXPECT_EQ(narrow[std::strlen(stored) + 1], '#');
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "mox_classes/text/sysutils_text.h"
 #include "xml/xml_test.h"
 
@@ -75,15 +77,12 @@ TEST(XmlNode, PathsWalkDownChildNames) {
     TXmlNode* a = node.AddChild(TEXT("a"));
     TXmlNode* b = a->AddChild(TEXT("b"));
     TXmlNode* odd = node.AddChild(TEXT("\\a"));
-    const struct {
-        const WCHAR* path;
-        TXmlNode* found;
-    } rows[] = {
+    const std::pair<const WCHAR*, TXmlNode*> rows[] = {
         {TEXT("a"), a},      {TEXT("a\\b"), b},       {TEXT("a\\\\b"), a},
         {TEXT("a\\"), a},    {TEXT("\\a"), odd},      {TEXT("\\a\\b"), nullptr},
         {TEXT(""), nullptr}, {TEXT("a\\c"), nullptr}, {TEXT("a\\b\\c"), nullptr},
     };
-    for (const auto& row : rows) EXPECT_EQ(node.Find(row.path, kUtf8), row.found) << Utf8(row.path);
+    for (const auto& [path, found] : rows) EXPECT_EQ(node.Find(path, kUtf8), found) << Utf8(path);
 }
 
 TEST(XmlItems, TheExactTableHoldsOneSlotPerItem) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "xml/xml_test.h"
 
@@ -39,9 +40,7 @@ std::string Wide(const std::u16string& text, bool big_endian) {
 }
 
 TEST(XmlPlace, EveryFaultHasItsReason) {
-    const struct {
-        std::string input, reason;
-    } rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"<a><?b?></a>", "an instruction stands behind the root's start tag"},
         {"<?xml version=\"1.0\">", "the instruction 'xml' does not end with '?>'"},
         {"</a>", "the end tag closes no element"},
@@ -57,7 +56,7 @@ TEST(XmlPlace, EveryFaultHasItsReason) {
         {"<a><b>", "'b' has no end tag (opened at line 1, column 4)"},
         {"<!-- -->", "there is no element"},
     };
-    for (const auto& row : rows) EXPECT_EQ(Reason(row.input), row.reason) << row.input;
+    for (const auto& [input, reason] : rows) EXPECT_EQ(Reason(input), reason) << input;
     EXPECT_EQ(Reason(Wide(u"\xFEFF<a>", true)), "'a' has no end tag (opened at line 1, column 1)");
     EXPECT_EQ(Describe("<a/>"), "");
 }
