@@ -272,7 +272,7 @@ TEST_F(XmlRequest, TheStrictReadingNamesWhatWouldNotBeUsed) {
          "156: '70000' is no value of 'dmScale'\n"
          "171: '' is no value of 'dmColor'\n"
          "197: 'maybe' is no value of 'exRun.Enabled'\n"
-         "220: the texts together are longer than the settings have room for\n"},
+         "220: exRun.Target has no room: its text has 2048 characters, 2038 are left\n"},
         {"<update>a<!-- c -->lost<" + std::string(70, 'n') + "/></update>",
          "9: the text in 'update' is not used\n20: this text is not used\n24: unknown element '" +
              std::string(60, 'n') + "...' in 'update'\n"},
