@@ -24,7 +24,7 @@ bool IsTruth(const UnicodeString& text) {
 // Whether the element says what it is taken for: words count as 0 or as true otherwise.
 bool SaysWhatItIs(const TFieldInfo& row, const UnicodeString& element) {
     if (row.Kind == Bool8) return IsTruth(element);
-    long long number = 0;
+    std::int64_t number = 0;
     return row.Values != ValueTable::None || Sysutils::TryStrToInt64(element, number);
 }
 

@@ -7,7 +7,13 @@
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
+// Copies share the strings' buffers and copy everything else bit by bit. One thread at a time.
 struct QV_API TQVSettings {
+    TQVSettings();
+    TQVSettings(const TQVSettings& other);
+    TQVSettings& operator=(const TQVSettings& other);
+    ~TQVSettings();
+
     std::int64_t First = 0;
     std::int64_t Second = 0;
     UnicodeString Name;

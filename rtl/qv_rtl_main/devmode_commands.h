@@ -7,11 +7,12 @@
 
 #include "mox_classes/containers/string_list.h"
 #include "mox_classes/text/unicode_string.h"
+#include "qv_api.h"
 
 // Names of the printers that the product's driver serves, separated by tabs; the status is their
 // number.
-int CmdGetOrloPrinters(TStrings* items, UnicodeString& result);
+QV_API int CmdGetOrloPrinters(TStrings* items, UnicodeString& result);
 // The main settings of the printer named by "printername".
-int CmdGetDevMode(TStrings* items, UnicodeString& result);
+QV_API int CmdGetDevMode(TStrings* items, UnicodeString& result);
 // Changes them; the status is the number of keywords that were understood.
-int CmdSetDevMode(TStrings* items, UnicodeString& result);
+QV_API int CmdSetDevMode(TStrings* items, UnicodeString& result);

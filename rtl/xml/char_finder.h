@@ -11,7 +11,7 @@
 using System::TCodePage;
 
 // A set of byte values: a non-zero entry makes the byte a member. Plain value.
-class TSearchSet {
+class QV_API TSearchSet {
   public:
     unsigned char& operator[](int i) { return members_[i]; }
     bool Contains(unsigned char octet) const { return members_[octet] != 0; }

@@ -20,6 +20,8 @@
 
 using System::TCodePage;
 
+class TXmlNode;
+
 // One slot of the exact table. Plain value.
 class THashSlot {
   public:
@@ -35,12 +37,8 @@ class THashSlot {
 // stale: lookups of the new name can miss until the next addition.
 class QV_API TXmlItems : public TXmlBlock {
   public:
-    // What the list holds, and so how it deletes its items: a list of nodes deletes each with its
-    // subtree.
-    enum class TKind : unsigned char { Pairs, Nodes };
-
+    // A list of pairs. Lists of nodes are made by TXmlNode only.
     TXmlItems() : TXmlItems(TKind::Pairs) {}
-    explicit TXmlItems(TKind kind) : kind_(kind) {}
     ~TXmlItems();
     TXmlItems(const TXmlItems&) = delete;
     TXmlItems& operator=(const TXmlItems&) = delete;
@@ -55,6 +53,8 @@ class QV_API TXmlItems : public TXmlBlock {
         FCount = -(count + 1);
         return count;
     }
+    // Refused: a list of pairs would delete the node without its subtree. Add it to a TXmlNode.
+    int AddItem(TXmlNode* node) = delete;
     int GetCount() const { return FCount < 0 ? -FCount : FCount; }
     // Null outside 0 .. count - 1.
     TXmlPair* Items(int i) const { return i < 0 || i >= GetCount() ? nullptr : FList[i]; }
@@ -79,6 +79,10 @@ class QV_API TXmlItems : public TXmlBlock {
 
   private:
     friend class TXmlNode;
+
+    // What the list holds, and so how it deletes its items: each node with its subtree.
+    enum class TKind : unsigned char { Pairs, Nodes };
+    explicit TXmlItems(TKind kind) : kind_(kind) {}
 
     void Grow();
     int NextOf(const UnicodeString& name, int index);

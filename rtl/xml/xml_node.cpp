@@ -38,7 +38,7 @@ void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
 
 TXmlNode* TXmlNode::AddChild(TXmlNode* node) {
     if (FChildren == nullptr) FChildren = new TXmlItems(TXmlItems::TKind::Nodes);
-    FChildren->AddItem(node);
+    FChildren->AddItem(static_cast<TXmlPair*>(node));
     return node;
 }
 

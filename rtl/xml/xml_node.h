@@ -28,7 +28,9 @@ class QV_API TXmlNode : public TXmlPair {
     TXmlNode* GetOwner() const { return FOwner; }
     void SetOwner(TXmlNode* owner) { FOwner = owner; }
 
-    // Takes ownership of `node`, whose owner member stays as it is; returns it.
+    // Takes ownership of `node` and returns it. Its owner member stays as it is. Null is not added
+    // and comes back. When the list is full or memory ends, the exception leaves `node` to the
+    // caller.
     TXmlNode* AddChild(TXmlNode* node);
     TXmlNode* AddChild(const UnicodeString& name);
     TXmlNode* GetChild(int i) const {

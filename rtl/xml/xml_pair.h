@@ -16,7 +16,9 @@ class QV_API TXmlBlock {
     static void operator delete(void* block) noexcept;
 };
 
-// A name and a value: an attribute, and what an element shares with it.
+// A name and a value: an attribute, and what an element shares with it. Plain value. The destructor
+// is not virtual: delete an element as a TXmlNode, never through a pointer to its pair, or its
+// subtree stays behind.
 class QV_API TXmlPair : public TXmlBlock {
   public:
     UnicodeString FName;

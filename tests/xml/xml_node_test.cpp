@@ -102,7 +102,7 @@ TEST(XmlItems, TheExactTableHoldsOneSlotPerItem) {
     }
     EXPECT_EQ(items.FindEmptySlot(1), -1);
     EXPECT_EQ(items.Items(-1), nullptr);
-    EXPECT_EQ(items.AddItem(nullptr), -1);
+    EXPECT_EQ(items.AddItem(static_cast<TXmlPair*>(nullptr)), -1);
     items.Add(TEXT("b"));
     EXPECT_EQ(items.FCount, -4);
 }

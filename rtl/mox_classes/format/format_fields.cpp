@@ -1,6 +1,8 @@
 #include "mox_classes/format/format_fields.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <string>
 #include <unordered_set>
 
@@ -120,6 +122,26 @@ TArgumentType DetectArgumentType(const WCHAR* spec) {
     return letters[2] == 0 ? TypeOfSizedLetter(letters[0], letters[1]) : atNone;
 }
 
+namespace {
+
+// What a 64-bit slot holds for a field of that type.
+TFormatValue ValueOfSlot(TArgumentType type, std::uint64_t slot) {
+    switch (type) {
+        case atInt32:
+            return TFormatValue(static_cast<int>(slot));
+        case atInt64:
+            return TFormatValue(static_cast<long long>(slot));
+        case atDouble:
+            return TFormatValue(std::bit_cast<double>(slot));
+        case atPointer:
+            return TFormatValue(reinterpret_cast<const WCHAR*>(slot));
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
 int TFormatFields::Parse(const WCHAR* format) {
     Clear();
     TFieldSpan field;
@@ -156,6 +178,17 @@ bool TFormatFields::FillSingleField(const UnicodeString& name, const UnicodeStri
     if (spec.Length() == 0) return FormatValue(out, field.FSpec, field.FType, args[index]);
     if (DetectArgumentType(spec.t_str()) != field.FType) return false;
     return FormatValue(out, spec, field.FType, args[index]);
+}
+
+bool TFormatFields::FillSingleField(const UnicodeString& name, const UnicodeString& spec,
+                                    void* args, UnicodeString& out) const {
+    const int index = Find(name);
+    if (index < 0) return false;
+    std::vector<TFormatValue> table(fields_.size());
+    table[static_cast<std::size_t>(index)] =
+        ValueOfSlot(fields_[static_cast<std::size_t>(index)]->FType,
+                    static_cast<const std::uint64_t*>(args)[index]);
+    return FillSingleField(name, spec, table.data(), out);
 }
 
 UnicodeString TFormatFields::FillFromTable(const WCHAR* format, const TFormatValue* table) const {

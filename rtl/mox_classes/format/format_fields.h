@@ -88,6 +88,11 @@ class QV_API TFormatFields {
     // or one that cannot be used.
     bool FillSingleField(const UnicodeString& name, const UnicodeString& spec,
                          const TFormatValue* args, UnicodeString& out) const;
+    // The same with `args` as an array of 64-bit slots, one per field. A 32-bit integer is the low
+    // half of its slot, a double its bits, a text the address of units up to a 0. Nothing can be
+    // checked here: the caller fills each slot as the field's type asks for.
+    bool FillSingleField(const UnicodeString& name, const UnicodeString& spec, void* args,
+                         UnicodeString& out) const;
 
     // `format` with its fields filled. It may be another text than the parsed one, with the same
     // names and specifications of the same types, or none. What cannot be filled stays. The

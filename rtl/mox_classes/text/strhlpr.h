@@ -1,4 +1,8 @@
 // The string's operations in procedural form, for callers that hold strings by reference only.
+//
+// Each does what the member of UnicodeString does, with the same errors: "Integer overflow!" for a
+// text that gets too long, std::bad_alloc without memory; the string then stays as it was. Nothing
+// is owned here.
 #pragma once
 
 #include "mox_classes/text/unicode_string.h"

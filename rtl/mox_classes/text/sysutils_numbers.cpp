@@ -130,10 +130,10 @@ bool TryStrToInt(UnicodeString s, int& value) {
     return whole;
 }
 
-bool TryStrToInt64(UnicodeString s, long long& value) {
+bool TryStrToInt64(UnicodeString s, std::int64_t& value) {
     std::uint64_t bits;
     const bool whole = ParseInteger(s, bits);
-    value = static_cast<long long>(bits);
+    value = static_cast<std::int64_t>(bits);
     return whole;
 }
 
@@ -143,8 +143,8 @@ int StrToInt(UnicodeString s) {
     return value;
 }
 
-long long StrToInt64(UnicodeString s) {
-    long long value;
+std::int64_t StrToInt64(UnicodeString s) {
+    std::int64_t value;
     if (!TryStrToInt64(s, value)) throw NotValid(s, "integer");
     return value;
 }
@@ -154,13 +154,13 @@ int StrToIntDef(UnicodeString s, int def) {
     return TryStrToInt(std::move(s), value) ? value : def;
 }
 
-long long StrToInt64Def(UnicodeString s, long long def) {
-    long long value;
+std::int64_t StrToInt64Def(UnicodeString s, std::int64_t def) {
+    std::int64_t value;
     return TryStrToInt64(std::move(s), value) ? value : def;
 }
 
 void* StrToHandleDef(const UnicodeString& s, void* def) {
-    long long value;
+    std::int64_t value;
     return TryStrToInt64(s, value) ? reinterpret_cast<void*>(static_cast<std::intptr_t>(value))
                                    : def;
 }

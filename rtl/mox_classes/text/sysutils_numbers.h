@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstdint>
 
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
@@ -16,12 +17,12 @@ using System::UnicodeString;
 
 // Throw "'text' is not a valid integer value".
 QV_API int StrToInt(UnicodeString s);
-QV_API long long StrToInt64(UnicodeString s);
+QV_API std::int64_t StrToInt64(UnicodeString s);
 QV_API int StrToIntDef(UnicodeString s, int def);
-QV_API long long StrToInt64Def(UnicodeString s, long long def);
+QV_API std::int64_t StrToInt64Def(UnicodeString s, std::int64_t def);
 // On failure `value` holds what was read before the bad character.
 QV_API bool TryStrToInt(UnicodeString s, int& value);
-QV_API bool TryStrToInt64(UnicodeString s, long long& value);
+QV_API bool TryStrToInt64(UnicodeString s, std::int64_t& value);
 QV_API void* StrToHandleDef(const UnicodeString& s, void* def);
 
 // Throws "'text' is not a valid floating point value" unless the whole text is a number.

@@ -21,8 +21,9 @@ QV_API UnicodeString ConfirmPathString(UnicodeString path);
 // `path` below `base`, unless it is absolute or one of them is empty.
 QV_API UnicodeString GetFullpath(UnicodeString base, UnicodeString path);
 
-// Replace the code units that occur in `chars` (that a file or directory name cannot hold); a
-// replacement of 0 means their full-width forms.
+// Return a copy of the text in which each unit that occurs in `chars` (that no file or folder name
+// can hold) is replaced. `replacement` 0 means the unit's full-width form. Nothing is thrown but
+// std::bad_alloc.
 QV_API UnicodeString FixCharacters(const UnicodeString& chars, UnicodeString text,
                                    WCHAR replacement);
 QV_API UnicodeString FixFileName(UnicodeString name, WCHAR replacement);

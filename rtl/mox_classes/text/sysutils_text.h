@@ -31,6 +31,8 @@ QV_API const WCHAR* StrScan(const WCHAR* text, WCHAR unit);
 // ASCII letters, digits and '_' from the second code unit on; the first, the dot of a file
 // extension, is not looked at.
 QV_API bool IsAlphaNumericString(UnicodeString s);
+// The hash of XML name tables: two units make one 32-bit step. Equal texts have equal hashes;
+// anybody can make texts whose hashes collide.
 QV_API ULONG StringHash(UnicodeString s);
 // Copies at most capacity - 1 code units and a terminator; the result is the number copied.
 QV_API int CopyCch(WCHAR* dest, int capacity, UnicodeString s);

@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -59,6 +60,8 @@ class QV_API UnicodeString {
     UnicodeString(unsigned long long value);
     // Fixed notation with six decimals.
     UnicodeString(double value);
+    // A null pointer is no number. Of NULL, which is an integer, the compiler warns by itself.
+    UnicodeString(std::nullptr_t) = delete;
     // Narrow text of the system ANSI code page; count -1 means up to the terminating zero. A count
     // above 2147483647 throws "Out of length", other negative counts give the empty string.
     UnicodeString(const char* text);
@@ -113,8 +116,14 @@ class QV_API UnicodeString {
     // Makes this string the only holder of its buffer; the null string becomes a buffer of length
     // 0.
     UnicodeString& Unique();
+    // In front of the character at `index`, which counts from 1; below 1 at the start, behind the
+    // end at the end. A text longer than 2147483647 units throws "Integer overflow!", and the
+    // string stays as it was. `sub` may be this string.
     UnicodeString& Insert(const UnicodeString& sub, int index);
+    // Removes `count` characters from `index` on, as far as there are any. Nothing when `index` is
+    // outside of the string or `count` is below 1.
     UnicodeString& Delete(int index, int count);
+    // Throws as Insert does. `other` may be this string.
     UnicodeString& operator+=(const UnicodeString& other);
     UnicodeString operator+(const UnicodeString& other) const;
 

@@ -28,6 +28,17 @@ bool ThrowsItsText() {
     return false;
 }
 
+bool CopiesItsSettings() {
+    TQVSettings settings;
+    settings.Texts[4] = TEXT("text");
+    settings.Data[51] = 7;
+    settings.Last = -1;
+    TQVSettings copy;
+    copy = settings;
+    const TQVSettings second(copy);
+    return second.Texts[4] == settings.Texts[4] && second.Data[51] == 7 && second.Last == -1;
+}
+
 }  // namespace
 
 int main() {
@@ -37,5 +48,6 @@ int main() {
     if (RootText() != UnicodeString("text")) return 4;
     if (!ThrowsItsText()) return 5;
     if (!QV_DEVMODE().IsValid()) return 6;
+    if (!CopiesItsSettings()) return 7;
     std::printf("C++ %s\n", QV_RTL_VERSION_TEXT);
 }
