@@ -41,9 +41,9 @@ TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text) {
 }
 
 TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
+    const UnicodeString before = ReadField(field);
     if (field.row->Kind == WideText) {
         // Whatever it is set to, the next encoding decides.
-        const UnicodeString before = ReadField(field);
         SetField(field, TEXT("?"), nullptr);
         wrapper.Encode();
         const bool kept = ReadField(field) == TEXT("?");
@@ -52,6 +52,11 @@ TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wra
     }
     SetField(field, text, nullptr);
     if (!wrapper.Encode()) return TFieldCheck::NoRoom;
+    if (!wrapper.GetDM()->IsValid()) {
+        // A block with another identifier is not stored.
+        SetField(field, before, nullptr);
+        return TFieldCheck::BadValue;
+    }
     // The block has 32 units for the names that the wrapper holds whole.
     TQVDM decoded(wrapper.GetDM());
     const TField stored = FindNamedField(

@@ -262,17 +262,19 @@ TEST_F(XmlRequest, TheStrictReadingNamesWhatWouldNotBeUsed) {
          "153: unknown field 'No'\n"},
         {"<update><printer><devmode><dmFormName>A</dmFormName><FormName>B5</FormName><DeviceName>" +
              std::string(32, 'd') +
-             "</DeviceName><exID>x</exID><dmScale>70000</dmScale><dmColor/><exRun><Enabled>maybe</"
+             "</DeviceName><exID>x</exID><dmScale>70000</dmScale><dmColor/><exOut><Directory>d</"
+             "Directory><FileName>f</FileName></exOut><exRun><Enabled>maybe</"
              "Enabled><Target>" +
              std::string(2048, 't') +
              "</Target></exRun></devmode></printer>"
              "</update>",
          "27: the value of 'dmFormName' does not last: set 'DeviceName' or 'FormName'\n"
          "88: the text is longer than 'DeviceName'\n"
+         "139: 'x' is no value of 'exID'\n"
          "156: '70000' is no value of 'dmScale'\n"
          "171: '' is no value of 'dmColor'\n"
-         "197: 'maybe' is no value of 'exRun.Enabled'\n"
-         "220: exRun.Target has no room: its text has 2048 characters, 2038 are left\n"},
+         "258: 'maybe' is no value of 'exRun.Enabled'\n"
+         "281: exRun.Target has no room: its text has 2048 characters, 2042 are left\n"},
         {"<update>a<!-- c -->lost<" + std::string(70, 'n') + "/></update>",
          "9: the text in 'update' is not used\n20: this text is not used\n24: unknown element '" +
              std::string(60, 'n') + "...' in 'update'\n"},
