@@ -3,8 +3,8 @@
 #include <winspool.h>
 
 #include "driver_global/events.h"
+#include "faults/fault_loop.h"
 #include "faults/machine.h"
-#include "faults/scenario_tests.h"
 #include "support/second_process.h"
 
 namespace faults {
@@ -13,8 +13,7 @@ namespace {
 
 class FireEvent : public Scenario {
   public:
-    static constexpr const char* kName = "event";
-    FireEvent() {
+    FireEvent() : Scenario(Throws::AnyFault) {
         job_.JobId = 17;
         job_.pDocument = document_;
         info_.Job = &job_;
@@ -42,9 +41,8 @@ class FireEvent : public Scenario {
     bool fired_ = false;
 };
 
-}  // namespace
+const Tests kFireEvent("event", New<FireEvent>);
 
-using Scenarios = testing::Types<FireEvent>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Events, Faults, Scenarios);
+}  // namespace
 
 }  // namespace faults

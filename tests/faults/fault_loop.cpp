@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <new>
+#include <string>
 #include <vector>
 
 namespace faults {
@@ -22,7 +23,7 @@ namespace {
 constexpr unsigned kSecondsPerStep = 30;
 constexpr int kMostFailures = 12;
 
-// The step that is being run, for a report of a program that ends in it.
+// The step that runs now. The signal handler reports it when the program dies in it.
 std::array<char, 256> now_running;
 
 [[noreturn]] void ReportEnd(int signal) {
@@ -34,7 +35,7 @@ std::array<char, 256> now_running;
     std::_Exit(3);
 }
 
-// Of the process; a folder's own descriptor, open while they are counted, counts each time.
+// The number of open descriptors of the process, that of the listing itself included.
 int OpenDescriptors() {
     DIR* const folder = opendir("/proc/self/fd");
     int count = 0;
@@ -43,6 +44,7 @@ int OpenDescriptors() {
     return count;
 }
 
+// What the process holds at one moment.
 struct Holdings {
     long blocks = BlocksInUse();
     int descriptors = OpenDescriptors();
@@ -61,7 +63,7 @@ class Loops {
     }
 
     void Run() {
-        // The first run fills what is made once and kept.
+        // The first run makes what is made once and kept. The second one is counted.
         for (int i = 0; i < 2; ++i) RunStep(Plan{kind_});
         const std::vector<Site*> sites = Used();
         totals_.names = static_cast<int>(sites.size());
@@ -99,19 +101,19 @@ class Loops {
         return failed;
     }
 
-    // Every call of a short scenario; of a long one the first calls and ever fewer of the rest.
+    // Takes every call of a short scenario. In a long one the steps grow with the number.
     int Next(int nth) const {
         return nth + (every_ ? 1 : 1 + nth / (kind_ == Kind::Memory ? 60 : 30));
     }
 
-    // Ends after a few steps that failed: more of them say nothing new.
+    // Ends after a few failed steps, because more of them say nothing new.
     void Loop(Plan plan) {
         for (plan.nth = 1; failed_ < kMostFailures; plan.nth = Next(plan.nth)) {
             if (!RunAgainWhenItGrows(plan)) return;
         }
     }
 
-    // A leak grows with every run; what is made once and kept does not.
+    // A leak grows with every run. What is made once and kept does not.
     bool RunAgainWhenItGrows(const Plan& plan) {
         for (int run = 0;; ++run) {
             const Holdings before;
@@ -137,10 +139,8 @@ class Loops {
         const testing::ScopedTrace trace(__FILE__, __LINE__, text);
         alarm(kSecondsPerStep);
         scenario_.Prepare();
-        Step step;
-        step.plan = plan;
-        RunArmed(step);
         const int parts = FailedParts();
+        const Step step{plan, RunArmed(plan)};
         scenario_.Check(step);
         alarm(0);
         failed_ += FailedParts() > parts;
@@ -149,25 +149,29 @@ class Loops {
         return step.hit;
     }
 
-    void RunArmed(Step& step) {
+    // True when a call failed on demand.
+    bool RunArmed(const Plan& plan) {
         std::exception_ptr thrown;
         try {
-            const Armed armed(step.plan);
+            const Armed armed(plan);
             scenario_.Run();
         } catch (...) {
             thrown = std::current_exception();
         }
-        step.hit = WasHit();
-        if (thrown == nullptr) return;
-        step.threw = true;
+        const bool hit = WasHit();
+        if (thrown != nullptr && !scenario_.MayThrow(kind_)) {
+            ADD_FAILURE() << "an exception comes out: " << What(thrown);
+        }
+        return hit;
+    }
+
+    static std::string What(const std::exception_ptr& thrown) {
         try {
             std::rethrow_exception(thrown);
-        } catch (const std::bad_alloc&) {
-            step.exhausted = true;
         } catch (const std::exception& failure) {
-            step.thrown = failure.what();
+            return failure.what();
         } catch (...) {
-            step.thrown = "a message";
+            return "a message";
         }
     }
 
@@ -179,13 +183,32 @@ class Loops {
     Totals totals_;
 };
 
+class LoopTest : public testing::Test {
+  public:
+    LoopTest(Kind kind, std::string name, Tests::Make make)
+        : kind_(kind), name_(std::move(name)), make_(std::move(make)) {}
+
+    void TestBody() override {
+        for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+            std::signal(signal, ReportEnd);
+        }
+        Loops(*make_(), kind_, name_).Run();
+    }
+
+  private:
+    const Kind kind_;
+    const std::string name_;
+    const Tests::Make make_;
+};
+
 }  // namespace
 
-void RunLoops(Scenario& scenario, Kind kind, const std::string& name) {
-    for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
-        std::signal(signal, ReportEnd);
+Tests::Tests(const char* name, const Make& make) {
+    for (const Kind kind : {Kind::Host, Kind::System, Kind::Memory}) {
+        const std::string full = std::string(name) + ", " + KindText(kind) + "s";
+        testing::RegisterTest("Faults", full.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                              [=]() -> testing::Test* { return new LoopTest(kind, full, make); });
     }
-    Loops(scenario, kind, name).Run();
 }
 
 }  // namespace faults

@@ -21,18 +21,11 @@ void List(Site& site) {
     first_site = &site;
 }
 
-const char* KindText(Kind kind) {
-    switch (kind) {
-        case Kind::Host:
-            return "host call";
-        case Kind::System:
-            return "system call";
-        default:
-            return "allocation";
-    }
-}
-
 }  // namespace
+
+const char* KindText(Kind kind) {
+    return kind == Kind::Host ? "host call" : kind == Kind::System ? "system call" : "allocation";
+}
 
 std::string Plan::Text() const {
     std::string text =

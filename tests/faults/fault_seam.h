@@ -12,6 +12,7 @@ namespace faults {
 
 /// Which calls count: the library's calls of the host, the system calls below, or allocations.
 enum class Kind { Host, System, Memory };
+const char* KindText(Kind kind);
 
 /// What a failing call answers; its code becomes the last error, errno, or the result itself.
 enum class Answer { Zero, Ones, Status, Errno, NullErrno };

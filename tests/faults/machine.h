@@ -21,6 +21,9 @@ namespace faults {
 
 inline const WCHAR* const kPrinter = TEXT("QV Fax");
 
+/// A value of the product's key that nobody uses.
+inline const WCHAR* const kNeighbour = TEXT("Neighbour");
+
 class Machine {
   public:
     Machine() {
@@ -32,6 +35,7 @@ class Machine {
         const auto* bytes = reinterpret_cast<const BYTE*>(&block);
         printers_.SetUserDevMode(kPrinter, test::Bytes(bytes, bytes + sizeof block));
         printers_.SetDefaultDevMode(kPrinter, test::Bytes(bytes, bytes + sizeof block));
+        SetValue(kNeighbour, TEXT("kept"));
     }
 
     /// Lines that the library has logged at level X.
@@ -67,8 +71,8 @@ class Machine {
     test::TestPrinters printers_;
 };
 
-/// A stored number that every run changes: afterwards it is the old or the new one, and the new one
-/// when the caller was told so.
+/// A stored number that every run changes. After the run it is the old or the new one, and the new
+/// one when the caller was told so.
 class Turns {
   public:
     int Stored() const { return stored_; }

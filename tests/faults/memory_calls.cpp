@@ -1,5 +1,5 @@
-// Allocations that can fail, and the count of the blocks in use: operator new and its like, and the
-// process heap. The count takes each block once, whichever of the heap's names hand it on inside.
+// Allocations that can fail, and the count of the blocks in use: operator new and the process heap.
+// A heap call that calls another one counts its block once.
 #include <windows.h>
 
 #include <atomic>
@@ -26,7 +26,10 @@ class HeapCall {
     ~HeapCall() { --heap_depth; }
     HeapCall(const HeapCall&) = delete;
     HeapCall& operator=(const HeapCall&) = delete;
-    void Took(const void* block) const { blocks += outermost_ && block != nullptr ? 1 : 0; }
+    void* Took(void* block) const {
+        blocks += outermost_ && block != nullptr ? 1 : 0;
+        return block;
+    }
     void Gave(const void* block) const { blocks -= outermost_ && block != nullptr ? 1 : 0; }
 
   private:
@@ -69,95 +72,56 @@ long faults::BlocksInUse() {
     return blocks;
 }
 
-void* operator new(std::size_t size) {
-    return OrThrow(Block(size));
-}
-void* operator new[](std::size_t size) {
-    return OrThrow(Block(size));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return Block(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return Block(size);
-}
-void* operator new(std::size_t size, std::align_val_t align) {
-    return OrThrow(AlignedBlock(size, align));
-}
-void* operator new[](std::size_t size, std::align_val_t align) {
-    return OrThrow(AlignedBlock(size, align));
-}
-void operator delete(void* block) noexcept {
-    Free(block);
-}
-void operator delete[](void* block) noexcept {
-    Free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    Free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    Free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    Free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    Free(block);
-}
-void operator delete(void* block, std::align_val_t) noexcept {
-    Free(block);
-}
-void operator delete[](void* block, std::align_val_t) noexcept {
-    Free(block);
-}
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
-    Free(block);
-}
-void operator delete[](void* block, std::size_t, std::align_val_t) noexcept {
-    Free(block);
-}
+// The same for one object and for an array.
+#define QV_OPERATORS(array)                                                           \
+    void* operator new array(std::size_t size) {                                      \
+        return OrThrow(Block(size));                                                  \
+    }                                                                                 \
+    void* operator new array(std::size_t size, const std::nothrow_t&) noexcept {      \
+        return Block(size);                                                           \
+    }                                                                                 \
+    void* operator new array(std::size_t size, std::align_val_t align) {              \
+        return OrThrow(AlignedBlock(size, align));                                    \
+    }                                                                                 \
+    void operator delete array(void* block) noexcept {                                \
+        Free(block);                                                                  \
+    }                                                                                 \
+    void operator delete array(void* block, std::size_t) noexcept {                   \
+        Free(block);                                                                  \
+    }                                                                                 \
+    void operator delete array(void* block, const std::nothrow_t&) noexcept {         \
+        Free(block);                                                                  \
+    }                                                                                 \
+    void operator delete array(void* block, std::align_val_t) noexcept {              \
+        Free(block);                                                                  \
+    }                                                                                 \
+    void operator delete array(void* block, std::size_t, std::align_val_t) noexcept { \
+        Free(block);                                                                  \
+    }
+QV_OPERATORS()
+QV_OPERATORS([])
 
-QV_HEAD(3, HeapAlloc) {
-    QV_SITE(HeapAlloc, Zero, false, kNoMemory);
-    const HeapCall call;
-    void* const block = Call(site, [&] { return next(QV_ARGS3); });
-    call.Took(block);
-    return block;
-}
-
-// The block stays one block, whether it moves or the call fails.
+// The process heap. A block that moves stays one block.
+#define QV_TAKES(n, f)                                                  \
+    QV_HEAD(n, f) {                                                     \
+        QV_SITE(f, Zero, false, kNoMemory);                             \
+        const HeapCall call;                                            \
+        return call.Took(Call(site, [&] { return next(QV_ARGS##n); })); \
+    }
+#define QV_GIVES(n, f, block)                             \
+    QV_HEAD(n, f) {                                       \
+        static const auto next = Next<decltype(::f)>(#f); \
+        const HeapCall call;                              \
+        call.Gave(block);                                 \
+        return next(QV_ARGS##n);                          \
+    }
+QV_TAKES(3, HeapAlloc)
+QV_TAKES(2, GlobalAlloc)
+QV_GIVES(3, HeapFree, a2)
+QV_GIVES(1, GlobalFree, a0)
+QV_GIVES(1, LocalFree, a0)
 QV_HEAD(4, HeapReAlloc) {
     QV_SITE(HeapReAlloc, Zero, false, kNoMemory);
     const HeapCall call;
     return Call(site, [&] { return next(QV_ARGS4); });
-}
-
-QV_HEAD(2, GlobalAlloc) {
-    QV_SITE(GlobalAlloc, Zero, false, kNoMemory);
-    const HeapCall call;
-    void* const block = Call(site, [&] { return next(QV_ARGS2); });
-    call.Took(block);
-    return block;
-}
-
-QV_HEAD(3, HeapFree) {
-    static const auto next = Next<decltype(::HeapFree)>("HeapFree");
-    const HeapCall call;
-    call.Gave(a2);
-    return next(QV_ARGS3);
-}
-
-QV_HEAD(1, GlobalFree) {
-    static const auto next = Next<decltype(::GlobalFree)>("GlobalFree");
-    const HeapCall call;
-    call.Gave(a0);
-    return next(a0);
-}
-
-QV_HEAD(1, LocalFree) {
-    static const auto next = Next<decltype(::LocalFree)>("LocalFree");
-    const HeapCall call;
-    call.Gave(a0);
-    return next(a0);
 }

@@ -1,10 +1,10 @@
-// Writing one value: to the registry, to a printer's settings.
+// Commands and calls that change one value in the registry or in a printer's settings.
 #include <algorithm>
 #include <string>
 
 #include "driver_devmode/default_settings.h"
+#include "faults/fault_loop.h"
 #include "faults/machine.h"
-#include "faults/scenario_tests.h"
 #include "mox_classes/text/sysutils.h"
 #include "qv_rtl_main/command_entry.h"
 
@@ -12,161 +12,144 @@ namespace faults {
 
 namespace {
 
-constexpr const WCHAR* kValue = TEXT("Language");
-constexpr const WCHAR* kNeighbour = TEXT("InstallPath");
-const int kSuccess = static_cast<int>(ERROR_SUCCESS);
-
-// The caller's buffer of a call that takes text and gives text.
-struct Buffer {
-    static constexpr int kUnits = 64;
-    WCHAR text[kUnits + 2];
-    Buffer() { std::fill(std::begin(text), std::end(text), u'#'); }
+// The caller's buffer of a command.
+template <class Char, int kLength>
+class Buffer {
+  public:
+    Char* Fresh() {
+        std::fill(std::begin(text_), std::end(text_), Char{'#'});
+        return text_;
+    }
+    const Char* Text() const { return text_; }
     void ExpectWhole() const {
-        EXPECT_EQ(text[kUnits + 1], u'#') << "written past its end";
-        EXPECT_NE(std::find(text, text + kUnits + 1, u'\0'), text + kUnits + 1) << "no terminator";
+        EXPECT_EQ(text_[kLength + 1], Char{'#'}) << "written past its end";
+        EXPECT_NE(std::find(text_, text_ + kLength + 1, Char{}), text_ + kLength + 1)
+            << "no terminator";
     }
+    static constexpr int kSize = kLength;
+
+  private:
+    Char text_[kLength + 2];
 };
 
-class RegistryWrite : public Scenario {
+// What a call says about the value that it was to store.
+enum class Told { Stored, Failed, FailedWithoutCode };
+
+Told WriteValue(int number) {
+    const UnicodeString text(number);
+    return Mox::WriteRegistry(HKEY_LOCAL_MACHINE, kProductKey, TEXT("Language"), text)
+               ? Told::Stored
+               : Told::Failed;
+}
+
+int Value() {
+    return Sysutils::StrToIntDef(Machine::Value(TEXT("Language")), -1);
+}
+
+Told WriteCopies(int number) {
+    QV_DEVMODE block;
+    block.dmCopies = static_cast<short>(number);
+    const TW32StructData<DEVMODEW> stored = SetGlobalDevMode(kPrinter, &block, nullptr);
+    if (stored.IsSuccess()) return Told::Stored;
+    return stored.GetErrorCode() == ERROR_SUCCESS ? Told::FailedWithoutCode : Told::Failed;
+}
+
+int Copies() {
+    return Machine::Settings().dmCopies;
+}
+
+Buffer<WCHAR, 64> command_buffer;
+
+Told CommandMode(int mode) {
+    constexpr const WCHAR kLine[] = TEXT("setdevmode\tprintername\tQV Fax\tmode\t");
+    WCHAR line[80];
+    WCHAR* end = std::copy(std::begin(kLine), std::end(kLine) - 1, line);
+    if (mode >= 10) *end++ = static_cast<WCHAR>(u'0' + mode / 10);
+    *end++ = static_cast<WCHAR>(u'0' + mode % 10);
+    *end = 0;
+    const int status = DoCommandW(line, command_buffer.Fresh(), command_buffer.kSize);
+    return status >= 0 ? Told::Stored : Told::Failed;
+}
+
+int Mode() {
+    return Machine::Settings().exDialog.Mode;
+}
+
+int ModeAfterCommand() {
+    command_buffer.ExpectWhole();
+    return Mode();
+}
+
+Told SetDefaults(int mode) {
+    const int done = SetQVDefaultSetting(kPrinter, static_cast<BYTE>(mode), 1, 1, 0,
+                                         TEXT("C:\\out"), TEXT("fax.tif"), TEXT("a.exe"),
+                                         TEXT("-x"), TEXT(""), TEXT(""), TEXT(""));
+    return done == 1 ? Told::Stored : Told::Failed;
+}
+
+struct Row {
+    const char* name;
+    Throws throws;
+    Told (*write)(int number);
+    int (*read)();
+};
+constexpr Row kRows[] = {
+    {"registry write", Throws::WithoutMemory, WriteValue, Value},
+    {"spooler write", Throws::WithoutMemory, WriteCopies, Copies},
+    {"set command", Throws::Never, CommandMode, ModeAfterCommand},
+    {"default settings", Throws::Never, SetDefaults, Mode},
+};
+
+class Change : public Scenario {
   public:
-    static constexpr const char* kName = "registry write";
-    RegistryWrite() {
-        Machine::SetValue(kNeighbour, TEXT("C:\\kept"));
-        Machine::SetValue(kValue, Text(turns_.Stored()));
+    explicit Change(const Row& row) : Scenario(row.throws), row_(row) {
+        EXPECT_EQ(row_.write(turns_.Stored()), Told::Stored);
     }
-    void Prepare() override { wanted_ = Text(turns_.Wanted()); }
     void Run() override {
-        written_ = false;
-        written_ = Mox::WriteRegistry(HKEY_LOCAL_MACHINE, kProductKey, kValue, wanted_);
+        told_ = Told::Failed;
+        told_ = row_.write(turns_.Wanted());
     }
     void Check(const Step& step) override {
-        EXPECT_TRUE(step.hit || written_);
-        EXPECT_TRUE(!step.threw || step.plan.kind == Kind::Memory) << step.thrown;
-        EXPECT_TRUE(Machine::Value(kNeighbour) == UnicodeString(TEXT("C:\\kept")));
-        turns_.Found(Sysutils::StrToIntDef(Machine::Value(kValue), -1), written_);
-        wanted_ = UnicodeString();
+        EXPECT_NE(told_, Told::FailedWithoutCode);
+        EXPECT_TRUE(step.hit || told_ == Told::Stored);
+        EXPECT_TRUE(Machine::Value(kNeighbour) == UnicodeString(TEXT("kept")));
+        turns_.Found(row_.read(), told_ == Told::Stored);
     }
 
   private:
-    static UnicodeString Text(int number) { return UnicodeString(number); }
-
+    const Row& row_;
     Machine machine_;
     Turns turns_;
-    UnicodeString wanted_;
-    bool written_ = false;
-};
-
-class SpoolerWrite : public Scenario {
-  public:
-    static constexpr const char* kName = "spooler write";
-    SpoolerWrite() {
-        block_.dmCopies = 1;
-        EXPECT_TRUE(SetGlobalDevMode(kPrinter, &block_, nullptr).IsSuccess());
-    }
-    void Prepare() override { block_.dmCopies = static_cast<short>(turns_.Wanted()); }
-    void Run() override {
-        code_ = -1;
-        const TW32StructData<DEVMODEW> stored = SetGlobalDevMode(kPrinter, &block_, nullptr);
-        code_ = stored.IsSuccess() ? kSuccess : static_cast<int>(stored.GetErrorCode());
-        if (!stored.IsSuccess() && code_ == kSuccess) code_ = -2;
-    }
-    void Check(const Step& step) override {
-        EXPECT_TRUE(step.hit || code_ == kSuccess);
-        EXPECT_TRUE(!step.threw || step.plan.kind == Kind::Memory) << step.thrown;
-        EXPECT_NE(code_, -2) << "a failure without a code";
-        turns_.Found(Machine::Settings().dmCopies, code_ == kSuccess);
-    }
-
-  private:
-    Machine machine_;
-    Turns turns_;
-    QV_DEVMODE block_;
-    int code_ = 0;
-};
-
-class SetCommand : public Scenario {
-  public:
-    static constexpr const char* kName = "set command";
-    SetCommand() { Send(turns_.Stored()); }
-    void Run() override { Send(turns_.Wanted()); }
-    void Check(const Step& step) override {
-        EXPECT_FALSE(step.threw) << "an exception leaves a C call: " << step.thrown;
-        EXPECT_TRUE(step.hit || status_ == 0) << status_;
-        buffer_.ExpectWhole();
-        turns_.Found(Machine::Settings().exDialog.Mode, status_ >= 0);
-    }
-
-  private:
-    void Send(int mode) {
-        constexpr const WCHAR kLine[] = TEXT("setdevmode\tprintername\tQV Fax\tmode\t");
-        WCHAR line[80];
-        WCHAR* end = std::copy(std::begin(kLine), std::end(kLine) - 1, line);
-        if (mode >= 10) *end++ = static_cast<WCHAR>(u'0' + mode / 10);
-        *end++ = static_cast<WCHAR>(u'0' + mode % 10);
-        *end = 0;
-        buffer_ = Buffer();
-        status_ = DoCommandW(line, buffer_.text, Buffer::kUnits);
-    }
-
-    Machine machine_;
-    Turns turns_;
-    Buffer buffer_;
-    int status_ = 0;
+    Told told_ = Told::Failed;
 };
 
 class GetCommandNarrow : public Scenario {
   public:
-    static constexpr const char* kName = "get command, narrow";
+    GetCommandNarrow() : Scenario(Throws::Never) {}
     void Run() override {
-        std::fill(std::begin(buffer_), std::end(buffer_), '#');
-        status_ = DoCommandA("getdevmode\tprintername\tQV Fax", buffer_, kBytes);
+        status_ = DoCommandA("getdevmode\tprintername\tQV Fax", buffer_.Fresh(), buffer_.kSize);
     }
     void Check(const Step& step) override {
-        EXPECT_FALSE(step.threw) << "an exception leaves a C call: " << step.thrown;
-        EXPECT_EQ(buffer_[kBytes + 1], '#') << "written past its end";
-        EXPECT_LE(std::strlen(buffer_), std::size_t{kBytes});
+        buffer_.ExpectWhole();
         EXPECT_TRUE(step.hit || status_ > 100) << status_;
         EXPECT_TRUE(status_ != 0) << "neither a failure nor a result";
-        const std::string text = buffer_;
+        const std::string text = buffer_.Text();
         EXPECT_TRUE(status_ < 0 || text.starts_with("Mode\t0\t") || text == "Invalid Command")
             << text;
     }
 
   private:
-    static constexpr int kBytes = 300;
     Machine machine_;
-    char buffer_[kBytes + 2] = {};
+    Buffer<char, 300> buffer_;
     int status_ = 0;
 };
 
-class DefaultSettings : public Scenario {
-  public:
-    static constexpr const char* kName = "default settings";
-    DefaultSettings() { Set(turns_.Stored()); }
-    void Run() override { Set(turns_.Wanted()); }
-    void Check(const Step& step) override {
-        EXPECT_FALSE(step.threw) << "an exception leaves a C call: " << step.thrown;
-        EXPECT_TRUE(step.hit || done_ == 1);
-        turns_.Found(Machine::Settings().exDialog.Mode, done_ == 1);
-    }
-
-  private:
-    void Set(int mode) {
-        done_ = 0;
-        done_ = SetQVDefaultSetting(kPrinter, static_cast<BYTE>(mode), 1, 1, 0, TEXT("C:\\out"),
-                                    TEXT("fax.tif"), TEXT("a.exe"), TEXT("-x"), TEXT(""), TEXT(""),
-                                    TEXT(""));
-    }
-
-    Machine machine_;
-    Turns turns_;
-    int done_ = 0;
-};
+const bool kAdded = [] {
+    for (const Row& row : kRows) Tests(row.name, [&row] { return std::make_unique<Change>(row); });
+    return true;
+}();
+const Tests kGetCommandNarrow("get command, narrow", New<GetCommandNarrow>);
 
 }  // namespace
-
-using Scenarios =
-    testing::Types<RegistryWrite, SpoolerWrite, SetCommand, GetCommandNarrow, DefaultSettings>;
-INSTANTIATE_TYPED_TEST_SUITE_P(Settings, Faults, Scenarios);
 
 }  // namespace faults
