@@ -1,4 +1,4 @@
-// The scenario of managed_calls.c through QvRtl.cs: managed_calls.exe PRINTER
+// The scenario of managed_calls.cpp through QvRtl.cs: managed_calls.exe PRINTER
 using System;
 using System.Collections.Generic;
 

@@ -1,4 +1,4 @@
-"""The scenario of managed_calls.c through the Python module: managed_calls.py LIBRARY PRINTER"""
+"""The scenario of managed_calls.cpp through the Python module: managed_calls.py LIBRARY PRINTER"""
 import os
 import sys
 
