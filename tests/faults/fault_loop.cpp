@@ -54,15 +54,19 @@ struct Totals {
     int names = 0, calls = 0, steps = 0, hits = 0;
 };
 
-class Loops {
+class LoopTest : public testing::Test {
   public:
-    Loops(Scenario& scenario, Kind kind, std::string name)
-        : scenario_(scenario), kind_(kind), name_(std::move(name)) {
+    LoopTest(Kind kind, std::string name, Tests::Make make)
+        : kind_(kind), name_(std::move(name)), make_(std::move(make)) {
         const char* const all = std::getenv("QV_FAULTS");
         every_ = all != nullptr && std::string_view(all) == "all";
     }
 
-    void Run() {
+    void TestBody() override {
+        for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+            std::signal(signal, ReportEnd);
+        }
+        scenario_ = make_();
         // The first run makes what is made once and kept. The second one is counted.
         for (int i = 0; i < 2; ++i) RunStep(Plan{kind_});
         const std::vector<Site*> sites = Used();
@@ -75,6 +79,7 @@ class Loops {
         }
         std::printf("[ faults   ] %s: %d names, %d calls, %d steps, %d with a failing call\n",
                     name_.c_str(), totals_.names, totals_.calls, totals_.steps, totals_.hits);
+        scenario_.reset();
     }
 
   private:
@@ -94,11 +99,7 @@ class Loops {
     }
 
     static int FailedParts() {
-        const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
-        int failed = 0;
-        for (int i = 0; i < result.total_part_count(); ++i)
-            failed += result.GetTestPartResult(i).failed();
-        return failed;
+        return testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
     }
 
     // Takes every call of a short scenario. In a long one the steps grow with the number.
@@ -138,10 +139,10 @@ class Loops {
         now_running[std::min(text.size(), now_running.size() - 1)] = 0;
         const testing::ScopedTrace trace(__FILE__, __LINE__, text);
         alarm(kSecondsPerStep);
-        scenario_.Prepare();
+        scenario_->Prepare();
         const int parts = FailedParts();
         const Step step{plan, RunArmed(plan)};
-        scenario_.Check(step);
+        scenario_->Check(step);
         alarm(0);
         failed_ += FailedParts() > parts;
         ++totals_.steps;
@@ -154,12 +155,12 @@ class Loops {
         std::exception_ptr thrown;
         try {
             const Armed armed(plan);
-            scenario_.Run();
+            scenario_->Run();
         } catch (...) {
             thrown = std::current_exception();
         }
         const bool hit = WasHit();
-        if (thrown != nullptr && !scenario_.MayThrow(kind_)) {
+        if (thrown != nullptr && !scenario_->MayThrow(kind_)) {
             ADD_FAILURE() << "an exception comes out: " << What(thrown);
         }
         return hit;
@@ -175,30 +176,13 @@ class Loops {
         }
     }
 
-    Scenario& scenario_;
-    const Kind kind_;
-    const std::string name_;
-    bool every_ = false;
-    int failed_ = 0;
-    Totals totals_;
-};
-
-class LoopTest : public testing::Test {
-  public:
-    LoopTest(Kind kind, std::string name, Tests::Make make)
-        : kind_(kind), name_(std::move(name)), make_(std::move(make)) {}
-
-    void TestBody() override {
-        for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
-            std::signal(signal, ReportEnd);
-        }
-        Loops(*make_(), kind_, name_).Run();
-    }
-
-  private:
     const Kind kind_;
     const std::string name_;
     const Tests::Make make_;
+    std::unique_ptr<Scenario> scenario_;
+    bool every_ = false;
+    int failed_ = 0;
+    Totals totals_;
 };
 
 }  // namespace
