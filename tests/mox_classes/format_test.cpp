@@ -265,6 +265,7 @@ TEST(Booleans, WordsOfNo) {
     for (const WCHAR* yes : {TEXT("no"), TEXT("1"), TEXT("yes"), TEXT(""), TEXT("OF")}) {
         EXPECT_TRUE(StringToBool(yes)) << test::Shown(yes);
     }
+    EXPECT_FALSE(StringToBool(UnicodeString(TEXT("0\0x"), 3))) << "text ends at a zero";
     EXPECT_EQ(BoolToString(true), TEXT("True"));
     EXPECT_EQ(BoolToString(false), TEXT("False"));
 }

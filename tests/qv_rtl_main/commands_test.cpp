@@ -167,6 +167,8 @@ TEST_F(Commands, AProgramIsACommandLineAndAMessageAnEvent) {
     EXPECT_EQ(StoredTarget(), TEXT("\"c:\\a b.exe\" -x {spoolfile}"));
     Set(TEXT("mode|0"));
     EXPECT_EQ(StoredTarget(), TEXT("\"c:\\a b.exe\" -x {spoolfile}")) << "unchanged";
+    Set(TEXT("appname|a.exe"));
+    EXPECT_EQ(StoredTarget(), TEXT("a.exe"));
     Set(TEXT("appname|a.exe|appparam|<1>|msgname|done|msgformat|<1>|msgwinclass|TWin"));
     EXPECT_EQ(StoredTarget(),
               TEXT("<event file=\"a.exe\" param=\"&lt;1&gt;\" msg=\"done\" win=\"TWin\"/>"));
