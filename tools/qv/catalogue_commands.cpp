@@ -2,8 +2,8 @@
 #include <charconv>
 #include <memory>
 
-#include "commands.h"
-#include "console.h"
+#include "base/commands.h"
+#include "base/console.h"
 #include "driver_global/catalogues.h"
 #include "xml/xml_resource.h"
 

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
-#include "console.h"
+#include "base/commands.h"
+#include "base/console.h"
+#include "base/host.h"
 #include "qv_rtl_version.h"
 
 namespace {

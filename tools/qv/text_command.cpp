@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
-#include "console.h"
+#include "base/commands.h"
+#include "base/console.h"
 #include "qv_rtl_main/command_entry.h"
 
 namespace qv {

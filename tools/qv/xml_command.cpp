@@ -2,8 +2,8 @@
 #include <limits>
 #include <memory>
 
-#include "commands.h"
-#include "files.h"
+#include "base/commands.h"
+#include "base/files.h"
 #include "mox_classes/containers/memory_stream.h"
 #include "qv_rtl_main/xml_check.h"
 #include "qv_rtl_main/xml_request.h"

@@ -2,9 +2,9 @@
 #include <map>
 #include <memory>
 
-#include "commands.h"
+#include "base/commands.h"
+#include "base/console.h"
 #include "completion/writers.h"
-#include "console.h"
 
 namespace qv {
 

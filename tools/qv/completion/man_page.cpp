@@ -1,7 +1,7 @@
 #include <cctype>
 
+#include "base/console.h"
 #include "completion/writers.h"
-#include "console.h"
 #include "qv_rtl_version.h"
 
 namespace qv {

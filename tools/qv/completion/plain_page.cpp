@@ -1,8 +1,8 @@
 // The manual page for a machine without `man`: the page's own text, laid out for a terminal.
 #include <sstream>
 
+#include "base/console.h"
 #include "completion/writers.h"
-#include "console.h"
 
 namespace qv {
 

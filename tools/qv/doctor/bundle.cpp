@@ -5,15 +5,16 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/files.h"
+#include "base/host.h"
+#include "base/progress.h"
 #include "doctor/examination.h"
 #include "doctor/redaction.h"
 #include "doctor/zip_writer.h"
 #include "driver_global/installation.h"
-#include "files.h"
-#include "log/log_format.h"
-#include "log/log_source.h"
+#include "log/log_input.h"
+#include "log/record_line.h"
 #include "os_xp/user_name.h"
-#include "progress.h"
 #include "settings/printer_settings.h"
 #include "settings/settings_text.h"
 

@@ -1,7 +1,7 @@
 // qv doctor, qv bundle: how the product is installed on this machine, and all of it for support.
 #include <memory>
 
-#include "commands.h"
+#include "base/commands.h"
 #include "doctor/bundle.h"
 #include "doctor/examination.h"
 

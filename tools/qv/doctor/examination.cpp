@@ -2,9 +2,10 @@
 
 #include <windows.h>
 
+#include "base/files.h"
+#include "base/host.h"
 #include "driver_devmode/document_folders.h"
 #include "driver_global/installation.h"
-#include "files.h"
 #include "mox_classes/text/sysutils.h"
 #include "os_xp/user_name.h"
 #include "qv_rtl_main/runtime_version.h"

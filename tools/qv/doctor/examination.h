@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "json_output.h"
+#include "base/json_output.h"
 
 namespace qv {
 
@@ -25,13 +25,5 @@ Json ExamineResource(Problems& problems);
 // Each value that is in force, and the key that it comes from or that it is a default.
 Json ExamineRegistry();
 Json ExaminePrinters(Problems& problems);
-
-// Host: what only it knows.
-struct HostFacts {
-    std::string library;  // file of the library that is loaded
-    std::string machine;
-    std::string root;  // the folder that stands in for a Windows machine; empty on Windows
-};
-HostFacts GetHostFacts();
 
 }  // namespace qv

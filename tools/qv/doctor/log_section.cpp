@@ -4,7 +4,7 @@
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
 #include "log/log_filter.h"
-#include "log/log_source.h"
+#include "log/log_input.h"
 #include "log/log_time.h"
 #include "log_file/log_reader.h"
 #include "mox_classes/containers/streams.h"

@@ -1,7 +1,7 @@
 // The printers, and whether the current user's settings of them are of use.
+#include "base/progress.h"
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
-#include "progress.h"
 #include "settings/block_damage.h"
 #include "settings/printer_settings.h"
 

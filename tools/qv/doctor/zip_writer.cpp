@@ -5,7 +5,7 @@
 #include <array>
 #include <limits>
 
-#include "exit_code.h"
+#include "base/exit_code.h"
 
 namespace qv {
 

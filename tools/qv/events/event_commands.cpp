@@ -8,11 +8,11 @@
 #include <iterator>
 #include <memory>
 
-#include "commands.h"
+#include "base/commands.h"
+#include "base/files.h"
 #include "driver_devmode/qvdm.h"
 #include "driver_global/events.h"
 #include "events/sample_job.h"
-#include "files.h"
 #include "mox_classes/format/template_string.h"
 #include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"

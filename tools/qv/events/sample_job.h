@@ -8,7 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "console.h"
+#include "base/console.h"
 #include "driver_global/job_tags.h"
 
 namespace qv {

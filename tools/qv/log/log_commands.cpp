@@ -2,12 +2,13 @@
 #include <cstdlib>
 #include <memory>
 
-#include "commands.h"
-#include "console.h"
-#include "log_save.h"
-#include "log_show.h"
-#include "log_stat.h"
-#include "log_verify.h"
+#include "base/commands.h"
+#include "base/console.h"
+#include "base/host.h"
+#include "log/log_save.h"
+#include "log/log_show.h"
+#include "log/log_stat.h"
+#include "log/log_verify.h"
 
 namespace qv {
 

@@ -1,4 +1,4 @@
-#include "log_cursor.h"
+#include "log/log_cursor.h"
 
 #include <windows.h>
 
@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <initializer_list>
 
-#include "files.h"
-#include "log_filter.h"
+#include "base/files.h"
+#include "log/log_filter.h"
 
 namespace qv {
 

@@ -1,8 +1,8 @@
-#include "log_filter.h"
+#include "log/log_filter.h"
 
 #include <algorithm>
 
-#include "console.h"
+#include "base/console.h"
 
 namespace qv {
 

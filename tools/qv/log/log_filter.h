@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "log_time.h"
+#include "log/log_time.h"
+#include "log/text_pattern.h"
 #include "mox_log/log_message.h"
-#include "text_pattern.h"
 
 namespace qv {
 

@@ -2,9 +2,9 @@
 
 #include <set>
 
-#include "files.h"
-#include "log_show.h"
-#include "log_source.h"
+#include "base/files.h"
+#include "log/log_input.h"
+#include "log/log_show.h"
 #include "mox_classes/containers/streams.h"
 
 namespace qv {

@@ -1,11 +1,11 @@
-#include "log_save.h"
+#include "log/log_save.h"
 
 #include <windows.h>
 
-#include "files.h"
+#include "base/files.h"
+#include "base/progress.h"
+#include "log/log_input.h"
 #include "log_file/log_image.h"
-#include "log_source.h"
-#include "progress.h"
 
 namespace qv {
 

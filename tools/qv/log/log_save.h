@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "log_filter.h"
+#include "log/log_filter.h"
 
 namespace qv {
 

@@ -1,12 +1,13 @@
-#include "log_show.h"
+#include "log/log_show.h"
 
 #include <cstdint>
 #include <utility>
 
-#include "console.h"
-#include "files.h"
-#include "log_source.h"
-#include "progress.h"
+#include "base/console.h"
+#include "base/files.h"
+#include "base/host.h"
+#include "base/progress.h"
+#include "log/log_input.h"
 
 namespace qv {
 

@@ -5,10 +5,10 @@
 #include <deque>
 #include <string>
 
-#include "log_cursor.h"
+#include "log/log_cursor.h"
+#include "log/log_filter.h"
+#include "log/record_line.h"
 #include "log_file/log_reader.h"
-#include "log_filter.h"
-#include "log_format.h"
 
 namespace qv {
 

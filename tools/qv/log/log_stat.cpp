@@ -1,14 +1,14 @@
-#include "log_stat.h"
+#include "log/log_stat.h"
 
 #include <map>
 #include <vector>
 
-#include "json_output.h"
-#include "log_filter.h"
-#include "log_format.h"
-#include "log_source.h"
-#include "progress.h"
-#include "ring_picture.h"
+#include "base/json_output.h"
+#include "base/progress.h"
+#include "log/log_filter.h"
+#include "log/log_input.h"
+#include "log/record_line.h"
+#include "log/ring_picture.h"
 
 namespace qv {
 

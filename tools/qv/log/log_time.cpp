@@ -1,4 +1,4 @@
-#include "log_time.h"
+#include "log/log_time.h"
 
 #include <windows.h>
 
@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+
+#include "base/host.h"
 
 namespace qv {
 

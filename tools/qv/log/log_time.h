@@ -21,7 +21,4 @@ std::string UtcText(LogTime time);
 // anything else.
 bool ParseTime(const std::string& text, LogTime now, LogTime& time);
 
-// Host: seconds that local time is ahead of UTC at a moment, in seconds since 1970.
-std::int64_t LocalOffset(std::int64_t utc);
-
 }  // namespace qv

@@ -1,8 +1,8 @@
-#include "log_verify.h"
+#include "log/log_verify.h"
 
-#include "json_output.h"
-#include "log_source.h"
-#include "progress.h"
+#include "base/json_output.h"
+#include "base/progress.h"
+#include "log/log_input.h"
 
 namespace qv {
 

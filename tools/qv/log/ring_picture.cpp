@@ -1,4 +1,4 @@
-#include "ring_picture.h"
+#include "log/ring_picture.h"
 
 #include <algorithm>
 

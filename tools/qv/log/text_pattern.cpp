@@ -1,6 +1,6 @@
-#include "text_pattern.h"
+#include "log/text_pattern.h"
 
-#include "console.h"
+#include "base/console.h"
 
 namespace qv {
 

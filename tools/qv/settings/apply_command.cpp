@@ -2,7 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "files.h"
+#include "base/files.h"
 #include "settings/change_run.h"
 #include "settings/printer_choice.h"
 #include "settings/settings_commands.h"

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "progress.h"
+#include "base/progress.h"
 #include "settings/journal.h"
 
 namespace qv {

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "progress.h"
+#include "base/progress.h"
 #include "settings/field_json.h"
 #include "settings/value_text.h"
 

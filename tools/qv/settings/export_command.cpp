@@ -2,7 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "files.h"
+#include "base/files.h"
 #include "os_xp/user_name.h"
 #include "settings/block_damage.h"
 #include "settings/printer_settings.h"

@@ -1,7 +1,7 @@
 // The values of fields in JSON.
 #pragma once
 
-#include "json_output.h"
+#include "base/json_output.h"
 #include "settings/fields.h"
 
 namespace qv {

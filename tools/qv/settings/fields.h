@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "console.h"
+#include "base/console.h"
 #include "driver_devmode/field_table.h"
 
 namespace qv {

@@ -2,9 +2,9 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "base/files.h"
 #include "driver_global/diagnostic_text.h"
 #include "events/sample_job.h"
-#include "files.h"
 #include "mox_classes/text/sys_error.h"
 #include "printer_query/job_record.h"
 #include "settings/settings_commands.h"

@@ -5,8 +5,9 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "files.h"
-#include "json_output.h"
+#include "base/files.h"
+#include "base/host.h"
+#include "base/json_output.h"
 #include "settings/field_value.h"
 #include "settings/value_text.h"
 
@@ -22,11 +23,11 @@ std::filesystem::path PathOf(const std::string& utf8) {
 }
 
 std::string FileName() {
-    return ToUtf8(UnicodeString(FromUtf8(JournalFolder()) + TEXT("/settings_journal.json")));
+    return ToUtf8(UnicodeString(FromUtf8(UserDataFolder()) + TEXT("/settings_journal.json")));
 }
 
 [[noreturn]] void CannotUse(const std::string& reason) {
-    throw Failure("the journal in '" + JournalFolder() + "' cannot be used: " + reason,
+    throw Failure("the journal in '" + UserDataFolder() + "' cannot be used: " + reason,
                   ExitCode::kCannotOpen);
 }
 
@@ -45,7 +46,7 @@ std::string Now() {
 // Nobody else opens the file meanwhile. A program that holds it is done within seconds, or gone.
 System::TFileHandle Lock() {
     std::error_code error;
-    std::filesystem::create_directories(PathOf(JournalFolder()), error);
+    std::filesystem::create_directories(PathOf(UserDataFolder()), error);
     if (error) CannotUse(error.message());
     const UnicodeString name = FromUtf8(FileName() + ".lock");
     for (int i = 0; i < kLockTries; ++i) {

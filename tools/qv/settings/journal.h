@@ -40,7 +40,4 @@ class Journal {
     System::TFileHandle lock_;
 };
 
-// Host: the folder for the user's own data of this program, which may not exist yet; UTF-8.
-std::string JournalFolder();
-
 }  // namespace qv

@@ -1,6 +1,6 @@
 #include "settings/settings_commands.h"
 
-#include "commands.h"
+#include "base/commands.h"
 
 namespace qv {
 

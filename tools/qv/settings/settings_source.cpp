@@ -1,6 +1,6 @@
 #include "settings/settings_source.h"
 
-#include "files.h"
+#include "base/files.h"
 #include "mox_classes/text/sysutils.h"
 #include "settings/block_damage.h"
 

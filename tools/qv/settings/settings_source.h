@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "json_output.h"
+#include "base/json_output.h"
 #include "settings/printer_settings.h"
 #include "settings/settings_text.h"
 

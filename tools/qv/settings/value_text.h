@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "console.h"
+#include "base/console.h"
 
 namespace qv {
 

@@ -1,8 +1,9 @@
-#include "files.h"
+#include "base/files.h"
 
 #include <cstdio>
 #include <limits>
 
+#include "base/host.h"
 #include "mox_classes/containers/streams.h"
 #include "mox_classes/text/sys_error.h"
 

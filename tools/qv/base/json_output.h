@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "console.h"
+#include "base/console.h"
 
 namespace qv {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "console.h"
+#include "base/console.h"
 
 namespace qv {
 
@@ -19,9 +19,5 @@ void WriteAll(const std::string& name, const std::string& bytes);
 // The same for a file that must be whole at every moment: the old content stays until the new one
 // stands complete beside it and takes its place.
 void WriteWhole(const std::string& name, const std::string& bytes);
-
-// Host: gives the file `from` the name `to` in one step, in place of the file that had it. Returns
-// the Win32 error code, 0 when it is done.
-DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
 
 }  // namespace qv

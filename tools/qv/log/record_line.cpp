@@ -1,10 +1,10 @@
-#include "log_format.h"
+#include "log/record_line.h"
 
 #include <cstdint>
 #include <cstdio>
 
-#include "json_output.h"
-#include "log_filter.h"
+#include "base/json_output.h"
+#include "log/log_filter.h"
 #include "mox_log/logger.h"
 
 namespace qv {

@@ -1,9 +1,10 @@
-#include "progress.h"
+#include "base/progress.h"
 
 #include <cstdio>
 #include <utility>
 
-#include "console.h"
+#include "base/console.h"
+#include "base/host.h"
 
 namespace qv {
 

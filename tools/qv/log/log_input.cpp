@@ -1,7 +1,7 @@
-#include "log_source.h"
+#include "log/log_input.h"
 
+#include "base/files.h"
 #include "driver_global/installation.h"
-#include "files.h"
 
 namespace qv {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "json_output.h"
+#include "base/json_output.h"
 #include "log_file/log_reader.h"
 
 namespace qv {

@@ -1,8 +1,10 @@
-#include "console.h"
+#include "base/utf8_text.h"
 
 #include <cstdio>
 #include <limits>
 #include <string_view>
+
+#include "base/exit_code.h"
 
 namespace qv {
 
@@ -77,22 +79,6 @@ std::string OneLine(const UnicodeString& text) {
 
 std::string Lines(const UnicodeString& text) {
     return EscapeControls(text, "\n\t");
-}
-
-void Print(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
-        std::fflush(stdout) != 0) {
-        if (OutputHasNoReader()) throw ClosedPipe();
-        throw Failure("cannot write to standard output");
-    }
-}
-
-void PrintLine(const std::string& text) {
-    Print(text + "\n");
-}
-
-void PrintError(const std::string& text) {
-    std::fputs(("qv: " + text + "\n").c_str(), stderr);
 }
 
 }  // namespace qv

@@ -1,0 +1,25 @@
+#include "base/console.h"
+
+#include <cstdio>
+
+#include "base/host.h"
+
+namespace qv {
+
+void Print(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
+        std::fflush(stdout) != 0) {
+        if (OutputHasNoReader()) throw ClosedPipe();
+        throw Failure("cannot write to standard output");
+    }
+}
+
+void PrintLine(const std::string& text) {
+    Print(text + "\n");
+}
+
+void PrintError(const std::string& text) {
+    std::fputs(("qv: " + text + "\n").c_str(), stderr);
+}
+
+}  // namespace qv

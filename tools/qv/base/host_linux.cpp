@@ -1,0 +1,118 @@
+// Also qv host: the state that this host keeps in place of Windows: where it lies, and its registry
+// as text.
+#include <dlfcn.h>
+#include <qv_host.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+
+#include "base/commands.h"
+#include "base/console.h"
+#include "base/host.h"
+#include "qv_rtl_main/runtime_version.h"
+
+namespace qv {
+
+namespace {
+
+constexpr DWORD kMessageSize = 1024;
+
+// The folder that stands in for a Windows machine, or nothing.
+std::string HostRoot() {
+    WCHAR folder[4096];
+    const DWORD length = QvHostRoot(folder, 4096);
+    return length == 0 || length >= 4096 ? std::string() : ToUtf8(UnicodeString(folder));
+}
+
+std::string HostPath(const UnicodeString& name) {
+    std::string path(QvHostPath(name.t_str(), nullptr, 0), '\0');
+    path.resize(QvHostPath(name.t_str(), path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+void PrintRoot() {
+    const std::string root = HostRoot();
+    if (root.empty()) throw Failure("the host root is not known");
+    PrintLine(root);
+}
+
+void Import(const std::string& file) {
+    WCHAR message[kMessageSize] = {};
+    if (!QvHostImport(FromUtf8(file).t_str(), message, kMessageSize))
+        throw Failure(OneLine(UnicodeString(message)));
+}
+
+void Export(const std::string& key) {
+    WCHAR message[kMessageSize] = {};
+    const UnicodeString wide_key = FromUtf8(key);
+    if (!QvHostExport(key.empty() ? nullptr : wide_key.t_str(), nullptr, message, kMessageSize)) {
+        throw Failure(OneLine(UnicodeString(message)));
+    }
+}
+
+}  // namespace
+
+bool IsTerminal(Stream stream) {
+    return isatty(static_cast<int>(stream)) != 0;
+}
+
+bool OutputHasNoReader() {
+    return errno == EPIPE;
+}
+
+std::vector<std::string> PrepareConsole(int argc, char** argv) {
+    // A closed pipe is an error of the write, so that what the program has begun is ended properly.
+    std::signal(SIGPIPE, SIG_IGN);
+    return {argv, argv + argc};
+}
+
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
+    if (std::rename(HostPath(from).c_str(), HostPath(to).c_str()) == 0) return NO_ERROR;
+    return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ERROR_ACCESS_DENIED;
+}
+
+std::int64_t LocalOffset(std::int64_t utc) {
+    const std::time_t moment = utc;
+    std::tm local{};
+    return localtime_r(&moment, &local) == nullptr ? 0 : local.tm_gmtoff;
+}
+
+HostFacts GetHostFacts() {
+    HostFacts facts;
+    Dl_info library{};
+    if (dladdr(reinterpret_cast<const void*>(&QVRtlVersion), &library) != 0)
+        facts.library = library.dli_fname;
+    char machine[256] = {};
+    if (gethostname(machine, sizeof(machine) - 1) == 0) facts.machine = machine;
+    facts.root = HostRoot();
+    return facts;
+}
+
+// Beside the registry that the changes are in: another host root is another machine.
+std::string UserDataFolder() {
+    const std::string root = HostRoot();
+    if (root.empty()) throw Failure("the host root is not known", ExitCode::kCannotOpen);
+    return root + "/qv";
+}
+
+void AddHostCommands(CLI::App& app) {
+    CLI::App* host =
+        app.add_subcommand("host", "The registry and files that stand in for Windows here");
+    host->require_subcommand(1);
+    host->add_subcommand("root", "Show the folder that holds everything")->callback(PrintRoot);
+    auto text = std::make_shared<std::string>();
+    CLI::App* importer = host->add_subcommand("import", "Apply a .reg file to the registry");
+    importer->add_option("FILE.reg", *text, "What the Windows registry editor exports, or UTF-8")
+        ->required();
+    importer->callback([text] { Import(*text); });
+    CLI::App* exporter =
+        host->add_subcommand("export", "Write the registry, or one key, as .reg text");
+    exporter->add_option("KEY", *text, "For example HKLM\\Software\\Halvorn");
+    exporter->callback([text] { Export(*text); });
+}
+
+}  // namespace qv

@@ -1,0 +1,127 @@
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "base/commands.h"
+#include "base/console.h"
+#include "base/host.h"
+#include "mox_classes/text/sysutils_platform.h"
+
+namespace qv {
+
+namespace {
+
+HANDLE StandardHandle(Stream stream) {
+    switch (stream) {
+        case Stream::kInput:
+            return GetStdHandle(STD_INPUT_HANDLE);
+        case Stream::kOutput:
+            return GetStdHandle(STD_OUTPUT_HANDLE);
+        default:
+            return GetStdHandle(STD_ERROR_HANDLE);
+    }
+}
+
+// UTF-8 and colours for the time of this program: the console is that of others as well, who find
+// it as it was.
+class ConsoleForm {
+  public:
+    ConsoleForm() {
+        SetConsoleOutputCP(CP_UTF8);
+        // Colours are escape sequences, which older consoles act on only when they are asked to.
+        if (has_mode_) SetConsoleMode(output_, mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    }
+    ~ConsoleForm() {
+        if (has_mode_) SetConsoleMode(output_, mode_);
+        if (code_page_ != 0) SetConsoleOutputCP(code_page_);
+    }
+    ConsoleForm(const ConsoleForm&) = delete;
+    ConsoleForm& operator=(const ConsoleForm&) = delete;
+
+  private:
+    const UINT code_page_ = GetConsoleOutputCP();
+    const HANDLE output_ = StandardHandle(Stream::kOutput);
+    DWORD mode_ = 0;
+    const bool has_mode_ = GetConsoleMode(output_, &mode_) != FALSE;
+};
+
+constexpr std::int64_t kTicksPerSecond = 10'000'000;
+constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;  // seconds
+
+FILETIME ToFileTime(std::int64_t seconds) {
+    const auto ticks = static_cast<std::uint64_t>((seconds + kFrom1601To1970) * kTicksPerSecond);
+    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+}
+
+std::int64_t ToSeconds(const FILETIME& time) {
+    const auto ticks = std::int64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
+    return ticks / kTicksPerSecond - kFrom1601To1970;
+}
+
+}  // namespace
+
+bool IsTerminal(Stream stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(StandardHandle(stream), &mode) != FALSE;
+}
+
+bool OutputHasNoReader() {
+    const DWORD error = GetLastError();
+    return error == ERROR_NO_DATA || error == ERROR_BROKEN_PIPE;
+}
+
+std::vector<std::string> PrepareConsole(int /*argc*/, char** /*argv*/) {
+    for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+    static const ConsoleForm form;
+    int count = 0;
+    const std::unique_ptr<LPWSTR, decltype(&LocalFree)> list(
+        CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
+    std::vector<std::string> arguments;
+    for (int i = 0; i < count; ++i) arguments.push_back(ToUtf8(list.get()[i]));
+    return arguments;
+}
+
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
+    return MoveFileExW(from.t_str(), to.t_str(), MOVEFILE_REPLACE_EXISTING) ? DWORD{NO_ERROR}
+                                                                            : GetLastError();
+}
+
+// With the rules of the moment itself, not those of today.
+std::int64_t LocalOffset(std::int64_t utc) {
+    const FILETIME moment = ToFileTime(utc);
+    SYSTEMTIME universal, local;
+    FILETIME local_moment;
+    if (!FileTimeToSystemTime(&moment, &universal) ||
+        !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local) ||
+        !SystemTimeToFileTime(&local, &local_moment)) {
+        return 0;
+    }
+    return ToSeconds(local_moment) - utc;
+}
+
+HostFacts GetHostFacts() {
+    HostFacts facts;
+    WCHAR text[MAX_PATH * 4] = {};
+    constexpr DWORD kRoom = MAX_PATH * 4;
+    const DWORD length = GetModuleFileNameW(GetModuleHandleW(L"qv_rtl.dll"), text, kRoom);
+    if (length > 0 && length < kRoom) facts.library = ToUtf8(UnicodeString(text));
+    DWORD size = kRoom;
+    if (GetComputerNameW(text, &size)) facts.machine = ToUtf8(UnicodeString(text));
+    return facts;
+}
+
+std::string UserDataFolder() {
+    const UnicodeString folder = Sysutils::GetEnvExpanded(TEXT("%LOCALAPPDATA%"));
+    if (folder.Length() == 0 || folder == UnicodeString(TEXT("%LOCALAPPDATA%")))
+        throw Failure("LOCALAPPDATA is not set", ExitCode::kCannotOpen);
+    return ToUtf8(folder) + "\\Halvorn\\Vantrel\\qv";
+}
+
+void AddHostCommands(CLI::App& /*app*/) {}
+
+}  // namespace qv

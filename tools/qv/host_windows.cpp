@@ -1,7 +1,0 @@
-#include "commands.h"
-
-namespace qv {
-
-void AddHostCommands(CLI::App& /*app*/) {}
-
-}  // namespace qv
