@@ -1,6 +1,6 @@
-// The one wrapper of which the tables make every function that can fail: a row names the function,
-// how many parameters it has, what its failure looks like and the codes to fail with. Types come
-// from the function's own declaration.
+// The rows of the tables of functions that can fail. A row names the function, the number of its
+// parameters, how it shows a failure, and the codes to fail with. The types come from the
+// function's own declaration.
 #pragma once
 
 #include <windows.h>
@@ -103,7 +103,7 @@ auto CallTransfer(Site& site, Size& size, const Forward& forward) -> decltype(fo
 
 }  // namespace faults
 
-// The rows. A function's name has to be defined as such, which only the preprocessor can do.
+// A row defines a function of the given name. Only the preprocessor can do that.
 #define QV_ARG(f, i) faults::ArgumentOf<decltype(::f), i> a##i
 #define QV_PARAMS0(f)
 #define QV_PARAMS1(f) QV_ARG(f, 0)
@@ -134,7 +134,8 @@ auto CallTransfer(Site& site, Size& size, const Forward& forward) -> decltype(fo
     static constinit faults::Site site{#f, kKind, answer, kCodes, releases}; \
     static const auto next = faults::Next<decltype(::f)>(#f)
 
-// A function that fails, one that releases something, one whose third parameter is a size to move.
+// Three kinds of functions: one that fails, one that releases something, and one that moves as many
+// bytes as its third parameter says.
 #define QV_FAILS(n, f, answer, ...)                                  \
     QV_HEAD(n, f) {                                                  \
         QV_SITE(f, answer, false, __VA_ARGS__);                      \

@@ -1,8 +1,7 @@
 // Calls that fail on demand. The fault programs define the names of the host's calls, of the C
-// library's calls below it and of the allocation functions; since a program's own definitions come
-// before those of its libraries, every call of libqv_rtl.so and libqv_win32.so arrives here first
-// and goes on to the real function, unless it is the one that has to fail. Nothing of this is in
-// the libraries.
+// library's calls and of the allocation functions. A program's own definitions come before those of
+// its libraries. So every call of libqv_rtl.so and libqv_win32.so arrives here first. It goes on to
+// the real function unless it has to fail. The libraries hold nothing of this.
 #pragma once
 
 #include <span>
@@ -26,20 +25,19 @@ struct Site {
     Kind kind;
     Answer answer;
     std::span<const int> codes;
-    bool releases = false;  // does its work all the same: what it names is gone afterwards
+    bool releases = false;  // does its work even when it reports a failure
     int calls = 0;          // counted while a plan is in force
     Site* next = nullptr;
     bool listed = false;
 };
 
-/// Which call fails: the `nth` of `site`, or of any function of `kind`; alone or with all later
-/// ones; with which of the function's codes.
+/// Which call fails: the `nth` call of `site`, or of any function of `kind` without a site.
 struct Plan {
     Kind kind = Kind::Host;
     const Site* site = nullptr;
-    int nth = 0;  // 0: none, calls are only counted
-    bool and_later = false;
-    std::size_t choice = 0;
+    int nth = 0;             // 0: none, calls are only counted
+    bool and_later = false;  // all later calls fail too
+    std::size_t choice = 0;  // index of the code in `site`
 
     std::string Text() const;
 };
@@ -53,8 +51,7 @@ class Armed {
     Armed& operator=(const Armed&) = delete;
 };
 
-/// Ends the plan of the calling thread, for the report of a program that ends in the middle of a
-/// run.
+/// Ends the plan of the calling thread. For a signal handler that reports the end of the program.
 void Disarm();
 /// Of the last run: whether a call failed, how many calls were counted.
 bool WasHit();

@@ -1,5 +1,5 @@
-// The host's calls that can fail: those that the library makes, with the codes that each is made to
-// fail with. Calls that cannot fail (ids, last errors, critical sections, the time) stand aside.
+// The host's calls that the library makes, and the codes to fail with. Calls that cannot fail (ids,
+// last errors, critical sections, the time) are not here.
 #include <windows.h>
 
 #include <commdlg.h>
@@ -85,7 +85,7 @@ QV_FAILS(2, ProcessIdToSessionId, Zero, kInvalid)
 QV_FAILS(1, QueryPerformanceCounter, Zero, kInvalid)
 QV_FAILS(0, TlsAlloc, Ones, ERROR_NO_MORE_ITEMS, kNoMemory)
 QV_RELEASES(1, TlsFree, Zero, kInvalid)
-// A slot that took a value can be cleared: the memory for it is there.
+// Clearing a slot cannot fail, because it needs no memory.
 QV_HEAD(2, TlsSetValue) {
     QV_SITE(TlsSetValue, Zero, false, kNoMemory);
     return a1 == nullptr ? next(a0, a1) : Call(site, [&] { return next(a0, a1); });

@@ -1,5 +1,5 @@
-// Loading and unloading the library in a program that has nothing to do with it. The host's load
-// call is not among those that fail: what is tried is what the library does from within it.
+// Loads and unloads the library in a program that is not linked to it. The load call itself does
+// not fail. The calls fail that the library makes while it is loaded and unloaded.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
