@@ -16,7 +16,7 @@ namespace {
 constexpr int kLockAttempts = 500;
 constexpr int kUnlockedAttempts = 16;
 // A file without a header that bounds it is looked at no further than this.
-constexpr std::uint64_t kLongestSearch = 256U << 20;
+constexpr std::uint64_t kLongestFile = 256U << 20;
 
 // The file, open for reading. A writer's access is asked for first: the lock may need it.
 class TReadFile {
@@ -86,7 +86,7 @@ bool ReadHeader(TReadFile& file, TLogFileHeader& header, std::vector<std::uint8_
 std::uint64_t SizeToCopy(const TReadFile& file, TLogCopyExtent extent,
                          const TLogFileHeader& header) {
     const std::uint64_t most =
-        extent == TLogCopyExtent::Ring ? std::uint64_t{header.limit} : kLongestSearch;
+        extent == TLogCopyExtent::Ring ? std::uint64_t{header.limit} : kLongestFile;
     return std::min(file.Size(), most);
 }
 

@@ -14,14 +14,6 @@
 
 namespace Mox {
 
-namespace {
-
-struct TMessageDeleter {
-    void operator()(TLogMsg* message) const { message->Free(); }
-};
-
-}  // namespace
-
 // The copy, its slots, and the place among them.
 class TLogReader::TState {
   public:
@@ -107,6 +99,10 @@ class TLogReader::TState {
     std::vector<TLogSkip> skips;
 
   private:
+    struct TMessageDeleter {
+        void operator()(TLogMsg* message) const { message->Free(); }
+    };
+
     bool CountDiffers() const { return has_header_ && walk_.Slots().size() != header.count; }
 
     void TakeGaps() {

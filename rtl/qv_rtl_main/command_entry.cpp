@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr WCHAR kTab = 9;
 constexpr int kFailedWithText = -60;
 constexpr int kFailed = -70;
 

@@ -17,7 +17,6 @@ using Sysutils::UnicodePrintf;
 namespace {
 
 constexpr const WCHAR* kPrinterKeyword = TEXT("printername");
-constexpr WCHAR kTab = 9;
 
 enum TStatus : int {
     kBadCount = -10,

@@ -9,6 +9,9 @@
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
+// Between the items of a command.
+inline constexpr WCHAR kTab = 9;
+
 // Names of the printers that the product's driver serves, separated by tabs; the status is their
 // number.
 QV_API int CmdGetOrloPrinters(TStrings* items, UnicodeString& result);

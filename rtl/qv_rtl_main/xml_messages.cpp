@@ -4,10 +4,6 @@
 
 #include "mox_classes/text/sys_error.h"
 
-namespace {
-constexpr TCodePage kUtf8 = System::kCodePageUtf8;
-}
-
 TXmlNode* TXmlMessages::Error(const UnicodeString& text, DWORD code) {
     TXmlNode* error = Add(TEXT("error"), text);
     if (code != 0) {

@@ -8,6 +8,9 @@
 
 #include "xml/xml_node.h"
 
+// The code page of the names and texts in a request.
+inline constexpr TCodePage kUtf8 = System::kCodePageUtf8;
+
 // Errors and warnings in the order raised.
 class TXmlMessages {
   public:

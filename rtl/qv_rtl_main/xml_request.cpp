@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr TCodePage kUtf8 = System::kCodePageUtf8;
-
 void SetForm(const TXmlNode& request, TXmlDoc& response, TXmlMessages& messages) {
     response.LineBreak = request.AttrGetString(TEXT("linebreak"), kUtf8);
     response.Indentation = request.AttrGetString(TEXT("indentation"), kUtf8);

@@ -20,8 +20,6 @@ namespace {
 
 using request::NameOf;
 
-constexpr TCodePage kUtf8 = System::kCodePageUtf8;
-
 constexpr const WCHAR* kGlobalSettings[] = {TEXT("DefaultLocale"), TEXT("DefaultRasterizer"),
                                             TEXT("InstallPath"), TEXT("Language")};
 

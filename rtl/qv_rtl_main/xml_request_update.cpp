@@ -17,8 +17,6 @@ namespace {
 
 using request::NameOf;
 
-constexpr TCodePage kUtf8 = System::kCodePageUtf8;
-
 TXmlNode& ChildOf(TXmlNode& parent, const WCHAR* name) {
     TXmlNode* child = parent.FindChild(name, kUtf8);
     return child != nullptr ? *child : *parent.AddChild(name);

@@ -9,11 +9,11 @@
 
 namespace {
 
-struct TReference {
+struct TEscape {
     std::string_view bytes;
     WCHAR unit;
 };
-constexpr TReference kReferences[] = {
+constexpr TEscape kEscapes[] = {
     {"&lt;", TEXT('<')},   {"&gt;", TEXT('>')},    {"&amp;", TEXT('&')},
     {"&quot;", TEXT('"')}, {"&apos;", TEXT('\'')},
 };
@@ -34,7 +34,7 @@ const unsigned char* DecodeNumber(const unsigned char* at, const unsigned char* 
 const unsigned char* DecodeReference(const unsigned char* at, const unsigned char* end,
                                      WCHAR* out) {
     if (end - at > 2 && at[1] == '#') return DecodeNumber(at + 2, end, out);
-    for (const TReference& row : kReferences) {
+    for (const TEscape& row : kEscapes) {
         const std::size_t size = row.bytes.size();
         if (static_cast<std::size_t>(end - at) < size) continue;
         if (std::memcmp(at, row.bytes.data(), size) != 0) continue;

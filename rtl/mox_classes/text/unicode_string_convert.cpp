@@ -14,16 +14,16 @@ namespace System {
 
 namespace {
 
-constexpr long long kMaxLength = std::numeric_limits<int>::max();
+constexpr long long kMostUnits = std::numeric_limits<int>::max();
 
 // The length of a text: `count`, or for -1 the units up to the terminator.
 template <class Unit>
 long long CountedLength(const Unit* text, long long count) {
-    if (count > kMaxLength) throw UnicodeString("Out of length");
+    if (count > kMostUnits) throw UnicodeString("Out of length");
     if (count != -1) return count;
     const Unit* end = text;
     while (*end != 0) ++end;
-    if (end - text > kMaxLength) throw UnicodeString("Out of length");
+    if (end - text > kMostUnits) throw UnicodeString("Out of length");
     return end - text;
 }
 
@@ -135,7 +135,7 @@ UnicodeString::UnicodeString(const unsigned short* text, long long count)
 UnicodeString::UnicodeString(const WCHAR* text) : UnicodeString(text, -1) {}
 
 UnicodeString::UnicodeString(const unsigned int* text, long long count) : UnicodeString() {
-    if (count > kMaxLength) throw UnicodeString("Out of length");
+    if (count > kMostUnits) throw UnicodeString("Out of length");
     if (text == nullptr || count == 0) return;
     long long code_points = 0;
     long long units = 0;

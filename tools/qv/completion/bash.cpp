@@ -5,7 +5,7 @@ namespace qv {
 namespace {
 
 // Words that are split at line ends, so that they may hold blanks; printers come escaped.
-constexpr const char* kHead = R"script(# Completion of qv for bash.
+constexpr const char* kBashHead = R"script(# Completion of qv for bash.
 _qv_words() {
     local IFS=$'\n'
     COMPREPLY+=($(compgen -W "$1" -- "$cur"))
@@ -38,7 +38,7 @@ _qv() {
         case "$path ${COMP_WORDS[i]}" in
 )script";
 
-void AppendKind(std::string& text, const ValueKind& kind) {
+void AppendBashValues(std::string& text, const ValueKind& kind) {
     if (!kind.choices.empty())
         text += " _qv_words " + QuotedForShell(Joined(kind.choices, "\n")) + ";";
     if (kind.file) text += " _qv_files;";
@@ -50,12 +50,12 @@ void AppendKind(std::string& text, const ValueKind& kind) {
 }  // namespace
 
 std::string BashCompletion(const Tree& tree) {
-    std::string text = kHead;
+    std::string text = kBashHead;
     for (std::size_t i = 1; i < tree.size(); ++i)
         text += "            " + QuotedForShell(tree[i].path) +
                 ") path=" + QuotedForShell(tree[i].path) + " ;;\n";
     text += "        esac\n    done\n    case \"$path $prev\" in\n";
-    AppendValueCases(text, tree, AppendKind);
+    AppendValueCases(text, tree, AppendBashValues);
     text += "    esac\n    case $path in\n";
     for (const CommandEntry& command : tree) {
         text += "        " + QuotedForShell(command.path) + ")\n";

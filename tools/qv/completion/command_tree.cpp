@@ -21,11 +21,6 @@ std::vector<std::string> ChoicesOf(const std::string& type) {
     return choices;
 }
 
-std::string Upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
-}
-
 ValueKind KindOf(const std::string& name, const std::string& type) {
     ValueKind kind;
     kind.choices = ChoicesOf(type);
@@ -78,6 +73,11 @@ void Append(std::vector<CommandEntry>& tree, const CLI::App& app, const std::str
 }
 
 }  // namespace
+
+std::string Upper(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return text;
+}
 
 std::vector<CommandEntry> CommandTree(const CLI::App& app) {
     std::vector<CommandEntry> tree;

@@ -43,4 +43,7 @@ struct CommandEntry {
 // The program itself first, then every command in the order of the help, each followed by its own.
 std::vector<CommandEntry> CommandTree(const CLI::App& app);
 
+// The text with ASCII letters in upper case.
+std::string Upper(std::string text);
+
 }  // namespace qv

@@ -4,14 +4,14 @@ namespace qv {
 
 namespace {
 
-constexpr const char* kHead = R"script(# Completion of qv for fish.
+constexpr const char* kFishHead = R"script(# Completion of qv for fish.
 function __qv_path
     set -l path qv
     for word in (commandline -opc)[2..-1]
         switch "$path $word"
 )script";
 
-constexpr const char* kTail = R"script(        end
+constexpr const char* kFishTail = R"script(        end
     end
     echo $path
 end
@@ -28,7 +28,7 @@ std::string Condition(const CommandEntry& command) {
     return "complete -c qv -n " + QuotedForFish("__qv_at " + QuotedForFish(command.path));
 }
 
-void AppendKind(std::string& text, const ValueKind& kind) {
+void AppendFishValues(std::string& text, const ValueKind& kind) {
     if (!kind.choices.empty()) text += " -a " + QuotedForFish(Joined(kind.choices, " "));
     if (kind.printer) text += " -a '(__qv_printers)'";
     if (kind.file) text += " -F";
@@ -41,7 +41,7 @@ void AppendOption(std::string& text, const CommandEntry& command, const OptionEn
         text += name.substr(0, 2) == "--" ? " -l " + name.substr(2) : " -s " + name.substr(1);
     if (!option.IsFlag()) {
         text += " -r";
-        AppendKind(text, option.kind);
+        AppendFishValues(text, option.kind);
     }
     text += " -d " + QuotedForFish(FirstLine(option.description)) + "\n";
 }
@@ -49,18 +49,18 @@ void AppendOption(std::string& text, const CommandEntry& command, const OptionEn
 }  // namespace
 
 std::string FishCompletion(const Tree& tree) {
-    std::string text = kHead;
+    std::string text = kFishHead;
     for (std::size_t i = 1; i < tree.size(); ++i)
         text += "            case " + QuotedForFish(tree[i].path) + "\n                set path " +
                 QuotedForFish(tree[i].path) + "\n";
-    text += kTail;
+    text += kFishTail;
     for (const CommandEntry& command : tree) {
         for (const OptionEntry& option : command.options) AppendOption(text, command, option);
         for (const OptionEntry& positional : command.positionals) {
             const ValueKind& kind = positional.kind;
             if (kind.choices.empty() && !kind.printer && !kind.file && !kind.folder) continue;
             text += Condition(command);
-            AppendKind(text, kind);
+            AppendFishValues(text, kind);
             text += " -d " + QuotedForFish(FirstLine(positional.description)) + "\n";
         }
         for (const CommandEntry& below : tree)

@@ -1,5 +1,3 @@
-#include <cctype>
-
 #include "base/console.h"
 #include "completion/writers.h"
 #include "qv_rtl_version.h"
@@ -38,11 +36,6 @@ std::string AsItStands(const std::string& text) {
     return end == std::string::npos ? "" : ".nf\n" + Plain(text.substr(0, end + 1)) + "\n.fi\n";
 }
 
-std::string Upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
-}
-
 std::string Synopsis(const CommandEntry& command) {
     std::string text = "\\fB" + Plain(command.path) + "\\fR";
     if (!command.options.empty()) text += " [\\fIOPTIONS\\fR]";
@@ -59,24 +52,24 @@ std::string Sentence(const std::string& text) {
     return text + (text.empty() || text.back() != '.' ? ".\n" : "\n");
 }
 
-std::string Described(const OptionEntry& option) {
+std::string Description(const OptionEntry& option) {
     std::string text = Plain(option.description.empty() ? "See above" : option.description);
     if (!option.kind.choices.empty()) text += " (" + Plain(Joined(option.kind.choices, ", ")) + ")";
     if (!option.preset.empty()) text += "; default: " + Plain(option.preset);
     return Sentence(text);
 }
 
-std::string Options(const CommandEntry& command) {
+std::string OptionParagraphs(const CommandEntry& command) {
     std::string text;
     for (const OptionEntry& option : command.options) {
         std::vector<std::string> names;
         for (const std::string& name : option.names) names.push_back("\\fB" + Plain(name) + "\\fR");
         text += ".TP\n" + Joined(names, ", ");
         if (!option.IsFlag()) text += " \\fI" + Plain(option.value) + "\\fR";
-        text += "\n" + Described(option);
+        text += "\n" + Description(option);
     }
     for (const OptionEntry& positional : command.positionals)
-        text += ".TP\n\\fI" + Plain(positional.names.front()) + "\\fR\n" + Described(positional);
+        text += ".TP\n\\fI" + Plain(positional.names.front()) + "\\fR\n" + Description(positional);
     return text;
 }
 
@@ -94,12 +87,12 @@ std::string ManPage(const Tree& tree) {
                        " " QV_RTL_VERSION_TEXT "\" \"User Commands\"\n";
     text += ".SH NAME\n" + program.name + " \\- " + Plain(program.description) + "\n";
     text += ".SH SYNOPSIS\n" + Synopsis(program);
-    text += ".SH OPTIONS\n" + Options(program);
+    text += ".SH OPTIONS\n" + OptionParagraphs(program);
     text += ".SH COMMANDS\n";
     for (std::size_t i = 1; i < tree.size(); ++i) {
         const CommandEntry& command = tree[i];
         text += ".SS " + Plain(command.path) + "\n" + Synopsis(command);
-        text += ".PP\n" + Sentence(Plain(command.description)) + Options(command);
+        text += ".PP\n" + Sentence(Plain(command.description)) + OptionParagraphs(command);
         if (!command.footer.empty()) text += ".PP\n" + AsItStands(command.footer);
     }
     text += ".SH EXIT STATUS\n" + AsItStands(program.footer);

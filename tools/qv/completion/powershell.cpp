@@ -4,13 +4,13 @@ namespace qv {
 
 namespace {
 
-constexpr const char* kHead = R"script(# Completion of qv for PowerShell.
+constexpr const char* kPowerShellHead = R"script(# Completion of qv for PowerShell.
 Register-ArgumentCompleter -Native -CommandName 'qv', 'qv.exe' -ScriptBlock {
     param($wordToComplete, $commandAst, $cursorPosition)
     $commands = @{
 )script";
 
-constexpr const char* kTail = R"script(    }
+constexpr const char* kPowerShellTail = R"script(    }
     $path = 'qv'
     $previous = ''
     $elements = @($commandAst.CommandElements | Select-Object -Skip 1 |
@@ -55,7 +55,7 @@ std::string Item(const std::string& name, const std::string& description) {
            "; Text = " + QuotedForPowerShell(FirstLine(description));
 }
 
-std::string Options(const CommandEntry& command) {
+std::string OptionItems(const CommandEntry& command) {
     std::string text;
     for (const OptionEntry& option : command.options) {
         for (const std::string& name : option.names) {
@@ -71,7 +71,7 @@ std::string Options(const CommandEntry& command) {
     return text;
 }
 
-std::string Arguments(const CommandEntry& command, const Tree& tree) {
+std::string ArgumentItems(const CommandEntry& command, const Tree& tree) {
     std::string text;
     for (const OptionEntry& positional : command.positionals)
         for (const std::string& item : ItemsOf(positional.kind))
@@ -85,13 +85,13 @@ std::string Arguments(const CommandEntry& command, const Tree& tree) {
 }  // namespace
 
 std::string PowerShellCompletion(const Tree& tree) {
-    std::string text = kHead;
+    std::string text = kPowerShellHead;
     for (const CommandEntry& command : tree)
         text += "        " + QuotedForPowerShell(command.path) +
-                " = @{\n            Options = @(\n" + Options(command) +
-                "            )\n            Arguments = @(\n" + Arguments(command, tree) +
+                " = @{\n            Options = @(\n" + OptionItems(command) +
+                "            )\n            Arguments = @(\n" + ArgumentItems(command, tree) +
                 "            )\n        }\n";
-    return text + kTail;
+    return text + kPowerShellTail;
 }
 
 }  // namespace qv

@@ -4,7 +4,7 @@ namespace qv {
 
 namespace {
 
-constexpr const char* kHead = R"script(#compdef qv
+constexpr const char* kZshHead = R"script(#compdef qv
 # Completion of qv for zsh.
 _qv_printers() {
     local -a printers
@@ -25,7 +25,7 @@ std::string Described(const std::string& name, const std::string& description) {
     return QuotedForShell(escaped + ":" + FirstLine(description));
 }
 
-void AppendKind(std::string& text, const ValueKind& kind) {
+void AppendZshValues(std::string& text, const ValueKind& kind) {
     if (!kind.choices.empty()) {
         text += " compadd --";
         for (const std::string& choice : kind.choices) text += " " + QuotedForShell(choice);
@@ -69,12 +69,12 @@ void AppendCommand(std::string& text, const CommandEntry& command, const Tree& t
 }  // namespace
 
 std::string ZshCompletion(const Tree& tree) {
-    std::string text = kHead;
+    std::string text = kZshHead;
     for (std::size_t i = 1; i < tree.size(); ++i)
         text += "            " + QuotedForShell(tree[i].path) +
                 ") path_of=" + QuotedForShell(tree[i].path) + " ;;\n";
     text += "        esac\n    done\n    case \"$path_of $words[CURRENT-1]\" in\n";
-    AppendValueCases(text, tree, AppendKind);
+    AppendValueCases(text, tree, AppendZshValues);
     text += "    esac\n    case $path_of in\n";
     for (const CommandEntry& command : tree) AppendCommand(text, command, tree);
     return text +

@@ -20,14 +20,14 @@ namespace {
 using Pin = HandlePin<FileObject>;
 
 // Linux moves at most this many bytes in one call.
-constexpr DWORD kLargest = 0x7FFFF000;
+constexpr DWORD kMostAtOnce = 0x7FFFF000;
 
 // Moves `bytes` bytes with `step(done, size)`, which works like read() and write(). It stops at a
 // step that moves nothing and, when `short_ends` is set, at a short step.
 template <class Step>
 DWORD Transfer(DWORD bytes, bool short_ends, DWORD& done, Step step) {
     while (done < bytes) {
-        const DWORD size = std::min(bytes - done, kLargest);
+        const DWORD size = std::min(bytes - done, kMostAtOnce);
         const ssize_t moved = step(done, size);
         if (moved < 0 && errno == EINTR) continue;
         if (moved < 0) return errno == EAGAIN ? ERROR_NOT_READY : ErrorFromErrno(errno);

@@ -13,7 +13,7 @@
 namespace host {
 namespace {
 
-constexpr std::string_view kAdministrators[] = {"root", "sudo", "admin", "wheel"};
+constexpr std::string_view kAdministratorGroups[] = {"root", "sudo", "admin", "wheel"};
 // An account record larger than this is not a real one.
 constexpr std::size_t kMaxRecordBytes = 1u << 20;
 
@@ -43,8 +43,8 @@ std::vector<gid_t> Groups() {
 
 bool IsAdministrative(gid_t group) {
     const std::string name = NameIn(getgrgid_r, &group::gr_name, group);
-    return std::find(std::begin(kAdministrators), std::end(kAdministrators), name) !=
-           std::end(kAdministrators);
+    return std::find(std::begin(kAdministratorGroups), std::end(kAdministratorGroups), name) !=
+           std::end(kAdministratorGroups);
 }
 
 }  // namespace

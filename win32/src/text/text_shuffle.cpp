@@ -60,7 +60,7 @@ QV_SSSE3 inline void Store(void* to, __m128i value) {
     _mm_storeu_si128(static_cast<__m128i*>(to), value);
 }
 
-QV_SSSE3 inline unsigned ByteMask(__m128i value) {
+QV_SSSE3 inline unsigned TopBits(__m128i value) {
     return static_cast<unsigned>(_mm_movemask_epi8(value));
 }
 
@@ -148,9 +148,9 @@ QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned op
     const __m128i leads =
         _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xC1))),
                       _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xE0))));
-    const unsigned lead = ByteMask(leads);
+    const unsigned lead = TopBits(leads);
     const unsigned trail = (lead << 1 & 0xFFFF) | open;
-    const bool good = ByteMask(trails) == trail && ByteMask(bytes) == (lead | trail);
+    const bool good = TopBits(trails) == trail && TopBits(bytes) == (lead | trail);
     const __m128i low = Joined(_mm_unpacklo_epi8(bytes, zero), _mm_unpacklo_epi8(before, zero),
                                _mm_unpacklo_epi8(trails, trails));
     const __m128i high = Joined(_mm_unpackhi_epi8(bytes, zero), _mm_unpackhi_epi8(before, zero),
@@ -167,13 +167,13 @@ QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned op
 QV_SSSE3 inline Encoded EncodeBlock(__m128i units) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800)));
-    const bool good = ByteMask(_mm_cmpeq_epi16(beyond, zero)) == 0xFFFF;
+    const bool good = TopBits(_mm_cmpeq_epi16(beyond, zero)) == 0xFFFF;
     const __m128i twos = _mm_cmpgt_epi16(units, _mm_set1_epi16(0x7F));
     const __m128i lead = _mm_srli_epi16(units, 6);
     const __m128i trail = _mm_slli_epi16(_mm_and_si128(units, _mm_set1_epi16(0x3F)), 8);
     const __m128i pair =
         _mm_or_si128(_mm_or_si128(lead, trail), _mm_set1_epi16(static_cast<short>(0x80C0)));
-    const unsigned two = ByteMask(_mm_packs_epi16(twos, zero));
+    const unsigned two = TopBits(_mm_packs_epi16(twos, zero));
     return {good, _mm_shuffle_epi8(Choose(twos, pair, units), Load(kBothBytes[two].data())),
             8 + Bits(two)};
 }

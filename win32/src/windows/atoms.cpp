@@ -12,7 +12,7 @@ using namespace host;
 namespace {
 
 constexpr const char* kAtoms = "atoms";
-constexpr const char* kMessages = "messages";
+constexpr const char* kMessageTable = "messages";
 
 ATOM FailAtom(DWORD code) {
     SetLastError(code);
@@ -126,7 +126,7 @@ UINT RegisterWindowMessageW(LPCWSTR name) {
     const WideView text = value <= 0xFFFF ? WideView() : WideView(name);
     if (text.empty() || text.size() > kLongestAtomName) return FailAtom(ERROR_INVALID_PARAMETER);
     ATOM number = 0;
-    const DWORD error = WithNameTable(kMessages, [&](NameTable& table) {
+    const DWORD error = WithNameTable(kMessageTable, [&](NameTable& table) {
         number = FindName(table, text);
         if (number != 0) return false;
         number = AddName(table, text);

@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 
-constexpr std::uint32_t kMagic = 0x474D5651;
+constexpr std::uint32_t kPacketMagic = 0x474D5651;
 constexpr std::size_t kMostPayload = std::size_t{64} << 20;
 constexpr int kSeals = F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_WRITE;
 
@@ -73,7 +73,7 @@ UniqueFd FileOf(msghdr& header) {
 
 bool IsWellFormed(const IpcMessage& wire) {
     const MessagePacket& packet = wire.packet;
-    if (packet.magic != kMagic) return false;
+    if (packet.magic != kPacketMagic) return false;
     if (packet.kind == MessageKind::kPost) {
         return packet.payload_bytes == 0 && !CarriesMemory(packet.message);
     }
@@ -98,7 +98,7 @@ bool CarriesMemory(UINT message) {
 DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, IpcMessage& wire) {
     const void* bytes = nullptr;
     std::size_t size = 0;
-    wire.packet = {kMagic, kind, message, 0, wparam, static_cast<std::uint64_t>(lparam), 0};
+    wire.packet = {kPacketMagic, kind, message, 0, wparam, static_cast<std::uint64_t>(lparam), 0};
     if (message == WM_COPYDATA) {
         const auto* const block = reinterpret_cast<const COPYDATASTRUCT*>(lparam);
         if (block == nullptr || (block->lpData == nullptr && block->cbData != 0)) {

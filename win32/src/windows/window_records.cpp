@@ -29,7 +29,7 @@ struct RecordHead {
     DWORD magic, process, thread, message_only, class_units, title_units;
 };
 static_assert(sizeof(RecordHead) == 24);
-constexpr DWORD kMagic = 0x4E575651;
+constexpr DWORD kRecordMagic = 0x4E575651;
 
 std::string NameOf(WindowNumber number) {
     char digits[9] = {};
@@ -82,7 +82,7 @@ DWORD TakeNumber(int folder, WindowNumber& number) {
 std::string Encode(const WindowRecord& record) {
     const WideView name = WideView(record.class_name).substr(0, kLongestText);
     const WideView title = WideView(record.title).substr(0, kLongestText);
-    const RecordHead head{kMagic,
+    const RecordHead head{kRecordMagic,
                           record.process,
                           record.thread,
                           record.message_only ? 1u : 0u,
@@ -100,7 +100,7 @@ std::optional<WindowRecord> Decode(std::string_view bytes) {
     if (bytes.size() < sizeof head) return std::nullopt;
     std::memcpy(&head, bytes.data(), sizeof head);
     bytes.remove_prefix(sizeof head);
-    if (head.magic != kMagic || head.class_units > kLongestText ||
+    if (head.magic != kRecordMagic || head.class_units > kLongestText ||
         head.title_units > kLongestText ||
         bytes.size() != (std::size_t{head.class_units} + head.title_units) * sizeof(WCHAR)) {
         return std::nullopt;
