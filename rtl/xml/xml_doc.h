@@ -80,10 +80,14 @@ class QV_API TXmlDoc {
 
     // Saving sets version and encoding of the declaration (the prolog's first child, added when
     // there is none). Nothing is written when that child is not named "xml", or CodePage is none of
-    // 0, 65001 (UTF-8) and 1200 (UTF-16).
+    // 0, 65001 (UTF-8) and 1200 (UTF-16); a file without a mark is loaded as 20127. The encoding
+    // that a loaded declaration names is not kept, nor are CDATA sections and texts behind
+    // comments. A code unit 0 in a text is written as it is: LoadFromString and files with a mark
+    // give it back, a file without one throws "Invalid char found" there.
     UnicodeString SaveToString();
     void SaveToStream(Classes::TStream* stream);
-    // A file that does not take all of it ("Stream write failed") is left as far as it got.
+    // Throws a text that says why when nothing would be written; the file is then not touched. One
+    // that does not take all of it ("Stream write failed") is left as far as it got.
     void SaveToFile(UnicodeString file_name);
 
   protected:
@@ -110,6 +114,7 @@ class QV_API TXmlDoc {
     friend class TXmlParser;
 
     void _Init();
+    UnicodeString WhyNotSaved() const;
     int ParseWith(TAsciiCharFinder& finder);
 
     TXmlParser* parser_ = nullptr;           // set only during a parse

@@ -15,6 +15,8 @@ namespace {
 
 // In lists up to this length a plain scan is faster than an index.
 constexpr int kSmallList = 16;
+// In longer lists the exact table is built once; after further additions the name index answers.
+constexpr int kRebuilt = 256;
 // The number of slots of the exact table that a lookup tries before it asks the name index.
 constexpr int kProbes = 32;
 
@@ -81,7 +83,10 @@ void TXmlItems::Grow() {
 
 int TXmlItems::IndexOf(const UnicodeString& name, TCodePage code_page) {
     if (FCount == 0) return -1;
-    if (FCount < 0) Build(code_page);
+    if (FCount < 0) {
+        if (GetCount() > kRebuilt && FSlots != nullptr) return FirstOf(name);
+        Build(code_page);
+    }
     const std::uint32_t hash = Sysutils::StringHash(name);
     const std::uint32_t count = static_cast<std::uint32_t>(FCount);
     const int probes = std::min(FCount, kProbes);
@@ -135,7 +140,6 @@ const TXmlNameIndex& TXmlItems::Names() {
 void TXmlItems::Build(TCodePage) {
     const int count = GetCount();
     FSlots = std::make_unique<THashSlot[]>(static_cast<std::size_t>(count));
-    names_.reset();
     // When many names share a hash, a scan for the free slot would take quadratic time.
     TFreeSlots free_slots(count > kSmallList ? count : 0);
     for (int i = 0; i < count; ++i) {

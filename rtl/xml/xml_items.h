@@ -2,10 +2,10 @@
 // order, with a hash index over the item names.
 //
 // Two indices serve two needs. FSlots is the exact table: as many slots as items, rebuilt whole at
-// the first lookup after an addition. Adding attributes one by one asks for the name before each
-// addition; that question goes to TXmlNameIndex, which grows with the list, so that a million
-// additions stay linear. The same index answers what the exact table could answer only by a long
-// scan.
+// the first lookup after an addition; in a list of more than 256 items it is built once and then
+// stays stale. Adding attributes one by one asks for the name before each addition; that question
+// goes to TXmlNameIndex, which grows with the list, so that a million additions stay linear. The
+// same index answers what the exact table could answer only by a rebuild or a long scan.
 #pragma once
 
 #include <windows.h>
@@ -34,7 +34,8 @@ class THashSlot {
 
 // Owns its items. One thread at a time. Names compare exactly, code unit by code unit; the code
 // page arguments have no effect. Renaming an item that stands in the list does not mark the table
-// stale: lookups of the new name can miss until the next addition.
+// stale: lookups of the new name, and the question whether an attribute exists already, can miss
+// until the next addition (in a list of more than 1024 items: until one addition for each 1024).
 class QV_API TXmlItems : public TXmlBlock {
   public:
     // A list of pairs. Lists of nodes are made by TXmlNode only.

@@ -1,5 +1,6 @@
 #include "xml/xml_name_index.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "xml/xml_pair.h"
@@ -38,10 +39,31 @@ bool XmlNamesEqual(const UnicodeString& a, const UnicodeString& b) {
 }
 
 void TXmlNameIndex::Extend(TXmlPair* const* items, int count) {
-    while (next_.size() < static_cast<std::size_t>(count)) {
-        if ((used_ + 1) * 2 > entries_.size()) Grow();
-        Insert(items, static_cast<std::int32_t>(next_.size()));
+    constexpr std::size_t kChecksPerItem = 1024;
+    const auto wanted = static_cast<std::size_t>(count);
+    if (known_.size() == wanted) return;
+    if ((wanted - checked_) * kChecksPerItem >= known_.size()) {
+        if (IsRenamed(items)) Clear();
+        checked_ = wanted;
     }
+    while (known_.size() < wanted) {
+        if ((used_ + 1) * 2 > entries_.size()) Grow();
+        Insert(items, static_cast<std::int32_t>(known_.size()));
+    }
+}
+
+bool TXmlNameIndex::IsRenamed(TXmlPair* const* items) const {
+    for (std::size_t i = 0; i < known_.size(); ++i) {
+        const UnicodeString& name = items[i]->FName;
+        if (name.data() != known_[i].name.data()) return true;
+    }
+    return false;
+}
+
+void TXmlNameIndex::Clear() {
+    std::fill(entries_.begin(), entries_.end(), Entry{});
+    known_.clear();
+    used_ = 0;
 }
 
 int TXmlNameIndex::First(TXmlPair* const* items, const UnicodeString& name) const {
@@ -59,9 +81,9 @@ int TXmlNameIndex::First(TXmlPair* const* items, const UnicodeString& name) cons
 }
 
 int TXmlNameIndex::Next(TXmlPair* const* items, const UnicodeString& name, int index) const {
-    std::int32_t next = next_[static_cast<std::size_t>(index)];
+    std::int32_t next = known_[static_cast<std::size_t>(index)].next;
     while (next >= 0 && !XmlNamesEqual(items[next]->FName, name)) {
-        next = next_[static_cast<std::size_t>(next)];
+        next = known_[static_cast<std::size_t>(next)].next;
     }
     return next;
 }
@@ -76,12 +98,12 @@ void TXmlNameIndex::Insert(TXmlPair* const* items, std::int32_t index) {
         at = (at + 1) & mask;
     }
     Entry& entry = entries_[at];
-    next_.push_back(-1);
+    known_.push_back({name, -1});
     if (entry.first < 0) {
         entry = {hash, index, index};
         ++used_;
     } else {
-        next_[static_cast<std::size_t>(entry.last)] = index;
+        known_[static_cast<std::size_t>(entry.last)].next = index;
         entry.last = index;
     }
 }

@@ -14,6 +14,10 @@ class QV_API TXmlBlock {
   public:
     static void* operator new(std::size_t size);
     static void operator delete(void* block) noexcept;
+
+  protected:
+    // What derives from it is deleted as what it is.
+    ~TXmlBlock() = default;
 };
 
 // A name and a value: an attribute, and what an element shares with it. Plain value. The destructor

@@ -1,8 +1,10 @@
 #include "xml/xml_parser.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "mox_classes/text/sysutils.h"
 #include "xml/xml_decode.h"
@@ -63,6 +65,22 @@ class TInAttributes {
     bool& mark_;
 };
 
+// Whether `wanted`, which may be the address of a node that was deleted, is a node of the tree.
+bool IsInTree(const TXmlNode* root, const TXmlNode* wanted) {
+    // An element that is being filled mostly is the last one at each level.
+    for (const TXmlNode* node = root; node != nullptr;
+         node = node->GetChild(node->ChildCount() - 1))
+        if (node == wanted) return true;
+    std::vector<const TXmlNode*> open{root};
+    while (!open.empty()) {
+        const TXmlNode* node = open.back();
+        open.pop_back();
+        if (node == wanted) return true;
+        for (int i = 0; i < node->ChildCount(); ++i) open.push_back(node->GetChild(i));
+    }
+    return false;
+}
+
 const TXmlSearchSets& SearchSets() {
     static const TXmlSearchSets sets;
     return sets;
@@ -94,6 +112,7 @@ int TXmlDoc::ParseWith(TAsciiCharFinder& finder) {
     TXmlParser parser(*this, finder);
     try {
         parse_result_ = parser.ParseElements();
+        if (parse_result_ > 0) fault_ = UnicodeString();
     } catch (const UnicodeString& text) {
         parse_result_ = parser.Fail(text);
         throw;
@@ -122,7 +141,12 @@ TXmlParser::TXmlParser(TXmlDoc& document, TAsciiCharFinder& finder)
     doc_.FFinder = &finder;
     doc_.FSets = &sets_;
     doc_.parser_ = this;
-    if (!doc_.FRootSeen) doc_.FCurrent = nullptr;
+    // The element that was being filled may be gone with a tree that was cleared or replaced.
+    if (!doc_.FRootSeen) {
+        doc_.FCurrent = nullptr;
+    } else if (!IsInTree(doc_.FRoot, doc_.FCurrent)) {
+        doc_.FCurrent = doc_.FRoot;
+    }
 }
 
 TXmlParser::~TXmlParser() {
@@ -181,6 +205,24 @@ int TXmlParser::Fail(const UnicodeString& reason) {
     return Error();
 }
 
+// As Fail, for something that a tag lacks: at the end of the input it lacks more than that.
+int TXmlParser::FailWithout(const UnicodeString& reason) {
+    return Fail(finder_.Eof() ? UnicodeString(TEXT("the tag has no end")) : reason);
+}
+
+// A tab or a line break belongs to a name: the tag's own then reaches up to the '='.
+int TXmlParser::FailWithoutAttributeName() {
+    const UnicodeString& tag = doc_.FCurrent->FName;
+    const WCHAR* const end = tag.t_str() + tag.Length();
+    const WCHAR* const blank =
+        std::find_if(tag.t_str(), end, [](WCHAR unit) { return unit < 0x20; });
+    if (finder_.Current() != '=' || doc_.FCurrent->AttributeCount() > 0 || blank == end)
+        return FailWithout(TEXT("the attribute has no name"));
+    return Fail(TEXT("a space must follow the name '") +
+                UnicodeString(tag.t_str(), blank - tag.t_str()) +
+                TEXT("', not a tab or a line break"));
+}
+
 // As Fail, for a fault of the innermost open element.
 int TXmlParser::FailAtOpen(const UnicodeString& reason) {
     if (!open_.empty()) doc_.fault_opened_ = open_.back().from - 1;
@@ -196,7 +238,7 @@ int TXmlParser::ParseInstruction() {
     if (doc_.FRootSeen) return Fail(TEXT("an instruction stands behind the root's start tag"));
     finder_.Skip(2);
     const UnicodeString name = ParseKey('?');
-    if (name.IsEmpty()) return Fail(TEXT("the instruction has no name"));
+    if (name.IsEmpty()) return FailWithout(TEXT("the instruction has no name"));
     doc_.FCurrent = doc_.FProlog->AddChild(name);
     if (finder_.Current() != '?' || finder_.Next() != '>') {
         const int result = ParseAttributes('?');
@@ -256,7 +298,7 @@ int TXmlParser::ParseStartTag() {
     const int length = PlainKeyLength(finder_, start, '/', '<');
     if (length > 0 && TakeLeaf(length)) return ParseTail();
     UnicodeString name = length > 0 ? TakeKey(length) : ParseKey('/');
-    if (name.IsEmpty()) return Fail(TEXT("the tag has no name"));
+    if (name.IsEmpty()) return FailWithout(TEXT("the tag has no name"));
     open_.push_back({start, key_end_ - start});
     if (!doc_.FRootSeen) {
         doc_.FRoot->FName = std::move(name);
@@ -387,14 +429,14 @@ bool TXmlParser::TakeAttribute(char tag_end) {
 
 int TXmlParser::ParseAttribute(char end) {
     UnicodeString name = ParseKey(end);
-    if (name.IsEmpty()) return Fail(TEXT("the attribute has no name"));
+    if (name.IsEmpty()) return FailWithoutAttributeName();
     if (finder_.Current() != '=') {
         bare_name_ = true;
         return Fail(TEXT("the attribute '") + name + TEXT("' has no '='"));
     }
     finder_.Skip(1);
     if (finder_.Current() != '"' && finder_.FindAny('<', '>', '"') != '"') {
-        return Fail(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
+        return FailWithout(TEXT("the value of '") + name + TEXT("' is not in double quotes"));
     }
     finder_.Skip(1);
     UnicodeString value;
@@ -423,9 +465,19 @@ int TXmlParser::ParseText(UnicodeString& text, bool in_attribute) {
 }
 
 int TXmlParser::ParsePieces(UnicodeString& text, bool in_attribute) {
+    pieces_.clear();
+    try {
+        return ReadPieces(text, in_attribute);
+    } catch (const UnicodeString&) {
+        // What stands in front of a byte that starts no character stays, as before other faults.
+        AppendPieces(text, pieces_);
+        throw;
+    }
+}
+
+int TXmlParser::ReadPieces(UnicodeString& text, bool in_attribute) {
     const unsigned char end = in_attribute ? '"' : '<';
     TPieces& pieces = pieces_;  // what stands before `start`
-    pieces.clear();
     int start = finder_.Position();
     bool in_reference = false;
     unsigned char octet = 0;

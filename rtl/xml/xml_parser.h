@@ -62,8 +62,11 @@ class TXmlParser {
     int ParseAttribute(char end);
     bool TakeAttribute(char tag_end);
     int ParsePieces(UnicodeString& text, bool in_attribute);
+    int ReadPieces(UnicodeString& text, bool in_attribute);
     void TellPassed(int from);
     int FailAtOpen(const UnicodeString& reason);
+    int FailWithout(const UnicodeString& reason);
+    int FailWithoutAttributeName();
 
     TXmlDoc& doc_;
     TAsciiCharFinder& finder_;

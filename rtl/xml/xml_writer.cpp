@@ -213,6 +213,16 @@ int TXmlNode::SaveToStream(Classes::TStream* stream, TXmlFormatter& format,
     return SaveTo(stream, nullptr, format, code_page);
 }
 
+UnicodeString TXmlDoc::WhyNotSaved() const {
+    const TXmlNode* declaration = FProlog->GetChild(0);
+    if (declaration != nullptr && !XmlNamesEqual(declaration->FName, TEXT("xml")))
+        return TEXT("The document cannot be written: its first instruction is not \"xml\"");
+    if (EncodingName(CodePage) == nullptr)
+        return UnicodeString().sprintf(TEXT("The document cannot be written in the code page %u"),
+                                       CodePage);
+    return UnicodeString();
+}
+
 int TXmlDoc::SaveTo(Classes::TStream* stream, UnicodeString* out) {
     if (FProlog->ChildCount() == 0) FProlog->AddChild(TEXT("xml"));
     TXmlNode* declaration = FProlog->GetChild(0);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
 #include <utility>
 
 #include "mox_classes/text/sysutils_text.h"
@@ -132,7 +133,22 @@ TEST(XmlItems, ARenamedItemIsFoundAfterTheNextAddition) {
     EXPECT_EQ(items.IndexOf(TEXT("7"), kUtf8), -1);
     items.Add(TEXT("40"));
     EXPECT_EQ(items.IndexOf(TEXT("seven"), kUtf8), 7);
+
+    TXmlNode node;
+    for (int i = 0; i < 40; ++i) {
+        node.AddAttribute(UnicodeString(i), UnicodeString());
+        node.SetChild(UnicodeString(i), UnicodeString(), kUtf8);
+    }
+    node.GetAttribute(7)->FName = TEXT("seven");
+    node.GetChild(7)->FName = TEXT("seven");
+    node.AddAttribute(TEXT("40"), UnicodeString());
+    node.AddChild(TEXT("40"));
+    EXPECT_EQ(node.AddAttribute(TEXT("seven"), UnicodeString()), nullptr);
+    EXPECT_EQ(node.SetAttribute(TEXT("seven"), UnicodeString(), kUtf8), node.GetAttribute(7));
+    EXPECT_EQ(node.SetChild(TEXT("seven"), UnicodeString(), kUtf8), node.GetChild(7));
 }
+
+static_assert(!std::is_destructible_v<TXmlBlock>);
 
 TEST(XmlItems, NamesWithAZeroInsideAreTwoNames) {
     TOpenItems items;
@@ -148,6 +164,8 @@ TEST(XmlItems, AHundredThousandItemsTakeNoQuadraticTime) {
     for (int i = 0; i < kMany; ++i) {
         node.AddAttribute(UnicodeString(i), UnicodeString());
         node.AddChild(TEXT("same"));
+        ASSERT_EQ(node.FindChild(TEXT("same"), kUtf8), node.GetChild(0));
+        ASSERT_EQ(node.FindAttribute(UnicodeString(i), kUtf8), node.GetAttribute(i));
     }
     EXPECT_EQ(node.AddAttribute(TEXT("77"), UnicodeString()), nullptr);
     EXPECT_EQ(node.AttributeCount(), kMany);

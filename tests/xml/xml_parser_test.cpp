@@ -136,6 +136,21 @@ TEST(XmlParser, ABrokenDocumentKeepsWhatWasRead) {
     EXPECT_LT(Parse(doc, "</c>"), 0);
 }
 
+TEST(XmlParser, ATreeThatIsGoneIsNotFilledAnyMore) {
+    TXmlDoc doc;
+    const auto open = [&] { return Parse(doc, "<a><b><c>"); };
+    EXPECT_EQ(open(), 0);
+    EXPECT_EQ(Parse(doc, "<d/>"), 0);
+    EXPECT_EQ(doc.FRoot->Find(TEXT("b\\c"), kUtf8)->ChildCount(), 1) << "the open element";
+    doc.FRoot->Clear();
+    EXPECT_EQ(Parse(doc, "<d/>"), 0);
+    ASSERT_EQ(doc.FRoot->ChildCount(), 1);
+    EXPECT_EQ(open(), 0);
+    delete std::exchange(doc.FRoot, new TXmlNode);
+    EXPECT_EQ(Parse(doc, "<e/>"), 0);
+    EXPECT_EQ(doc.FRoot->ChildCount(), 1);
+}
+
 TEST(XmlParser, AByteThatStartsNoCharacterThrows) {
     TXmlDoc doc;
     try {
@@ -145,6 +160,9 @@ TEST(XmlParser, AByteThatStartsNoCharacterThrows) {
         EXPECT_EQ(Utf8(message), "Invalid char found");
     }
     EXPECT_EQ(doc.ParseResult(), -6);
+    TXmlDoc kept;
+    EXPECT_THROW(Parse(kept, "\xEF\xBB\xBF<a>one &amp; two & \xA9</a>"), UnicodeString);
+    EXPECT_EQ(Utf8(kept.FRoot->FValue), "one & two ");
     EXPECT_EQ(RootText("<a>\xA9 </a>"), "\xEF\xBF\xBD");
     EXPECT_THROW(Result("<a>\0</a>"s), UnicodeString);
     EXPECT_EQ(Result("\xEF\xBB\xBF<a>\xF0"), 0);

@@ -55,10 +55,22 @@ TEST(XmlPlace, EveryFaultHasItsReason) {
         {"<a>&b &c;</a>", "'&' stands inside a reference; write '&amp;'"},
         {"<a><b>", "'b' has no end tag (opened at line 1, column 4)"},
         {"<!-- -->", "there is no element"},
+        {"<a", "the tag has no end"},
+        {"<a b", "the tag has no end"},
+        {"<a b=", "the tag has no end"},
+        {"<?xml", "the tag has no end"},
+        {"<a =\"1\"/>", "the attribute has no name"},
+        {"<a\tx=\"1\"/>", "a space must follow the name 'a', not a tab or a line break"},
+        {"<?xml\nversion=\"1.0\"?>",
+         "a space must follow the name 'xml', not a tab or a line break"},
     };
     for (const auto& [input, reason] : rows) EXPECT_EQ(Reason(input), reason) << input;
     EXPECT_EQ(Reason(Wide(u"\xFEFF<a>", true)), "'a' has no end tag (opened at line 1, column 1)");
-    EXPECT_EQ(Describe("<a/>"), "");
+    for (const char* accepted : {"<a/>", "<a x/>", "<?xml version?><a/>"}) {
+        TXmlDoc doc;
+        EXPECT_GT(test::Parse(doc, accepted), 0);
+        EXPECT_TRUE(doc.Fault().IsEmpty()) << accepted;
+    }
 }
 
 TEST(XmlPlace, ColumnsCountCharactersInEveryEncoding) {

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "mox_classes/containers/memory_stream.h"
+#include "support/fresh_host_root.h"
+#include "support/string_print.h"
+#include "support/thrown_text.h"
 #include "xml/xml_test.h"
 
 using namespace std::string_literals;
@@ -91,6 +94,30 @@ TEST(XmlWriter, ADocumentThatCannotBeDeclaredIsNotWritten) {
     TXmlDoc other;
     ASSERT_GT(Parse(other, "\xEF\xBB\xBF<?other?><?xml?><r/>"), 0);
     EXPECT_TRUE(other.SaveToString().IsEmpty());
+}
+
+TEST(XmlWriter, AFileIsNotTouchedByWhatCannotBeWritten) {
+    const WCHAR* const name = TEXT("C:\\qv_writer_test.xml");
+    const test::FreshHostRoot root;
+    TXmlDoc doc;
+    ASSERT_GT(Parse(doc, "<r/>"), 0);
+    EXPECT_EQ(test::ThrownText([&] { doc.SaveToFile(name); }),
+              TEXT("The document cannot be written in the code page 20127"));
+    EXPECT_EQ(GetFileAttributesW(name), INVALID_FILE_ATTRIBUTES);
+    doc.CodePage = kUtf8;
+    doc.FRoot->FValue = UnicodeString(TEXT("a\0b"), 3);
+    doc.SaveToFile(name);
+    doc.FProlog->GetChild(0)->FName = TEXT("other");
+    EXPECT_EQ(test::ThrownText([&] { doc.SaveToFile(name); }),
+              TEXT("The document cannot be written: its first instruction is not \"xml\""));
+    // A zero is written; without a mark nobody reads it back.
+    TXmlDoc loaded;
+    EXPECT_EQ(test::ThrownText([&] { loaded.LoadFromFile(name); }), TEXT("Invalid char found"));
+    TXmlDoc named;
+    named.CodePage = kUtf8;
+    named.LoadFromFile(name);
+    EXPECT_EQ(named.FRoot->FValue, doc.FRoot->FValue);
+    DeleteFileW(name);
 }
 
 TEST(XmlWriter, TheEncodingOfAStreamFollowsTheCodePage) {
