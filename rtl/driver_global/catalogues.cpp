@@ -135,6 +135,7 @@ bool TQVPapers::ReadData() {
     TXmlNode* list = ListNode();
     if (list == nullptr) {
         LogHere('X', TEXT("Cannot find out paper node"));
+        Close();
         return false;
     }
     std::vector<TQVPaperData> papers(static_cast<std::size_t>(Count));
@@ -186,7 +187,10 @@ void TQVResolutions::Close() {
 bool TQVResolutions::ReadData() {
     data_.clear();
     TXmlNode* list = ListNode();
-    if (list == nullptr) return false;
+    if (list == nullptr) {
+        Close();
+        return false;
+    }
     std::vector<TQVSizeData> resolutions(static_cast<std::size_t>(Count));
     for (int i = 0; i < Count; ++i) {
         const TXmlNode* node = FindEntry(*list, static_cast<Classes::TStrings&>(*Items).Get(i));

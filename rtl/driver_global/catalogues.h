@@ -37,7 +37,8 @@ class QV_API TQVSizes {
     TQVSizes(const TQVSizes&) = delete;
     TQVSizes& operator=(const TQVSizes&) = delete;
 
-    // Loads the entries' data; false, and the catalogue closed, when the resource file lacks one.
+    // Loads the entries' data; false, and the catalogue closed, when the resource file lacks the
+    // list or an entry.
     virtual bool ReadData() = 0;
     virtual ~TQVSizes();
     virtual void Close();

@@ -3,9 +3,9 @@
 //
 // Nothing throws. A missing key or value gives the default without a word; other failures are
 // logged at level 'X' and give the default. Opening and writing leave the code as the last error.
-// Any thread may call; an open key belongs to its caller. Values are taken as they are stored: a
-// missing terminator, an odd byte count and a value that grows while it is read never lead outside
-// a buffer.
+// Any thread may call; an open key belongs to its caller. The last two bytes of a text count as its
+// terminator, whatever they are: n bytes give (n - 2) / 2 characters. An odd byte count and a value
+// that grows while it is read never lead outside a buffer.
 #pragma once
 
 #include <windows.h>

@@ -12,9 +12,7 @@ constexpr int kReadAttempts = 8;
 
 UnicodeString TextOfUnits(const WCHAR* units, DWORD bytes) {
     if (bytes < kSmallestText) return UnicodeString();
-    DWORD count = bytes / DWORD{sizeof(WCHAR)};
-    if (units[count - 1] == 0) --count;
-    return UnicodeString(units, static_cast<long long>(count));
+    return UnicodeString(units, (bytes - DWORD{sizeof(WCHAR)}) / DWORD{sizeof(WCHAR)});
 }
 
 // Reads into a buffer of `bytes` bytes. Stores the code and, when the value is a text, the text.

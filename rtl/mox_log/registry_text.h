@@ -16,8 +16,8 @@ struct TRegText {
     UnicodeString text;
 };
 
-// Reads the REG_SZ value `name`: one terminator at its end is dropped when it is there, and so is
-// an odd last byte. A value that grows between the size query and the read is read again.
+// Reads the REG_SZ value `name`. Its last two bytes count as the terminator, whatever they are, and
+// an odd byte is dropped. A value that grows between the size query and the read is read again.
 TRegText ReadRegText(HKEY key, const UnicodeString& name);
 
 }  // namespace Mox

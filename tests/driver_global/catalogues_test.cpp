@@ -84,6 +84,21 @@ TEST_F(Catalogues, AnEntryThatTheListLacksClosesTheCatalogue) {
     EXPECT_TRUE(papers.Open(TEXT("papers"), UnicodeString(), TEXT("color")));
 }
 
+TEST_F(Catalogues, AListThatIsMissingClosesTheCatalogue) {
+    GetXmlRes()->ReadFile();
+    const auto check = [](auto& catalogue, const WCHAR* list) {
+        TXmlNode* const entries = GetXmlRes()->FRoot->FindChild(list, System::kCodePageUtf8);
+        ASSERT_TRUE(catalogue.Open(list, UnicodeString(), UnicodeString()));
+        entries->FName = TEXT("gone");
+        EXPECT_FALSE(catalogue.ReadData());
+        EXPECT_EQ(catalogue.GetCount(), 0);
+        entries->FName = list;
+        EXPECT_TRUE(catalogue.Open(list, UnicodeString(), UnicodeString()));
+    };
+    check(papers, TEXT("papers"));
+    check(resolutions, TEXT("resolutions"));
+}
+
 TEST_F(Catalogues, AStarOverAListWithoutEntriesIsNoCatalogue) {
     GetXmlRes()->ReadFile();
     GetXmlRes()->FRoot->FindChild(TEXT("papers"), System::kCodePageUtf8)->Clear();

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cstdarg>
+#include <cstdint>
 #include <cstring>
 #include <tuple>
 #include <utility>
@@ -78,6 +80,25 @@ TEST(FormatFields, EveryKindAndAdjacentFields) {
     EXPECT_EQ(Passed(fields, text, -17, 7000LL, -11.5, TEXT("z")),
               TEXT("-1707000-11.50{none}  z{#x}{"));
     EXPECT_EQ(fields.printf(TEXT("{w%L}{none}"), 1, 1LL << 40), TEXT("1099511627776{none}"));
+}
+
+TEST(FormatFields, AFieldFromASlotOf64Bits) {
+    const TFormatFields fields(TEXT("{n%d}{text%s}{x}{real%.1f}{wide%ll}"));
+    const WCHAR* const text = TEXT("abc");
+    std::uint64_t slots[] = {0x100000005, reinterpret_cast<std::uintptr_t>(text), 0,
+                             std::bit_cast<std::uint64_t>(2.5), 1ull << 40};
+    const auto filled = [&](const WCHAR* name, const WCHAR* spec) {
+        UnicodeString out(TEXT("-"));
+        fields.FillSingleField(name, spec, static_cast<void*>(slots), out);
+        return out;
+    };
+    EXPECT_EQ(filled(TEXT("N"), TEXT("")), TEXT("5"));
+    EXPECT_EQ(filled(TEXT("n"), TEXT("%03x")), TEXT("005"));
+    EXPECT_EQ(filled(TEXT("n"), TEXT("%s")), TEXT("-"));
+    EXPECT_EQ(filled(TEXT("text"), TEXT("%5s")), TEXT("  abc"));
+    EXPECT_EQ(filled(TEXT("x"), TEXT("")), TEXT("-"));
+    EXPECT_EQ(filled(TEXT("real"), TEXT("")), TEXT("2.5"));
+    EXPECT_EQ(filled(TEXT("wide"), TEXT("")), TEXT("1099511627776"));
 }
 
 TEST(FormatFields, HostileSpecificationsStay) {

@@ -41,6 +41,11 @@ TEST(StructData, ThreeStates) {
     EXPECT_EQ(holder.GetErrorCode(), 5u);
     EXPECT_EQ(holder.RecordSize(), 0);
 
+    Pairs shared(holder);
+    holder.Unique();
+    EXPECT_EQ(holder.GetErrorCode(), 5u);
+    EXPECT_EQ(shared.GetErrorCode(), 5u);
+
     holder.Hold(1);
     EXPECT_EQ(holder.RecordSize(), kPairBytes);
     EXPECT_EQ(holder.GetErrorCode(), 0u);

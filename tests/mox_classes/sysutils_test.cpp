@@ -5,6 +5,8 @@
 #include <windows.h>
 
 #include <cmath>
+#include <concepts>
+#include <limits>
 #include <tuple>
 
 #include "mox_classes/containers/streams.h"
@@ -34,6 +36,9 @@ TEST(Sysutils, Integers) {
     EXPECT_EQ(ThrownText([] { StrToInt64(TEXT("")); }), TEXT("'' is not a valid integer value"));
     EXPECT_EQ(StrToInt64(TEXT("-9223372036854775808")), INT64_MIN);
     EXPECT_EQ(StrToInt64Def(TEXT("0x7fffffffffffffff"), 0), INT64_MAX);
+    static_assert(std::same_as<decltype(StrToInt64({})), std::int64_t>);
+    std::int64_t exact = 0;
+    EXPECT_TRUE(TryStrToInt64(TEXT("4294967297"), exact) && exact == 4294967297);
     EXPECT_EQ(StrToHandleDef(TEXT("0x100000000"), nullptr), reinterpret_cast<void*>(1ULL << 32));
     int marker;
     EXPECT_EQ(StrToHandleDef(TEXT("1z"), &marker), &marker);
@@ -64,6 +69,9 @@ TEST(Sysutils, FloatingPoint) {
               TEXT("'1.5x' is not a valid floating point value"));
     float narrow = 0;
     EXPECT_TRUE(TryStrToFloat(TEXT("1e300"), narrow) && std::isinf(narrow));
+    EXPECT_TRUE(TryStrToFloat(TEXT("3.4028236e38"), narrow) && std::isinf(narrow));
+    EXPECT_TRUE(TryStrToFloat(TEXT("-3.4028235e38"), narrow));
+    EXPECT_EQ(narrow, std::numeric_limits<float>::lowest()) << "rounds to the largest float";
     EXPECT_EQ(FloatToStr(-1.25L), TEXT("-1.250000"));
     EXPECT_EQ(UnicodePrintf(TEXT("%u%%"), 5u), TEXT("5%"));
 }

@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include "mox_classes/memory/memory.h"
@@ -89,6 +90,8 @@ TEST(UnicodeString, NumbersAndSingleUnits) {
     EXPECT_EQ(UnicodeString::IntToHex(255, 4), TEXT("00FF"));
     EXPECT_EQ(UnicodeString::IntToHex(255, 0), TEXT("FF"));
     EXPECT_EQ(UnicodeString::IntToHex(-1, 4), TEXT("FFFFFFFF"));
+    EXPECT_EQ(UnicodeString::IntToHex(255, -6), TEXT("FF    "));
+    static_assert(!std::is_constructible_v<UnicodeString, std::nullptr_t>);
 }
 
 TEST(UnicodeString, Utf32) {

@@ -59,9 +59,10 @@ std::string Utf16(const std::string& text) {
 TEST_F(Toolkit, TextsAreReadAsTheyAreStored) {
     const std::tuple<const char*, DWORD, std::string, const WCHAR*> rows[] = {
         {"with terminator", REG_SZ, Utf16("abc") + std::string(2, '\0'), TEXT("abc")},
-        {"without terminator", REG_SZ, Utf16("abc"), TEXT("abc")},
+        {"without terminator", REG_SZ, Utf16("abc"), TEXT("ab")},
         {"odd byte count", REG_SZ, Utf16("abc") + std::string(3, '\0'), TEXT("abc")},
-        {"odd, without terminator", REG_SZ, Utf16("abc") + "x", TEXT("abc")},
+        {"odd, without terminator", REG_SZ, Utf16("abc") + "x", TEXT("ab")},
+        {"three bytes", REG_SZ, std::string("A\0\0", 3), TEXT("")},
         {"terminator alone", REG_SZ, std::string(2, '\0'), TEXT("")},
         {"nothing", REG_SZ, "", TEXT("")},
         {"one byte", REG_SZ, "x", TEXT("")},
@@ -147,14 +148,15 @@ TEST_F(Toolkit, AUsersValueOverridesTheMachines) {
 TEST_F(Toolkit, SettingsAreSearchedInFourPlaces) {
     const UnicodeString printer = UnicodeString(kPrintersKey) + TEXT("\\One");
     const auto find = [](const WCHAR* section) { return GetRegistrySetting(section, TEXT("v")); };
-    Store(HKEY_LOCAL_MACHINE, kProductKey, TEXT("v"), REG_SZ, Utf16("machine"));
+    const std::string end(1, '\0');
+    Store(HKEY_LOCAL_MACHINE, kProductKey, TEXT("v"), REG_SZ, Utf16("machine" + end));
     EXPECT_EQ(find(TEXT("One")), TEXT("machine"));
-    Store(HKEY_LOCAL_MACHINE, printer, TEXT("v"), REG_SZ, Utf16("machine's printer"));
+    Store(HKEY_LOCAL_MACHINE, printer, TEXT("v"), REG_SZ, Utf16("machine's printer" + end));
     EXPECT_EQ(find(TEXT("One")), TEXT("machine's printer"));
     EXPECT_EQ(find(TEXT("")), TEXT("machine"));
-    Store(HKEY_CURRENT_USER, kProductKey, TEXT("v"), REG_SZ, Utf16("user"));
+    Store(HKEY_CURRENT_USER, kProductKey, TEXT("v"), REG_SZ, Utf16("user" + end));
     EXPECT_EQ(find(TEXT("One")), TEXT("user"));
-    Store(HKEY_CURRENT_USER, printer, TEXT("v"), REG_EXPAND_SZ, Utf16("skipped"));
+    Store(HKEY_CURRENT_USER, printer, TEXT("v"), REG_EXPAND_SZ, Utf16("skipped" + end));
     EXPECT_EQ(find(TEXT("One")), TEXT("user"));
     Store(HKEY_CURRENT_USER, printer, TEXT("v"), REG_SZ, "");
     EXPECT_EQ(find(TEXT("One")), UnicodeString());

@@ -50,6 +50,8 @@ void TW32StructDataBase::SetErrorCode(DWORD code) {
 void TW32StructDataBase::Unique() {
     // A sole holder keeps its block: the records may hold pointers into it.
     if (FData == nullptr || kSpec.Count(FData).load() == 1) return;
+    // A new size keeps nothing of a failure.
+    if (!IsSuccess()) return SetErrorCode(GetErrorCode());
     SetBufferSize(Size(), Count(), static_cast<int>(GetRec()->record_size));
 }
 

@@ -190,11 +190,16 @@ bool TryStrToFloat(UnicodeString s, long double& value) {
 bool TryStrToFloat(UnicodeString s, float& value) {
     double read;
     const bool whole = ReadFloat(s, read);
-    constexpr double kLargest = std::numeric_limits<float>::max();
-    value = std::abs(read) > kLargest && !std::isinf(read)
-                ? std::copysign(std::numeric_limits<float>::infinity(),
-                                static_cast<float>(read > 0 ? 1 : -1))
-                : static_cast<float>(read);
+    constexpr float kLargest = std::numeric_limits<float>::max();
+    constexpr double kRoundsUp = 0x1.ffffffp127;  // halfway from the largest to what would follow
+    const auto signed_as_read = [&](float size) { return read < 0 ? -size : size; };
+    if (std::abs(read) >= kRoundsUp) {
+        value = signed_as_read(std::numeric_limits<float>::infinity());
+    } else if (std::abs(read) > kLargest) {
+        value = signed_as_read(kLargest);
+    } else {
+        value = static_cast<float>(read);
+    }
     return whole;
 }
 

@@ -152,9 +152,14 @@ UnicodeString UnicodeString::IntToHex(int value, int digits) {
     const char* end =
         std::to_chars(std::begin(text), std::end(text), static_cast<unsigned int>(value), 16).ptr;
     const auto length = static_cast<int>(end - text);
-    UnicodeString result = StringOfChar(TEXT('0'), std::max(length, digits));
-    WCHAR* const last = result.data() + result.Length();
-    std::transform(static_cast<const char*>(text), end, last - length,
+    // As for the conversion "%0*X", a negative width is one with the blanks behind the number.
+    const bool left = digits < 0;
+    UnicodeString result;
+    result.SetLength(std::max<long long>(length, left ? -static_cast<long long>(digits) : digits));
+    WCHAR* const first = result.data();
+    WCHAR* const last = first + result.Length();
+    std::fill(first, last, left ? TEXT(' ') : TEXT('0'));
+    std::transform(static_cast<const char*>(text), end, left ? first : last - length,
                    [](char c) { return static_cast<WCHAR>(c >= 'a' ? c - 'a' + 'A' : c); });
     return result;
 }
