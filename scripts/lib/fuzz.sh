@@ -55,7 +55,11 @@ fuzz_run() {
     return 1
 }
 
-# Runs a target once on each of its seeds, the inputs of earlier findings among them.
+# Runs a target once on each of its seeds, the inputs of earlier findings among them:
+# fuzz_replay FOLDER-OF-THE-PROGRAMS TARGET
 fuzz_replay() {
-    fuzz_program "$1" fuzz/seeds/"$1"/*
+    local options=()
+    [ "$1" != "$fuzz_binaries" ] || options=(-timeout=60 -rss_limit_mb=2048)
+    env -u ASAN_OPTIONS -u UBSAN_OPTIONS "TMPDIR=$fuzz_roots" \
+        timeout 300 "$1/$2" "${options[@]}" fuzz/seeds/"$2"/*
 }

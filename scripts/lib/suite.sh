@@ -3,6 +3,16 @@
 suite_begin() {
     suite=$1 passed=0 failed=0 skipped=0 first_failure= began=$SECONDS
     mkdir -p "$logs"
+    take_cpu_seconds
+    cpu_began=$cpu_seconds
+}
+
+# Sets cpu_seconds to what all ended processes of this shell took of the processor, user and system.
+# A subshell would count its own processes, so the figures go through a file.
+take_cpu_seconds() {
+    times >"$logs/times"
+    cpu_seconds=$(tr ms '  ' <"$logs/times" |
+        awk 'NR == 2 { printf "%d", $1 * 60 + $2 + $3 * 60 + $4 }')
 }
 
 # Keeps the text of the suite's first failure for suite_end.
@@ -11,15 +21,34 @@ note_failure() {
     [ -n "$first_failure" ] || first_failure=$2
 }
 
-# Configures and builds a preset; a failure is the suite's only result.
+configure_and_build() {
+    cmake --preset "$1" >"$logs/$1.build" 2>&1 && cmake --build --preset "$1" >>"$logs/$1.build" 2>&1
+}
+
+# Configures and builds a preset; a failure is the suite's only result. A build that began ahead is
+# waited for. The build of next_preset, the next suite's, begins when this one is done.
 build_preset() {
-    local preset=$1 log=$logs/$1.build
+    local preset=$1 log=$logs/$1.build status=0
     echo "$suite: building (log: ${log#"$root"/})"
-    if cmake --preset "$preset" >"$log" 2>&1 && cmake --build --preset "$preset" >>"$log" 2>&1; then
+    if [ "${ahead_preset:-}" = "$preset" ]; then
+        ahead_preset=
+        wait "$ahead_process" || status=1
+    else
+        configure_and_build "$preset" || status=1
+    fi
+    if [ $status = 0 ]; then
+        build_ahead "$preset"
         return 0
     fi
     note_failure 1 "$(grep -m1 -A8 -E 'error:|^FAILED:' "$log" || tail -n 20 "$log")"
     return 1
+}
+
+# Only one build runs ahead: two would take turns on the same cores.
+build_ahead() {
+    [ -n "${next_preset:-}" ] && [ "$next_preset" != "$1" ] && [ -z "${ahead_preset:-}" ] || return 0
+    configure_and_build "$next_preset" &
+    ahead_process=$! ahead_preset=$next_preset
 }
 
 # Runs a googletest program and adds its results: run_gtest LOG SECONDS COMMAND...
@@ -64,7 +93,8 @@ run_check() {
 suite_end() {
     [ -z "$first_failure" ] ||
         printf -- '---- %s, first failure ----\n%s\n----\n' "$suite" "$first_failure"
-    echo "$suite: took $((SECONDS - began)) s"
+    take_cpu_seconds
+    echo "$suite: took $((SECONDS - began)) s, $((cpu_seconds - cpu_began)) s of the processor"
     local more=
     [ $skipped -eq 0 ] || more=", $skipped skipped"
     echo "$suite: $passed passed, $failed failed$more"
