@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include "os_xp/activation_context.h"
 #include "os_xp/administrator.h"
 #include "os_xp/file_access.h"
 #include "os_xp/message_filter.h"
+#include "os_xp/program_start.h"
 #include "os_xp/user_name.h"
 #include "support/captured_log.h"
 #include "support/string_print.h"
@@ -22,10 +25,7 @@ bool KernelHas(const char* name) {
     return GetProcAddress(GetModuleHandleW(TEXT("kernel32")), name) != nullptr;
 }
 
-class FileAccess : public test::FileTest {
-  protected:
-    DWORD granted_ = test::kUntouched;
-};
+class FileAccess : public test::FileTest {};
 
 }  // namespace
 
@@ -52,29 +52,19 @@ TEST(Administrator, WhoMayManageServicesIsInTheGroup) {
     ASSERT_TRUE(RevertToSelf());
 }
 
-TEST_F(FileAccess, GrantsTheMappedRights) {
+TEST_F(FileAccess, GrantsTheMappedRightsAndTakesOffTheImpersonation) {
     const Wide file = Path(TEXT("a.txt"));
+    DWORD granted = test::kUntouched;
+    EXPECT_EQ(CheckFileAccess(file.c_str(), granted, GENERIC_READ), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(granted, test::kUntouched);
     MakeFile(file, "a");
-    EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ), NO_ERROR);
-    EXPECT_EQ(granted_, kRead);
-    EXPECT_EQ(CheckFileAccess(file.c_str(), granted_, GENERIC_READ | GENERIC_WRITE), NO_ERROR);
-    EXPECT_EQ(granted_, kRead | kWrite);
-    EXPECT_EQ(CheckFileAccess(Folder().c_str(), granted_, GENERIC_READ), NO_ERROR);
-    EXPECT_EQ(granted_, kRead);
-}
-
-TEST_F(FileAccess, LeavesTheResultAloneWhenItFails) {
-    EXPECT_EQ(CheckFileAccess(Path(TEXT("none")).c_str(), granted_, GENERIC_READ),
-              ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(granted_, test::kUntouched);
-}
-
-TEST_F(FileAccess, TakesOffTheImpersonation) {
-    CheckFileAccess(Folder().c_str(), granted_, GENERIC_READ);
-    CheckFileAccess(Path(TEXT("none")).c_str(), granted_, GENERIC_READ);
+    EXPECT_EQ(CheckFileAccess(file.c_str(), granted, GENERIC_READ | GENERIC_WRITE), NO_ERROR);
+    EXPECT_EQ(granted, kRead | kWrite);
+    EXPECT_EQ(CheckFileAccess(Folder().c_str(), granted, GENERIC_READ), NO_ERROR);
+    EXPECT_EQ(granted, kRead);
     HANDLE token = nullptr;
-    EXPECT_FALSE(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_NO_TOKEN});
+    const BOOL opened = OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token);
+    EXPECT_EQ(test::ErrorUnless(opened), DWORD{ERROR_NO_TOKEN});
 }
 
 TEST(MessageFilter, LetsAMessageThroughAndNoMore) {
@@ -88,6 +78,24 @@ TEST(MessageFilter, LetsAMessageThroughAndNoMore) {
     EndMessageFilter();
     EXPECT_EQ(BeginMessageFilter(), filter);
     EndMessageFilter();
+}
+
+// The shield of a button that starts something elevated.
+TEST(Shield, TheButtonIsToldToShowIt) {
+    WNDCLASSW window_class{};
+    window_class.lpfnWndProc = DefWindowProcW;
+    window_class.lpszClassName = TEXT("QV Test Button");
+    ASSERT_NE(RegisterClassW(&window_class), 0);
+    const HWND button = CreateWindowExW(0, window_class.lpszClassName, TEXT(""), 0, 0, 0, 0, 0,
+                                        HWND_MESSAGE, nullptr, nullptr, nullptr);
+    ASSERT_NE(button, nullptr);
+    ShowShieldIcon(button);
+    MSG message{};
+    ASSERT_TRUE(PeekMessageW(&message, button, BCM_SETSHIELD, BCM_SETSHIELD, PM_REMOVE));
+    EXPECT_EQ(message.wParam, WPARAM{0});
+    EXPECT_EQ(message.lParam, LPARAM{TRUE});
+    EXPECT_TRUE(DestroyWindow(button));
+    EXPECT_EQ(GetShieldIcon(), nullptr);
 }
 
 TEST(ActivationContext, FallsBackToTheCurrentOne) {
@@ -106,12 +114,11 @@ TEST(ActivationContext, TheLogTellsThatThereAreNone) {
     test::CapturedLog log;
     EXPECT_EQ(CreateActiveContext(TEXT("a.dll")), INVALID_HANDLE_VALUE);
     ReleaseActiveContext(INVALID_HANDLE_VALUE);
-    ASSERT_EQ(log.Entries().size(), 2u);
-    EXPECT_EQ(log.Entries()[0].level, '*');
+    for (const WCHAR* name : {TEXT("\t_CreateActCtx"), TEXT("_ReleaseActCtx")}) {
+        const UnicodeString text = UnicodeString(name) + TEXT(" is NULL. This system does not ") +
+                                   TEXT("support Windows Theme System");
+        EXPECT_TRUE(log.Has('*', text));
+    }
+    EXPECT_EQ(log.Entries().size(), 2u);
     EXPECT_EQ(log.Entries()[0].source, TEXT("os_xp"));
-    EXPECT_EQ(log.Entries()[0].text, TEXT("\t_CreateActCtx is NULL. This system does not support "
-                                          "Windows Theme System"));
-    EXPECT_EQ(log.Entries()[1].level, '*');
-    EXPECT_EQ(log.Entries()[1].text, TEXT("_ReleaseActCtx is NULL. This system does not support "
-                                          "Windows Theme System"));
 }

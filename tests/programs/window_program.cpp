@@ -12,6 +12,8 @@
 
 namespace {
 
+bool open = true;
+
 std::string Narrow(const WCHAR* text, std::size_t length) {
     return std::string(text, text + length);
 }
@@ -38,7 +40,7 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lpar
         Line(window, "change " + Narrow(text, std::char_traits<WCHAR>::length(text)));
         return 0;
     }
-    if (message == WM_DESTROY) PostQuitMessage(0);
+    if (message == WM_DESTROY) open = false;
     if (message == 1024) {
         WCHAR text[256];
         const UINT length = GlobalGetAtomNameW(static_cast<ATOM>(wparam), text, 256);
@@ -71,8 +73,8 @@ int main(int argc, char** argv) {
     Line(window, "ready");
     if (how == "die") std::_Exit(0);
     if (how == "deaf") Sleep(5000);
-    for (MSG message; how == "listen" && GetMessageW(&message, nullptr, 0, 0) > 0;) {
-        DispatchMessageW(&message);
+    for (MSG message; how == "listen" && open; Sleep(1)) {
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
     }
     return 0;
 }

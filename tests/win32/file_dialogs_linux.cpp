@@ -6,7 +6,9 @@
 
 #include <fstream>
 
+#include "os_xp/file_dialog.h"
 #include "support/dialog_program_linux.h"
+#include "support/string_print.h"
 
 namespace {
 
@@ -19,9 +21,18 @@ class FileDialogs : public testing::Test {
         record_.lpstrFile = name_;
         record_.nMaxFile = MAX_PATH;
         record_.lpstrInitialDir = u"C:\\";
+        record_.lpstrTitle = u"Open; a \"fax\" $(x)";
     }
     void Touch(const std::string& name) { std::ofstream(program_.DriveC() + name) << "x"; }
-    Wide Name() const { return name_; }
+    // The chosen name after an answer; "none" when the dialog says that there is none.
+    Wide Opened(const std::string& answer, int exit_code = 0) {
+        program_.Answer(answer, exit_code);
+        return GetOpenFileNameW(&record_) ? Wide(name_) : u"none";
+    }
+    Wide Saved(const std::string& answer) {
+        program_.Answer(program_.DriveC() + answer);
+        return GetSaveFileNameW(&record_) ? Wide(name_) : u"none";
+    }
 
     test::DialogProgram program_;
     WCHAR name_[MAX_PATH] = {};
@@ -30,81 +41,95 @@ class FileDialogs : public testing::Test {
 
 }  // namespace
 
-TEST_F(FileDialogs, ArgumentsReachTheProgramUnchanged) {
-    record_.lpstrTitle = u"Open; a \"fax\" $(x)";
+TEST_F(FileDialogs, ArgumentsReachTheProgramUnchangedAndItsFirstLineIsTheFile) {
     record_.lpstrFilter = u"Texts\0*.txt;*.doc\0All files\0*.*\0";
     Wide(u"C:\\sub\\offered.txt").copy(name_, MAX_PATH);
-    program_.Answer("");
-    EXPECT_FALSE(GetOpenFileNameW(&record_));
+    EXPECT_EQ(Opened(""), u"none");
     EXPECT_EQ(program_.Asked(), "open\nOpen; a \"fax\" $(x)\n" + program_.Folder() + "/drive_c\n" +
                                     program_.DriveC() +
                                     "sub/offered.txt\nTexts|*.txt;*.doc\nAll files|*.*\n");
-}
-
-TEST_F(FileDialogs, TheFirstLineIsTheFile) {
-    program_.Answer(program_.DriveC() + "fax one.tif\nnoise");
-    ASSERT_TRUE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(Name(), u"C:\\fax one.tif");
+    EXPECT_EQ(Opened(program_.DriveC() + "fax one.tif\nnoise"), u"C:\\fax one.tif");
     EXPECT_EQ(record_.nFileOffset, 3);
     EXPECT_EQ(record_.nFileExtension, 11);
-    EXPECT_EQ(CommDlgExtendedError(), 0u);
-    program_.Answer("relative.tif");
-    ASSERT_TRUE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(Name(), u"C:\\relative.tif");
+    EXPECT_EQ(Opened("relative.v1/plain"), u"C:\\relative.v1\\plain");
+    EXPECT_EQ(record_.nFileOffset, 15);
+    EXPECT_EQ(record_.nFileExtension, 0);
+    EXPECT_EQ(Opened("C:\\windows.tif"), u"C:\\windows.tif");
 }
 
-TEST_F(FileDialogs, OtherEndingsHaveAReason) {
-    program_.Answer(program_.DriveC() + "a.tif", 1);
-    EXPECT_FALSE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(CommDlgExtendedError(), 0u);
-    for (const char* bad : {"a:b", "a\xFF.tif"}) {
-        program_.Answer(program_.DriveC() + bad);
-        EXPECT_FALSE(GetOpenFileNameW(&record_)) << bad;
-        EXPECT_EQ(CommDlgExtendedError(), FNERR_INVALIDFILENAME) << bad;
-    }
-    program_.Answer(program_.DriveC() + "a.tif");
+TEST_F(FileDialogs, OtherAnswersAreNoFile) {
+    const std::string file = program_.DriveC() + "a.tif";
+    EXPECT_EQ(Opened(file, 1), u"none");
+    for (const char* bad : {"a:b", "a\xFF.tif"})
+        EXPECT_EQ(Opened(program_.DriveC() + bad), u"none");
     record_.Flags = OFN_FILEMUSTEXIST;
-    EXPECT_FALSE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(CommDlgExtendedError(), FNERR_INVALIDFILENAME);
+    EXPECT_EQ(Opened(file), u"none");
+    Touch("a.tif");
+    record_.nMaxFile = 9;
+    EXPECT_EQ(Opened(file), u"C:\\a.tif");
+    record_.nMaxFile = 8;
+    EXPECT_EQ(Opened(file), u"none");
+    EXPECT_EQ(name_[0], 9) << "the room that is needed";
+    record_.nMaxFile = MAX_PATH;
+    record_.Flags = 0x40;
+    EXPECT_EQ(Opened(file), u"none");
     record_.Flags = 0;
-    record_.nMaxFile = 4;
-    EXPECT_FALSE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(CommDlgExtendedError(), FNERR_BUFFERTOOSMALL);
-    EXPECT_EQ(name_[0], 9);
     record_.lStructSize = 1;
-    EXPECT_FALSE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(CommDlgExtendedError(), CDERR_STRUCTSIZE);
-}
-
-TEST_F(FileDialogs, WithoutAProgramThereIsNoDialog) {
+    EXPECT_EQ(Opened(file), u"none");
+    record_.lStructSize = sizeof record_;
     for (const char* program : {"", "/no/such/program"}) {
         setenv("QV_HOST_DIALOG", program, 1);
-        EXPECT_FALSE(GetSaveFileNameW(&record_));
-        EXPECT_EQ(CommDlgExtendedError(), CDERR_DIALOGFAILURE) << program;
+        EXPECT_EQ(Opened(file), u"none");
     }
 }
 
-TEST_F(FileDialogs, OverwritingIsConfirmed) {
+TEST_F(FileDialogs, OverwritingIsConfirmedAndTheDefaultExtensionAdded) {
     Touch("old.tif");
+    Touch("plain");
     record_.Flags = OFN_OVERWRITEPROMPT;
-    program_.Answer(program_.DriveC() + "old.tif");
-    ASSERT_TRUE(GetSaveFileNameW(&record_));
+    record_.lpstrDefExt = u"tif";
+    EXPECT_EQ(Saved("old"), u"C:\\old.tif");
     EXPECT_TRUE(program_.Asked().starts_with("overwrite\n")) << program_.Asked();
     program_.RefuseOverwriting();
-    EXPECT_FALSE(GetSaveFileNameW(&record_));
-    program_.Answer(program_.DriveC() + "new.tif");
-    EXPECT_TRUE(GetSaveFileNameW(&record_));
+    EXPECT_EQ(Saved("old.tif"), u"none");
+    EXPECT_EQ(Saved("other.doc"), u"C:\\other.doc");
+    EXPECT_EQ(Saved("plain"), u"C:\\plain.tif");
+    EXPECT_EQ(Opened(program_.DriveC() + "plain"), u"C:\\plain");
 }
 
-TEST_F(FileDialogs, ANameWithoutExtensionGetsTheDefaultOne) {
-    Touch("plain");
-    record_.lpstrDefExt = u"tif";
-    program_.Answer(program_.DriveC() + "plain");
-    ASSERT_TRUE(GetSaveFileNameW(&record_));
-    EXPECT_EQ(Name(), u"C:\\plain.tif");
-    ASSERT_TRUE(GetOpenFileNameW(&record_));
-    EXPECT_EQ(Name(), u"C:\\plain");
-    program_.Answer(program_.DriveC() + "other.doc");
-    ASSERT_TRUE(GetSaveFileNameW(&record_));
-    EXPECT_EQ(Name(), u"C:\\other.doc");
+TEST_F(FileDialogs, TheLibrarysDialogOffersOnlyFilesThatMustExist) {
+    UnicodeString file = TEXT("offered.txt");
+    const auto open = [&](bool must_exist) {
+        return OpenSaveFileDialog(nullptr, UnicodeString(), TEXT("Texts|*.txt|All|*.*"),
+                                  TEXT("C:\\"), TEXT("Send"), file, must_exist, false, true, true);
+    };
+    program_.Answer(program_.DriveC() + "chosen.txt");
+    EXPECT_TRUE(open(false));
+    EXPECT_EQ(file, TEXT("C:\\chosen.txt"));
+    EXPECT_EQ(program_.Asked(),
+              "open\nSend\n" + program_.Folder() + "/drive_c\noffered.txt\nTexts|*.txt\nAll|*.*\n");
+    program_.Answer("", 1);
+    file = TEXT("C:\\missing.txt");
+    EXPECT_FALSE(open(true));
+    EXPECT_EQ(file, UnicodeString());
+    Touch("there.txt");
+    file = TEXT("C:\\there.txt");
+    EXPECT_FALSE(open(true));
+    EXPECT_EQ(file, TEXT("C:\\there.txt"));
+    EXPECT_NE(program_.Asked().find("/drive_c/there.txt\n"), std::string::npos);
+}
+
+TEST_F(FileDialogs, TheLibrarysDialogCutsANameThatIsTooLong) {
+    UnicodeString file = UnicodeString::StringOfChar(TEXT('x'), 300);
+    const auto save = [&] {
+        return OpenSaveFileDialog(nullptr, TEXT("tif"), UnicodeString(), UnicodeString(),
+                                  UnicodeString(), file, false, true, true, false);
+    };
+    program_.Answer("", 1);
+    EXPECT_FALSE(save());
+    EXPECT_EQ(file.Length(), 300);
+    EXPECT_EQ(program_.Asked(), "save\n\n\n" + std::string(259, 'x') + "\n");
+    program_.Answer(program_.DriveC() + "fax");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(file, TEXT("C:\\fax.tif"));
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/fresh_host_root.h"
+#include "support/last_error.h"
 #include "support/wine_gap.h"
 
 namespace test {
@@ -33,7 +34,7 @@ class FileTest : public testing::Test {
         SetLastError(kUntouched);
     }
     void TearDown() override {
-        for (const HANDLE handle : open_) CloseHandle(handle);
+        CloseAll();
         for (auto name = names_.rbegin(); name != names_.rend(); ++name) {
             if (!DeleteFileW(name->c_str())) RemoveDirectoryW(name->c_str());
         }
@@ -60,12 +61,15 @@ class FileTest : public testing::Test {
     }
     // The last error of an Open that must fail; 0 when it did not.
     DWORD OpenError(const Wide& name, DWORD access, DWORD share, DWORD disposition) {
-        const bool failed = Open(name, access, share, disposition) == INVALID_HANDLE_VALUE;
-        return failed ? GetLastError() : NO_ERROR;
+        return ErrorUnless(Open(name, access, share, disposition) != INVALID_HANDLE_VALUE);
     }
     void Close(HANDLE file) {
         EXPECT_TRUE(CloseHandle(file));
         std::erase(open_, file);
+    }
+    void CloseAll() {
+        for (const HANDLE handle : open_) CloseHandle(handle);
+        open_.clear();
     }
     void Write(HANDLE file, const std::string& text) {
         DWORD done = 0;
@@ -78,6 +82,9 @@ class FileTest : public testing::Test {
         EXPECT_TRUE(ReadFile(file, text.data(), bytes, &done, nullptr)) << GetLastError();
         text.resize(done);
         return text;
+    }
+    static bool There(const WCHAR* name) {
+        return GetFileAttributesW(name) != INVALID_FILE_ATTRIBUTES;
     }
     void MakeFile(const Wide& name, const std::string& text) {
         const HANDLE file = Open(name, GENERIC_WRITE, 0, CREATE_ALWAYS);

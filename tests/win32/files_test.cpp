@@ -14,44 +14,32 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 class Files : public FileTest {};
 
-TEST_F(Files, DispositionsOverNothing) {
+TEST_F(Files, DispositionsOverNothingAndOverAFile) {
     const struct {
-        DWORD disposition, error;
-    } rows[] = {{CREATE_NEW, 0},
-                {CREATE_ALWAYS, 0},
-                {OPEN_EXISTING, 2},
-                {OPEN_ALWAYS, 0},
-                {TRUNCATE_EXISTING, 2}};
-    for (const auto& row : rows) {
-        const Wide name = Path(TEXT("new") + Decimal(row.disposition));
-        const HANDLE file = Open(name, kBoth, 0, row.disposition);
-        EXPECT_EQ(GetLastError(), row.error) << row.disposition;
-        EXPECT_EQ(file != INVALID_HANDLE_VALUE, row.error == 0) << row.disposition;
-    }
-}
-
-TEST_F(Files, DispositionsOverAFile) {
-    const struct {
-        DWORD disposition, error;
+        DWORD disposition, over_nothing, over_a_file, size;
         bool opens;
-        DWORD size;
-    } rows[] = {{CREATE_NEW, 80, false, 3},
-                {CREATE_ALWAYS, 183, true, 0},
-                {OPEN_EXISTING, 0, true, 3},
-                {OPEN_ALWAYS, 183, true, 3},
-                {TRUNCATE_EXISTING, 0, true, 0}};
-    const Wide name = Path(TEXT("old"));
+    } rows[] = {{CREATE_NEW, 0, 80, 3, false},
+                {CREATE_ALWAYS, 0, 183, 0, true},
+                {OPEN_EXISTING, 2, 0, 3, true},
+                {OPEN_ALWAYS, 0, 183, 3, true},
+                {TRUNCATE_EXISTING, 2, 0, 0, true},
+                {0, 87, 87, 3, false},
+                {TRUNCATE_EXISTING + 1, 87, 87, 3, false}};
+    const Wide old = Path(TEXT("old"));
     for (const auto& row : rows) {
-        MakeFile(name, "abc");
-        const HANDLE file = Open(name, kBoth, 0, row.disposition);
-        if (row.disposition != OPEN_EXISTING && row.disposition != TRUNCATE_EXISTING) {
-            EXPECT_EQ(GetLastError(), row.error) << row.disposition;
+        SCOPED_TRACE(row.disposition);
+        Open(Path(TEXT("new") + Decimal(row.disposition)), kBoth, 0, row.disposition);
+        EXPECT_EQ(GetLastError(), row.over_nothing);
+        MakeFile(old, "abc");
+        const HANDLE file = Open(old, kBoth, 0, row.disposition);
+        if (row.over_a_file != 0) {
+            EXPECT_EQ(GetLastError(), row.over_a_file);
         }
-        EXPECT_EQ(file != INVALID_HANDLE_VALUE, row.opens) << row.disposition;
-        if (row.opens) {
-            EXPECT_EQ(GetFileSize(file, nullptr), row.size) << row.disposition;
-            Close(file);
-        }
+        EXPECT_EQ(file != INVALID_HANDLE_VALUE, row.opens);
+        if (row.opens) Close(file);
+        EXPECT_EQ(GetFileSize(Open(old, GENERIC_READ, kShareAll, OPEN_EXISTING), nullptr),
+                  row.size);
+        CloseAll();
     }
 }
 
@@ -74,8 +62,6 @@ TEST_F(Files, NamesThatCannotBeOpened) {
     }
     ExpectExceptOnWine(OpenError(TEXT("Q:\\x"), GENERIC_READ, kShareAll, OPEN_EXISTING) == 3,
                        "a drive that is not there");
-    EXPECT_EQ(OpenError(Path(TEXT("f")), kBoth, 0, 6), 87u);
-    EXPECT_EQ(OpenError(Path(TEXT("f")), kBoth, 0, 0), 87u);
     EXPECT_EQ(OpenError(Folder(), kBoth, 0, CREATE_NEW), 80u);
 }
 
@@ -98,27 +84,15 @@ TEST_F(Files, ShareModesHoldBetweenHandles) {
     for (const auto& row : rows) {
         const HANDLE first = Open(name, row.access, row.share, OPEN_EXISTING);
         ASSERT_NE(first, INVALID_HANDLE_VALUE);
-        const HANDLE second = Open(name, row.then_access, row.then_share, OPEN_EXISTING);
-        EXPECT_EQ(second != INVALID_HANDLE_VALUE, row.opens) << &row - rows;
-        if (row.opens) {
-            Close(second);
-        } else {
-            EXPECT_EQ(GetLastError(), 32u);
-        }
-        Close(first);
+        EXPECT_EQ(OpenError(name, row.then_access, row.then_share, OPEN_EXISTING),
+                  row.opens ? 0u : 32u)
+            << &row - rows;
+        CloseAll();
     }
-    EXPECT_NE(Open(name, kBoth, 0, OPEN_EXISTING), INVALID_HANDLE_VALUE)
-        << "a closed file holds on";
-}
-
-TEST_F(Files, ARefusedTruncationLeavesTheData) {
-    const Wide name = Path(TEXT("kept"));
-    MakeFile(name, "abc");
     const HANDLE reader = Open(name, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
     EXPECT_EQ(OpenError(name, kBoth, kShareAll, CREATE_ALWAYS), 32u);
-    EXPECT_EQ(Read(reader, 10), "abc");
-    EXPECT_FALSE(DeleteFileW(name.c_str()));
-    EXPECT_EQ(GetLastError(), 32u);
+    EXPECT_EQ(Read(reader, 10), "abc") << "a refused truncation leaves the data";
+    EXPECT_EQ(ErrorUnless(DeleteFileW(name.c_str())), 32u);
 }
 
 TEST_F(Files, DataEndsQuietlyAndAccessIsChecked) {
@@ -129,32 +103,44 @@ TEST_F(Files, DataEndsQuietlyAndAccessIsChecked) {
     EXPECT_EQ(Read(reader, 100), " world");
     EXPECT_EQ(Read(reader, 100), "");
     DWORD done = 7;
-    EXPECT_FALSE(WriteFile(reader, "x", 1, &done, nullptr));
-    EXPECT_EQ(GetLastError(), 5u);
+    EXPECT_EQ(ErrorUnless(WriteFile(reader, "x", 1, &done, nullptr)), 5u);
     EXPECT_EQ(done, 0u);
     const HANDLE writer = Open(name, GENERIC_WRITE, kShareAll, OPEN_EXISTING);
-    EXPECT_FALSE(ReadFile(writer, &done, 1, &done, nullptr));
-    EXPECT_EQ(GetLastError(), 5u);
-    EXPECT_FALSE(SetEndOfFile(reader));
-    ExpectExceptOnWine(GetLastError() == 5, "SetEndOfFile without the right to write");
+    EXPECT_EQ(ErrorUnless(ReadFile(writer, &done, 1, &done, nullptr)), 5u);
+    ExpectExceptOnWine(ErrorUnless(SetEndOfFile(reader)) == 5, "SetEndOfFile needs the right");
 }
 
 TEST_F(Files, PositionsMoveAndRefuseToBeNegative) {
     const HANDLE file = OpenShared(Path(TEXT("seek")));
     Write(file, "0123456789");
-    EXPECT_EQ(SetFilePointer(file, 4, nullptr, FILE_BEGIN), 4u);
-    EXPECT_EQ(SetFilePointer(file, -1, nullptr, FILE_CURRENT), 3u);
+    const auto seek = [file](LONG distance, LONG* high, DWORD from) {
+        SetLastError(NO_ERROR);
+        return SetFilePointer(file, distance, high, from);
+    };
+    EXPECT_EQ(seek(4, nullptr, FILE_BEGIN), 4u);
+    EXPECT_EQ(seek(-1, nullptr, FILE_CURRENT), 3u);
     EXPECT_EQ(Read(file, 2), "34");
-    EXPECT_EQ(SetFilePointer(file, -2, nullptr, FILE_END), 8u);
-    EXPECT_EQ(SetFilePointer(file, -9, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
-    EXPECT_EQ(GetLastError(), 131u);
-    EXPECT_EQ(SetFilePointer(file, 0, nullptr, 3), INVALID_SET_FILE_POINTER);
-    EXPECT_EQ(GetLastError(), 87u);
-    EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), 8u) << "a failed seek moved";
-    ASSERT_EQ(SetFilePointer(file, 3, nullptr, FILE_BEGIN), 3u);
+    EXPECT_EQ(seek(-2, nullptr, FILE_END), 8u);
+    EXPECT_EQ(ErrorUnless(seek(-9, nullptr, FILE_CURRENT) != ~0u), 131u);
+    EXPECT_EQ(ErrorUnless(seek(0, nullptr, 3) != ~0u), 87u);
+    EXPECT_EQ(seek(0, nullptr, FILE_CURRENT), 8u) << "a failed seek moved";
+    EXPECT_EQ(seek(3, nullptr, FILE_BEGIN), 3u);
     EXPECT_TRUE(SetEndOfFile(file));
     EXPECT_EQ(GetFileSize(file, nullptr), 3u);
-    EXPECT_TRUE(FlushFileBuffers(file));
+    LONG high = 1;
+    EXPECT_EQ(seek(-1, &high, FILE_BEGIN), 0xFFFFFFFFu);
+    EXPECT_EQ(GetLastError(), 0u) << "the low half of a good position";
+    EXPECT_EQ(high, 1);
+    ExpectExceptOnWine(ErrorUnless(seek(0, nullptr, FILE_CURRENT) != ~0u) == 87,
+                       "no room for the upper half");
+    high = -1;
+    EXPECT_EQ(ErrorUnless(seek(-5, &high, FILE_BEGIN) != ~0u), 131u);
+    high = 1;
+    EXPECT_EQ(seek(2, &high, FILE_BEGIN), 2u);
+    EXPECT_TRUE(SetEndOfFile(file));
+    DWORD upper = 0;
+    EXPECT_EQ(GetFileSize(file, &upper), 2u);
+    EXPECT_EQ(upper, 1u);
 }
 
 TEST_F(Files, TransfersAtOffsetsOfTheirOwn) {
@@ -168,52 +154,32 @@ TEST_F(Files, TransfersAtOffsetsOfTheirOwn) {
     at.Offset = 4;
     EXPECT_TRUE(ReadFile(file, text, 4, &done, &at)) << "what there is up to the end";
     EXPECT_EQ(std::string(text, done), "ef");
-    at.Offset = 6;
-    EXPECT_FALSE(ReadFile(file, text, 4, &done, &at));
-    EXPECT_EQ(GetLastError(), 38u);
-    EXPECT_EQ(done, 0u);
+    for (const DWORD high : {0u, 1u}) {
+        at.Offset = 6 * (1 - high);
+        at.OffsetHigh = high;
+        EXPECT_EQ(ErrorUnless(ReadFile(file, text, 4, &done, &at)), 38u);
+        EXPECT_EQ(done, 0u);
+    }
     EXPECT_EQ(GetFileSize(file, nullptr), 6u);
-}
-
-TEST_F(Files, PositionsBeyondFourGigabytes) {
-    const HANDLE file = OpenShared(Path(TEXT("far")));
-    LONG high = 1;
-    EXPECT_EQ(SetFilePointer(file, -1, &high, FILE_BEGIN), 0xFFFFFFFFu);
-    EXPECT_EQ(GetLastError(), 0u) << "the low half of a good position";
-    EXPECT_EQ(high, 1);
-    SetLastError(kUntouched);
-    EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
-    ExpectExceptOnWine(GetLastError() == 87, "no room for the upper half");
-    high = -1;
-    EXPECT_EQ(SetFilePointer(file, -5, &high, FILE_BEGIN), INVALID_SET_FILE_POINTER);
-    EXPECT_EQ(GetLastError(), 131u);
 }
 
 TEST_F(Files, LocksExcludeOtherHandlesAndOverlaps) {
     const Wide name = Path(TEXT("locks"));
     const HANDLE a = OpenShared(name), b = OpenShared(name);
     ASSERT_TRUE(LockFile(a, 0, 0, 96, 0));
-    EXPECT_FALSE(LockFile(b, 95, 0, 1, 0));
-    EXPECT_EQ(GetLastError(), 33u);
-    EXPECT_FALSE(LockFile(a, 10, 0, 10, 0)) << "overlaps its own";
-    EXPECT_EQ(GetLastError(), 33u);
+    EXPECT_EQ(ErrorUnless(LockFile(b, 95, 0, 1, 0)), 33u);
+    EXPECT_EQ(ErrorUnless(LockFile(a, 10, 0, 10, 0)), 33u) << "overlaps its own";
     EXPECT_TRUE(LockFile(b, 96, 0, 10, 0));
-    EXPECT_FALSE(UnlockFile(a, 0, 0, 95, 0)) << "not the range that was locked";
-    ExpectExceptOnWine(GetLastError() == 158, "code of a range that is not locked");
+    ExpectExceptOnWine(ErrorUnless(UnlockFile(a, 0, 0, 95, 0)) == 158, "not the locked range");
     EXPECT_FALSE(UnlockFile(b, 0, 0, 96, 0));
     EXPECT_TRUE(UnlockFile(a, 0, 0, 96, 0));
     EXPECT_TRUE(LockFile(b, 0, 0, 96, 0));
     Close(b);
     EXPECT_TRUE(LockFile(a, 0, 0, 106, 0)) << "a closed handle holds on";
-}
-
-TEST_F(Files, ALockOfEverythingLeavesShareModesAlone) {
-    const Wide name = Path(TEXT("all"));
-    const HANDLE a = OpenShared(name);
-    const HANDLE b = OpenShared(name);
+    EXPECT_TRUE(UnlockFile(a, 0, 0, 106, 0));
     EXPECT_TRUE(LockFile(a, 0, 0, 0xFFFFFFFF, 0xFFFFFFFE));
-    EXPECT_FALSE(LockFile(b, 5, 1, 1, 0));
-    EXPECT_TRUE(UnlockFile(a, 0, 0, 0xFFFFFFFF, 0xFFFFFFFE));
+    const HANDLE c = OpenShared(name);
+    EXPECT_EQ(ErrorUnless(LockFile(c, 5, 1, 1, 0)), 33u) << "everything is locked";
     EXPECT_EQ(OpenError(name, kBoth, 0, OPEN_EXISTING), 32u);
 }
 
@@ -223,14 +189,10 @@ TEST_F(Files, HandlesThatAreNotOpenAreRefused) {
     const HANDLE handles[] = {file, nullptr, reinterpret_cast<HANDLE>(LONG_PTR{0x7FFFFFF0})};
     for (const HANDLE handle : handles) {
         DWORD done = 0;
-        SetLastError(kUntouched);
-        EXPECT_FALSE(ReadFile(handle, &done, 1, &done, nullptr));
-        EXPECT_EQ(GetLastError(), 6u);
-        EXPECT_FALSE(CloseHandle(handle));
-        EXPECT_EQ(GetLastError(), 6u);
+        EXPECT_EQ(ErrorUnless(ReadFile(handle, &done, 1, &done, nullptr)), 6u);
+        EXPECT_EQ(ErrorUnless(CloseHandle(handle)), 6u);
         EXPECT_EQ(SetFilePointer(handle, 0, nullptr, FILE_BEGIN), INVALID_SET_FILE_POINTER);
-        EXPECT_FALSE(LockFile(handle, 0, 0, 1, 0));
-        EXPECT_EQ(GetLastError(), 6u);
+        EXPECT_EQ(ErrorUnless(LockFile(handle, 0, 0, 1, 0)), 6u);
     }
     EXPECT_NE(OpenShared(Path(TEXT("next"))), INVALID_HANDLE_VALUE);
 }
@@ -246,11 +208,10 @@ TEST_F(Files, LocksSerialiseThreads) {
             while (!LockFile(file, 0, 0, 3, 0)) std::this_thread::yield();
             char digits[4] = {};
             DWORD done = 0;
-            SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-            ReadFile(file, digits, 3, &done, nullptr);
+            OVERLAPPED at{};
+            ReadFile(file, digits, 3, &done, &at);
             const std::string next = std::to_string(1000 + std::atoi(digits) + 1).substr(1);
-            SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-            WriteFile(file, next.data(), 3, &done, nullptr);
+            WriteFile(file, next.data(), 3, &done, &at);
             UnlockFile(file, 0, 0, 3, 0);
         }
         CloseHandle(file);

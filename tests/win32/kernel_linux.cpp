@@ -1,4 +1,4 @@
-// What only the Linux host states: message texts, debugger output, exponents, unknown conversions.
+// What only the Linux host states: message texts, debugger output, some conversions.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +11,7 @@
 #include <string>
 
 #include "support/fresh_host_root.h"
+#include "support/test_registry.h"
 
 namespace {
 
@@ -63,12 +64,36 @@ TEST(KernelOfThisHost, AForkedChildHasAThreadIdOfItsOwn) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(KernelOfThisHost, RealNumbersWithExponents) {
+TEST(KernelOfThisHost, ConversionsThatEachHostHasItsOwnOf) {
     EXPECT_EQ(Text(TEXT("%e %G %a %010f"), 1234.5, 1e-10, 1.0, 1e308 * 10),
               TEXT("1.234500e+03 1E-10 0x1.0000000000000p+0        inf"));
-}
-
-TEST(KernelOfThisHost, UnknownConversionsReadNothing) {
+    // Unknown ones read nothing.
     EXPECT_EQ(Text(TEXT("%y%d%n|%"), 7), TEXT("y7n|"));
     EXPECT_EQ(Text(TEXT("%hs"), "\x80"), TEXT("\u20ac"));
+}
+
+TEST(KernelOfThisHost, TheAnsiCodePageIsTheRegistrysOrTheDefault) {
+    const struct {
+        const WCHAR* page;
+        const char* text;
+        WCHAR expected;
+        int next;
+    } rows[] = {{TEXT("932"), "\x83\x65", 0x30C6, 2},
+                {TEXT("65001"), "\xC3\xA9", 0xE9, 1},
+                {TEXT("99999"), "\x80", 0x20AC, 1},
+                {nullptr, "\x80", 0x20AC, 1}};
+    for (const auto& row : rows) {
+        const test::FreshHostRoot root;
+        test::TestKey key(HKEY_LOCAL_MACHINE,
+                          TEXT("SYSTEM\\CurrentControlSet\\Control\\Nls\\CodePage"));
+        if (row.page != nullptr) key.Set(TEXT("ACP"), row.page);
+        WCHAR wide[4] = {};
+        EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, row.text, -1, wide, 4), 2);
+        EXPECT_EQ(wide[0], row.expected);
+        EXPECT_EQ(CharNextA(row.text), row.text + row.next);
+        // Half a character and the end are not passed.
+        const char half[] = "\x83";
+        EXPECT_EQ(CharNextA(half), half + 1);
+        EXPECT_EQ(CharNextA(half + 1), half + 1);
+    }
 }

@@ -34,55 +34,66 @@ class Registry : public testing::Test {
                   ERROR_SUCCESS);
         return key;
     }
-    static LSTATUS Open(HKEY parent, LPCWSTR path, HKEY& key, REGSAM access = KEY_READ) {
-        return RegOpenKeyExW(parent, path, 0, access, &key);
+    // The code of an open; the handle is closed again.
+    static LSTATUS Open(HKEY parent, LPCWSTR path) {
+        HKEY key = nullptr;
+        const LSTATUS code = RegOpenKeyExW(parent, path, 0, KEY_READ, &key);
+        if (code == ERROR_SUCCESS) RegCloseKey(key);
+        return code;
     }
     // Windows counts a terminator that stands right behind a text; here none does.
-    LSTATUS Set(LPCWSTR name, DWORD type, const Bytes& data) {
+    static LSTATUS Set(HKEY key, LPCWSTR name, const Bytes& data, DWORD type = REG_BINARY) {
         Bytes guarded = data;
         guarded.insert(guarded.end(), 4, 0xEE);
-        return RegSetValueExW(key_, name, 0, type, guarded.data(), static_cast<DWORD>(data.size()));
+        return RegSetValueExW(key, name, 0, type, guarded.data(), static_cast<DWORD>(data.size()));
     }
-    // The value's bytes; the type in `type`.
-    Bytes Get(LPCWSTR name, DWORD& type) {
-        Bytes data(200);
-        auto size = static_cast<DWORD>(data.size());
-        EXPECT_EQ(RegQueryValueExW(key_, name, nullptr, &type, data.data(), &size), ERROR_SUCCESS);
-        data.resize(size);
-        return data;
+    static LSTATUS Query(HKEY key, LPCWSTR name) {
+        return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
     }
-    LSTATUS Query(LPCWSTR name) {
-        return RegQueryValueExW(key_, name, nullptr, nullptr, nullptr, nullptr);
+    // The names of the keys below, or of the values, with a blank behind each.
+    Text Names(bool keys) {
+        Text names;
+        WCHAR name[30];
+        for (DWORD i = 0, size = 30;; ++i, size = 30) {
+            const LSTATUS code =
+                (keys ? RegEnumKeyExW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr)
+                      : RegEnumValueW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr));
+            EXPECT_TRUE(code == ERROR_SUCCESS || code == ERROR_NO_MORE_ITEMS);
+            if (code != ERROR_SUCCESS) return names;
+            names += Text(name, size) + TEXT(" ");
+        }
     }
 
     const test::FreshHostRoot root_;
     HKEY key_ = nullptr;
 };
 
-TEST_F(Registry, CreateTellsNewKeysFromOldOnes) {
+TEST_F(Registry, KeysCompareWithoutCaseKeepTheirSpellingAndLieInOrder) {
     DWORD disposition = 0;
-    RegCloseKey(Create(key_, TEXT("A\\B"), &disposition));
+    RegCloseKey(Create(key_, TEXT("m\\B"), &disposition));
     EXPECT_EQ(disposition, DWORD{REG_CREATED_NEW_KEY});
-    RegCloseKey(Create(key_, TEXT("a\\b\\"), &disposition));
+    RegCloseKey(Create(key_, TEXT("M\\b\\"), &disposition));
     EXPECT_EQ(disposition, DWORD{REG_OPENED_EXISTING_KEY});
-}
-
-TEST_F(Registry, NamesOfKeysCompareWithoutCaseAndKeepTheirSpelling) {
-    RegCloseKey(Create(key_, TEXT("\u00C4rger-\u0416")));
-    HKEY found = nullptr;
-    EXPECT_EQ(Open(key_, TEXT("\u00E4RGER-\u0436"), found), ERROR_SUCCESS);
-    RegCloseKey(found);
-    WCHAR name[20];
-    DWORD size = 20;
+    for (const WCHAR* name : {TEXT("\u00C4rger-\u0416"), TEXT("zz"), TEXT("Aa")}) {
+        RegCloseKey(Create(key_, name));
+    }
+    EXPECT_EQ(Open(key_, TEXT("\u00E4RGER-\u0436")), ERROR_SUCCESS);
+    EXPECT_EQ(Names(true), TEXT("Aa m zz \u00C4rger-\u0416 "));
+    WCHAR name[3];
+    for (DWORD size : {1u, 2u}) {
+        EXPECT_EQ(RegEnumKeyExW(key_, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
+                  ERROR_MORE_DATA);
+    }
+    DWORD size = 3;
     EXPECT_EQ(RegEnumKeyExW(key_, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
               ERROR_SUCCESS);
-    EXPECT_EQ(Text(name, size), TEXT("\u00C4rger-\u0416"));
+    EXPECT_EQ(size, 2u);
 }
 
 TEST_F(Registry, MissingKeysAndBadArgumentsHaveTheirCodes) {
     HKEY key = nullptr;
-    EXPECT_EQ(Open(key_, TEXT("None"), key), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Open(key_, TEXT("\\Lead"), key), ERROR_BAD_PATHNAME);
+    EXPECT_EQ(Open(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Open(key_, TEXT("\\Lead")), ERROR_BAD_PATHNAME);
     EXPECT_EQ(RegOpenKeyExW(key_, TEXT("None"), 0, KEY_READ, nullptr), ERROR_INVALID_PARAMETER);
     test::ExpectExceptOnWine(RegCreateKeyExW(key_, Text(256, 'k').c_str(), 0, nullptr, 0, KEY_READ,
                                              nullptr, &key, nullptr) == ERROR_INVALID_PARAMETER,
@@ -90,8 +101,9 @@ TEST_F(Registry, MissingKeysAndBadArgumentsHaveTheirCodes) {
     RegCloseKey(key);
     RegCloseKey(Create(key_, Text(255, 'k').c_str()));
     EXPECT_EQ(RegDeleteValueW(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RegDeleteKeyW(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RegDeleteTreeW(key_, TEXT("None")), ERROR_FILE_NOT_FOUND);
+    for (const WCHAR* none : {TEXT("None"), TEXT("None\\Below")}) {
+        EXPECT_EQ(RegDeleteTreeW(key_, none), ERROR_FILE_NOT_FOUND);
+    }
 }
 
 TEST_F(Registry, ClosedAndForeignHandlesAreRefused) {
@@ -100,59 +112,67 @@ TEST_F(Registry, ClosedAndForeignHandlesAreRefused) {
     EXPECT_EQ(RegCloseKey(closed), ERROR_INVALID_HANDLE);
     DWORD size = 0;
     for (const HKEY bad : {closed, HKEY{}, reinterpret_cast<HKEY>(&size)}) {
-        EXPECT_EQ(RegQueryValueExW(bad, TEXT("x"), nullptr, nullptr, nullptr, &size),
-                  ERROR_INVALID_HANDLE);
+        EXPECT_EQ(Query(bad, TEXT("x")), ERROR_INVALID_HANDLE);
+        EXPECT_EQ(Set(bad, TEXT("x"), {1}), ERROR_INVALID_HANDLE);
     }
     EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
 }
 
 TEST_F(Registry, AHandleAllowsWhatItWasOpenedFor) {
     HKEY reader = nullptr, writer = nullptr;
-    ASSERT_EQ(Open(key_, TEXT(""), reader, KEY_READ | KEY_WOW64_64KEY), ERROR_SUCCESS);
-    ASSERT_EQ(Open(key_, nullptr, writer, KEY_SET_VALUE), ERROR_SUCCESS);
-    const BYTE one = 1;
-    EXPECT_EQ(RegSetValueExW(reader, TEXT("v"), 0, REG_BINARY, &one, 1), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegSetValueExW(writer, TEXT("v"), 0, REG_BINARY, &one, 1), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExW(key_, TEXT(""), 0, KEY_READ | KEY_WOW64_64KEY, &reader), ERROR_SUCCESS);
+    ASSERT_EQ(RegOpenKeyExW(key_, nullptr, 0, KEY_SET_VALUE, &writer), ERROR_SUCCESS);
+    EXPECT_EQ(Set(reader, TEXT("v"), {1}), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Set(writer, TEXT("v"), {1}), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteValueW(reader, TEXT("v")), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegQueryValueExW(writer, TEXT("v"), nullptr, nullptr, nullptr, nullptr),
-              ERROR_ACCESS_DENIED);
-    EXPECT_EQ(RegQueryValueExW(reader, TEXT("V"), nullptr, nullptr, nullptr, nullptr),
-              ERROR_SUCCESS);
+    EXPECT_EQ(Query(writer, TEXT("v")), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(Query(reader, TEXT("V")), ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteValueW(writer, TEXT("V")), ERROR_SUCCESS);
+    EXPECT_EQ(Query(reader, TEXT("v")), ERROR_FILE_NOT_FOUND);
     RegCloseKey(reader);
     RegCloseKey(writer);
 }
 
-TEST_F(Registry, ValuesComeBackByteForByte) {
+TEST_F(Registry, ValuesComeBackByteForByteInTheirOrder) {
     const struct {
+        const WCHAR* name;
         DWORD type;
         Bytes data;
     } rows[] = {
-        {REG_SZ, {'a', 0, 0, 0}},
-        {REG_SZ, {}},
-        {REG_SZ, {0, 0}},
-        {REG_SZ, {'a', 0, 0}},
-        {REG_SZ, {'a', 0, 0, 0, 'b', 0}},
-        {REG_SZ, {'\n', 0, 0x3D, 0xD8, 0, 0}},
-        {REG_DWORD, {1, 2, 3, 4}},
-        {REG_DWORD, {1}},
-        {REG_BINARY, {0, 255}},
-        {REG_MULTI_SZ, {'a', 0, 0, 0, 0, 0}},
-        {REG_EXPAND_SZ, {'%', 0, 0, 0}},
-        {0x12345678, {7, 7, 7}},
-        {REG_NONE, {}},
-        {REG_QWORD, {1, 2, 3, 4, 5, 6, 7, 8}},
+        {TEXT("z"), REG_SZ, {'a', 0, 0, 0}},
+        {TEXT("a"), REG_SZ, {}},
+        {TEXT("c"), REG_SZ, {'a', 0, 0, 0, 'b', 0}},
+        {TEXT("d"), REG_SZ, {'\n', 0, 0x3D, 0xD8, 0, 0}},
+        {TEXT("e"), REG_DWORD, {1, 2, 3, 4}},
+        {TEXT("f"), REG_DWORD, {1}},
+        {TEXT("g"), REG_BINARY, {0, 255}},
+        {TEXT("h"), REG_MULTI_SZ, {'a', 0, 0, 0, 0, 0}},
+        {TEXT("i"), REG_EXPAND_SZ, {'%', 0, 0, 0}},
+        {TEXT("j"), 0x12345678, {7, 7, 7}},
+        {TEXT("k"), REG_NONE, {}},
+        {TEXT("A"), REG_QWORD, {1, 2, 3, 4, 5, 6, 7, 8}},
     };
     for (const auto& row : rows) {
-        DWORD type = 99;
-        ASSERT_EQ(Set(TEXT("Value"), row.type, row.data), ERROR_SUCCESS);
-        EXPECT_EQ(Get(TEXT("vALUE"), type), row.data);
+        ASSERT_EQ(Set(key_, row.name, row.data, row.type), ERROR_SUCCESS);
+        DWORD type = 99, size = 200;
+        Bytes data(size);
+        EXPECT_EQ(RegQueryValueExW(key_, row.name, nullptr, &type, data.data(), &size), 0);
+        data.resize(size);
+        EXPECT_EQ(data, row.data);
         EXPECT_EQ(type, row.type);
     }
+    const bool sorted = test::UnderWine();
+    EXPECT_EQ(Names(false),
+              sorted ? TEXT("a c d e f g h i j k z ") : TEXT("z a c d e f g h i j k "));
+    WCHAR name[4];
+    BYTE data[4];
+    DWORD units = 4, type = 0, size = 4;
+    EXPECT_EQ(RegEnumValueW(key_, 0, name, &units, nullptr, &type, data, &size), ERROR_SUCCESS);
+    EXPECT_EQ(Text(name, units), sorted ? TEXT("a") : TEXT("z"));
 }
 
 TEST_F(Registry, SizesAreAskedForFirst) {
-    const Bytes text{'a', 0, 'b', 0, 0, 0};
-    ASSERT_EQ(Set(nullptr, REG_SZ, text), ERROR_SUCCESS);
+    ASSERT_EQ(Set(key_, nullptr, {'a', 0, 'b', 0, 0, 0}, REG_SZ), ERROR_SUCCESS);
     DWORD type = 0, size = 0;
     EXPECT_EQ(RegQueryValueExW(key_, TEXT(""), nullptr, &type, nullptr, &size), ERROR_SUCCESS);
     EXPECT_EQ(type, REG_SZ);
@@ -167,71 +187,39 @@ TEST_F(Registry, SizesAreAskedForFirst) {
               ERROR_INVALID_PARAMETER);
 }
 
-TEST_F(Registry, EnumerationsEndWithTheirCode) {
-    for (const WCHAR* name : {TEXT("zz"), TEXT("Aa"), TEXT("m")}) RegCloseKey(Create(key_, name));
-    Text keys, values;
-    WCHAR name[4];
-    for (DWORD i = 0;; ++i) {
-        DWORD size = 4;
-        if (RegEnumKeyExW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr) != 0) break;
-        keys += Text(name, size) + TEXT(" ");
-    }
-    EXPECT_EQ(keys, TEXT("Aa m zz "));
-    DWORD size = 2, type = 0, bytes = 1;
-    EXPECT_EQ(RegEnumKeyExW(key_, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
-              ERROR_MORE_DATA);
-    EXPECT_EQ(RegEnumKeyExW(key_, 3, name, &size, nullptr, nullptr, nullptr, nullptr),
-              ERROR_NO_MORE_ITEMS);
-    ASSERT_EQ(Set(TEXT("one"), REG_BINARY, {5}), ERROR_SUCCESS);
-    BYTE data = 0;
-    size = 4;
-    EXPECT_EQ(RegEnumValueW(key_, 0, name, &size, nullptr, &type, &data, &bytes), ERROR_SUCCESS);
-    EXPECT_EQ(Text(name, size), TEXT("one"));
-    EXPECT_EQ(data, 5);
-    EXPECT_EQ(RegEnumValueW(key_, 1, name, &size, nullptr, nullptr, nullptr, nullptr),
-              ERROR_NO_MORE_ITEMS);
-}
-
 TEST_F(Registry, ADeletedKeyStaysDeletedForItsHandles) {
     const HKEY parent = Create(key_, TEXT("P")), child = Create(parent, TEXT("C"));
-    EXPECT_EQ(RegDeleteKeyW(key_, TEXT("P")), ERROR_ACCESS_DENIED);
+    const HKEY beside = Create(key_, TEXT("PC"));
     EXPECT_EQ(RegDeleteTreeW(key_, TEXT("p")), ERROR_SUCCESS);
+    EXPECT_EQ(Open(key_, TEXT("P")), ERROR_FILE_NOT_FOUND);
     RegCloseKey(Create(key_, TEXT("P\\C")));
     for (const HKEY gone : {parent, child}) {
-        EXPECT_EQ(RegSetValueExW(gone, TEXT("v"), 0, REG_NONE, nullptr, 0), ERROR_KEY_DELETED);
-        HKEY key = nullptr;
-        EXPECT_EQ(RegOpenKeyExW(gone, TEXT("C"), 0, KEY_READ, &key), ERROR_KEY_DELETED);
+        EXPECT_EQ(Set(gone, TEXT("v"), {}), ERROR_KEY_DELETED);
+        EXPECT_EQ(Open(gone, TEXT("C")), ERROR_KEY_DELETED);
         EXPECT_EQ(RegCloseKey(gone), ERROR_SUCCESS);
     }
-}
-
-TEST_F(Registry, ATreeWithoutANameEmptiesTheKey) {
-    RegCloseKey(Create(key_, TEXT("A\\B")));
-    ASSERT_EQ(Set(TEXT("v"), REG_BINARY, {1}), ERROR_SUCCESS);
+    EXPECT_EQ(Set(beside, TEXT("v"), {}), ERROR_SUCCESS);
+    RegCloseKey(beside);
+    // Without a name the tree is what is in the key.
+    EXPECT_EQ(Set(key_, TEXT("v"), {1}), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteTreeW(key_, nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(Query(TEXT("v")), ERROR_FILE_NOT_FOUND);
-    HKEY key = nullptr;
-    EXPECT_EQ(Open(key_, TEXT("A"), key), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Set(TEXT("v"), REG_BINARY, {1}), ERROR_SUCCESS);
-    EXPECT_EQ(RegFlushKey(key_), ERROR_SUCCESS);
+    EXPECT_EQ(Query(key_, TEXT("v")), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Names(true), TEXT(""));
+    EXPECT_EQ(Set(key_, TEXT("v"), {1}), ERROR_SUCCESS);
 }
 
 TEST_F(Registry, ThreadsDoNotLoseEachOthersValues) {
     const auto work = [this](WCHAR mark) {
         for (WCHAR i = 'a'; i < 'k'; ++i) {
             const WCHAR name[] = {mark, i, 0};
-            const BYTE data = static_cast<BYTE>(i);
-            EXPECT_EQ(RegSetValueExW(key_, name, 0, REG_BINARY, &data, 1), ERROR_SUCCESS);
-            EXPECT_EQ(Query(name), ERROR_SUCCESS);
+            EXPECT_EQ(Set(key_, name, {static_cast<BYTE>(i)}), ERROR_SUCCESS);
+            EXPECT_EQ(Query(key_, name), ERROR_SUCCESS);
         }
     };
     std::thread first(work, WCHAR{'1'}), second(work, WCHAR{'2'});
     first.join();
     second.join();
-    WCHAR name[4];
-    DWORD size = 4;
-    EXPECT_EQ(RegEnumValueW(key_, 19, name, &size, nullptr, nullptr, nullptr, nullptr),
-              ERROR_SUCCESS);
+    EXPECT_EQ(Names(false).size(), 60u);
 }
 
 }  // namespace

@@ -8,6 +8,10 @@
 #include <fstream>
 
 #include "support/fresh_host_root.h"
+#include "support/last_error.h"
+#include "support/test_registry.h"
+
+using test::ErrorUnless;
 
 namespace {
 
@@ -16,9 +20,8 @@ using Bytes = std::vector<BYTE>;
 constexpr char kMachine[] = R"(Windows Registry Editor Version 5.00
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax]
-"Name"="Fax"
 "Printer Driver"="Fax Driver"
-"Port"="FAX:"
+"Port"=hex(2):46,00,00,00,58,00,00,00
 "Description"="Sends"
 "Attributes"=dword:00000040
 "Status"=dword:00000001
@@ -29,31 +32,50 @@ constexpr char kMachine[] = R"(Windows Registry Editor Version 5.00
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\12]
 "Document"="Second"
-"Position"=dword:00000002
+
+[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\9]
+"Document"="Third"
+"Position"=dword:00000009
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\7]
 "Document"="First"
+"UserName"="Mo"
+"MachineName"="PC"
+"Datatype"="RAW"
+"StatusText"="Printing"
 "Position"=dword:00000001
 "Status"=dword:00000010
-"StatusText"="Printing"
-"Submitted"=hex:ea,07,0b,00,02,00,18,00,14,00,35,00,1c,00,00,00
+"Priority"=dword:00000063
+"TotalPages"=dword:00000005
+"PagesPrinted"=dword:00000004
+"StartTime"=dword:00000020
+"UntilTime"=dword:00000021
 "Size"=dword:00001000
+"Time"=dword:00000022
+"NotifyName"="Jo"
+"PrintProcessor"="winprint"
+"Parameters"="p"
+"Submitted"=hex:ea,07,0b,00,02,00,18,00,14,00,35,00,1c,00,00,00
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\x]
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Plain]
+"Name"="Plain One"
 "Port"=dword:00000001
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Environments\Windows x64\Drivers\Version-3\Fax Driver]
-"Version"=dword:00000003
 "Driver"="fax.dll"
 "Configuration File"="D:\\own\\faxui.dll"
-"Dependent Files"=hex(7):61,00,00,00,62,00,00,00,00,00
+"Dependent Files"=hex(7):61,00,00,00,62,00,00,00,00,00,63,00,00,00
 "Datatype"="RAW"
 
 [HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Monitors\Fax Port]
 "Driver"="faxmon.dll"
 )";
+
+std::u16string Text(LPCWSTR text) {
+    return text;
+}
 
 class Spooler : public testing::Test {
   protected:
@@ -61,7 +83,9 @@ class Spooler : public testing::Test {
         const std::string file = root_.Folder() + "/machine.reg";
         std::ofstream(file) << kMachine;
         EXPECT_TRUE(QvHostImport(std::u16string(file.begin(), file.end()).c_str(), nullptr, 0));
+        fax_ = Open(u"FAX");
     }
+    ~Spooler() override { ClosePrinter(fax_); }
     static HANDLE Open(std::u16string name, DWORD access = PRINTER_ACCESS_USE) {
         HANDLE printer = nullptr;
         PRINTER_DEFAULTSW defaults{nullptr, nullptr, access};
@@ -84,6 +108,9 @@ class Spooler : public testing::Test {
             return GetPrinterW(printer, level, buffer, size, needed);
         });
     }
+    static DWORD Set(HANDLE printer, DWORD level, void* record) {
+        return ErrorUnless(SetPrinterW(printer, level, static_cast<LPBYTE>(record), 0));
+    }
     static Bytes Block(WORD size, WORD extra) {
         Bytes bytes(std::size_t{size} + extra, 0x5A);
         std::memcpy(&bytes[offsetof(DEVMODEW, dmSize)], &size, 2);
@@ -91,14 +118,11 @@ class Spooler : public testing::Test {
         return bytes;
     }
     static DEVMODEW* AsDevMode(Bytes& bytes) { return reinterpret_cast<DEVMODEW*>(bytes.data()); }
-    static void SetValue(HKEY root, LPCWSTR path, LPCWSTR name, const Bytes& data) {
-        HKEY key = nullptr;
-        RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegSetValueExW(key, name, 0, REG_BINARY, data.data(), static_cast<DWORD>(data.size()));
-        RegCloseKey(key);
+    static void StoreUserBlock(const Bytes& data) {
+        test::TestKey(HKEY_CURRENT_USER, u"Printers\\DevModePerUser").Set(u"Fax", data);
     }
-    static Bytes UserBlock(HANDLE printer) {
-        const Bytes buffer = Get(printer, 9);
+    Bytes UserBlock() const {
+        const Bytes buffer = Get(fax_, 9);
         const auto* block = reinterpret_cast<const PRINTER_INFO_9W*>(buffer.data())->pDevMode;
         if (block == nullptr) return {};
         const auto* bytes = reinterpret_cast<const BYTE*>(block);
@@ -106,21 +130,19 @@ class Spooler : public testing::Test {
     }
 
     const test::FreshHostRoot root_;
+    HANDLE fax_ = nullptr;
 };
 
 TEST_F(Spooler, OpensPrintersByNameAndRefusesTheRest) {
     HANDLE printer = Open(u"FAX", PRINTER_ALL_ACCESS);
     EXPECT_NE(printer, nullptr);
     EXPECT_TRUE(ClosePrinter(printer));
-    EXPECT_FALSE(ClosePrinter(printer));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_EQ(ErrorUnless(ClosePrinter(printer)), DWORD{ERROR_INVALID_HANDLE});
     for (const char16_t* name : {u"None", u"", u"Fax\\Jobs"}) {
-        EXPECT_EQ(Open(name), nullptr);
-        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PRINTER_NAME});
+        EXPECT_EQ(ErrorUnless(Open(name)), DWORD{ERROR_INVALID_PRINTER_NAME});
     }
     EXPECT_FALSE(OpenPrinterW(nullptr, &printer, nullptr));
-    EXPECT_EQ(Open(u"Fax", 1), nullptr);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(ErrorUnless(Open(u"Fax", 1)), DWORD{ERROR_ACCESS_DENIED});
 }
 
 TEST_F(Spooler, ListsPrintersWithTheirStringsInOneBuffer) {
@@ -131,15 +153,20 @@ TEST_F(Spooler, ListsPrintersWithTheirStringsInOneBuffer) {
     });
     ASSERT_EQ(count, 2u);
     const auto* records = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
-    EXPECT_EQ(std::u16string(records[0].pDriverName), u"Fax Driver");
-    EXPECT_EQ(std::u16string(records[0].pComment), u"Sends");
+    EXPECT_EQ(Text(records[0].pPrinterName), u"Fax");
+    EXPECT_EQ(Text(records[0].pDriverName), u"Fax Driver");
+    EXPECT_EQ(Text(records[0].pComment), u"Sends");
+    EXPECT_EQ(Text(records[0].pPortName), u"F") << "up to the zero";
     EXPECT_EQ(records[0].Attributes, 0x40u);
-    EXPECT_EQ(records[0].cJobs, 2u);
-    EXPECT_EQ(std::u16string(records[1].pPrinterName), u"Plain");
-    EXPECT_EQ(std::u16string(records[1].pPortName), u"");
+    EXPECT_EQ(records[0].cJobs, 3u);
+    EXPECT_EQ(Text(records[1].pPrinterName), u"Plain One");
+    EXPECT_EQ(Text(records[1].pPortName), u"");
     EXPECT_EQ(records[1].pDevMode, nullptr);
     const auto* last = reinterpret_cast<const BYTE*>(records[1].pParameters);
     EXPECT_EQ(last + sizeof(WCHAR), buffer.data() + buffer.size());
+    DWORD needed = 0;
+    EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
+    EXPECT_EQ(count, 0u);
 }
 
 TEST_F(Spooler, AnEmptyMachineListsNothing) {
@@ -149,8 +176,12 @@ TEST_F(Spooler, AnEmptyMachineListsNothing) {
     EXPECT_TRUE(EnumMonitorsW(nullptr, 2, nullptr, 0, &needed, &count));
     EXPECT_TRUE(EnumPrinterDriversW(nullptr, nullptr, 3, nullptr, 0, &needed, &count));
     EXPECT_EQ(needed + count, 0u);
-    EXPECT_FALSE(EnumPrintersW(PRINTER_ENUM_LOCAL, nullptr, 4, nullptr, 0, &needed, &count));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_LEVEL});
+    const auto list = [&](DWORD flags, DWORD level, LPDWORD needs) {
+        return ErrorUnless(EnumPrintersW(flags, nullptr, level, nullptr, 0, needs, &count));
+    };
+    EXPECT_EQ(list(PRINTER_ENUM_LOCAL, 4, &needed), DWORD{ERROR_INVALID_LEVEL});
+    EXPECT_EQ(list(1, 2, &needed), DWORD{ERROR_INVALID_FLAGS});
+    EXPECT_EQ(list(PRINTER_ENUM_LOCAL, 2, nullptr), DWORD{ERROR_INVALID_PARAMETER});
 }
 
 TEST_F(Spooler, DriversAndMonitorsNameTheirFiles) {
@@ -160,152 +191,177 @@ TEST_F(Spooler, DriversAndMonitorsNameTheirFiles) {
     });
     const auto& driver = *reinterpret_cast<const DRIVER_INFO_3W*>(drivers.data());
     const std::u16string folder = u"C:\\Windows\\System32\\spool\\drivers\\x64";
-    EXPECT_EQ(std::u16string(driver.pDriverPath), folder + u"\\3\\fax.dll");
-    EXPECT_EQ(std::u16string(driver.pConfigFile), u"D:\\own\\faxui.dll");
+    EXPECT_EQ(Text(driver.pName), u"Fax Driver");
+    EXPECT_EQ(Text(driver.pEnvironment), u"Windows x64");
+    EXPECT_EQ(Text(driver.pDriverPath), folder + u"\\3\\fax.dll");
+    EXPECT_EQ(Text(driver.pConfigFile), u"D:\\own\\faxui.dll");
+    EXPECT_EQ(Text(driver.pHelpFile), u"");
+    EXPECT_EQ(Text(driver.pDefaultDataType), u"RAW");
     const std::u16string dependent = folder + u"\\3\\a";
-    EXPECT_EQ(std::u16string(driver.pDependentFiles), dependent);
-    EXPECT_EQ(std::u16string(driver.pDependentFiles + dependent.size() + 1), folder + u"\\3\\b");
+    EXPECT_EQ(Text(driver.pDependentFiles), dependent);
+    EXPECT_EQ(Text(driver.pDependentFiles + dependent.size() + 1), folder + u"\\3\\b");
+    EXPECT_EQ(driver.pDependentFiles[2 * dependent.size() + 2], 0) << "an empty text ends the list";
     EXPECT_EQ(driver.cVersion, 3u);
     const Bytes monitors = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
         return EnumMonitorsW(nullptr, 2, to, size, needed, &count);
     });
     const auto& monitor = *reinterpret_cast<const MONITOR_INFO_2W*>(monitors.data());
-    EXPECT_EQ(std::u16string(monitor.pName), u"Fax Port");
-    EXPECT_EQ(std::u16string(monitor.pDLLName), u"faxmon.dll");
+    EXPECT_EQ(Text(monitor.pName), u"Fax Port");
+    EXPECT_EQ(Text(monitor.pEnvironment), u"Windows x64");
+    EXPECT_EQ(Text(monitor.pDLLName), u"faxmon.dll");
     const Bytes directory = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
         return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, to, size, needed);
     });
+    EXPECT_EQ(Text(reinterpret_cast<LPCWSTR>(directory.data())), folder);
     EXPECT_EQ(directory.size(), (folder.size() + 1) * sizeof(WCHAR));
+    std::u16string elsewhere = u"elsewhere";
+    DWORD needed = 0;
+    EXPECT_EQ(
+        ErrorUnless(EnumPrinterDriversW(nullptr, elsewhere.data(), 3, nullptr, 0, &needed, &count)),
+        DWORD{ERROR_INVALID_ENVIRONMENT});
+    EXPECT_EQ(ErrorUnless(EnumMonitorsW(elsewhere.data(), 2, nullptr, 0, &needed, &count)),
+              DWORD{ERROR_INVALID_NAME});
 }
 
 TEST_F(Spooler, JobsComeInTheOrderOfTheQueue) {
-    const HANDLE printer = Open(u"Fax");
     DWORD count = 0, needed = 0;
-    const Bytes all = Ask([&](LPBYTE to, DWORD size, LPDWORD want) {
-        return EnumJobsW(printer, 0, 10, 1, to, size, want, &count);
-    });
+    const auto list = [&](DWORD first, DWORD limit) {
+        return Ask([&, first, limit](LPBYTE to, DWORD size, LPDWORD want) {
+            return EnumJobsW(fax_, first, limit, 1, to, size, want, &count);
+        });
+    };
+    const Bytes all = list(0, 10);
     const auto* jobs = reinterpret_cast<const JOB_INFO_1W*>(all.data());
-    ASSERT_EQ(count, 2u);
-    EXPECT_EQ(jobs[0].JobId, 7u);
-    EXPECT_EQ(jobs[0].Submitted.wYear, 2026);
-    EXPECT_EQ(std::u16string(jobs[0].pStatus), u"Printing");
-    EXPECT_EQ(std::u16string(jobs[1].pDocument), u"Second");
-    EXPECT_EQ(jobs[1].Position, 2u);
-    EXPECT_TRUE(EnumJobsW(printer, 2, 10, 1, nullptr, 0, &needed, &count));
+    ASSERT_EQ(count, 3u);
+    const DWORD ids[] = {7, 9, 12};
+    for (DWORD i = 0; i < 3; ++i) {
+        EXPECT_EQ(jobs[i].JobId, ids[i]);
+        EXPECT_EQ(jobs[i].Position, i + 1);
+    }
+    EXPECT_EQ(Text(jobs[0].pStatus), u"Printing");
+    EXPECT_EQ(Text(jobs[2].pDocument), u"Second");
+    EXPECT_EQ(jobs[2].Priority, 1u);
+    const Bytes middle = list(1, 1);
+    EXPECT_EQ(reinterpret_cast<const JOB_INFO_1W*>(middle.data())->JobId, 9u);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(list(3, 10), Bytes());
     EXPECT_EQ(count, 0u);
-    const Bytes one = Ask([&](LPBYTE to, DWORD size, LPDWORD want) {
-        return GetJobW(printer, 7, 2, to, size, want);
-    });
+    const Bytes one = Ask(
+        [&](LPBYTE to, DWORD size, LPDWORD want) { return GetJobW(fax_, 7, 2, to, size, want); });
     const auto& job = *reinterpret_cast<const JOB_INFO_2W*>(one.data());
-    EXPECT_EQ(job.Size, 0x1000u);
-    EXPECT_EQ(std::u16string(job.pDriverName), u"Fax Driver");
-    EXPECT_FALSE(GetJobW(printer, 8, 2, nullptr, 0, &needed));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    ClosePrinter(printer);
+    const DWORD numbers[] = {job.JobId,      job.Status,       job.Priority,       job.Position,
+                             job.TotalPages, job.PagesPrinted, job.StartTime,      job.UntilTime,
+                             job.Size,       job.Time,         job.Submitted.wYear};
+    const DWORD expected[] = {7, 0x10, 99, 1, 5, 4, 0x20, 0x21, 0x1000, 0x22, 2026};
+    EXPECT_TRUE(std::equal(std::begin(numbers), std::end(numbers), expected));
+    std::u16string texts;
+    for (LPCWSTR text :
+         {job.pPrinterName, job.pMachineName, job.pUserName, job.pDocument, job.pDatatype,
+          job.pStatus, job.pNotifyName, job.pPrintProcessor, job.pParameters, job.pDriverName}) {
+        texts += Text(text) + u'|';
+    }
+    EXPECT_EQ(texts, u"Fax|PC|Mo|First|RAW|Printing|Jo|winprint|p|Fax Driver|");
+    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 8, 2, nullptr, 0, &needed)), 87u);
+    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 7, 3, nullptr, 0, &needed)), DWORD{ERROR_INVALID_LEVEL});
 }
 
 TEST_F(Spooler, TheUsersBlockIsKeptWhole) {
-    const HANDLE printer = Open(u"fax");
-    EXPECT_EQ(UserBlock(printer), Bytes());
-    Bytes block = Block(220, 4180);
-    PRINTER_INFO_9W record{AsDevMode(block)};
-    EXPECT_TRUE(SetPrinterW(printer, 9, reinterpret_cast<LPBYTE>(&record), 0));
-    EXPECT_EQ(UserBlock(printer), block);
-    Bytes small = Block(220, 0);
-    small[offsetof(DEVMODEW, dmSize)] = 40;
-    record.pDevMode = AsDevMode(small);
-    EXPECT_FALSE(SetPrinterW(printer, 9, reinterpret_cast<LPBYTE>(&record), 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    EXPECT_EQ(UserBlock(printer), block);
+    EXPECT_EQ(UserBlock(), Bytes());
+    Bytes block = Block(220, 4180), smallest = Block(76, 0), small = Block(220, 0);
+    for (Bytes* whole : {&smallest, &block}) {
+        PRINTER_INFO_9W record{AsDevMode(*whole)};
+        EXPECT_EQ(Set(fax_, 9, &record), 0u);
+        EXPECT_EQ(UserBlock(), *whole);
+    }
+    small[offsetof(DEVMODEW, dmSize)] = 75;
+    PRINTER_INFO_9W record{AsDevMode(small)};
+    EXPECT_EQ(Set(fax_, 9, &record), DWORD{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(UserBlock(), block);
     record.pDevMode = nullptr;
-    EXPECT_TRUE(SetPrinterW(printer, 9, reinterpret_cast<LPBYTE>(&record), 0));
-    EXPECT_EQ(UserBlock(printer), Bytes());
-    ClosePrinter(printer);
-}
-
-TEST_F(Spooler, ABlockThatLiesAboutItsSizeIsNone) {
-    const HANDLE printer = Open(u"Fax");
+    EXPECT_EQ(Set(fax_, 9, &record), 0u);
+    EXPECT_EQ(UserBlock(), Bytes());
+    EXPECT_EQ(Set(fax_, 8, &record), DWORD{ERROR_INVALID_LEVEL});
+    EXPECT_EQ(Set(fax_, 9, nullptr), DWORD{ERROR_INVALID_PARAMETER});
+    // A stored block that lies about its size is none; what lies behind one is left out.
     const Bytes whole = Block(220, 100);
     Bytes longer = whole;
     longer.resize(400);
-    SetValue(HKEY_CURRENT_USER, u"Printers\\DevModePerUser", u"FAX", longer);
-    EXPECT_EQ(UserBlock(printer), whole);
-    for (const std::size_t size : {std::size_t{319}, std::size_t{75}, std::size_t{1}}) {
-        SetValue(HKEY_CURRENT_USER, u"Printers\\DevModePerUser", u"Fax",
-                 Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
-        EXPECT_EQ(UserBlock(printer), Bytes());
+    StoreUserBlock(longer);
+    EXPECT_EQ(UserBlock(), whole);
+    for (const std::size_t size : {319, 76, 75, 1}) {
+        longer.resize(size);
+        StoreUserBlock(longer);
+        EXPECT_EQ(UserBlock(), Bytes());
     }
-    ClosePrinter(printer);
 }
 
 TEST_F(Spooler, ChangesNeedTheRightAndAKnownDriver) {
-    const HANDLE user = Open(u"Fax"), administrator = Open(u"Fax", PRINTER_ALL_ACCESS);
-    Bytes buffer = Get(administrator, 2), block = Block(220, 3);
+    const HANDLE administrator = Open(u"Fax", PRINTER_ALL_ACCESS);
+    Bytes buffer = Get(administrator, 2), block = Block(220, 3), bad = Block(10, 100);
     auto& record = *reinterpret_cast<PRINTER_INFO_2W*>(buffer.data());
-    std::u16string location = u"Attic", driver = u"Nobody's";
+    std::u16string location = u"Attic", nobodys = u"Nobody's";
     record.pLocation = location.data();
     record.pDevMode = AsDevMode(block);
-    EXPECT_FALSE(SetPrinterW(user, 2, buffer.data(), 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
-    EXPECT_TRUE(SetPrinterW(administrator, 2, buffer.data(), 0));
-    const Bytes after = Get(user, 2);
+    record.pComment = nullptr;
+    record.Priority = 44;
+    record.Status = 7;
+    EXPECT_EQ(Set(fax_, 2, &record), DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_EQ(Set(administrator, 2, &record), 0u);
+    const Bytes after = Get(fax_, 2);
     const auto& changed = *reinterpret_cast<const PRINTER_INFO_2W*>(after.data());
-    EXPECT_EQ(std::u16string(changed.pLocation), location);
+    EXPECT_EQ(Text(changed.pLocation), location);
+    EXPECT_EQ(Text(changed.pComment), u"Sends");
+    EXPECT_EQ(changed.Priority, 44u);
+    EXPECT_EQ(changed.Status, 1u);
     EXPECT_EQ(std::memcmp(changed.pDevMode, block.data(), block.size()), 0);
-    record.pDriverName = driver.data();
-    EXPECT_FALSE(SetPrinterW(administrator, 2, buffer.data(), 0));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_UNKNOWN_PRINTER_DRIVER});
-    ClosePrinter(user);
+    record.pDevMode = AsDevMode(bad);
+    EXPECT_EQ(Set(administrator, 2, &record), DWORD{ERROR_INVALID_PARAMETER});
+    record.pDevMode = nullptr;
+    record.pPrinterName = nobodys.data();
+    EXPECT_EQ(Set(administrator, 2, &record), DWORD{ERROR_NOT_SUPPORTED});
+    record.pPrinterName = nullptr;
+    record.pDriverName = nobodys.data();
+    EXPECT_EQ(Set(administrator, 2, &record), DWORD{ERROR_UNKNOWN_PRINTER_DRIVER});
     ClosePrinter(administrator);
 }
 
 TEST_F(Spooler, PrinterDataFollowsItsOwnProtocol) {
-    const HANDLE printer = Open(u"Fax");
-    std::u16string tray = u"tray", none = u"none", empty = u"Empty";
     DWORD type = 0, needed = 0;
     WCHAR text[6];
-    auto* bytes = reinterpret_cast<LPBYTE>(text);
-    EXPECT_EQ(GetPrinterDataW(printer, tray.data(), &type, nullptr, 0, &needed),
-              DWORD{ERROR_MORE_DATA});
+    const auto ask = [&](std::u16string name, DWORD size) {
+        return GetPrinterDataW(fax_, name.data(), &type, reinterpret_cast<LPBYTE>(text), size,
+                               &needed);
+    };
+    EXPECT_EQ(ask(u"tray", 11), DWORD{ERROR_MORE_DATA});
     EXPECT_EQ(needed, 12u);
-    EXPECT_EQ(GetPrinterDataW(printer, tray.data(), &type, bytes, 12, &needed), 0u);
-    EXPECT_EQ(std::u16string(text), u"Upper");
-    EXPECT_EQ(GetPrinterDataW(printer, none.data(), nullptr, bytes, 12, &needed),
-              DWORD{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(GetPrinterDataW(printer, empty.data(), nullptr, nullptr, 0, &needed), 0u);
-    ClosePrinter(printer);
+    EXPECT_EQ(ask(u"tray", 12), 0u);
+    EXPECT_EQ(Text(text), u"Upper");
+    EXPECT_EQ(type, DWORD{REG_SZ});
+    EXPECT_EQ(ask(u"none", 12), DWORD{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(ask(u"Empty", 0), 0u);
 }
 
 TEST_F(Spooler, DocumentPropertiesMovesTheBlockWhole) {
-    const HANDLE printer = Open(u"Fax");
     const auto ask = [&](Bytes* output, Bytes* input, DWORD mode) {
-        return DocumentPropertiesW(nullptr, printer, nullptr,
+        return DocumentPropertiesW(nullptr, fax_, nullptr,
                                    output == nullptr ? nullptr : AsDevMode(*output),
                                    input == nullptr ? nullptr : AsDevMode(*input), mode);
     };
     Bytes block = Block(220, 80), start = Block(220, 0), output(300);
-    EXPECT_EQ(ask(nullptr, nullptr, 0), -1);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_DATA});
+    EXPECT_EQ(ErrorUnless(ask(nullptr, nullptr, 0) != -1), DWORD{ERROR_INVALID_DATA});
+    EXPECT_EQ(ErrorUnless(ask(&output, &block, DM_OUT_BUFFER) != -1), DWORD{ERROR_INVALID_DATA});
     EXPECT_EQ(ask(nullptr, &block, 0), 300);
+    EXPECT_EQ(ask(&output, &block, DM_IN_BUFFER), IDOK);
+    EXPECT_EQ(output, Bytes(300)) << "no output was asked for";
     EXPECT_EQ(ask(&output, &block, DM_IN_BUFFER | DM_OUT_BUFFER), IDOK);
     EXPECT_EQ(output, block);
-    SetValue(HKEY_CURRENT_USER, u"Printers\\DevModePerUser", u"Fax", start);
+    StoreUserBlock(start);
     EXPECT_EQ(ask(nullptr, nullptr, 0), 220);
     EXPECT_EQ(ask(&output, nullptr, DM_OUT_BUFFER), IDOK);
     EXPECT_EQ(Bytes(output.begin(), output.begin() + 220), start);
     EXPECT_EQ(ask(&output, nullptr, DM_IN_PROMPT | DM_OUT_BUFFER), IDCANCEL);
     block[offsetof(DEVMODEW, dmSize)] = 10;
-    EXPECT_EQ(ask(nullptr, &block, 0), -1);
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_PARAMETER});
-    ClosePrinter(printer);
-}
-
-TEST_F(Spooler, OnlyABroadcastFindsNobodyAtOnce) {
-    DWORD_PTR result = 5;
-    EXPECT_TRUE(
-        SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0, 0, SMTO_NORMAL, 500, &result));
-    EXPECT_FALSE(SendMessageTimeoutW(nullptr, WM_USER, 0, 0, SMTO_NORMAL, 500, &result));
-    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_WINDOW_HANDLE});
+    EXPECT_EQ(ErrorUnless(ask(nullptr, &block, 0) != -1), DWORD{ERROR_INVALID_PARAMETER});
 }
 
 }  // namespace

@@ -39,10 +39,7 @@ class WindowPeers : public testing::Test {
         window = CreateWindowExW(0, TEXT("QvPeers"), nullptr, 0, 0, 0, 0, 0, nullptr, nullptr,
                                  nullptr, nullptr);
     }
-    ~WindowPeers() override {
-        DestroyWindow(window);
-        UnregisterClassW(TEXT("QvPeers"), nullptr);
-    }
+    ~WindowPeers() override { DestroyWindow(window); }
     std::string File(const std::string& name) { return root.Folder() + "/run/windows/" + name; }
     int Connect() {
         char number[16];
@@ -89,15 +86,10 @@ TEST_F(WindowPeers, MessagesThatAreNotWellFormedAreDropped) {
     ASSERT_EQ(pipe(pipe_ends), 0);
     Packet with_bytes;
     with_bytes.payload_bytes = 4;
-    Packet huge;
-    huge.payload_bytes = 0xFFFFFFFF;
-    Packet foreign_pointer;
-    foreign_pointer.message = WM_DEVMODECHANGE;
-    foreign_pointer.lparam = 0x1234;
-    Packet posted;
-    posted.kind = 1;
-    Packet wrong_magic;
-    wrong_magic.magic = 1;
+    const Packet huge{.payload_bytes = 0xFFFFFFFF};
+    const Packet foreign_pointer{.message = WM_DEVMODECHANGE, .lparam = 0x1234};
+    const Packet posted{.kind = 1};
+    const Packet wrong_magic{.magic = 1};
     Deliver(with_bytes, 10, -1);
     Deliver(with_bytes, sizeof(Packet), -1);
     Deliver(with_bytes, sizeof(Packet), open_file);

@@ -86,15 +86,12 @@ QV_HOST_API BOOL LockFile(HANDLE file, DWORD offset_low, DWORD offset_high, DWOR
                           DWORD bytes_high);
 QV_HOST_API BOOL UnlockFile(HANDLE file, DWORD offset_low, DWORD offset_high, DWORD bytes_low,
                             DWORD bytes_high);
-QV_HOST_API BOOL FlushFileBuffers(HANDLE file);
 QV_HOST_API DWORD GetFileAttributesW(LPCWSTR name);
 QV_HOST_API HANDLE FindFirstFileW(LPCWSTR name, LPWIN32_FIND_DATAW data);
 QV_HOST_API BOOL FindClose(HANDLE search);
 QV_HOST_API BOOL DeleteFileW(LPCWSTR name);
 QV_HOST_API BOOL CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES security);
 QV_HOST_API BOOL RemoveDirectoryW(LPCWSTR name);
-QV_HOST_API DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer);
-QV_HOST_API BOOL SetCurrentDirectoryW(LPCWSTR name);
 QV_HOST_API DWORD GetTempPathW(DWORD size, LPWSTR buffer);
 QV_HOST_API UINT GetSystemDirectoryW(LPWSTR buffer, UINT size);
 QV_HOST_API BOOL CloseHandle(HANDLE object);
@@ -130,7 +127,6 @@ QV_HOST_API void InitializeCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void DeleteCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void EnterCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void LeaveCriticalSection(LPCRITICAL_SECTION section);
-QV_HOST_API BOOL TryEnterCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API DWORD GetCurrentThreadId();
 QV_HOST_API DWORD GetCurrentProcessId();
 QV_HOST_API HANDLE GetCurrentProcess();
@@ -142,7 +138,6 @@ QV_HOST_API void Sleep(DWORD milliseconds);
 // ---- Time
 QV_HOST_API void GetSystemTimeAsFileTime(FILETIME* time);
 QV_HOST_API BOOL QueryPerformanceCounter(LARGE_INTEGER* count);
-QV_HOST_API BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency);
 QV_HOST_API DWORD GetTickCount();
 QV_HOST_API BOOL FileTimeToLocalFileTime(const FILETIME* utc, FILETIME* local);
 QV_HOST_API BOOL FileTimeToSystemTime(const FILETIME* time, SYSTEMTIME* parts);
@@ -201,11 +196,9 @@ struct OSVERSIONINFOEXW {
 };
 QV_HOST_API BOOL GetVersionExW(OSVERSIONINFOW* info);
 QV_HOST_API DWORD ExpandEnvironmentStringsW(LPCWSTR text, LPWSTR buffer, DWORD size);
-QV_HOST_API DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size);
 QV_HOST_API BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value);
 
 // ---- Global atoms
 QV_HOST_API ATOM GlobalAddAtomW(LPCWSTR name);
-QV_HOST_API ATOM GlobalFindAtomW(LPCWSTR name);
 QV_HOST_API ATOM GlobalDeleteAtom(ATOM atom);
 QV_HOST_API UINT GlobalGetAtomNameW(ATOM atom, LPWSTR buffer, int size);

@@ -20,11 +20,8 @@ QV_HOST_API int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR text, in
 QV_HOST_API int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length,
                                     LPSTR buffer, int size, LPCSTR default_char,
                                     LPBOOL used_default);
-QV_HOST_API UINT GetACP();
-QV_HOST_API BOOL IsDBCSLeadByteEx(UINT code_page, BYTE byte);
 QV_HOST_API int CompareStringW(LCID locale, DWORD flags, LPCWSTR a, int a_length, LPCWSTR b,
                                int b_length);
-QV_HOST_API LPWSTR CharNextW(LPCWSTR text);
 QV_HOST_API LPSTR CharNextA(LPCSTR text);
 
 // The C runtime's counted wide formatter; negative when the text does not fit. "%s" is a wide

@@ -42,12 +42,10 @@ QV_HOST_API LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, L
 QV_HOST_API LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type,
                                    const BYTE* data, DWORD bytes);
 QV_HOST_API LSTATUS RegDeleteValueW(HKEY key, LPCWSTR name);
-QV_HOST_API LSTATUS RegDeleteKeyW(HKEY key, LPCWSTR path);
 QV_HOST_API LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR path);
 QV_HOST_API LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size,
                                   LPDWORD reserved, LPWSTR key_class, LPDWORD class_size,
                                   FILETIME* written);
 QV_HOST_API LSTATUS RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size,
                                   LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD bytes);
-QV_HOST_API LSTATUS RegFlushKey(HKEY key);
 QV_HOST_API LSTATUS RegCloseKey(HKEY key);

@@ -8,7 +8,6 @@
 #define WM_CREATE 0x0001
 #define WM_DESTROY 0x0002
 #define WM_CLOSE 0x0010
-#define WM_QUIT 0x0012
 #define WM_DEVMODECHANGE 0x001B
 #define WM_COPYDATA 0x004A
 #define WM_NCCREATE 0x0081
@@ -40,10 +39,7 @@ QV_HOST_API LRESULT SendMessageW(HWND window, UINT message, WPARAM wparam, LPARA
 QV_HOST_API LRESULT SendMessageTimeoutW(HWND window, UINT message, WPARAM wparam, LPARAM lparam,
                                         UINT flags, UINT timeout, PDWORD_PTR result);
 QV_HOST_API BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-QV_HOST_API void PostQuitMessage(int exit_code);
-QV_HOST_API BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last);
 QV_HOST_API BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
-QV_HOST_API BOOL TranslateMessage(const MSG* message);
 QV_HOST_API LRESULT DispatchMessageW(const MSG* message);
 QV_HOST_API UINT RegisterWindowMessageW(LPCWSTR name);
 
@@ -79,7 +75,6 @@ using LPCREATESTRUCTW = CREATESTRUCTW*;
 inline const HWND HWND_MESSAGE = reinterpret_cast<HWND>(static_cast<LONG_PTR>(-3));
 #define GWLP_USERDATA (-21)
 QV_HOST_API ATOM RegisterClassW(const WNDCLASSW* window_class);
-QV_HOST_API BOOL UnregisterClassW(LPCWSTR name, HINSTANCE instance);
 QV_HOST_API HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title,
                                  DWORD style, int x, int y, int width, int height, HWND parent,
                                  HMENU menu, HINSTANCE instance, LPVOID parameter);
@@ -88,8 +83,6 @@ QV_HOST_API LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wparam, LPA
 QV_HOST_API LONG_PTR GetWindowLongPtrW(HWND window, int index);
 QV_HOST_API LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value);
 QV_HOST_API HWND FindWindowW(LPCWSTR class_name, LPCWSTR title);
-QV_HOST_API BOOL IsWindow(HWND window);
-QV_HOST_API DWORD GetWindowThreadProcessId(HWND window, LPDWORD process);
 QV_HOST_API BOOL SetForegroundWindow(HWND window);
 #define MSGFLT_ADD 1
 #define MSGFLT_REMOVE 2

@@ -22,7 +22,8 @@ struct Global {
 // Appends to the file that the test named, with the host layer's own calls.
 void Report(const char* line) {
     WCHAR name[MAX_PATH];
-    if (GetEnvironmentVariableW(TEXT("qv_test_module_report"), name, MAX_PATH) == 0) return;
+    ExpandEnvironmentStringsW(TEXT("%qv_test_module_report%"), name, MAX_PATH);
+    if (name[0] == TEXT('%')) return;
     const HANDLE file =
         CreateFileW(name, GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_ALWAYS, 0, nullptr);
     SetFilePointer(file, 0, nullptr, FILE_END);

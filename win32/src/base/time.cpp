@@ -43,11 +43,6 @@ BOOL QueryPerformanceCounter(LARGE_INTEGER* count) {
     return TRUE;
 }
 
-BOOL QueryPerformanceFrequency(LARGE_INTEGER* frequency) {
-    frequency->QuadPart = kUnitsPerSecond;
-    return TRUE;
-}
-
 DWORD GetTickCount() {
     return static_cast<DWORD>(Clock(CLOCK_BOOTTIME) / (kUnitsPerSecond / 1000));
 }

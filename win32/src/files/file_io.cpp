@@ -153,12 +153,3 @@ DWORD GetFileSize(HANDLE file, LPDWORD high) {
     if (high != nullptr) *high = static_cast<DWORD>(info.st_size >> 32);
     return host::LowHalf(info.st_size);
 }
-
-BOOL FlushFileBuffers(HANDLE file) {
-    const host::Pin object(file);
-    if (!object) return FALSE;
-    if (!object->access().write) return host::Fail(ERROR_ACCESS_DENIED);
-    // A pipe or a terminal has nothing to flush.
-    if (fsync(object->fd()) == 0 || errno == EINVAL || errno == EROFS) return TRUE;
-    return host::Fail(host::ErrorFromErrno(errno));
-}

@@ -48,14 +48,6 @@ DWORD CreateFolderAt(const HostPath& target) {
     return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
 }
 
-DWORD EnterFolderAt(const HostPath& target) {
-    if (chdir(target.path.c_str()) == 0) return NO_ERROR;
-    struct stat info;
-    const int code = errno;
-    const bool file = code == ENOTDIR && stat(target.path.c_str(), &info) == 0;
-    return file ? ERROR_DIRECTORY : PathError(code, target.path);
-}
-
 BOOL AtPath(LPCWSTR name, DWORD (*act)(const HostPath&)) {
     const HostPath target = ToHostPath(name);
     const DWORD error = target.error != NO_ERROR ? target.error : act(target);
@@ -99,17 +91,4 @@ BOOL CreateDirectoryW(LPCWSTR name, LPSECURITY_ATTRIBUTES) {
 
 BOOL RemoveDirectoryW(LPCWSTR name) {
     return host::AtPath(name, host::RemoveFolderAt);
-}
-
-BOOL SetCurrentDirectoryW(LPCWSTR name) {
-    return host::AtPath(name, host::EnterFolderAt);
-}
-
-DWORD GetCurrentDirectoryW(DWORD size, LPWSTR buffer) {
-    char folder[PATH_MAX];
-    if (getcwd(folder, sizeof folder) == nullptr) {
-        SetLastError(host::PathError(errno, "/"));
-        return 0;
-    }
-    return host::CopyOut(host::FromHostPath(folder), buffer, size);
 }

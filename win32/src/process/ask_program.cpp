@@ -76,7 +76,6 @@ ProgramAnswer AskProgram(const std::string& program, const std::vector<std::stri
     }
     input = UniqueFd();
     ProgramAnswer answer;
-    answer.ran = true;
     answer.line = ReadAll(output.get());
     answer.line.resize(std::min(answer.line.find('\n'), answer.line.size()));
     answer.accepted = EndedWell(child) && answer.line.size() <= kMaxLine;

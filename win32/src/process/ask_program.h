@@ -7,7 +7,6 @@
 namespace host {
 
 struct ProgramAnswer {
-    bool ran = false;       // the program could be started
     bool accepted = false;  // it ended with exit code 0
     std::string line;       // the first line of its output, without the line break
 };

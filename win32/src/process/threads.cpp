@@ -98,10 +98,6 @@ void LeaveCriticalSection(LPCRITICAL_SECTION section) {
     pthread_mutex_unlock(MutexOf(section));
 }
 
-BOOL TryEnterCriticalSection(LPCRITICAL_SECTION section) {
-    return pthread_mutex_trylock(MutexOf(section)) == 0 ? TRUE : FALSE;
-}
-
 DWORD GetCurrentThreadId() {
     // Asks the kernel once for each thread. The thread that remains after a fork is a new one.
     static thread_local DWORD id = 0;

@@ -202,14 +202,6 @@ LSTATUS RegHive::Change(const CallRef<LSTATUS(bool& changed)>& change) {
     return code;
 }
 
-LSTATUS RegHive::Flush() {
-    const LSTATUS code = Refresh();
-    if (code != ERROR_SUCCESS || !file_) return code;
-    if (fsync(file_.get()) != 0) return CodeFromErrno();
-    const UniqueFd folder(open(RegistryFolder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    return folder && fsync(folder.get()) == 0 ? ERROR_SUCCESS : CodeFromErrno();
-}
-
 std::shared_ptr<KeyState> RegHive::Open(RegPath path) {
     // Of closed keys nothing is kept for long; many open ones are not looked through every time.
     if (states_.size() < kFewStates || states_.size() == states_.capacity()) {

@@ -55,9 +55,6 @@ class RegHive {
     // when it returns ERROR_SUCCESS and set its flag; else nothing has changed.
     LSTATUS Change(const CallRef<LSTATUS(bool& changed)>& change);
 
-    // Brings the file's current state to the disk.
-    LSTATUS Flush();
-
     std::shared_ptr<KeyState> Open(RegPath path);
     // The key of a state; null when it is gone. Only after a successful Refresh.
     RegKey* Find(KeyState& state);

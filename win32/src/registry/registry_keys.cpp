@@ -28,14 +28,12 @@ std::span<const std::u16string> Parent(const RegPath& path) {
     return std::span(path).first(path.size() - 1);
 }
 
-// Removes the key at `path`; `whole` takes what is below it along.
-LSTATUS Remove(const KeyContext& on, const RegPath& path, bool whole, bool& changed) {
+// Removes the key at `path` and what is below it.
+LSTATUS Remove(const KeyContext& on, const RegPath& path, bool& changed) {
     if (path.empty()) return ERROR_ACCESS_DENIED;
     RegKey* const parent = on.hive.Root().FindPath(Parent(path));
-    const RegKey* const key = parent == nullptr ? nullptr : parent->FindKey(path.back());
-    if (key == nullptr) return ERROR_FILE_NOT_FOUND;
-    if (!whole && key->HasKeys()) return ERROR_ACCESS_DENIED;
-    changed = parent->RemoveKey(path.back());
+    changed = parent != nullptr && parent->RemoveKey(path.back());
+    if (!changed) return ERROR_FILE_NOT_FOUND;
     on.hive.MarkDeleted(path, true);
     return ERROR_SUCCESS;
 }
@@ -84,15 +82,6 @@ LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR, DWORD op
     return code;
 }
 
-LSTATUS RegDeleteKeyW(HKEY key, LPCWSTR path) {
-    if (path == nullptr) return ERROR_INVALID_PARAMETER;
-    return ChangeKey(key, 0, [&](const KeyContext& on, bool& changed) {
-        RegPath whole;
-        const LSTATUS code = PathBelow(on.path, path, whole);
-        return code == ERROR_SUCCESS ? Remove(on, whole, false, changed) : code;
-    });
-}
-
 LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR path) {
     const bool itself = !ViewOf(path).empty();
     const REGSAM needed = itself ? 0 : KEY_SET_VALUE | KEY_ENUMERATE_SUB_KEYS;
@@ -100,7 +89,7 @@ LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR path) {
         RegPath whole;
         const LSTATUS code = PathBelow(on.path, path, whole);
         if (code != ERROR_SUCCESS) return code;
-        if (itself) return Remove(on, whole, true, changed);
+        if (itself) return Remove(on, whole, changed);
         changed = on.key.HasKeys() || !on.key.Values().empty();
         on.key.Clear();
         on.hive.MarkDeleted(whole, false);
@@ -126,10 +115,6 @@ LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size, LPD
         if (written != nullptr) *written = on.hive.Written();
         return ERROR_SUCCESS;
     });
-}
-
-LSTATUS RegFlushKey(HKEY key) {
-    return ReadKey(key, 0, [](const KeyContext& on) { return on.hive.Flush(); });
 }
 
 LSTATUS RegCloseKey(HKEY key) {

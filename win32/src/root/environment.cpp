@@ -112,12 +112,6 @@ DWORD ExpandEnvironmentStringsW(LPCWSTR text, LPWSTR buffer, DWORD size) {
     return static_cast<DWORD>(expanded.size() + 1);
 }
 
-DWORD GetEnvironmentVariableW(LPCWSTR name, LPWSTR buffer, DWORD size) {
-    const auto value = name == nullptr ? std::nullopt : Variable(name);
-    SetLastError(value ? NO_ERROR : ERROR_ENVVAR_NOT_FOUND);
-    return value ? CopyOut(*value, buffer, size) : 0;
-}
-
 BOOL SetEnvironmentVariableW(LPCWSTR name, LPCWSTR value) {
     const WideView wide_name = ViewOf(name);
     if (wide_name.empty() || wide_name.find(u'=') != WideView::npos) {

@@ -52,7 +52,7 @@ class LibraryPage : public NarrowPage {
     bool Valid() const { return to_wide_ != kFailed && to_narrow_ != kFailed; }
 
     WCHAR Decode(std::string_view text, std::size_t& used) override {
-        used = IsDBCSLeadByteEx(code_page_, static_cast<BYTE>(text[0])) && text.size() > 1 ? 2 : 1;
+        used = IsLeadByte(code_page_, text[0]) && text.size() > 1 ? 2 : 1;
         char source[2];
         std::copy_n(text.data(), used, source);
         WCHAR unit = kNone;
@@ -98,7 +98,23 @@ std::string LibraryName(UINT code_page) {
     return "CP" + std::to_string(code_page);
 }
 
+struct ByteRange {
+    UINT code_page;
+    BYTE low, high;
+};
+constexpr ByteRange kLeadBytes[] = {
+    {932, 0x81, 0x9F}, {932, 0xE0, 0xFC},  {936, 0x81, 0xFE},  {949, 0x81, 0xFE},
+    {950, 0x81, 0xFE}, {1361, 0x84, 0xD3}, {1361, 0xD8, 0xDE}, {1361, 0xE0, 0xF9},
+};
+
 }  // namespace
+
+bool IsLeadByte(UINT code_page, char byte) {
+    const auto value = static_cast<BYTE>(byte);
+    return std::any_of(std::begin(kLeadBytes), std::end(kLeadBytes), [&](const ByteRange& range) {
+        return range.code_page == code_page && value >= range.low && value <= range.high;
+    });
+}
 
 std::unique_ptr<NarrowPage> OpenNarrowPage(UINT code_page) {
     if (code_page == 1252) return std::make_unique<Page1252>();

@@ -26,6 +26,9 @@ class NarrowPage {
 // Null when this host does not know the page.
 std::unique_ptr<NarrowPage> OpenNarrowPage(UINT code_page);
 
+// Whether a character of two bytes begins with this byte.
+bool IsLeadByte(UINT code_page, char byte);
+
 // The ANSI code page of the host root.
 UINT AnsiCodePage();
 

@@ -46,16 +46,6 @@ int Refuse(DWORD error) {
     return Answer({0, error});
 }
 
-// Characters and sizes of double-byte pages.
-struct ByteRange {
-    UINT code_page;
-    BYTE low, high;
-};
-constexpr ByteRange kLeadBytes[] = {
-    {932, 0x81, 0x9F}, {932, 0xE0, 0xFC},  {936, 0x81, 0xFE},  {949, 0x81, 0xFE},
-    {950, 0x81, 0xFE}, {1361, 0x84, 0xD3}, {1361, 0xD8, 0xDE}, {1361, 0xE0, 0xF9},
-};
-
 }  // namespace
 
 int MultiByteToWideChar(UINT code_page, DWORD flags, LPCSTR text, int bytes, LPWSTR buffer,
@@ -102,24 +92,8 @@ int WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, L
     return Answer(result);
 }
 
-UINT GetACP() {
-    return AnsiCodePage();
-}
-
-BOOL IsDBCSLeadByteEx(UINT code_page, BYTE byte) {
-    const UINT page = ActualPage(code_page);
-    for (const ByteRange& range : kLeadBytes) {
-        if (range.code_page == page && byte >= range.low && byte <= range.high) return TRUE;
-    }
-    return FALSE;
-}
-
-LPWSTR CharNextW(LPCWSTR text) {
-    return const_cast<LPWSTR>(*text == 0 ? text : text + 1);
-}
-
 LPSTR CharNextA(LPCSTR text) {
     if (*text == 0) return const_cast<LPSTR>(text);
-    const bool pair = IsDBCSLeadByteEx(CP_ACP, static_cast<BYTE>(*text)) && text[1] != 0;
+    const bool pair = IsLeadByte(AnsiCodePage(), *text) && text[1] != 0;
     return const_cast<LPSTR>(text + (pair ? 2 : 1));
 }

@@ -82,18 +82,6 @@ ATOM GlobalAddAtomW(LPCWSTR name) {
     return atom != 0 ? atom : FailAtom(ERROR_NOT_ENOUGH_MEMORY);
 }
 
-ATOM GlobalFindAtomW(LPCWSTR name) {
-    const AtomName wanted = ReadName(name);
-    if (wanted.error != NO_ERROR) return FailAtom(wanted.error);
-    if (wanted.integer != 0) return wanted.integer;
-    ATOM atom = 0;
-    WithNameTable(kAtoms, [&](NameTable& table) {
-        atom = FindName(table, wanted.text);
-        return false;
-    });
-    return atom != 0 ? atom : FailAtom(ERROR_FILE_NOT_FOUND);
-}
-
 ATOM GlobalDeleteAtom(ATOM atom) {
     if (atom < kFirstNamed) return 0;
     bool known = false;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "process/ask_program.h"
+#include "root/environment.h"
 #include "root/host_path.h"
 #include "text/host_text.h"
 
@@ -24,18 +25,6 @@ namespace {
 
 constexpr DWORD kKnownFlags = OFN_OVERWRITEPROMPT | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
                               OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_EXPLORER;
-// The code that means that the user cancelled.
-constexpr DWORD kCancelled = 0;
-
-thread_local DWORD dialog_error = 0;
-
-std::string DialogProgram() {
-    WideString name(GetEnvironmentVariableW(u"QV_HOST_DIALOG", nullptr, 0), u'\0');
-    const DWORD length =
-        GetEnvironmentVariableW(u"QV_HOST_DIALOG", name.data(), static_cast<DWORD>(name.size()));
-    name.resize(std::min<std::size_t>(length, name.size()));
-    return ToUtf8(name);
-}
 
 // A name with a folder becomes a path of this host; a bare name stays.
 std::string HostName(WideView name) {
@@ -64,22 +53,17 @@ std::vector<std::string> Filters(LPCWSTR list) {
 class FileDialog {
   public:
     FileDialog(OPENFILENAMEW& record, bool open)
-        : record_(record), open_(open), program_(DialogProgram()) {}
+        : record_(record), open_(open), program_(EnvironmentText("QV_HOST_DIALOG")) {}
 
-    // Asks the user. True when the record holds the chosen file; otherwise false, with the reason.
-    bool Show(DWORD& reason) {
-        reason = CDERR_DIALOGFAILURE;
+    // Asks the user. Whether the record holds the chosen file.
+    bool Show() {
         if (program_.empty()) return false;
         const ProgramAnswer answer = AskProgram(program_, Arguments());
-        if (!answer.ran) return false;
-        reason = kCancelled;
         if (!answer.accepted || answer.line.empty()) return false;
-        reason = FNERR_INVALIDFILENAME;
-        std::filesystem::path file = Chosen(answer.line);
+        const std::filesystem::path file = Chosen(answer.line);
         if (open_ && Has(OFN_FILEMUSTEXIST) && !Exists(file)) return false;
-        reason = kCancelled;
         if (!open_ && Has(OFN_OVERWRITEPROMPT) && Exists(file) && !Confirmed(file)) return false;
-        return Store(file, reason);
+        return Store(file);
     }
 
   private:
@@ -123,14 +107,12 @@ class FileDialog {
         return AskProgram(program_, {"overwrite", Title(), file.parent_path(), file}).accepted;
     }
 
-    bool Store(const std::filesystem::path& file, DWORD& reason) {
+    bool Store(const std::filesystem::path& file) {
         const WideString name = FromHostPath(file.native());
         // Some names have no Windows form that leads back to the same file. Those are refused.
         const HostPath back = ToHostPath(name.c_str());
-        reason = FNERR_INVALIDFILENAME;
         if (back.error != NO_ERROR || back.path != file.native()) return false;
         const std::size_t needed = name.size() + 1;
-        reason = FNERR_BUFFERTOOSMALL;
         if (needed > record_.nMaxFile) {
             record_.lpstrFile[0] = static_cast<WCHAR>(std::min<std::size_t>(needed, 0xFFFF));
             return false;
@@ -150,16 +132,10 @@ class FileDialog {
 };
 
 BOOL Ask(LPOPENFILENAMEW record, bool open) {
-    dialog_error = CDERR_INITIALIZATION;
-    if (record == nullptr) return FALSE;
-    dialog_error = CDERR_STRUCTSIZE;
-    if (record->lStructSize != sizeof(OPENFILENAMEW)) return FALSE;
-    dialog_error = CDERR_INITIALIZATION;
+    if (record == nullptr || record->lStructSize != sizeof(OPENFILENAMEW)) return FALSE;
     const bool unknown = (record->Flags & ~DWORD{kKnownFlags}) != 0;
     if (unknown || record->lpstrFile == nullptr || record->nMaxFile == 0) return FALSE;
-    if (!FileDialog(*record, open).Show(dialog_error)) return FALSE;
-    dialog_error = 0;
-    return TRUE;
+    return FileDialog(*record, open).Show() ? TRUE : FALSE;
 }
 
 }  // namespace
@@ -170,8 +146,4 @@ BOOL GetOpenFileNameW(LPOPENFILENAMEW dialog) {
 
 BOOL GetSaveFileNameW(LPOPENFILENAMEW dialog) {
     return Ask(dialog, false);
-}
-
-DWORD CommDlgExtendedError() {
-    return dialog_error;
 }

@@ -96,8 +96,7 @@ LRESULT ThreadWindows::Call(WindowNumber number, UINT message, WPARAM wparam, LP
         SetLastError(ERROR_INVALID_WINDOW_HANDLE);
         return 0;
     }
-    const WNDPROC procedure = window->window_class->procedure;
-    return procedure(WindowOf(number), message, wparam, lparam);
+    return window->procedure(WindowOf(number), message, wparam, lparam);
 }
 
 bool ThreadWindows::Post(const MSG& message) {
@@ -175,20 +174,14 @@ void ThreadWindows::Answer() {
 bool ThreadWindows::Take(const MessageFilter& filter, bool remove, MSG& message) {
     const auto found =
         std::find_if(posted_.begin(), posted_.end(), [&](const MSG& m) { return filter.Takes(m); });
-    if (found != posted_.end()) {
-        message = *found;
-        if (remove) posted_.erase(found);
-        return true;
-    }
-    if (!quit_code_) return false;
-    message = {nullptr, WM_QUIT, static_cast<WPARAM>(*quit_code_), 0, GetTickCount(), {}};
-    if (remove) quit_code_.reset();
+    if (found == posted_.end()) return false;
+    message = *found;
+    if (remove) posted_.erase(found);
     return true;
 }
 
 bool ThreadWindows::Wait(int connection, bool for_windows, const Deadline& deadline) {
-    std::vector<pollfd> states;
-    if (connection >= 0) states.push_back({connection, POLLIN, 0});
+    std::vector<pollfd> states{{connection, POLLIN, 0}};
     if (for_windows) {
         // New messages wait at their windows while the queue is full.
         const bool has_room = posted_.size() < kMostPosted;

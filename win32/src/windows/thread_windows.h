@@ -23,16 +23,10 @@ using Deadline = std::optional<std::chrono::steady_clock::time_point>;  // nothi
 Deadline DeadlineAfter(UINT milliseconds);
 
 struct OwnWindow {
-    OwnWindow(WindowClaim place, std::shared_ptr<WindowClass> of)
-        : claim(std::move(place)), window_class(std::move(of)) {
-        ++window_class->windows;
-    }
-    OwnWindow(const OwnWindow&) = delete;
-    OwnWindow& operator=(const OwnWindow&) = delete;
-    ~OwnWindow() { --window_class->windows; }
+    OwnWindow(WindowClaim place, WNDPROC of) : claim(std::move(place)), procedure(of) {}
 
     WindowClaim claim;
-    std::shared_ptr<WindowClass> window_class;
+    WNDPROC procedure;
     LONG_PTR user_data = 0;
 };
 
@@ -57,12 +51,11 @@ class ThreadWindows {
 
     // False when too many messages wait.
     bool Post(const MSG& message);
-    void PostQuit(int exit_code) { quit_code_ = exit_code; }
     // Receives the messages that have arrived and answers the sent ones; never waits for a message.
     void Answer();
-    // The next posted message, WM_QUIT after all others; false when there is none.
+    // The next posted message; false when there is none.
     bool Take(const MessageFilter& filter, bool remove, MSG& message);
-    // Waits until something arrives for a window, or until `connection` (-1: none) can be read.
+    // Waits until `connection` can be read, or until something arrives for a window.
     // False when the deadline has passed, or the system cannot wait.
     bool Wait(int connection, bool for_windows, const Deadline& deadline);
 
@@ -86,7 +79,6 @@ class ThreadWindows {
     std::deque<Arrival> arrivals_;  // accepted, message not yet read
     std::deque<Arrival> sent_;      // waiting for an answer
     std::deque<MSG> posted_;
-    std::optional<int> quit_code_;
     int depth_ = 0;  // of answers that are being made
 };
 

@@ -12,11 +12,11 @@ namespace {
 
 struct ClassTable {
     std::mutex lock;
-    std::map<WideString, std::shared_ptr<WindowClass>, FoldedLess> classes;
+    std::map<WideString, WindowClass, FoldedLess> classes;
 };
 
 ClassTable& Classes() {
-    // Never destroyed, because a thread that ends late still releases its classes.
+    // Never destroyed, because a thread that ends late still calls its windows.
     static auto& table = *new ClassTable;
     return table;
 }
@@ -25,20 +25,20 @@ bool IsAtom(LPCWSTR name) {
     return reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
 }
 
-std::shared_ptr<WindowClass> FindIn(const ClassTable& table, LPCWSTR name) {
+const WindowClass* FindIn(const ClassTable& table, LPCWSTR name) {
     if (!IsAtom(name)) {
         const auto found = table.classes.find(name);
-        return found == table.classes.end() ? nullptr : found->second;
+        return found == table.classes.end() ? nullptr : &found->second;
     }
     for (const auto& [key, entry] : table.classes) {
-        if (entry->atom == reinterpret_cast<ULONG_PTR>(name)) return entry;
+        if (entry.atom == reinterpret_cast<ULONG_PTR>(name)) return &entry;
     }
     return nullptr;
 }
 
 }  // namespace
 
-std::shared_ptr<WindowClass> FindWindowClass(LPCWSTR name) {
+const WindowClass* FindWindowClass(LPCWSTR name) {
     ClassTable& table = Classes();
     const std::lock_guard lock(table.lock);
     return FindIn(table, name);
@@ -67,19 +67,6 @@ ATOM RegisterClassW(const WNDCLASSW* description) {
         SetLastError(ERROR_CLASS_ALREADY_EXISTS);
         return 0;
     }
-    entry->second = std::make_shared<WindowClass>();
-    entry->second->name = name;
-    entry->second->procedure = description->lpfnWndProc;
-    entry->second->atom = static_cast<ATOM>(atom);
-    return entry->second->atom;
-}
-
-BOOL UnregisterClassW(LPCWSTR name, HINSTANCE) {
-    ClassTable& table = Classes();
-    const std::lock_guard lock(table.lock);
-    const auto found = FindIn(table, name);
-    if (found == nullptr) return Fail(ERROR_CLASS_DOES_NOT_EXIST);
-    if (found->windows != 0) return Fail(ERROR_CLASS_HAS_WINDOWS);
-    table.classes.erase(found->name);
-    return TRUE;
+    entry->second = {WideString(name), description->lpfnWndProc, static_cast<ATOM>(atom)};
+    return entry->second.atom;
 }

@@ -3,9 +3,6 @@
 
 #include <windows.h>
 
-#include <atomic>
-#include <memory>
-
 #include "text/host_text.h"
 
 namespace host {
@@ -14,10 +11,10 @@ struct WindowClass {
     WideString name;
     WNDPROC procedure;
     ATOM atom;
-    std::atomic<int> windows{0};
 };
 
-// By name, case ignored, or by the atom that RegisterClassW gave; null when there is none.
-std::shared_ptr<WindowClass> FindWindowClass(LPCWSTR name);
+// By name, case ignored, or by the atom that RegisterClassW gave; null when there is none. It
+// stays as long as the process.
+const WindowClass* FindWindowClass(LPCWSTR name);
 
 }  // namespace host

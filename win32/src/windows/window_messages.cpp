@@ -96,34 +96,11 @@ BOOL PostMessageW(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     return TRUE;
 }
 
-void PostQuitMessage(int exit_code) {
-    ThreadWindows* const windows = ThreadWindows::OfThisThread();
-    if (windows != nullptr) windows->PostQuit(exit_code);
-}
-
-BOOL GetMessageW(LPMSG message, HWND window, UINT first, UINT last) {
-    ThreadWindows* const windows = ThreadWindows::OfThisThread();
-    if (!CheckFilter(windows, message, window)) return -1;
-    const MessageFilter filter{window, first, last};
-    for (;;) {
-        windows->Answer();
-        if (windows->Take(filter, true, *message))
-            return message->message != WM_QUIT ? TRUE : FALSE;
-        if (windows->Wait(-1, true, Deadline())) continue;
-        SetLastError(ERROR_NO_SYSTEM_RESOURCES);
-        return -1;
-    }
-}
-
 BOOL PeekMessageW(LPMSG message, HWND window, UINT first, UINT last, UINT remove) {
     ThreadWindows* const windows = ThreadWindows::OfThisThread();
     if (!CheckFilter(windows, message, window)) return FALSE;
     windows->Answer();
     return windows->Take({window, first, last}, (remove & PM_REMOVE) != 0, *message) ? TRUE : FALSE;
-}
-
-BOOL TranslateMessage(const MSG*) {
-    return FALSE;
 }
 
 LRESULT DispatchMessageW(const MSG* message) {

@@ -41,7 +41,7 @@ HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DW
     ThreadWindows* const windows = ThreadWindows::OfThisThread();
     if (windows == nullptr) return FailWindow(ERROR_NOT_ENOUGH_MEMORY);
     if (parent != nullptr && parent != HWND_MESSAGE) return FailWindow(ERROR_NOT_SUPPORTED);
-    auto window_class = FindWindowClass(class_name);
+    const WindowClass* const window_class = FindWindowClass(class_name);
     if (window_class == nullptr) return FailWindow(ERROR_CANNOT_FIND_WND_CLASS);
     WindowClaim claim;
     const DWORD error =
@@ -49,7 +49,7 @@ HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DW
                     window_class->name, WideString(ViewOf(title))});
     if (error != NO_ERROR) return FailWindow(error);
     const WindowNumber number = claim.number();
-    windows->Add(std::make_unique<OwnWindow>(std::move(claim), std::move(window_class)));
+    windows->Add(std::make_unique<OwnWindow>(std::move(claim), window_class->procedure));
     CREATESTRUCTW create{
         parameter, instance,   menu,          parent, height, width, y, x, static_cast<LONG>(style),
         title,     class_name, extended_style};
@@ -106,18 +106,4 @@ HWND FindWindowW(LPCWSTR class_name, LPCWSTR title) {
         if (message_only == nullptr) message_only = WindowOf(window.number);
     }
     return message_only;
-}
-
-BOOL IsWindow(HWND window) {
-    return ReadWindow(NumberOf(window)) ? TRUE : Fail(ERROR_INVALID_WINDOW_HANDLE);
-}
-
-DWORD GetWindowThreadProcessId(HWND window, LPDWORD process) {
-    const auto record = ReadWindow(NumberOf(window));
-    if (!record) {
-        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
-        return 0;
-    }
-    if (process != nullptr) *process = record->process;
-    return record->thread;
 }
