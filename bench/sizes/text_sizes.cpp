@@ -87,9 +87,9 @@ void Texts(int units) {
         text.Compare(copy);
     });
     CompareText("UpperCase, Trim", units, [](const UnicodeString& text) {
-        text.UpperCase();
-        Sysutils::LowerCase(text);
-        text.Trim();
+        static_cast<void>(text.UpperCase());
+        static_cast<void>(Sysutils::LowerCase(text));
+        static_cast<void>(text.Trim());
     });
     CompareText("printf", units, [](const UnicodeString& text) {
         UnicodeString out;
@@ -130,7 +130,7 @@ void Texts(int units) {
         Expect(UnicodeString(narrow.data(), text.Length()).Length() == text.Length(), "ANSI text");
     });
     CompareText("file names", units, [](const UnicodeString& text) {
-        Sysutils::FixFileName(text, '_');
+        static_cast<void>(Sysutils::FixFileName(text, '_'));
         Sysutils::ExtractFileName(text);
     });
     CompareText("memory stream, 1,000 bytes a write", units, [](const UnicodeString& text) {

@@ -81,7 +81,7 @@ struct Machine {
     Machine() {
         machine.Write(kMachine);
         QV_DEVMODE settings;
-        SetGlobalDevMode(TEXT("Fax"), &settings, nullptr);
+        if (!SetGlobalDevMode(TEXT("Fax"), &settings, nullptr).IsSuccess()) std::abort();
         machine.Keep();
         user.Keep();
     }

@@ -159,6 +159,13 @@ TEST(StringList, ItemsMoveWithTheirObjectsAndCopiesAreDeep) {
     EXPECT_EQ(copied.Get_Object(1), &second);
     EXPECT_EQ(copied.IndexOf(TEXT("b")), -1);
     EXPECT_EQ(copied.IndexOf(TEXT("B")), 1);
+
+    TStringList moved(std::move(assigned));
+    EXPECT_EQ(assigned.GetCount() + assigned.GetCapacity(), 0);
+    assigned.Add(TEXT("dropped"));
+    assigned = std::move(moved);
+    EXPECT_EQ(moved.GetCount(), 0);
+    EXPECT_EQ(copied.GetDelimitedText(), TEXT("a|B")) << "the delimiter comes along";
 }
 
 TEST(StringList, BadIndicesAreLoggedAndThrown) {

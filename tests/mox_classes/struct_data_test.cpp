@@ -65,6 +65,13 @@ TEST(StructData, WritingToACopyLeavesTheOriginal) {
     EXPECT_EQ(&first[0], place) << "a sole holder's block stays where its records point";
     EXPECT_EQ(first.Size(), copy.Size());
     EXPECT_EQ(copy.RecordSize(), kPairBytes);
+
+    copy = std::move(first);
+    EXPECT_TRUE(first.IsEmpty());
+    EXPECT_EQ(&copy[0], place) << "a moved share is still the only one";
+    Pairs taken(std::move(copy));
+    EXPECT_TRUE(copy.IsEmpty());
+    EXPECT_EQ(&taken[0], place);
 }
 
 TEST(StructData, ResizingKeepsTheLeadingBytes) {

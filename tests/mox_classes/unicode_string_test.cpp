@@ -196,7 +196,7 @@ TEST(UnicodeString, LengthsThatDoNotAddUp) {
     UnicodeString text = FromBlock(&longest);
     const WCHAR* const place = text.data();
     EXPECT_EQ(ThrownText([&] { text += TEXT("y"); }), TEXT("Integer overflow!"));
-    EXPECT_EQ(ThrownText([&] { text + TEXT("y"); }), TEXT("Integer overflow!"));
+    EXPECT_EQ(ThrownText([&] { static_cast<void>(text + TEXT("y")); }), TEXT("Integer overflow!"));
     EXPECT_EQ(text.data(), place);
 }
 

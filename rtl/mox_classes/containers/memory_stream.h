@@ -12,7 +12,7 @@ class QV_API TCustomMemoryStream : public TStream {
     TCustomMemoryStream() = default;
 
     using TStream::Seek;
-    int Read(void* buffer, int count) override;
+    [[nodiscard]] int Read(void* buffer, int count) override;
     int Seek(int offset, unsigned short origin) override;
     void SaveToStream(TStream* stream);
     void SaveToFile(UnicodeString name);
@@ -37,7 +37,7 @@ class QV_API TMemoryStream : public TCustomMemoryStream {
 
     using TCustomMemoryStream::SetSize;
     void SetSize(int size) override;
-    int Write(const void* buffer, int count) override;
+    [[nodiscard]] int Write(const void* buffer, int count) override;
     void Clear();
     // Replaces the contents by the whole of `source`; the own position stays.
     void LoadFromStream(TStream* source);

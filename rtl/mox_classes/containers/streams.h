@@ -33,8 +33,8 @@ class QV_API TStream : public TObject {
     // Throws "Out of range" for what the 32-bit form cannot take.
     virtual void SetSize(std::int64_t size);
     virtual void SetSize(int size);
-    virtual int Read(void* buffer, int count) = 0;
-    virtual int Write(const void* buffer, int count) = 0;
+    [[nodiscard]] virtual int Read(void* buffer, int count) = 0;
+    [[nodiscard]] virtual int Write(const void* buffer, int count) = 0;
     // Throws "Out of range" for an offset that the 32-bit form cannot take.
     virtual std::int64_t Seek(std::int64_t offset, TSeekOrigin origin);
     // -1 as well for a position that has no 32-bit form.
@@ -59,8 +59,8 @@ class QV_API THandleStream : public TStream {
     // Moves to the size and ends the file there; throws "SetEndOfFile failed".
     void SetSize(std::int64_t size) override;
     void SetSize(int size) override;
-    int Read(void* buffer, int count) override;
-    int Write(const void* buffer, int count) override;
+    [[nodiscard]] int Read(void* buffer, int count) override;
+    [[nodiscard]] int Write(const void* buffer, int count) override;
     std::int64_t Seek(std::int64_t offset, TSeekOrigin origin) override;
     int Seek(int offset, unsigned short origin) override;
     void* GetHandle() const { return FHandle; }

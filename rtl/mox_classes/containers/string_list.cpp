@@ -56,9 +56,7 @@ TStringList& TStringList::operator=(const TStringList& other) {
     if (this == &other) return *this;
     TStringList copy(other);
     TStrings::operator=(other);
-    std::swap(FItems, copy.FItems);
-    std::swap(FCapacity, copy.FCapacity);
-    std::swap(FCount, copy.FCount);
+    Swap(copy);
     return *this;
 }
 

@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "mox_classes/memory/object.h"
 #include "mox_classes/text/code_page.h"
 #include "mox_classes/text/unicode_string.h"
@@ -103,6 +105,18 @@ class QV_API TStringList : public TStrings {
     TStringList() = default;
     TStringList(const TStringList& other);
     TStringList& operator=(const TStringList& other);
+    // Takes the items and the five settings; the other has no items then.
+    TStringList(TStringList&& other) noexcept
+        : TStrings(other),
+          FItems(std::exchange(other.FItems, nullptr)),
+          FCapacity(std::exchange(other.FCapacity, 0)),
+          FCount(std::exchange(other.FCount, 0)) {}
+    TStringList& operator=(TStringList&& other) noexcept {
+        TStringList taken(std::move(other));
+        TStrings::operator=(taken);
+        Swap(taken);
+        return *this;
+    }
     ~TStringList() override;
 
     void Clear() override;
@@ -129,6 +143,11 @@ class QV_API TStringList : public TStrings {
         TObject* Object;
     };
 
+    void Swap(TStringList& other) noexcept {
+        std::swap(FItems, other.FItems);
+        std::swap(FCapacity, other.FCapacity);
+        std::swap(FCount, other.FCount);
+    }
     void Grow();
     void Append(UnicodeString s);
     TItem& ItemAt(int index, int line = __builtin_LINE());

@@ -1,6 +1,7 @@
 #include "mox_classes/containers/struct_data.h"
 
 #include <cstring>
+#include <type_traits>
 
 #include "mox_classes/text/unicode_string.h"
 
@@ -12,6 +13,9 @@ namespace {
 constexpr int kErrorCount = -1;
 constexpr TRCMSpec kSpec(sizeof(TW32StructDataBase::DataRec),
                          offsetof(TW32StructDataBase::DataRec, ref_count), 0, 1);
+
+static_assert(std::is_nothrow_move_constructible_v<TW32StructData<DWORD>> &&
+              std::is_nothrow_move_assignable_v<TW32StructData<DWORD>>);
 
 }  // namespace
 

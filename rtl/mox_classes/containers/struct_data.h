@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "mox_classes/memory/rcm_spec.h"
 #include "qv_api.h"
@@ -27,6 +28,14 @@ class QV_API TW32StructDataBase {
     TW32StructDataBase() = default;
     TW32StructDataBase(const TW32StructDataBase& other);
     TW32StructDataBase& operator=(const TW32StructDataBase& other);
+    // Takes the other's share of the block, and leaves it empty.
+    TW32StructDataBase(TW32StructDataBase&& other) noexcept
+        : FData(std::exchange(other.FData, nullptr)) {}
+    TW32StructDataBase& operator=(TW32StructDataBase&& other) noexcept {
+        std::swap(FData, other.FData);
+        if (this != &other) other.Clear();
+        return *this;
+    }
     ~TW32StructDataBase() { Clear(); }
 
     void Clear();
@@ -53,9 +62,10 @@ class QV_API TW32StructDataBase {
     void* FData = nullptr;
 };
 
-// Records of type T. Access for writing makes the block private first.
+// Records of type T. Access for writing makes the block private first. A call's result that nobody
+// looks at is a failure that nobody hears of.
 template <class T>
-class TW32StructData : public TW32StructDataBase {
+class [[nodiscard]] TW32StructData : public TW32StructDataBase {
   public:
     T& operator[](int index) {
         ThrowIfOutOfRange(index);

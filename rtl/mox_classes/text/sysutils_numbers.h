@@ -21,17 +21,17 @@ QV_API std::int64_t StrToInt64(UnicodeString s);
 QV_API int StrToIntDef(UnicodeString s, int def);
 QV_API std::int64_t StrToInt64Def(UnicodeString s, std::int64_t def);
 // On failure `value` holds what was read before the bad character.
-QV_API bool TryStrToInt(UnicodeString s, int& value);
-QV_API bool TryStrToInt64(UnicodeString s, std::int64_t& value);
+[[nodiscard]] QV_API bool TryStrToInt(UnicodeString s, int& value);
+[[nodiscard]] QV_API bool TryStrToInt64(UnicodeString s, std::int64_t& value);
 QV_API void* StrToHandleDef(const UnicodeString& s, void* def);
 
 // Throws "'text' is not a valid floating point value" unless the whole text is a number.
 QV_API long double StrToFloat(UnicodeString s);
 QV_API long double StrToFloatDef(UnicodeString s, long double def);
 // Always store what was read; true when that was the whole text.
-QV_API bool TryStrToFloat(UnicodeString s, float& value);
-QV_API bool TryStrToFloat(UnicodeString s, double& value);
-QV_API bool TryStrToFloat(UnicodeString s, long double& value);
+[[nodiscard]] QV_API bool TryStrToFloat(UnicodeString s, float& value);
+[[nodiscard]] QV_API bool TryStrToFloat(UnicodeString s, double& value);
+[[nodiscard]] QV_API bool TryStrToFloat(UnicodeString s, long double& value);
 
 QV_API UnicodeString IntToStr(int value);
 QV_API UnicodeString IntToHex(int value, int digits);

@@ -15,19 +15,20 @@ QV_API UnicodeString ExtractFilePath(UnicodeString name);
 QV_API UnicodeString ExtractFileExt(UnicodeString name);
 // `ext` carries its own dot. With `check_ext` an old extension that is not alphanumeric is part of
 // the name and stays.
-QV_API UnicodeString ChangeFileExt(UnicodeString name, UnicodeString ext, bool check_ext);
+[[nodiscard]] QV_API UnicodeString ChangeFileExt(UnicodeString name, UnicodeString ext,
+                                                 bool check_ext);
 // Ends in '\', but for the empty text.
-QV_API UnicodeString ConfirmPathString(UnicodeString path);
+[[nodiscard]] QV_API UnicodeString ConfirmPathString(UnicodeString path);
 // `path` below `base`, unless it is absolute or one of them is empty.
 QV_API UnicodeString GetFullpath(UnicodeString base, UnicodeString path);
 
 // Return a copy of the text in which each unit that occurs in `chars` (that no file or folder name
 // can hold) is replaced. `replacement` 0 means the unit's full-width form. Nothing is thrown but
 // std::bad_alloc.
-QV_API UnicodeString FixCharacters(const UnicodeString& chars, UnicodeString text,
-                                   WCHAR replacement);
-QV_API UnicodeString FixFileName(UnicodeString name, WCHAR replacement);
-QV_API UnicodeString FixDirName(UnicodeString name, WCHAR replacement);
+[[nodiscard]] QV_API UnicodeString FixCharacters(const UnicodeString& chars, UnicodeString text,
+                                                 WCHAR replacement);
+[[nodiscard]] QV_API UnicodeString FixFileName(UnicodeString name, WCHAR replacement);
+[[nodiscard]] QV_API UnicodeString FixDirName(UnicodeString name, WCHAR replacement);
 
 // A file that is there but cannot be opened exists.
 QV_API bool FileExists(UnicodeString name);

@@ -10,12 +10,12 @@ using System::UnicodeString;
 
 // Code units up to 0x20 are removed. A text that stays as it is shares the argument's buffer; one
 // of which nothing is left becomes null.
-QV_API UnicodeString Trim(UnicodeString s);
-QV_API UnicodeString TrimLeft(UnicodeString s);
-QV_API UnicodeString TrimRight(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString Trim(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString TrimLeft(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString TrimRight(UnicodeString s);
 // ASCII letters only. The result has a buffer of its own, also when it is empty.
-QV_API UnicodeString LowerCase(UnicodeString s);
-QV_API UnicodeString UpperCase(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString LowerCase(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString UpperCase(UnicodeString s);
 
 enum TMbcsByteType : unsigned char { mbSingleByte = 0, mbLeadByte = 1, mbTrailByte = 2 };
 // Whether the code unit is a lead or trail surrogate; mbSingleByte outside the text.
@@ -37,8 +37,8 @@ QV_API ULONG StringHash(UnicodeString s);
 // Copies at most capacity - 1 code units and a terminator; the result is the number copied.
 QV_API int CopyCch(WCHAR* dest, int capacity, UnicodeString s);
 
-QV_API UnicodeString AnsiQuotedStr(UnicodeString s, WCHAR quote);
-QV_API UnicodeString QuotedStr(UnicodeString s);
+[[nodiscard]] QV_API UnicodeString AnsiQuotedStr(UnicodeString s, WCHAR quote);
+[[nodiscard]] QV_API UnicodeString QuotedStr(UnicodeString s);
 // Reads the quoted text at `p` and moves `p` behind it; null or another unit at `p` gives the empty
 // string and leaves `p`. A text without closing quote ends at the terminator and loses its last
 // code unit.

@@ -89,21 +89,23 @@ class QV_API UnicodeString {
         return *this;
     }
     // No change: every string is UTF-16 already.
-    UnicodeString& EnsureUnicode() { return *this; }
+    UnicodeString& EnsureUnicode() noexcept { return *this; }
 
-    int Length() const { return data_ == nullptr ? 0 : rec()->length; }
+    int Length() const noexcept { return data_ == nullptr ? 0 : rec()->length; }
     // True for the null string only.
-    bool IsEmpty() const { return data_ == nullptr; }
-    int RefCount() const { return data_ == nullptr ? 0 : count().load(std::memory_order_acquire); }
-    int CodePage() const { return data_ == nullptr ? 1200 : rec()->code_page; }
-    int ElementSize() const { return data_ == nullptr ? 2 : rec()->element_size; }
+    [[nodiscard]] bool IsEmpty() const noexcept { return data_ == nullptr; }
+    int RefCount() const noexcept {
+        return data_ == nullptr ? 0 : count().load(std::memory_order_acquire);
+    }
+    int CodePage() const noexcept { return data_ == nullptr ? 1200 : rec()->code_page; }
+    int ElementSize() const noexcept { return data_ == nullptr ? 2 : rec()->element_size; }
     // Never null, always terminated; valid until the string changes or dies.
-    const WCHAR* t_str() const { return data_ == nullptr ? kEmpty : data_; }
-    const WCHAR* w_str() const { return t_str(); }
+    const WCHAR* t_str() const noexcept { return data_ == nullptr ? kEmpty : data_; }
+    const WCHAR* w_str() const noexcept { return t_str(); }
     // The raw pointer, null for the null string. Write through it only after Unique() or
     // SetLength().
-    WCHAR* data() { return data_; }
-    const WCHAR* data() const { return data_; }
+    WCHAR* data() noexcept { return data_; }
+    const WCHAR* data() const noexcept { return data_; }
     // Both throw "Out of index" outside 1 .. Length(); the second gives the string a buffer of its
     // own first.
     WCHAR operator[](int index) const;
@@ -125,7 +127,7 @@ class QV_API UnicodeString {
     UnicodeString& Delete(int index, int count);
     // Throws as Insert does. `other` may be this string.
     UnicodeString& operator+=(const UnicodeString& other);
-    UnicodeString operator+(const UnicodeString& other) const;
+    [[nodiscard]] UnicodeString operator+(const UnicodeString& other) const;
 
     // Replace the content by the formatted text; the result is the new length.
     int vprintf(const WCHAR* format, va_list arguments);
@@ -158,16 +160,17 @@ class QV_API UnicodeString {
     static UnicodeString StringOfChar(WCHAR unit, int count);
     static UnicodeString IntToHex(int value, int digits);
 
-    // A start below 1 counts as 1; the count is clipped at the end.
-    UnicodeString SubString(int start, int count) const;
+    // These give another string and leave this one as it is. A start below 1 counts as 1; the count
+    // is clipped at the end.
+    [[nodiscard]] UnicodeString SubString(int start, int count) const;
     // 1-based position, 0 when absent. Both texts end at their first 0 unit; an empty `sub`
     // gives 1.
-    int Pos(const UnicodeString& sub) const;
-    UnicodeString Trim() const;
-    UnicodeString TrimLeft() const;
-    UnicodeString TrimRight() const;
-    UnicodeString LowerCase() const;
-    UnicodeString UpperCase() const;
+    int Pos(const UnicodeString& sub) const noexcept;
+    [[nodiscard]] UnicodeString Trim() const;
+    [[nodiscard]] UnicodeString TrimLeft() const;
+    [[nodiscard]] UnicodeString TrimRight() const;
+    [[nodiscard]] UnicodeString LowerCase() const;
+    [[nodiscard]] UnicodeString UpperCase() const;
     int ToInt() const;
     int ToIntDef(int value) const;
     double ToDouble() const;
@@ -179,12 +182,12 @@ class QV_API UnicodeString {
     bool IsTrailSurrogate(int index) const;
 
     // Ordinal: code units as unsigned numbers, up to the first difference or 0.
-    bool operator==(const UnicodeString& other) const;
-    bool operator!=(const UnicodeString& other) const;
-    bool operator<(const UnicodeString& other) const;
-    bool operator<=(const UnicodeString& other) const;
-    bool operator>(const UnicodeString& other) const;
-    bool operator>=(const UnicodeString& other) const;
+    bool operator==(const UnicodeString& other) const noexcept;
+    bool operator!=(const UnicodeString& other) const noexcept;
+    bool operator<(const UnicodeString& other) const noexcept;
+    bool operator<=(const UnicodeString& other) const noexcept;
+    bool operator>(const UnicodeString& other) const noexcept;
+    bool operator>=(const UnicodeString& other) const noexcept;
     // By the user's locale: -1, 0, 1; -2 when the platform cannot compare. Null sorts before a
     // buffer of length 0.
     int Compare(const UnicodeString& other) const;

@@ -12,7 +12,7 @@ namespace System {
 
 // Most different strings differ in their first unit, and equal ones often share one buffer. These
 // two cases are decided before the units are compared.
-bool UnicodeString::operator==(const UnicodeString& other) const {
+bool UnicodeString::operator==(const UnicodeString& other) const noexcept {
     if (data_ == other.data_) return true;
     const WCHAR* const a = t_str();
     const WCHAR* const b = other.t_str();
@@ -22,23 +22,23 @@ bool UnicodeString::operator==(const UnicodeString& other) const {
     if (length == other.Length() && std::memcmp(a, b, bytes) == 0) return true;
     return CompareUnits(a, length, b, other.Length()) == 0;
 }
-bool UnicodeString::operator!=(const UnicodeString& other) const {
+bool UnicodeString::operator!=(const UnicodeString& other) const noexcept {
     return !(*this == other);
 }
-bool UnicodeString::operator<(const UnicodeString& other) const {
+bool UnicodeString::operator<(const UnicodeString& other) const noexcept {
     return CompareUnits(t_str(), Length(), other.t_str(), other.Length()) < 0;
 }
-bool UnicodeString::operator<=(const UnicodeString& other) const {
+bool UnicodeString::operator<=(const UnicodeString& other) const noexcept {
     return !(other < *this);
 }
-bool UnicodeString::operator>(const UnicodeString& other) const {
+bool UnicodeString::operator>(const UnicodeString& other) const noexcept {
     return other < *this;
 }
-bool UnicodeString::operator>=(const UnicodeString& other) const {
+bool UnicodeString::operator>=(const UnicodeString& other) const noexcept {
     return !(*this < other);
 }
 
-int UnicodeString::Pos(const UnicodeString& sub) const {
+int UnicodeString::Pos(const UnicodeString& sub) const noexcept {
     return FindUnits(t_str(), Length(), sub.t_str(), sub.Length()) + 1;
 }
 
