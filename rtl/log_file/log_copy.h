@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "log_file/log_reader.h"
+#include "log_file/log_place.h"
 #include "mox_classes/text/unicode_string.h"
 
 namespace Mox {

@@ -13,12 +13,6 @@ namespace {
 
 using log_file::Report;
 
-// A search for slots in a damaged ring looks at no more than this much.
-constexpr DWORD kLongestSearch = 64U << 20;
-
-// An append is given up; the header stays as it is in the file.
-struct TUnreadable {};
-
 DWORD Shown(HANDLE file) {
     return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(file));
 }
@@ -73,6 +67,9 @@ bool TLogFileRing::Open(const UnicodeString& fileName, DWORD sizeLimit) {
                         FILE_ATTRIBUTE_NORMAL, nullptr);
     const DWORD code = GetLastError();
     limit_ = sizeLimit;
+    name_ = fileName;
+    checked_ = false;
+    refused_.reset();
     if (IsOpen()) return true;
     Report(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, fileName,
            GetSysError(code, true));
@@ -88,18 +85,21 @@ bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::T
     texts_ = texts;
     const THeaderLock lock(*this);
     if (!lock.Held() || !ReadHeader()) return false;
-    if (!IsPlausible(header_)) {
-        // The limit of a header of another version means something else.
-        const bool ours = header_.version == TLogFileHeader::kVersion;
-        EmptyRing(header_, ours && header_.limit >= kSmallestLimit ? header_.limit : limit_);
-    }
-    const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
-    if (record.Size() > room && !record.Serialise(message, room)) return false;
     try {
-        return Place(record);
+        if (NeedsCheck() && !Check()) return false;
+        return PlaceAll(message, record);
     } catch (const TUnreadable&) {
         return false;
     }
+}
+
+// The record, and what there is to say about the ring itself.
+QV_APPEND_STEP bool TLogFileRing::PlaceAll(TLogMsg& message, TLogRecordBytes& record) {
+    const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
+    if (record.Size() > room && !record.Serialise(message, room)) return false;
+    if (notice_.Length() > 0) PlaceNotice(std::uint64_t{kLinkSize} + record.Size());
+    Place(record);
+    return true;
 }
 
 QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
@@ -164,16 +164,24 @@ bool TLogFileRing::CreateHeader() {
     return written == kHeaderSize + sizeof(no_slot);
 }
 
-QV_APPEND_STEP bool TLogFileRing::Place(const TLogRecordBytes& record) {
+// Old records are given up in the header before their bytes are used: whoever is killed in between
+// leaves a ring without damage.
+void TLogFileRing::Place(TLogRecordBytes& record) {
     const std::uint64_t need = std::uint64_t{kLinkSize} + record.Size();
-    MakeRoom(need);
+    const std::uint32_t count = header_.count;
+    for (bool made = false; !made;) {
+        try {
+            MakeRoom(need);
+            made = true;
+        } catch (const TMended&) {
+        }
+    }
+    if (header_.count != count) Write(0, &header_, kHeaderSize);
     const auto end = static_cast<DWORD>(header_.write_position + need);
-    Write(header_.write_position, &end, kLinkSize);
-    Write(header_.write_position + kLinkSize, record.Data(), record.Size());
+    Write(header_.write_position, record.Slot(end), static_cast<DWORD>(need));
     header_.counter = header_.counter + 1;
     header_.count = header_.count + 1;
     header_.write_position = end;
-    return true;
 }
 
 // Afterwards `need` bytes at the write position are free and within the limit.
@@ -209,47 +217,38 @@ void TLogFileRing::DropOldest() {
     std::uint8_t head[kSlotHeadSize];
     const DWORD size = ReadOrGiveUp(h.oldest, head, sizeof(head));
     const DWORD end = CredibleSlotEnd(h.oldest, {head, size}, h.wrap);
-    if (end == 0) return Recover();
+    if (end == 0) {
+        Check();
+        throw TMended();
+    }
     h.count = h.count - 1;
     if (end != h.wrap) {
         h.oldest = end;
-        if (IsCountWrong()) Recover();
-        return;
+    } else {
+        h.oldest = kFirstSlot;
+        h.wrap = 0;
+        checked_ = false;  // once per lap: a wrong count ends here
     }
-    h.oldest = kFirstSlot;
-    h.wrap = 0;
-    if (h.write_position == kFirstSlot) {
+    const bool is_empty = h.wrap == 0 && h.write_position == kFirstSlot;
+    if (is_empty) {
         EmptyRing(h, h.limit);
-    } else if (IsCountWrong() || h.write_position - kFirstSlot <= kLongestSearch) {
-        Recover();  // once per lap: a wrong count ends here
+    } else if (IsCountWrong()) {
+        Check();
+        throw TMended();
     }
 }
 
-// A count that was too high all along shows when the slots that are left have no room for it. Kept,
-// it would make the header implausible, and the next append empty the ring.
+// A count that was too high all along shows when the slots that are left have no room for it.
 bool TLogFileRing::IsCountWrong() const {
     return header_.count == 0 || !IsPlausible(header_);
 }
 
-// The oldest slot or the count cannot be believed: goes on with the first credible chain at or
-// behind the oldest offset, else with one at the front, else empties the ring.
-void TLogFileRing::Recover() {
-    TLogFileHeader& h = header_;
-    const TLogChain tail = FindChain(h.oldest, h.wrap);
-    const TLogChain front = FindChain(kFirstSlot, h.write_position);
-    if (tail.count == 0 && front.count == 0) return EmptyRing(h, h.limit);
-    h.count = tail.count + front.count;
-    h.oldest = tail.count > 0 ? tail.first : front.first;
-    if (tail.count == 0) h.wrap = 0;
-}
-
-TLogChain TLogFileRing::FindChain(DWORD from, DWORD end) {
-    if (from >= end) return TLogChain{};
-    from = std::max(from, end - std::min(end, kLongestSearch));
-    std::vector<std::uint8_t> region(end - from);
-    const DWORD size = ReadOrGiveUp(from, region.data(), end - from);
-    if (size != region.size()) return TLogChain{};
-    return FindChainToEnd(region, from);
+// Without a record giving way.
+bool TLogFileRing::HasRoom(std::uint64_t need) const {
+    const bool free_to_limit = header_.wrap == 0 && header_.write_position > header_.oldest;
+    const DWORD end = free_to_limit ? header_.limit : header_.oldest;
+    return header_.count > 0 && end >= header_.write_position &&
+           end - header_.write_position >= need;
 }
 
 // Records that cannot be read now are not overwritten for that.
@@ -276,6 +275,10 @@ QV_APPEND_STEP DWORD TLogFileRing::Write(DWORD offset, const void* bytes, DWORD 
     if (WriteFile(file_, bytes, size, &done, &at)) return done;
     ReportTransfer(TEXT("::WriteFile"), offset, size, __builtin_LINE());
     return 0;
+}
+
+DWORD TLogFileRing::WriteReported(DWORD offset, const void* bytes, DWORD size) {
+    return Write(offset, bytes, size);
 }
 
 // A device without positions refuses the transfer's offset: its report names the step that failed.

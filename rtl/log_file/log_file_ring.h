@@ -9,9 +9,12 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "log_file/log_format.h"
 #include "log_file/log_record_bytes.h"
+#include "log_file/log_repair.h"
 #include "log_file/log_report.h"
 #include "log_file/log_ring.h"
 #include "mox_classes/text/unicode_string.h"
@@ -50,19 +53,34 @@ class TLogFileRing {
     static constexpr TDuration kLastWait = std::chrono::milliseconds(500);
 
     class THeaderLock;
+    // An append is given up; the header stays as it is in the file.
+    struct TUnreadable {};
+    // The ring was mended while room was made, and the header with it.
+    struct TMended {};
 
     bool WaitForLock();
     void Unlock();
     bool ReadHeader();
     bool EndsBy(std::uint64_t offset) const;
     bool CreateHeader();
-    bool Place(const TLogRecordBytes& record);
+    bool PlaceAll(TLogMsg& message, TLogRecordBytes& record);
+    void Place(TLogRecordBytes& record);
     void MakeRoom(std::uint64_t need);
     void Wrap();
     void DropOldest();
     bool IsCountWrong() const;
-    void Recover();
-    TLogChain FindChain(DWORD from, DWORD end);
+    bool HasRoom(std::uint64_t need) const;
+
+    // log_file_mend.cpp
+    bool NeedsCheck() const;
+    bool Check();
+    bool Refuse();
+    void Mend(const TLogRepair& plan, TLogBytes file);
+    void CopyBeside(TLogBytes file);
+    void PlaceNotice(std::uint64_t need);
+    std::vector<std::uint8_t> ReadWhole();
+    DWORD WriteReported(DWORD offset, const void* bytes, DWORD size);
+    void WriteOrGiveUp(DWORD offset, const void* bytes, DWORD size);
 
     DWORD Read(DWORD offset, void* bytes, DWORD size, bool& failed);
     DWORD ReadOrGiveUp(DWORD offset, void* bytes, DWORD size);
@@ -70,6 +88,11 @@ class TLogFileRing {
     void ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line);
 
     TLogFileHeader header_{};
+    UnicodeString name_;
+    bool checked_ = false;                     // against everything that the file holds
+    std::optional<TLogFileHeader> refused_{};  // the beginning of a file that is no log
+    UnicodeString notice_;                     // of a repair; is to be logged
+    bool notice_due_ = false;                  // also when that costs old records
     HANDLE file_ = INVALID_HANDLE_VALUE;
     DWORD limit_ = 0xFFFFFFFF;
     std::uint64_t counter_after_unlock_ = 0;

@@ -9,7 +9,7 @@
 #include "log_file/log_copy.h"
 #include "log_file/log_record.h"
 #include "log_file/log_ring.h"
-#include "log_file/log_walk.h"
+#include "log_file/ring_finder.h"
 #include "mox_classes/text/sysutils_numbers.h"
 
 namespace Mox {
@@ -19,7 +19,6 @@ class TLogReader::TState {
   public:
     bool Start(std::vector<std::uint8_t> bytes) {
         bytes_ = std::move(bytes);
-        walk_ = TLogWalk(bytes_);
         if (bytes_.empty()) return true;
         if (bytes_.size() < kHeaderSize) return Fail(TEXT("the file ends inside its header"));
         std::memcpy(&header, bytes_.data(), kHeaderSize);
@@ -28,22 +27,22 @@ class TLogReader::TState {
         }
         if (!IsPlausible(header)) return Fail(TEXT("the header's numbers cannot be true"));
         has_header_ = true;
-        walk_.FollowRing(header);
-        count_differs_ = CountDiffers();
+        Find();
         return true;
     }
 
     // The copy behind a header that cannot be believed; a copy of a file holds only that header.
     bool StartWithoutHeader() {
-        if (error.Length() == 0) return false;
+        if (error.Length() == 0 || bytes_.empty()) return false;
         if (file_name.Length() > 0) {
             const UnicodeString failure =
                 CopyLogFile(file_name, TLogCopyExtent::WholeFile, bytes_, copy);
             if (failure.Length() > 0) return false;
         }
-        walk_ = TLogWalk(bytes_);
-        walk_.CollectAll();
-        if (walk_.Slots().empty()) return false;
+        std::memcpy(&header, bytes_.data(), std::min<std::size_t>(bytes_.size(), kHeaderSize));
+        ring_ = FindRing(header, bytes_);
+        header = TLogFileHeader{};
+        if (ring_.slots.empty()) return false;
         header_fault_ = std::exchange(error, UnicodeString());
         Seek(0);
         return true;
@@ -56,9 +55,9 @@ class TLogReader::TState {
     }
 
     const TLogMsg* Next() {
-        while (next_ < walk_.Slots().size()) {
+        while (next_ < ring_.slots.size()) {
             TakeGaps();
-            const TLogWalk::TSlot slot = walk_.Slots()[next_++];
+            const TLogSlot slot = ring_.slots[next_++];
             message_.reset(TLogMsg::Alloc());
             if (message_ == nullptr) throw std::bad_alloc();
             const DWORD record = slot.offset + kLinkSize;
@@ -74,14 +73,14 @@ class TLogReader::TState {
 
     TLogPlace Place() const {
         if (next_ == 0) return TLogPlace();
-        const TLogWalk::TSlot& slot = walk_.Slots()[next_ - 1];
-        const std::uint64_t newer = walk_.Slots().size() - next_;
+        const TLogSlot& slot = ring_.slots[next_ - 1];
+        const std::uint64_t newer = ring_.slots.size() - next_;
         return {slot.offset, slot.end - slot.offset,
                 header.counter > newer ? header.counter - newer : 0};
     }
 
     void Seek(std::uint64_t number) {
-        const std::size_t count = walk_.Slots().size();
+        const std::size_t count = ring_.slots.size();
         std::uint64_t left = 0;  // records from this number on
         if (number == 0) left = count;
         if (number > 0 && number <= header.counter) left = header.counter - number + 1;
@@ -103,12 +102,19 @@ class TLogReader::TState {
         void operator()(TLogMsg* message) const { message->Free(); }
     };
 
-    bool CountDiffers() const { return has_header_ && walk_.Slots().size() != header.count; }
+    void Find() {
+        ring_ = FindRing(header, bytes_);
+        if (!ring_.by_header) header_fault_ = TEXT("the header does not fit the records");
+        Seek(0);
+    }
+
+    bool CountDiffers() const { return has_header_ && ring_.slots.size() != header.count; }
 
     void TakeGaps() {
-        const std::vector<TLogWalk::TGap>& gaps = walk_.Gaps();
-        for (; gap_ < gaps.size() && gaps[gap_].slot <= next_; ++gap_)
-            skips.push_back(gaps[gap_].skip);
+        for (; gap_ < ring_.gaps.size() && ring_.gaps[gap_].slot <= next_; ++gap_) {
+            const TRingGap& gap = ring_.gaps[gap_];
+            skips.push_back({gap.offset, gap.end - gap.offset, UnicodeString(gap.reason)});
+        }
     }
 
     void CompareCount() {
@@ -116,11 +122,11 @@ class TLogReader::TState {
         skips.push_back(
             {0, 0,
              Sysutils::UnicodePrintf(TEXT("the header counts %u records, the ring holds %u"),
-                                     header.count, static_cast<DWORD>(walk_.Slots().size()))});
+                                     header.count, static_cast<DWORD>(ring_.slots.size()))});
     }
 
     std::vector<std::uint8_t> bytes_;
-    TLogWalk walk_{TLogBytes()};
+    TFoundRing ring_;
     bool has_header_ = false;
     std::size_t next_ = 0;  // the slot that Next looks at
     std::size_t gap_ = 0;   // the gap that is taken next

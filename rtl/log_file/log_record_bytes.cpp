@@ -1,6 +1,7 @@
 #include "log_file/log_record_bytes.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "log_file/log_record.h"
 #include "mox_classes/memory/memory.h"
@@ -64,23 +65,28 @@ TLogRecordBytes::~TLogRecordBytes() {
 }
 
 void TLogRecordBytes::Release() {
-    if (data_ != nullptr && data_ != small_) System::FreeMemory(data_);
-    data_ = nullptr;
+    if (slot_ != nullptr && slot_ != small_) System::FreeMemory(slot_);
+    slot_ = nullptr;
     size_ = 0;
+}
+
+const void* TLogRecordBytes::Slot(std::uint32_t end) {
+    std::memcpy(slot_, &end, kLinkSize);
+    return slot_;
 }
 
 bool TLogRecordBytes::Serialise(TLogMsg& message, std::int64_t room) {
     Release();
-    room = std::min<std::int64_t>(room, INT32_MAX);
+    room = std::min<std::int64_t>(room, INT32_MAX - kLinkSize);
     return SerialiseSmall(message, room) || SerialiseMeasured(message, room);
 }
 
 // Most messages are short and ASCII.
 bool TLogRecordBytes::SerialiseSmall(const TLogMsg& message, std::int64_t room) {
     const TMeasuredRecord record(message, TMeasuredRecord::TStrings::TakenForAscii);
-    if (record.Size() > std::min<std::int64_t>(room, sizeof(small_))) return false;
-    if (!record.Write(small_)) return false;
-    data_ = small_;
+    if (record.Size() > std::min<std::int64_t>(room, sizeof(small_) - kLinkSize)) return false;
+    if (!record.Write(small_ + kLinkSize)) return false;
+    slot_ = small_;
     size_ = static_cast<std::uint32_t>(record.Size());
     return true;
 }
@@ -91,9 +97,10 @@ bool TLogRecordBytes::SerialiseMeasured(TLogMsg& message, std::int64_t room) {
         TLogMsg cut = message;
         return CutToFit(cut, room) && Serialise(cut, room);
     }
-    data_ = System::GetMemory(static_cast<int>(record.Size()));
-    if (data_ == nullptr) return false;
-    record.Write(data_);
+    slot_ =
+        static_cast<std::uint8_t*>(System::GetMemory(static_cast<int>(kLinkSize + record.Size())));
+    if (slot_ == nullptr) return false;
+    record.Write(slot_ + kLinkSize);
     size_ = static_cast<std::uint32_t>(record.Size());
     return true;
 }

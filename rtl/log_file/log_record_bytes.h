@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "log_file/log_format.h"
 #include "mox_log/log_message.h"
 
 namespace Mox {
@@ -21,17 +22,18 @@ class TLogRecordBytes {
     // says so in its label. False, and no bytes, when that is not enough or the heap is exhausted.
     bool Serialise(TLogMsg& message, std::int64_t room);
 
-    const void* Data() const { return data_; }
     std::uint32_t Size() const { return size_; }
+    // The record with its link, kLinkSize + Size() bytes, which leads to `end`.
+    const void* Slot(std::uint32_t end);
 
   private:
     void Release();
     bool SerialiseSmall(const TLogMsg& message, std::int64_t room);
     bool SerialiseMeasured(TLogMsg& message, std::int64_t room);
 
-    void* data_ = nullptr;  // small_ or a block
-    std::uint32_t size_ = 0;
-    std::uint8_t small_[480];
+    std::uint8_t* slot_ = nullptr;  // small_ or a block
+    std::uint32_t size_ = 0;        // of the record
+    std::uint8_t small_[kLinkSize + 480];
 };
 
 }  // namespace Mox

@@ -1,7 +1,6 @@
 #include "log_file/log_ring.h"
 
 #include <cstring>
-#include <vector>
 
 namespace Mox {
 
@@ -15,18 +14,6 @@ std::uint32_t NumberAt(TLogBytes bytes, std::size_t at, unsigned width) {
     std::uint32_t number = 0;
     std::memcpy(&number, bytes.data() + at, width);
     return number;
-}
-
-// Slots of the chain that begins at `from`, if it ends at `end`; else 0.
-std::uint32_t CountSlots(TLogBytes region, std::uint32_t start, std::uint32_t from,
-                         std::uint32_t end) {
-    std::uint32_t count = 0;
-    while (from != end) {
-        from = CredibleSlotEnd(from, region.subspan(from - start), end);
-        if (from == 0) return 0;
-        ++count;
-    }
-    return count;
 }
 
 // Positions and count of a ring that is not empty.
@@ -75,27 +62,6 @@ void EmptyRing(TLogFileHeader& header, std::uint32_t limit) {
     header.oldest = kFirstSlot;
     header.wrap = 0;
     std::memset(header.reserved, 0, sizeof(header.reserved));
-}
-
-TLogChain FindChainToEnd(TLogBytes region, std::uint32_t start) {
-    const auto end = static_cast<std::uint32_t>(start + region.size());
-    TLogChain chain{start, CountSlots(region, start, start, end)};
-    if (chain.count > 0 || region.size() < kSmallestSlot) return chain;
-    // Whether the slot at a position leads to the end; from the last position to the first, so that
-    // the answer for a slot's end is there before it is asked.
-    std::vector<bool> leads(region.size() + 1);
-    leads[region.size()] = true;
-    std::size_t first = region.size();
-    for (std::size_t at = region.size() - kSmallestSlot + 1; at-- > 0;) {
-        const auto offset = static_cast<std::uint32_t>(start + at);
-        const std::uint32_t link = CredibleSlotEnd(offset, region.subspan(at), end);
-        if (link == 0 || !leads[link - start]) continue;
-        leads[at] = true;
-        first = at;
-    }
-    chain.first = static_cast<std::uint32_t>(start + first);
-    chain.count = CountSlots(region, start, chain.first, end);
-    return chain;
 }
 
 }  // namespace Mox

@@ -27,14 +27,4 @@ bool IsPlausible(const TLogFileHeader& header);
 // Makes the ring empty in place; `limit` becomes the file's limit.
 void EmptyRing(TLogFileHeader& header, std::uint32_t limit);
 
-// Credible slots, each beginning where the last one ended. A count of 0: none.
-struct TLogChain {
-    std::uint32_t first = 0;
-    std::uint32_t count = 0;
-};
-
-// The longest chain that ends exactly where `region` ends; `region` lies at offset `start` of the
-// file. Takes time in proportion to the region.
-TLogChain FindChainToEnd(TLogBytes region, std::uint32_t start);
-
 }  // namespace Mox

@@ -1,0 +1,125 @@
+// The rare part of writing to a log file: looking at all of it, and mending what is damaged.
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "log_file/log_file_ring.h"
+#include "mox_classes/text/sys_error.h"
+#include "mox_classes/text/sysutils_numbers.h"
+
+namespace Mox {
+
+namespace {
+
+// Of a file that is larger, only so much is looked at.
+constexpr DWORD kMostLookedAt = 64U << 20;
+
+bool IsSame(const TLogFileHeader& a, const TLogFileHeader& b) {
+    return std::memcmp(&a, &b, sizeof(a)) == 0;
+}
+
+}  // namespace
+
+bool TLogFileRing::NeedsCheck() const {
+    return !checked_ || !IsPlausible(header_) || (header_.count == 0 && header_.counter != 0);
+}
+
+// False for a file that is no log. Otherwise the header is one to go on with.
+bool TLogFileRing::Check() {
+    if (refused_ && IsSame(*refused_, header_)) return false;
+    refused_.reset();
+    checked_ = true;
+    // A ring that its maker made too small for any record is none to mend.
+    if (header_.limit == limit_ && limit_ < kSmallestLimit) return false;
+    std::vector<std::uint8_t> file = ReadWhole();
+    const bool is_whole = EndsBy(file.size());
+    if (!is_whole && IsPlausible(header_)) return true;
+    const TLogRepair plan = PlanRepair(header_, file, limit_);
+    if (plan.state == TLogState::NotOurs) return Refuse();
+    if (plan.state != TLogState::Sound) Mend(plan, file);
+    return true;
+}
+
+bool TLogFileRing::Refuse() {
+    refused_ = header_;
+    counter_at_lock_ = header_.counter;
+    log_file::ShowReport(name_ + TEXT(" is not empty and no log: nothing is written to it"),
+                         __builtin_LINE());
+    return false;
+}
+
+void TLogFileRing::Mend(const TLogRepair& plan, TLogBytes file) {
+    if (plan.state == TLogState::NothingLeft) {
+        CopyBeside(file);
+    } else if (plan.header.count > 0) {
+        notice_ = Sysutils::UnicodePrintf(
+            TEXT("The log was damaged: %u records were kept, %u bytes in %u places were lost"),
+            plan.kept, static_cast<DWORD>(plan.lost), static_cast<DWORD>(plan.patches.size()));
+    }
+    for (const TLogPatch& patch : plan.patches) {
+        WriteOrGiveUp(patch.offset, patch.bytes.data(), static_cast<DWORD>(patch.bytes.size()));
+    }
+    header_ = plan.header;
+    counter_at_lock_ = header_.counter;
+    WriteOrGiveUp(0, &header_, kHeaderSize);
+}
+
+// Nothing of the file can be read, but somebody may want to look.
+void TLogFileRing::CopyBeside(TLogBytes file) {
+    const UnicodeString name = name_ + TEXT(".damaged");
+    const HANDLE copy = CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const bool replaced = GetLastError() == ERROR_ALREADY_EXISTS;
+    notice_ = TEXT("The log held no record that can be read, and begins anew");
+    if (copy == INVALID_HANDLE_VALUE) {
+        notice_ += TEXT("; it could not be copied");
+        return;
+    }
+    DWORD done = 0;
+    const auto size = static_cast<DWORD>(file.size());
+    const bool whole = WriteFile(copy, file.data(), size, &done, nullptr) && done == size;
+    CloseHandle(copy);
+    notice_ += UnicodeString(whole ? TEXT("; its copy is ") : TEXT("; a part of it is in ")) + name;
+    if (replaced) notice_ += TEXT(", in place of an older one");
+}
+
+// In front of the record, which needs `need` bytes. Records give way for it only with the second
+// append after a repair: the first one costs no more than it would have cost a sound ring.
+void TLogFileRing::PlaceNotice(std::uint64_t need) {
+    TLogMsg* message = TLogMsg::Alloc();
+    if (message == nullptr) return;
+    message->level = '>';
+    message->source = log_file::kModule;
+    message->text = notice_;
+    message->processId = GetCurrentProcessId();
+    message->threadId = GetCurrentThreadId();
+    message->sessionId = 0xFFFFFFFF;
+    TLogRecordBytes record;
+    const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
+    const bool fits = record.Serialise(*message, std::max<std::int64_t>(0, room / 2));
+    message->Free();
+    if (!fits || notice_due_ || HasRoom(need + kLinkSize + record.Size())) {
+        if (fits) Place(record);
+        notice_ = UnicodeString();
+        notice_due_ = false;
+    } else {
+        notice_due_ = true;
+    }
+}
+
+std::vector<std::uint8_t> TLogFileRing::ReadWhole() {
+    DWORD high = 0;
+    const DWORD low = GetFileSize(file_, &high);
+    std::vector<std::uint8_t> file(high != 0 ? kMostLookedAt : std::min(low, kMostLookedAt));
+    if (!file.empty()) {
+        file.resize(ReadOrGiveUp(0, file.data(), static_cast<DWORD>(file.size())));
+    }
+    return file;
+}
+
+void TLogFileRing::WriteOrGiveUp(DWORD offset, const void* bytes, DWORD size) {
+    if (WriteReported(offset, bytes, size) != size) throw TUnreadable();
+}
+
+}  // namespace Mox
