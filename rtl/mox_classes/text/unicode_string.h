@@ -16,6 +16,10 @@
 #include "mox_classes/text/wide_format.h"
 #include "qv_api.h"
 
+// NULL is a number for the compiler: a string made from it would be "0". In every file that
+// includes this one that is an error, not a warning.
+#pragma GCC diagnostic error "-Wconversion-null"
+
 namespace System {
 
 // Lies immediately in front of the first character. The block's data part holds (length + 1) * 2
@@ -60,7 +64,7 @@ class QV_API UnicodeString {
     UnicodeString(unsigned long long value);
     // Fixed notation with six decimals.
     UnicodeString(double value);
-    // A null pointer is no number. Of NULL, which is an integer, the compiler warns by itself.
+    // A null pointer is no number.
     UnicodeString(std::nullptr_t) = delete;
     // Narrow text of the system ANSI code page; count -1 means up to the terminating zero. A count
     // above 2147483647 throws "Out of length", other negative counts give the empty string.

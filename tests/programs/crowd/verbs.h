@@ -3,7 +3,6 @@
 // returns the exit status.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
