@@ -165,8 +165,8 @@ TEST_F(Registry, ValuesComeBackByteForByteInTheirOrder) {
     EXPECT_EQ(Names(false),
               sorted ? TEXT("a c d e f g h i j k z ") : TEXT("z a c d e f g h i j k "));
     WCHAR name[4];
-    BYTE data[4];
-    DWORD units = 4, type = 0, size = 4;
+    BYTE data[8];
+    DWORD units = 4, type = 0, size = 8;
     EXPECT_EQ(RegEnumValueW(key_, 0, name, &units, nullptr, &type, data, &size), ERROR_SUCCESS);
     EXPECT_EQ(Text(name, units), sorted ? TEXT("a") : TEXT("z"));
 }
