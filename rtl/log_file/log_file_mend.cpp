@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "log_file/log_file_ring.h"
+#include "mox_classes/memory/handles.h"
 #include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_numbers.h"
 
@@ -68,18 +69,17 @@ void TLogFileRing::Mend(const TLogRepair& plan, TLogBytes file) {
 // Nothing of the file can be read, but somebody may want to look.
 void TLogFileRing::CopyBeside(TLogBytes file) {
     const UnicodeString name = name_ + TEXT(".damaged");
-    const HANDLE copy = CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+    const System::TFileHandle copy(CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr,
+                                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     const bool replaced = GetLastError() == ERROR_ALREADY_EXISTS;
     notice_ = TEXT("The log held no record that can be read, and begins anew");
-    if (copy == INVALID_HANDLE_VALUE) {
+    if (!copy) {
         notice_ += TEXT("; it could not be copied");
         return;
     }
     DWORD done = 0;
     const auto size = static_cast<DWORD>(file.size());
-    const bool whole = WriteFile(copy, file.data(), size, &done, nullptr) && done == size;
-    CloseHandle(copy);
+    const bool whole = WriteFile(copy.Get(), file.data(), size, &done, nullptr) && done == size;
     notice_ += UnicodeString(whole ? TEXT("; its copy is ") : TEXT("; a part of it is in ")) + name;
     if (replaced) notice_ += TEXT(", in place of an older one");
 }
