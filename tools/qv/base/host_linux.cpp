@@ -1,9 +1,11 @@
 // Also qv host: the state that this host keeps in place of Windows: where it lies, and its registry
 // as text.
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <qv_host.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -55,6 +57,20 @@ void Export(const std::string& key) {
 }
 
 }  // namespace
+
+// cppcheck-suppress uninitMemberVar ; read only as far as it was written
+EarlyArguments::EarlyArguments() {
+    const int file = open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
+    const ssize_t size = file < 0 ? 0 : read(file, text_.data(), text_.size());
+    if (file >= 0) close(file);
+    // Each argument ends with a zero; the first is the program.
+    std::string_view left(text_.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
+    for (bool is_program = true; !left.empty(); is_program = false) {
+        const std::size_t end = std::min(left.find('\0'), left.size());
+        if (!is_program) Add(left.substr(0, end));
+        left.remove_prefix(std::min(end + 1, left.size()));
+    }
+}
 
 bool IsTerminal(Stream stream) {
     return isatty(static_cast<int>(stream)) != 0;

@@ -65,6 +65,25 @@ std::int64_t ToSeconds(const FILETIME& time) {
 
 }  // namespace
 
+// Quotes are dropped and backslashes kept: enough for words that need neither.
+EarlyArguments::EarlyArguments() {
+    std::size_t size = 0, begin = 0;
+    bool quoted = false, is_program = true;
+    for (const char* at = GetCommandLineA();; ++at) {
+        const bool ends = *at == 0 || size == text_.size();
+        if (ends || ((*at == ' ' || *at == '\t') && !quoted)) {
+            if (size > begin && !is_program) Add({text_.data() + begin, size - begin});
+            if (size > begin) is_program = false;
+            begin = size;
+            if (ends) return;
+        } else if (*at == '"') {
+            quoted = !quoted;
+        } else {
+            text_[size++] = *at;
+        }
+    }
+}
+
 bool IsTerminal(Stream stream) {
     DWORD mode = 0;
     return GetConsoleMode(StandardHandle(stream), &mode) != FALSE;
