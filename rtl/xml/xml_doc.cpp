@@ -94,7 +94,7 @@ bool TXmlDoc::LoadFromString(const UnicodeString& text, const UnicodeString& roo
 
 void TXmlDoc::SaveToFile(UnicodeString file_name) {
     const UnicodeString why_not = WhyNotSaved();
-    if (!why_not.IsEmpty()) throw why_not;
+    if (!why_not.IsEmpty()) throw UnicodeString(why_not);
     TXmlFile stream(file_name);
     SaveTo(&stream, nullptr);
 }

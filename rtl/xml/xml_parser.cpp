@@ -136,6 +136,7 @@ int TXmlDoc::ParseText(UnicodeString& text, bool in_attribute) {
     return parser_ == nullptr ? -1 : parser_->ParseText(text, in_attribute);
 }
 
+// cppcheck-suppress uninitMemberVar ; the text writes its room before it reads it
 TXmlParser::TXmlParser(TXmlDoc& document, TAsciiCharFinder& finder)
     : doc_(document), finder_(finder), sets_(SearchSets()), utf8_(finder.TakesUtf8()) {
     doc_.FFinder = &finder;
