@@ -169,11 +169,16 @@ bool TLogFileRing::CreateHeader() {
 void TLogFileRing::Place(TLogRecordBytes& record) {
     const std::uint64_t need = std::uint64_t{kLinkSize} + record.Size();
     const std::uint32_t count = header_.count;
+    // A look at the file may mend nothing that is in the way, above all in one that is too large to
+    // be looked at whole. Then the ring begins anew, or the append would never end.
+    constexpr int kMostLooks = 2;
+    int looks = 0;
     for (bool made = false; !made;) {
         try {
             MakeRoom(need);
             made = true;
         } catch (const TMended&) {
+            if (++looks == kMostLooks) EmptyRing(header_, header_.limit);
         }
     }
     if (header_.count != count) Write(0, &header_, kHeaderSize);
@@ -217,10 +222,7 @@ void TLogFileRing::DropOldest() {
     std::uint8_t head[kSlotHeadSize];
     const DWORD size = ReadOrGiveUp(h.oldest, head, sizeof(head));
     const DWORD end = CredibleSlotEnd(h.oldest, {head, size}, h.wrap);
-    if (end == 0) {
-        Check();
-        throw TMended();
-    }
+    if (end == 0) LookAgain();
     h.count = h.count - 1;
     if (end != h.wrap) {
         h.oldest = end;
@@ -233,9 +235,14 @@ void TLogFileRing::DropOldest() {
     if (is_empty) {
         EmptyRing(h, h.limit);
     } else if (IsCountWrong()) {
-        Check();
-        throw TMended();
+        LookAgain();
     }
+}
+
+// The slots or the count cannot be believed. Room is made anew in what the look at the file leaves.
+void TLogFileRing::LookAgain() {
+    if (!Check()) throw TUnreadable();
+    throw TMended();
 }
 
 // A count that was too high all along shows when the slots that are left have no room for it.

@@ -68,6 +68,7 @@ class TLogFileRing {
     void MakeRoom(std::uint64_t need);
     void Wrap();
     void DropOldest();
+    [[noreturn]] void LookAgain();
     bool IsCountWrong() const;
     bool HasRoom(std::uint64_t need) const;
 

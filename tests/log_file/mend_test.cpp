@@ -177,4 +177,20 @@ TEST_F(Mended, WhereNothingIsLeftACopyStays) {
     DeleteFileW(copy.c_str());
 }
 
+// Damage that lies behind what is looked at must not keep the writer for ever.
+TEST_F(Mended, DamageInAFileThatIsTooLargeEndsTheRing) {
+    constexpr DWORD kLarge = 66U << 20;
+    LogImage image(kLarge);
+    Mox::TLogFileHeader header{};
+    header.version = Mox::TLogFileHeader::kVersion;
+    header.counter = 5;
+    header.count = 2;
+    header.limit = kLarge;
+    header.oldest = 65U << 20;
+    header.wrap = kLarge;
+    header.write_position = header.oldest - 10;
+    std::memcpy(image.data(), &header, sizeof(header));
+    EXPECT_EQ(Walked(AfterAppend(image)).back().text, "appended");
+}
+
 }  // namespace
