@@ -78,15 +78,20 @@ ended_early() {
         head -n 60
 }
 
-# Runs a script-driven test: run_check NAME COMMAND...
+# Runs a script-driven test: run_check NAME COMMAND... Exit status 77 skips the test: what it needs is
+# missing, and its last line says what.
 run_check() {
-    local name=$1 log=$logs/$suite.$1
+    local name=$1 log=$logs/$suite.$1 status=0
     shift
-    if "$@" </dev/null >"$log" 2>&1; then
-        passed=$((passed + 1))
-    else
-        note_failure 1 "$name: $(tail -n 40 "$log")"
-    fi
+    "$@" </dev/null >"$log" 2>&1 || status=$?
+    case $status in
+        0) passed=$((passed + 1)) ;;
+        77)
+            skipped=$((skipped + 1))
+            echo "$suite: $name is skipped: $(tail -n 1 "$log")"
+            ;;
+        *) note_failure 1 "$name: $(tail -n 40 "$log")" ;;
+    esac
 }
 
 # Prints the suite's line, with its first failure above it; false when anything failed.

@@ -21,5 +21,16 @@ expect() {
     fi
 }
 
+# settings_tool COPIES BEFORE COMMAND...: what the example of that name does in every language.
+settings_tool() {
+    local copies=$1 before=$2
+    shift 2
+    expect 0 "dmCopies was $before" "$@" "Vantrel Fax" "$copies"
+    grep -qx "Office Laser" "$out"
+    expect 1 "[1801]" "$@" "No Such Printer" 2
+    expect 1 "dmCopies cannot be" "$@" "Vantrel Fax" 99999
+    expect 2 "usage" "$@"
+}
+
 drive=$QV_HOST_ROOT/drive_c
 scripts/machine "$programs"

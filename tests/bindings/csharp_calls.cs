@@ -1,8 +1,8 @@
-// The scenario of managed_calls.cpp through QvRtl.cs: managed_calls.exe PRINTER
+// Every call of QvRtl.cs, one line printed for each: csharp_calls.exe PRINTER
 using System;
 using System.Collections.Generic;
 
-public static class ManagedCalls
+public static class CSharpCalls
 {
     private const string Fancy = "\uD83D\uDCE0 \u0100 \u00E9";
 

@@ -1,4 +1,4 @@
-// load_cycles_linux FILE COUNT THREADS HOST: loads the library FILE, has it log a record and
+// load_cycles FILE COUNT THREADS HOST: loads the library FILE, has it log a record and
 // unloads it, COUNT times in each of THREADS threads, and looks whether the process has grown.
 // Without a HOST the loader of this system is called, and the host layer comes and goes with the
 // library; with one, that file, the host layer, stays, and its LoadLibraryW and FreeLibrary are
@@ -124,7 +124,7 @@ void Show(const char* when, const THeld& held) {
 int main(int argc, char** argv) {
     const int count = argc == 4 || argc == 5 ? std::atoi(argv[2]) : 0;
     if (count < 10) {
-        std::fputs("usage: load_cycles_linux FILE COUNT THREADS [HOST]\n", stderr);
+        std::fputs("usage: load_cycles FILE COUNT THREADS [HOST]\n", stderr);
         return 2;
     }
     const int threads = std::atoi(argv[3]);
