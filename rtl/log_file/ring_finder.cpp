@@ -236,10 +236,20 @@ bool IsUncounted(const TLogFileHeader& header, const TFoundRing& ring) {
     return header.counter == 0 && ring.slots.size() == 1 && ring.slots[0].offset == kFirstSlot;
 }
 
+// What a writer leaves that was killed when all others had given way for its own record. One
+// number that was flipped does not look like this.
+bool IsEmptied(const TLogFileHeader& header) {
+    return header.counter != 0 && header.wrap == 0 && header.oldest == kFirstSlot &&
+           header.write_position == kFirstSlot;
+}
+
 }  // namespace
 
 TFoundRing FindRing(const TLogFileHeader& header, TLogBytes file) {
     const bool plausible = IsPlausible(header);
+    TFoundRing empty;
+    empty.by_header = true;
+    if (plausible && header.count == 0 && IsEmptied(header)) return empty;
     if (plausible && header.count > 0) {
         TFoundRing named = NamedByHeader(header, file);
         if (named.by_header) return named;
@@ -247,8 +257,6 @@ TFoundRing FindRing(const TLogFileHeader& header, TLogBytes file) {
     TFoundRing found = TUnnamedRing(header, file).Find();
     if (!plausible || header.count > 0) return found;
     if (!found.slots.empty() && !IsUncounted(header, found)) return found;
-    TFoundRing empty;
-    empty.by_header = true;
     return empty;
 }
 

@@ -121,36 +121,6 @@ TEST_F(Damaged, AStringThatPassesItsRecordCostsThatRecord) {
     EXPECT_EQ(read.skips, Texts{"a string passes the end of the record"});
 }
 
-// The record was written, the header was not: the oldest offset lies in overwritten bytes.
-TEST_F(Damaged, AWriterKilledBetweenItsWritesLosesOneRecord) {
-    for (int survivors = 0; survivors < 12; ++survivors) {
-        Replace({});
-        Fill();
-        Record(kLimit);
-        for (int i = 0; i < survivors; ++i) Log(Numbered(50 + i));
-        const LogImage before = Image();
-        Log("a text that is longer than the others: it takes two slots");
-        LogImage after = Image();
-        std::copy(before.begin(), before.begin() + 96, after.begin());
-        Close();
-        Replace(after);
-        Record(kLimit);
-        for (int i = 100; i < 103; ++i) Log(Numbered(i));
-        Texts texts = Read().texts;
-        ASSERT_GT(texts.size(), 8u) << survivors;
-        texts.erase(std::remove_if(texts.begin(), texts.end(),
-                                   [](const auto& text) { return text[0] == 'T'; }),
-                    texts.end());
-        EXPECT_EQ(Texts(texts.end() - 3, texts.end()),
-                  (Texts{Numbered(100), Numbered(101), Numbered(102)}));
-        for (int i = 103; i < 130; ++i) Log(Numbered(i));
-        Close();
-        const ReadBack read = Read();
-        EXPECT_EQ(read.texts.size(), (kLimit - 96) / kSlot) << survivors;
-        EXPECT_TRUE(read.skips.empty()) << survivors << ": " << read.skips.front();
-    }
-}
-
 TEST_F(Damaged, EveryWrongByteIsSurvived) {
     Fill();
     const LogImage honest = Image();

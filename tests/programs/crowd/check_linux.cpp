@@ -20,8 +20,6 @@ int Check(const TArguments& arguments) {
     const std::uint64_t counter = header.counter;
     if (counter != std::uint64_t{writers} * records)
         Fail("the change counter is " + std::to_string(counter));
-    if (ring.Records() != header.count) Fail("the header's count is wrong");
-    if (ring.Skipped() != 0) Fail("the reader left something out");
     const bool all = counter == ring.Records();
     if (!all && ring.Used() + 3 * kLargestSlot < header.limit) Fail("old records are missing");
     std::printf("records appended: %u by %u writers; change counter: %s\n", writers * records,

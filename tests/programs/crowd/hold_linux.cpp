@@ -44,9 +44,9 @@ class TRound {
     // `ends`: the holder is killed, else it is sent on its way.
     void Run(bool ends) {
         const pid_t holder = Start([this] { Write(kHolder); });
-        WaitUntil([this] { return states_[kHolder].Started() > 10; }, "to log");
+        WaitUntil([this] { return states_[kHolder].Started().number > 10; }, "to log");
         const pid_t worker = Start([this] { WorkAndLog(); });
-        WaitUntil([this] { return states_[kSecondWaiter].Started() > 10; }, "to log");
+        WaitUntil([this] { return states_[kSecondWaiter].Started().number > 10; }, "to log");
         std::filesystem::remove(folder_ + "/leave");
         const pid_t leaver = StartProgram("leave");
         const std::uint32_t before = WorkIn(2'000'000);
@@ -162,8 +162,8 @@ class TRound {
     }
 
     void GoOn(pid_t holder, bool ends) {
-        const std::uint32_t first = states_[kFirstWaiter].Started();
-        const std::uint32_t second = states_[kSecondWaiter].Started();
+        const std::uint32_t first = states_[kFirstWaiter].Started().number;
+        const std::uint32_t second = states_[kSecondWaiter].Started().number;
         const std::uint64_t began = Now();
         if (ends) {
             Kill(holder);

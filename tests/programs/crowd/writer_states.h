@@ -37,21 +37,21 @@ class TCounter {
 // One writer: how far it is.
 class TWriterState {
   public:
-    struct TReturned {
-        std::uint32_t number;   // its Log call has returned; 0: none has
-        std::uint64_t counter;  // the file's change counter before that call
+    struct TCall {
+        std::uint32_t number;   // of the record; 0: there was no call
+        std::uint64_t counter;  // the file's change counter before the call
     };
 
     // Only for the writer itself.
     void LogNext(std::uint32_t writer, const TCounter& counter) {
-        const std::uint64_t before = counter.Read();
-        const std::uint32_t number = started_.load() + 1;
-        started_.store(number);
+        const std::uint64_t before = counter.Read() << kNumberBits;
+        const std::uint32_t number = Started().number + 1;
+        started_.store(before | number);
         const std::uint64_t began = Now();
         LogNumber({writer, number});
         const std::uint64_t took = Now() - began;
         if (took > longest_.load()) longest_.store(took);
-        returned_.store(before << kNumberBits | number);
+        returned_.store(before | number);
     }
 
     // For a writer that has ended: its last record.
@@ -60,18 +60,19 @@ class TWriterState {
         returned_.store(number);
     }
 
-    std::uint32_t Started() const { return started_.load(); }
-    TReturned Returned() const {
-        const std::uint64_t both = returned_.load();
-        return {static_cast<std::uint32_t>(both & ((1U << kNumberBits) - 1)), both >> kNumberBits};
-    }
+    // The last call, and the last one that has returned.
+    TCall Started() const { return Call(started_.load()); }
+    TCall Returned() const { return Call(returned_.load()); }
     // Microseconds that one Log call took.
     std::uint64_t Longest() const { return longest_.load(); }
 
   private:
     static constexpr unsigned kNumberBits = 24;
+    static TCall Call(std::uint64_t both) {
+        return {static_cast<std::uint32_t>(both & ((1U << kNumberBits) - 1)), both >> kNumberBits};
+    }
 
-    std::atomic<std::uint32_t> started_{0};
+    std::atomic<std::uint64_t> started_{0};
     std::atomic<std::uint64_t> returned_{0};
     std::atomic<std::uint64_t> longest_{0};
 };
