@@ -28,3 +28,11 @@ function(qv_compile_together target most)
     set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group}_${number})
   endforeach()
 endfunction()
+
+# qv_read_once(TARGET HEADER...): the headers are compiled once, before the sources, each of which still
+# includes what it uses. Not for Windows: its compiler then takes warnings of its own headers for ours.
+function(qv_read_once target)
+  if(QV_UNITY AND NOT WIN32)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
