@@ -45,11 +45,22 @@ void AddCommands(CLI::App& app) {
     app.footer(kExitCodes);
 }
 
+// The parser hands what stands behind "--" to the command only while words are missing. The mark
+// means nothing when no word behind it looks like an option. `qv command` takes words as they are.
+void DropNeedlessMark(std::vector<std::string>& arguments) {
+    const auto is_option = [](const std::string& word) { return word.starts_with('-'); };
+    const auto verb = std::find_if_not(arguments.begin(), arguments.end(), is_option);
+    const auto mark = std::find(arguments.begin(), arguments.end(), "--");
+    if (mark == arguments.end() || verb == arguments.end() || *verb == "command") return;
+    if (std::none_of(mark + 1, arguments.end(), is_option)) arguments.erase(mark);
+}
+
 ExitCode Run(std::vector<std::string> arguments) {
     CLI::App app("Settings, requests and the shared log of the fax printer", "qv");
     AddCommands(app);
     // The parser takes the arguments from the end of the vector, without the program's name.
     arguments.erase(arguments.begin());
+    DropNeedlessMark(arguments);
     std::reverse(arguments.begin(), arguments.end());
     try {
         app.parse(std::move(arguments));

@@ -2,7 +2,7 @@
 
 # The registry and the journal byte for byte.
 machine_state() {
-    find "$QV_HOST_ROOT" \( -path '*/registry/*' -o -name settings_journal.json \) -type f -exec md5sum {} + | sort
+    find "$QV_HOST_ROOT" \( -path '*/registry/*' -o -name changes.jsonl \) -type f -exec md5sum {} + | sort
 }
 machine_before() { machine=$(machine_state); }
 same_machine() {

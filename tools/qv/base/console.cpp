@@ -22,4 +22,8 @@ void PrintError(const std::string& text) {
     std::fputs(("qv: " + text + "\n").c_str(), stderr);
 }
 
+std::string Counted(std::uint64_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 }  // namespace qv

@@ -28,6 +28,18 @@ std::string ReadStandardInput() {
                   ExitCode::kCannotOpen);
 }
 
+// `shown` is the name that the user knows the file by.
+void WriteFileNamed(const std::string& name, const std::string& bytes, const std::string& shown) {
+    if (bytes.size() > std::numeric_limits<int>::max())
+        throw Failure("'" + shown + "' would be too long");
+    try {
+        Classes::TFileStream file(FromUtf8(name), kReplace);
+        file.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
+    } catch (const UnicodeString& message) {
+        CannotOpen(shown, message);
+    }
+}
+
 }  // namespace
 
 std::string ReadAll(const std::string& name) {
@@ -47,21 +59,19 @@ std::string ReadAll(const std::string& name) {
 
 void WriteAll(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
-    if (bytes.size() > std::numeric_limits<int>::max())
-        throw Failure("'" + name + "' would be too long");
-    try {
-        Classes::TFileStream file(FromUtf8(name), kReplace);
-        file.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
-    } catch (const UnicodeString& message) {
-        CannotOpen(name, message);
-    }
+    WriteFileNamed(name, bytes, name);
 }
 
 void WriteWhole(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
     const std::string fresh = name + ".new-" + std::to_string(GetCurrentProcessId());
-    WriteAll(fresh, bytes);
     const UnicodeString source = FromUtf8(fresh);
+    try {
+        WriteFileNamed(fresh, bytes, name);
+    } catch (const Failure&) {
+        DeleteFileW(source.t_str());
+        throw;
+    }
     const DWORD code = MoveInPlace(source, FromUtf8(name));
     if (code == NO_ERROR) return;
     DeleteFileW(source.t_str());

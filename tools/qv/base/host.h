@@ -50,6 +50,23 @@ class EarlyArguments {
 // The program's arguments in UTF-8, and the streams made ready for bytes.
 std::vector<std::string> PrepareConsole(int argc, char** argv);
 
+// The command line that this process was started with, the program first; UTF-8.
+std::vector<std::string> CommandWords();
+
+// Catches what asks the program to end (Ctrl-C and the like) while an object lives, so that it ends
+// between two steps. Who asks a second time is obeyed at once. One object at a time.
+class StopRequest {
+  public:
+    StopRequest();
+    ~StopRequest();
+    StopRequest(const StopRequest&) = delete;
+    StopRequest& operator=(const StopRequest&) = delete;
+    bool IsMade() const;
+};
+
+// Has the file, which is open, on the disk. Returns the Win32 error code, 0 when it is done.
+DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
+
 // Gives the file `from` the name `to` in one step, in place of the file that had it. Returns the
 // Win32 error code, 0 when it is done.
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);

@@ -6,10 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
+#include <fstream>
 #include <memory>
 
 #include "base/commands.h"
@@ -28,6 +30,25 @@ std::string HostRoot() {
     WCHAR folder[4096];
     const DWORD length = QvHostRoot(folder, 4096);
     return length == 0 || length >= 4096 ? std::string() : ToUtf8(UnicodeString(folder));
+}
+
+constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<bool>& StopIsRequested() {
+    static std::atomic<bool> is_requested;
+    return is_requested;
+}
+
+// A signal that is ignored, as SIGHUP below nohup, stays so.
+void SetHandlers(void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+    for (const int signal : kStopSignals) {
+        struct sigaction before {};
+        sigaction(signal, &action, &before);
+        if (before.sa_handler == SIG_IGN) sigaction(signal, &before, nullptr);
+    }
 }
 
 std::string HostPath(const UnicodeString& name) {
@@ -84,6 +105,33 @@ std::vector<std::string> PrepareConsole(int argc, char** argv) {
     // A closed pipe is an error of the write, so that what the program has begun is ended properly.
     std::signal(SIGPIPE, SIG_IGN);
     return {argv, argv + argc};
+}
+
+std::vector<std::string> CommandWords() {
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    std::vector<std::string> words;
+    for (std::string word; std::getline(file, word, '\0');) words.push_back(std::move(word));
+    return words;
+}
+
+StopRequest::StopRequest() {
+    StopIsRequested() = false;
+    SetHandlers([](int) { StopIsRequested() = true; });
+}
+
+StopRequest::~StopRequest() {
+    SetHandlers(SIG_DFL);
+}
+
+bool StopRequest::IsMade() const {
+    return StopIsRequested();
+}
+
+DWORD FlushToDisk(const UnicodeString& name, HANDLE /*file*/) {
+    const int file = open(HostPath(name).c_str(), O_RDONLY | O_CLOEXEC);
+    const bool done = file >= 0 && fsync(file) == 0;
+    if (file >= 0) close(file);
+    return done ? DWORD{NO_ERROR} : DWORD{ERROR_WRITE_FAULT};
 }
 
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {

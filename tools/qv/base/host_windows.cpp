@@ -4,6 +4,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 
@@ -25,6 +26,16 @@ HANDLE StandardHandle(Stream stream) {
         default:
             return GetStdHandle(STD_ERROR_HANDLE);
     }
+}
+
+std::atomic<bool>& StopIsRequested() {
+    static std::atomic<bool> is_requested;
+    return is_requested;
+}
+
+// The second request passes to the system, which ends the program.
+BOOL WINAPI OnStop(DWORD /*kind*/) {
+    return StopIsRequested().exchange(true) ? FALSE : TRUE;
 }
 
 // UTF-8 and colours for the time of this program: the console is that of others as well, who find
@@ -97,12 +108,33 @@ bool OutputHasNoReader() {
 std::vector<std::string> PrepareConsole(int /*argc*/, char** /*argv*/) {
     for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
     static const ConsoleForm form;
+    return CommandWords();
+}
+
+std::vector<std::string> CommandWords() {
     int count = 0;
     const std::unique_ptr<LPWSTR, decltype(&LocalFree)> list(
         CommandLineToArgvW(GetCommandLineW(), &count), &LocalFree);
     std::vector<std::string> arguments;
     for (int i = 0; i < count; ++i) arguments.push_back(ToUtf8(list.get()[i]));
     return arguments;
+}
+
+StopRequest::StopRequest() {
+    StopIsRequested() = false;
+    SetConsoleCtrlHandler(OnStop, TRUE);
+}
+
+StopRequest::~StopRequest() {
+    SetConsoleCtrlHandler(OnStop, FALSE);
+}
+
+bool StopRequest::IsMade() const {
+    return StopIsRequested();
+}
+
+DWORD FlushToDisk(const UnicodeString& /*name*/, HANDLE file) {
+    return FlushFileBuffers(file) ? DWORD{NO_ERROR} : GetLastError();
 }
 
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {

@@ -42,14 +42,14 @@ std::vector<Assignment> ForPrinter(const SettingsText& text, const Printer& prin
 
 void Run(ApplyOptions& options) {
     if (options.choice.IsMany() && !options.choice.name.empty())
-        throw CLI::ValidationError("PRINTER", "excludes --all and --match");
+        throw CLI::ValidationError("PRINTER", "excludes --all, --match and --names");
     const SettingsText text = ReadSettings(options.file);
     if (options.choice.name.empty()) options.choice.name = ToUtf8(text.printer);
     if (!options.choice.IsMany() && options.choice.name.empty())
-        throw Failure("the file names no printer: give one, --match or --all");
+        throw Failure("the file names no printer: give one, --match, --names or --all");
     options.run.report.only_changes = true;
     const auto assignments = [&text](const Printer& p) { return ForPrinter(text, p); };
-    RunChanges("apply", options.choice, assignments, options.run);
+    RunChanges(options.choice, assignments, options.run);
 }
 
 }  // namespace
@@ -62,6 +62,7 @@ void AddApplyCommand(CLI::App& app) {
     command->add_option("PRINTER", options->choice.name,
                         "The printer's name; the one that the file names when not given");
     AddChoiceOptions(*command, options->choice);
+    AddForceOption(*command, options->choice);
     AddRunOptions(*command, options->run);
     command->callback([options] { Run(*options); });
 }

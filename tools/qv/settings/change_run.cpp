@@ -3,31 +3,56 @@
 #include <CLI/CLI.hpp>
 
 #include "base/progress.h"
-#include "settings/journal.h"
 
 namespace qv {
 
 namespace {
 
-// The planned changes stand in the journal before the first is made: a program that ends in the
-// middle leaves nothing that cannot be taken back.
-void StoreWithJournal(Journal& journal, const std::string& command,
-                      std::vector<PrinterChange>& changes) {
-    JournalEntry planned = EntryOf(command, changes);
-    if (planned.printers.empty()) return StoreChanges(changes);
-    journal.entries.push_back(std::move(planned));
-    journal.Save();
-    StoreChanges(changes);
-    journal.entries.back() = EntryOf(command, changes);
-    if (journal.entries.back().printers.empty()) journal.entries.pop_back();
-    journal.Save();
+constexpr const char* kNotReached = "stopped before it";
+
+TargetChange TargetOf(const PrinterChange& change) {
+    TargetChange target;
+    target.printer = change.printer;
+    target.failure = change.failure;
+    for (const FieldChange& field : change.fields) {
+        if (field.IsChange() && !IsLayout(*field.field))
+            target.fields.push_back({NameOf(*field.field), field.before, field.after});
+    }
+    return target;
 }
 
-std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments) {
-    const std::vector<Printer> printers = ChoosePrinters(choice);
+std::vector<PrinterChange*> ToStore(std::vector<PrinterChange>& changes) {
+    std::vector<PrinterChange*> chosen;
+    for (PrinterChange& change : changes)
+        if (change.IsToStore()) chosen.push_back(&change);
+    return chosen;
+}
+
+// The only loop that stores. Returns whether it came to its end.
+bool StoreEach(const std::vector<PrinterChange*>& changes, const StopRequest& stop) {
+    Progress progress("printers set", changes.size());
+    bool stopped = false;
+    for (PrinterChange* change : changes) {
+        stopped = stopped || stop.IsMade();
+        if (stopped) {
+            change->is_not_reached = true;
+            change->failure = kNotReached;
+            continue;
+        }
+        progress.Add();
+        StoreChange(*change);
+    }
+    return !stopped;
+}
+
+std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments,
+                                const StopRequest& stop) {
+    const std::vector<Printer> printers = ChoosePrinters(choice, Purpose::kChange);
     Progress progress("printers read", printers.size());
     std::vector<PrinterChange> changes;
+    changes.reserve(printers.size());
     for (const Printer& printer : printers) {
+        if (stop.IsMade()) throw Failure("stopped; nothing is changed");
         changes.push_back(PlanChange(printer, assignments(printer), choice.force));
         progress.Add();
     }
@@ -38,21 +63,45 @@ std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFo
 
 void AddRunOptions(CLI::App& command, RunOptions& options) {
     AddReportOptions(command, options.report);
-    command.add_flag("--no-undo", options.no_undo, "Do not keep the previous values for `qv undo`");
+    AddWaitOption(command, options.wait);
+    command.add_flag("--no-undo", options.no_undo, "Leave the change out of the journal");
 }
 
-void RunChanges(const std::string& command, const PrinterChoice& choice,
-                const AssignmentsFor& assignments, const RunOptions& options) {
-    std::optional<Journal> journal;
-    if (!options.report.dry_run && !options.no_undo) journal.emplace();
-    std::vector<PrinterChange> changes = Plan(choice, assignments);
-    if (journal) {
-        StoreWithJournal(*journal, command, changes);
-    } else if (!options.report.dry_run) {
-        StoreChanges(changes);
+RunResult MakeChanges(std::vector<PrinterChange>& changes, const StopRequest& stop,
+                      Journal* journal, std::uint64_t undoes) {
+    const std::vector<PrinterChange*> chosen = ToStore(changes);
+    RunResult result;
+    std::vector<TargetChange> planned;
+    planned.reserve(chosen.size());
+    for (const PrinterChange* change : chosen) planned.push_back(TargetOf(*change));
+    if (journal != nullptr && !planned.empty()) result.change = journal->Begin(planned, undoes);
+    result.stopped = !StoreEach(chosen, stop);
+    if (result.change == 0) return result;
+    std::vector<TargetChange> differing;
+    for (std::size_t i = 0; i < chosen.size(); ++i)
+        if (TargetChange made = TargetOf(*chosen[i]); made != planned[i])
+            differing.push_back(std::move(made));
+    try {
+        journal->End(result.change, differing,
+                     result.stopped ? ChangeState::kStopped : ChangeState::kDone);
+    } catch (const Failure& failure) {
+        result.journal_failure = failure;
     }
+    return result;
+}
+
+void RunChanges(const PrinterChoice& choice, const AssignmentsFor& assignments,
+                const RunOptions& options) {
+    const StopRequest stop;
+    std::optional<Journal> journal;
+    if (!options.report.dry_run && !options.no_undo) journal.emplace(options.wait);
+    std::vector<PrinterChange> changes = Plan(choice, assignments, stop);
+    RunResult result;
+    if (!options.report.dry_run) result = MakeChanges(changes, stop, journal ? &*journal : nullptr);
     journal.reset();
-    ReportChanges(changes, options.report);
+    ReportOptions report = options.report;
+    report.is_many = choice.IsMany();
+    ReportChanges(changes, result, report);
 }
 
 }  // namespace qv

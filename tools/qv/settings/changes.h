@@ -1,13 +1,8 @@
-// Changes of printers' settings: worked out first, then stored printer by printer, and shown with
-// the old and the new value of every field.
+// Changes of printers' settings: worked out first, then stored printer by printer.
 #pragma once
 
 #include "settings/printer_settings.h"
 #include "settings/settings_text.h"
-
-namespace CLI {
-class App;
-}
 
 namespace qv {
 
@@ -18,7 +13,8 @@ struct PrinterChange {
     std::string note;                 // for the user, beside the change
     std::string failure;
     std::optional<SettingsBlock> before, after;
-    bool must_store = false;  // although no field changes: the user has no settings yet
+    bool must_store = false;      // although no field changes: the user has no settings yet
+    bool is_not_reached = false;  // the user stopped the command before it; a failure as well
 
     bool IsToStore() const;
 };
@@ -27,20 +23,8 @@ struct PrinterChange {
 PrinterChange PlanChange(const Printer& printer, const std::vector<Assignment>& assignments,
                          bool force);
 
-// Stores what is to be stored and goes on with the next printer when one fails. `fields` then say
-// what the drivers made of it.
-void StoreChanges(std::vector<PrinterChange>& changes);
-
-struct ReportOptions {
-    bool dry_run = false;
-    bool json = false;
-    bool only_changes = false;  // lines for what changes, not for all that was asked for
-};
-void AddReportOptions(CLI::App& command, ReportOptions& options);
-
-// "PRINTER: FIELD: OLD -> NEW" lines, or JSON, on standard output; notes and failures on standard
-// error. Throws a Failure without text when a printer failed.
-void ReportChanges(const std::vector<PrinterChange>& changes, const ReportOptions& options);
+// Stores it. `fields` then say what the driver made of it; a failure is the change's own.
+void StoreChange(PrinterChange& change);
 
 // A value in a line of text: as in the text form, the empty text as "".
 std::string Shown(const UnicodeString& value);

@@ -1,5 +1,6 @@
 #include "settings/fields.h"
 
+#include "base/suggestion.h"
 #include "driver_devmode/qv_devmode.h"
 
 namespace qv {
@@ -56,11 +57,15 @@ std::string NameOf(const Field& field) {
 }
 
 std::string Hint(const UnicodeString& unknown) {
-    for (const Field* field : AllFields()) {
-        if (unknown.LowerCase() == UnicodeString(field->Name).LowerCase())
-            return " (is it '" + NameOf(*field) + "'?)";
-    }
-    return "";
+    std::vector<std::string> names;
+    for (const Field* field : AllFields()) names.push_back(NameOf(*field));
+    return Suggestion(OneLine(unknown), names);
+}
+
+const Field& RequireField(const std::string& name) {
+    const Field* const field = FindField(FromUtf8(name));
+    if (field != nullptr) return *field;
+    throw Failure("no field has the name '" + OneLine(FromUtf8(name)) + "'" + Hint(FromUtf8(name)));
 }
 
 bool IsPublic(const Field& field) {

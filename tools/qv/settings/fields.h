@@ -24,9 +24,11 @@ driver_devmode::TFieldName NameToSet(const Field& field);
 
 std::string NameOf(const Field& field);
 
-// A field of that name in other case, as a hint behind an unknown name: " (is it 'dmCopies'?)", or
-// nothing.
+// The field whose name is closest, as a hint behind an unknown name: "; did you mean 'dmCopies'?",
+// or nothing.
 std::string Hint(const UnicodeString& unknown);
+// The field of that name; throws Failure when there is none.
+const Field& RequireField(const std::string& name);
 
 bool IsPublic(const Field& field);
 // What says where the other fields lie: a block with other values is another block.

@@ -2,11 +2,11 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "base/value_text.h"
 #include "settings/field_json.h"
 #include "settings/field_meaning.h"
 #include "settings/settings_commands.h"
 #include "settings/settings_source.h"
-#include "settings/value_text.h"
 
 namespace qv {
 

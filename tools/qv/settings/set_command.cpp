@@ -1,5 +1,6 @@
 // qv set: changes of the current user's settings by name.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 
 #include "settings/change_run.h"
@@ -28,6 +29,13 @@ Words Split(const std::string& text) {
     return {FromUtf8(text.substr(0, equals)), FromUtf8(text.substr(equals + 1))};
 }
 
+std::string FaultOf(const Words& word, const Field* field, const std::vector<Assignment>& earlier) {
+    if (field == nullptr) return "no field has that name" + Hint(word.name);
+    if (std::ranges::find(earlier, field, &Assignment::field) != earlier.end())
+        return "it is given twice";
+    return ValueFault(*field, word.value);
+}
+
 // All that is wrong is said at once; nothing is changed then.
 std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) {
     std::vector<Words> words;
@@ -37,8 +45,7 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) 
     std::string faults;
     for (const Words& word : words) {
         const Field* const field = FindField(word.name);
-        const std::string reason = field == nullptr ? "no field has that name" + Hint(word.name)
-                                                    : ValueFault(*field, word.value);
+        const std::string reason = FaultOf(word, field, assignments);
         if (reason.empty()) {
             assignments.push_back({field, word.value});
         } else {
@@ -51,15 +58,12 @@ std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) 
 }
 
 void Run(SetOptions& options) {
-    if (!options.choice.IsMany()) {
-        options.choice.name = options.words.front();
-        options.words.erase(options.words.begin());
-    }
+    TakePrinter(options.choice, options.words);
     if (options.words.empty())
         throw CLI::ValidationError("KEYWORD=VALUE", "nothing to set is given");
     const std::vector<Assignment> assignments = ParseAssignments(options.words);
     const auto same_for_all = [&assignments](const Printer&) { return assignments; };
-    RunChanges("set", options.choice, same_for_all, options.run);
+    RunChanges(options.choice, same_for_all, options.run);
 }
 
 }  // namespace
@@ -69,7 +73,8 @@ void AddSetCommand(CLI::App& app) {
     CLI::App* set =
         app.add_subcommand("set", "Change the current user's settings of one printer or of many");
     set->footer(
-        "The first word is the printer's name unless --all or --match choose printers. Keywords\n"
+        "The first word is the printer's name unless --all, --match or --names choose printers. "
+        "Keywords\n"
         "are the names that `qv get` shows. Examples:\n"
         "  qv set \"Vantrel Fax\" dmCopies=2 exOut.UseSerial=False\n"
         "  qv set --match \"vantrel*\" --dry-run dmCopies=2");
@@ -77,6 +82,7 @@ void AddSetCommand(CLI::App& app) {
         ->type_name("[PRINTER] KEYWORD=VALUE...")
         ->required();
     AddChoiceOptions(*set, options->choice);
+    AddForceOption(*set, options->choice);
     AddRunOptions(*set, options->run);
     set->callback([options] { Run(*options); });
 }

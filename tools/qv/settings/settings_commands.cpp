@@ -9,6 +9,7 @@ void AddPrinterCommands(CLI::App& app) {
     AddGetCommand(app);
     AddSetCommand(app);
     AddUndoCommand(app);
+    AddAuditCommand(app);
     AddExportCommand(app);
     AddApplyCommand(app);
     AddDiffCommand(app);

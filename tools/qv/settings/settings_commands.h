@@ -14,6 +14,7 @@ void AddExportCommand(CLI::App& app);
 void AddApplyCommand(CLI::App& app);
 void AddDiffCommand(CLI::App& app);
 void AddUndoCommand(CLI::App& app);
+void AddAuditCommand(CLI::App& app);
 void AddLintCommand(CLI::App& app);
 void AddDefaultsCommand(CLI::App& app);
 void AddDevmodeCommand(CLI::App& app);

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/value_text.h"
 #include "qv_rtl_version.h"
 #include "settings/field_value.h"
-#include "settings/value_text.h"
 
 namespace qv {
 

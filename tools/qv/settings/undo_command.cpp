@@ -1,9 +1,11 @@
-// qv undo: takes back the last change of the current user's settings.
+// qv undo: takes back a change of the journal.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
 
-#include "settings/field_json.h"
-#include "settings/journal.h"
+#include "settings/change_list.h"
+#include "settings/change_run.h"
+#include "settings/field_value.h"
 #include "settings/settings_commands.h"
 
 namespace qv {
@@ -12,45 +14,50 @@ namespace {
 
 struct UndoOptions {
     ReportOptions report;
+    JournalWait wait;
+    std::uint64_t change = 0;
     bool list = false;
     bool force = false;
 };
 
-Json EntryJson(const JournalEntry& entry) {
-    Json printers = Json::array();
-    for (const JournalPrinter& printer : entry.printers) {
-        Json fields = Json::array();
-        for (const FieldChange& f : printer.fields) {
-            fields.push_back({{"name", NameOf(*f.field)},
-                              {"old", FieldJson(*f.field, f.before)},
-                              {"new", FieldJson(*f.field, f.after)}});
-        }
-        printers.push_back({{"printer", Text(printer.name)}, {"fields", fields}});
-    }
-    return {{"time", entry.time}, {"command", entry.command}, {"printers", printers}};
-}
-
-void PrintEntry(const JournalEntry& entry) {
-    PrintLine(OneLine(FromUtf8(entry.time)) + " " + OneLine(FromUtf8(entry.command)));
-    for (const JournalPrinter& printer : entry.printers) {
-        for (const FieldChange& f : printer.fields) {
-            PrintLine("  " + OneLine(printer.name) + ": " + NameOf(*f.field) + ": " +
-                      Shown(f.before) + " -> " + Shown(f.after));
-        }
-    }
+// Whether it is undone in its turn. A change that took another back is so by its number only.
+bool IsNext(const ChangeRecord& change) {
+    return change.undoes == 0 && change.CanBeUndone();
 }
 
 // The change that undo takes back first stands first.
-void List(const Journal& journal, bool as_json) {
-    if (!as_json) {
-        PrintScope();
-        for (std::size_t i = journal.entries.size(); i-- > 0;) PrintEntry(journal.entries[i]);
-        return;
+void List(const UndoOptions& options) {
+    JournalContent journal = LoadJournal();
+    std::erase_if(journal.changes, [](const ChangeRecord& c) { return !IsNext(c); });
+    std::ranges::reverse(journal.changes);
+    if (options.report.json) {
+        Json list = Json::array();
+        for (const ChangeRecord& change : journal.changes) list.push_back(RecordJson(change));
+        return PrintJson({{"scope", kScope}, {"changes", list}});
     }
-    Json list = Json::array();
-    for (std::size_t i = journal.entries.size(); i-- > 0;)
-        list.push_back(EntryJson(journal.entries[i]));
-    PrintJson({{"scope", kScope}, {"changes", list}});
+    PrintScope();
+    for (const ChangeRecord& change : journal.changes) PrintRecord(change);
+}
+
+// The change of that number; without one the newest that took nothing back itself.
+ChangeRecord ToTakeBack(const UndoOptions& options) {
+    JournalContent journal = LoadJournal();
+    if (journal.bad_lines != 0 && !options.force) {
+        throw Failure(
+            "lines of the journal cannot be read (`qv audit` shows the others); --force "
+            "goes on without them",
+            ExitCode::kDamaged);
+    }
+    const auto is_wanted = [&options](const ChangeRecord& c) {
+        return options.change != 0 ? c.number == options.change : IsNext(c);
+    };
+    const auto found = std::find_if(journal.changes.rbegin(), journal.changes.rend(), is_wanted);
+    const std::string number = std::to_string(options.change);
+    if (found == journal.changes.rend())
+        throw Failure(options.change == 0 ? "no change to take back" : "no change " + number);
+    if (!found->CanBeUndone())
+        throw Failure("of change " + number + " nothing is left to take back");
+    return std::move(*found);
 }
 
 // Why the field is not as the change left it; a field that is back already is no reason.
@@ -59,57 +66,58 @@ std::string ChangedSince(const SettingsBlock& now, const FieldChange& change) {
     const UnicodeString value = now.Get(*change.field);
     if (value == change.after || value == change.before) return "";
     return NameOf(*change.field) + " is " + Shown(value) + ", not " + Shown(change.after) +
-           " as the change left it";
+           " as the change left it; --force restores it all the same";
 }
 
-PrinterChange PlanUndo(const JournalPrinter& entry, bool force) {
+// What stands in the journal is not believed. Throws Failure.
+FieldChange CheckedField(const ValueChange& value) {
+    const FieldChange change = {&RequireField(value.field), value.before.value_or(UnicodeString()),
+                                value.after.value_or(UnicodeString())};
+    const std::string reason = ValueFault(*change.field, change.before);
+    if (reason.empty()) return change;
+    throw Failure("'" + NameOf(*change.field) + "' cannot be set back to '" +
+                  OneLine(change.before) + "': " + reason);
+}
+
+PrinterChange PlanUndo(const TargetChange& target, bool force) {
     PrinterChange change;
-    change.printer = entry.name;
+    change.printer = target.printer;
+    std::vector<FieldChange> fields;
     std::vector<Assignment> assignments;
-    for (const FieldChange& field : entry.fields)
-        assignments.push_back({field.field, field.before});
     try {
-        change = PlanChange(FindPrinter(entry.name), assignments, force);
+        for (const ValueChange& value : target.fields) fields.push_back(CheckedField(value));
+        for (const FieldChange& field : fields) assignments.push_back({field.field, field.before});
+        change = PlanChange(FindPrinter(target.printer), assignments, force);
     } catch (const Failure& failure) {
         change.failure = failure.what();
     }
-    for (const FieldChange& field : entry.fields) {
+    for (const FieldChange& field : fields) {
         if (force || !change.failure.empty()) break;
-        const std::string reason = ChangedSince(*change.before, field);
-        if (!reason.empty()) change.failure = reason + "; --force restores it all the same";
+        change.failure = ChangedSince(*change.before, field);
     }
     return change;
 }
 
-// What could not be restored stays in the journal.
-void Settle(Journal& journal, const std::vector<PrinterChange>& changes) {
-    std::vector<JournalPrinter>& printers = journal.entries.back().printers;
-    std::vector<JournalPrinter> failed;
-    for (std::size_t i = 0; i < changes.size(); ++i)
-        if (!changes[i].failure.empty()) failed.push_back(std::move(printers[i]));
-    printers = std::move(failed);
-    if (printers.empty()) journal.entries.pop_back();
-    journal.Save();
-}
-
 void Undo(const UndoOptions& options) {
-    Journal journal;
-    if (options.list) return List(journal, options.report.json);
-    if (journal.entries.empty()) throw Failure("no change to take back");
+    if (options.list) return List(options);
+    const StopRequest stop;
+    Journal journal(options.wait);
+    const ChangeRecord wanted = ToTakeBack(options);
     std::vector<PrinterChange> changes;
-    bool all_well = true;
-    for (const JournalPrinter& printer : journal.entries.back().printers) {
-        changes.push_back(PlanUndo(printer, options.force));
-        all_well = all_well && changes.back().failure.empty();
-    }
+    for (const TargetChange& target : wanted.targets)
+        if (target.CanBeUndone()) changes.push_back(PlanUndo(target, options.force));
+    const bool all_well =
+        std::ranges::all_of(changes, &std::string::empty, &PrinterChange::failure);
+    RunResult result;
     if (!all_well && !options.force) {
         PrintError("nothing is restored");
         std::erase_if(changes, [](const PrinterChange& c) { return c.failure.empty(); });
     } else if (!options.report.dry_run) {
-        StoreChanges(changes);
-        Settle(journal, changes);
+        result = MakeChanges(changes, stop, &journal, wanted.number);
     }
-    ReportChanges(changes, options.report);
+    ReportOptions report = options.report;
+    report.is_many = wanted.targets.size() > 1;
+    ReportChanges(changes, result, report);
 }
 
 }  // namespace
@@ -117,10 +125,12 @@ void Undo(const UndoOptions& options) {
 void AddUndoCommand(CLI::App& app) {
     auto options = std::make_shared<UndoOptions>();
     CLI::App* command = app.add_subcommand(
-        "undo", "Take back the last change that set or apply made; again for the one before");
+        "undo", "Take back the last change that is not taken back yet, or the one of that number");
+    command->add_option("CHANGE", options->change, "Its number, which --list and `qv audit` show");
     command->add_flag("--list", options->list, "Show the changes that can be taken back");
     command->add_flag("--force", options->force, "Also values that have changed since");
     AddReportOptions(*command, options->report);
+    AddWaitOption(*command, options->wait);
     command->callback([options] { Undo(*options); });
 }
 

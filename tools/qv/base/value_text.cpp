@@ -1,4 +1,4 @@
-#include "settings/value_text.h"
+#include "base/value_text.h"
 
 #include <charconv>
 #include <cstdio>

@@ -1,0 +1,91 @@
+// qv audit: who changed what.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <memory>
+
+#include "journal/journal.h"
+#include "log/log_time.h"
+#include "settings/change_list.h"
+#include "settings/printer_choice.h"
+#include "settings/settings_commands.h"
+
+namespace qv {
+
+namespace {
+
+struct AuditOptions {
+    std::string printer, field, user, since;
+    bool json = false;
+};
+
+bool Fits(const UnicodeString& text, const std::string& pattern) {
+    return pattern.empty() || Matches(text, FromUtf8(pattern));
+}
+
+LogTime SinceTime(const std::string& text) {
+    LogTime time = 0;
+    if (!text.empty() && !ParseTime(text, Now(), time))
+        throw CLI::ValidationError("--since", "'" + text + "' is no time");
+    return time;
+}
+
+// A time that cannot be read is never too old.
+bool IsOlder(const ChangeRecord& change, LogTime since) {
+    LogTime time = 0;
+    return since != 0 && ParseTime(change.time, since, time) && time < since;
+}
+
+// Leaves of the change what is asked for; false when that is nothing.
+bool Narrow(ChangeRecord& change, const AuditOptions& options, LogTime since) {
+    if (!Fits(FromUtf8(change.user), options.user) || IsOlder(change, since)) return false;
+    if (options.printer.empty() && options.field.empty()) return true;
+    for (TargetChange& target : change.targets) {
+        std::erase_if(target.fields, [&options](const ValueChange& f) {
+            return !Fits(FromUtf8(f.field), options.field);
+        });
+    }
+    std::erase_if(change.targets, [&options](const TargetChange& target) {
+        return !Fits(target.printer, options.printer) ||
+               (!options.field.empty() && target.fields.empty());
+    });
+    return !change.targets.empty();
+}
+
+void Audit(const AuditOptions& options) {
+    const LogTime since = SinceTime(options.since);
+    JournalContent journal = LoadJournal();
+    std::erase_if(journal.changes,
+                  [&](ChangeRecord& change) { return !Narrow(change, options, since); });
+    if (options.json) {
+        Json list = Json::array();
+        for (const ChangeRecord& change : journal.changes) list.push_back(RecordJson(change));
+        PrintJson({{"scope", kScope}, {"badLines", journal.bad_lines}, {"changes", list}});
+    } else {
+        PrintScope();
+        for (const ChangeRecord& change : journal.changes) PrintRecord(change);
+    }
+    if (journal.bad_lines == 0) return;
+    throw Failure(Counted(static_cast<std::uint64_t>(journal.bad_lines), "line") +
+                      " of the journal cannot be read",
+                  ExitCode::kDamaged);
+}
+
+}  // namespace
+
+void AddAuditCommand(CLI::App& app) {
+    auto options = std::make_shared<AuditOptions>();
+    CLI::App* command = app.add_subcommand(
+        "audit", "Show who changed what with this tool: the journal, the oldest change first");
+    const auto add = [command](const char* name, std::string& value, const char* type,
+                               const char* text) {
+        command->add_option(name, value, text)->type_name(type);
+    };
+    add("--printer", options->printer, "PATTERN", "Only printers whose name fits: * and ?");
+    add("--field", options->field, "PATTERN", "Only fields whose name fits");
+    add("--user", options->user, "PATTERN", "Only changes of users whose name fits");
+    add("--since", options->since, "TIME", "Only changes from then on; as for `qv log show`");
+    command->add_flag("--json", options->json, "One JSON document");
+    command->callback([options] { Audit(*options); });
+}
+
+}  // namespace qv
