@@ -24,7 +24,7 @@ using Seconds = std::chrono::seconds;
 
 constexpr Seconds kUsualWait(10);
 constexpr DWORD kLockPauseMilliseconds = 20;
-constexpr const char* kForever = "forever";
+constexpr const char* kForever = "true";   // what the parser makes of --wait without a number
 constexpr std::int64_t kTailSize = 65536;  // bytes that are looked at first for the newest change
 constexpr std::size_t kLongestHead = 4096;
 constexpr std::size_t kLongestCommand = 4000;  // bytes of it that are kept
@@ -163,11 +163,10 @@ std::optional<std::uint64_t> NewestIn(std::string_view lines) {
 }  // namespace
 
 void AddWaitOption(CLI::App& command, JournalWait& wait) {
-    command
-        .add_flag(std::string("--wait{") + kForever + "}", wait.seconds,
-                  "Wait while another program changes settings: to its end, or --wait=SECONDS; 10 "
-                  "seconds when not given")
-        ->type_name("[=SECONDS]");
+    command.add_flag(
+        "--wait", wait.seconds,
+        "Wait while another program changes settings: to its end, or --wait=SECONDS; 10 "
+        "seconds when not given");
 }
 
 JournalContent LoadJournal() {

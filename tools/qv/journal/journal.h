@@ -12,7 +12,7 @@ namespace qv {
 
 // How long a command waits while another program changes settings.
 struct JournalWait {
-    std::string seconds;  // empty: the usual time; "forever"; else a number
+    std::string seconds;  // empty: the usual time; "true": no end; else a number
 };
 // --wait[=SECONDS]
 void AddWaitOption(CLI::App& command, JournalWait& wait);
