@@ -17,6 +17,7 @@
 #include "mox_classes/containers/memory_stream.h"
 #include "qv_rtl_main/command_entry.h"
 #include "qv_rtl_main/xml_check.h"
+#include "support/case_file.h"
 #include "support/fresh_host_root.h"
 #include "support/page_text.h"
 #include "support/saved_response.h"
@@ -26,6 +27,8 @@
 #include "xml/xml_test.h"
 
 using namespace std::string_literals;
+using test::Matches;
+using test::Unescaped;
 using test::Utf8;
 
 namespace {
@@ -132,36 +135,6 @@ class Machine {
     test::FreshHostRoot root_;
     std::optional<test::TestPrinters> printers_;
 };
-
-// "\\n", "\\r", "\\t" and "\\xHH" are what they are in C++; "{x*9}" is nine times x.
-std::string Unescaped(const std::string& text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '{' && text[i + 2] == '*') {
-            bytes.append(std::stoul(text.substr(i + 3)), text[i + 1]);
-            i = text.find('}', i);
-        } else if (text[i] == '\\' && text[i + 1] == 'x') {
-            bytes += static_cast<char>(std::stoul(text.substr(i + 2, 2), nullptr, 16));
-            i += 3;
-        } else if (text[i] == '\\' && std::string("nrt").find(text[i + 1]) != std::string::npos) {
-            ++i;
-            bytes += text[i] == 'n' ? '\n' : text[i] == 'r' ? '\r' : '\t';
-        } else {
-            bytes += text[i];
-        }
-    }
-    return bytes;
-}
-
-// "<*>" stands for any bytes.
-bool Matches(const std::string& pattern, const std::string& text) {
-    const std::size_t any = pattern.find("<*>");
-    if (any == std::string::npos) return text == pattern;
-    if (text.substr(0, any) != pattern.substr(0, any)) return false;
-    for (std::size_t at = any; at <= text.size(); ++at)
-        if (Matches(pattern.substr(any + 3), text.substr(at))) return true;
-    return false;
-}
 
 TEST(XmlRequest, CallsAreAnsweredAsTheFileOfCasesSays) {
     std::istringstream lines(test::PageText("../tests/qv_rtl_main/calls.txt"));

@@ -30,10 +30,4 @@ inline int Result(std::string_view bytes) {
     return Parse(doc, bytes);
 }
 
-// The text of the root, which the input must close.
-inline std::string RootText(std::string_view bytes) {
-    TXmlDoc doc;
-    return Parse(doc, bytes) > 0 ? Utf8(doc.FRoot->FValue) : "not parsed";
-}
-
 }  // namespace test
