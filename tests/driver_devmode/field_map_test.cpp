@@ -19,22 +19,6 @@ using test::Utf8;
 
 class FieldMap : public testing::Test {
   protected:
-    // Sets one field by its dotted name; the result is the previous value, or "-" when none was
-    // recorded.
-    std::string Set(const char* name, const char* value) {
-        TStringList items;
-        items.Add(name);
-        items.Add(value);
-        const std::string before = Utf8(settings.FromStrings(&items, 0, TEXT(" ")));
-        return before.empty() ? "-" : before.substr(before.find('=') + 1);
-    }
-    // A value without blanks, as the text form shows it.
-    std::string Now(const std::string& name) {
-        const std::string all = " " + Utf8(settings.ToString(TEXT(" "), 0)) + " ";
-        const std::size_t at = all.find(" " + name + "=") + name.size() + 2;
-        return all.substr(at, all.find(' ', at) - at);
-    }
-
     TQVDM settings;
 };
 
@@ -54,44 +38,8 @@ TEST_F(FieldMap, AFreshBlockAsText) {
     EXPECT_TRUE(Utf8(settings.ToString(TEXT(";"), -1)).starts_with("dmDeviceName=Vantrel;"));
 }
 
-TEST_F(FieldMap, ValuesAreTakenByNameByPrefixedNameAndByNumberInTheirRange) {
-    const std::tuple<const char*, const char*, const char*, const char*> rows[] = {
-        {"dmOrientation", "landscape", "PORTRAIT", "LANDSCAPE"},
-        {"dmOrientation", "DMORIENT_PORTRAIT", "LANDSCAPE", "PORTRAIT"},
-        {"dmOrientation", "2", "PORTRAIT", "LANDSCAPE"},
-        {"dmOrientation", "sideways", "-", "LANDSCAPE"},
-        {"dmPrintQuality", "-4", "0", "HIGH"},
-        {"exRun.Enabled", "off", "True", "False"},
-        {"exFax.Resolution", "100", "204,196", "100,196"},
-        {"exFax.Resolution", "204,70000", "-", "204,196"},
-        {"exFax.Resolution", "\"1 \" , 2", "204,196", "1,2"},
-        {"exIPO.ColorMixer", "300,0,0", "-", "30,0,0"},
-        {"dmCopies", " 12 pages", "1", "12"},
-        {"dmCopies", "none", "12", "0"},
-        {"dmCopies", "32768", "-", "0"},
-        {"dmCopies", "+32767", "0", "32767"},
-        {"dmFields", "4294967295", "527", "-1"},
-        {"dmFields", "-1", "4294967295", "-1"},
-        {"dmFields", "4294967296", "-", "-1"},
-        {"dmFields", "99999999999999999999999", "-", "-1"},
-        {"exIPO.Contrast", "-128", "5", "-128"},
-        {"exIPO.Contrast", "128", "-", "-128"},
-        {"exIPO.CriticalZone", "255,256", "-", "255,137"},
-        {"dmLogPixels", "65535", "0", "65535"},
-        {"dmLogPixels", "65536", "-", "65535"},
-        {"dmSize", "77", "-", "220"},
-        {"dmSize", "221", "220", "221"},
-        {"dmDriverExtra", "4179", "-", "4180"},
-        {"exVersion", "260", "-", "263"},
-        {"exVersion", "261", "263", "261"}};
-    for (const auto& [name, value, previous, now] : rows) {
-        EXPECT_EQ(Set(name, value), previous) << name << "=" << value;
-        EXPECT_EQ(Now(name), now) << name << "=" << value;
-    }
-}
-
 TEST_F(FieldMap, TheIdentifierIsPlainTextThatEndsBeforeItsZero) {
-    EXPECT_EQ(Set("exID", "A text that is far too long"), "\"QV DEVMODEex\"");
+    settings.FromString(TEXT("exID=\"A text that is far too long\""), 0, TEXT(" "));
     EXPECT_EQ(std::memcmp(settings.GetDM()->exID, "A text that i", 13), 0);
     EXPECT_EQ(int{settings.GetDM()->exVersion}, 263);
 }
@@ -133,13 +81,6 @@ TEST_F(FieldMap, DeepNestingKeepsTheInnermostGroupAndNeedsNoStack) {
     at->SetChild(TEXT("UseSerial"), TEXT("0"), kCodePageUtf8);
     settings.FromXmlNode(&request, nullptr);
     EXPECT_EQ(settings.GetDM()->exOut.UseSerial, 0);
-}
-
-TEST_F(FieldMap, FormNamesLastOnlyUnderTheWrappersName) {
-    Set("dmFormName", "Lost");
-    EXPECT_EQ(Now("dmFormName"), "A4");
-    Set("FormName", "Kept");
-    EXPECT_EQ(Now("dmFormName"), "Kept");
 }
 
 TEST_F(FieldMap, TextSetsWhatItNamesAndSkipsAnUnknownNameAlone) {

@@ -10,15 +10,6 @@
 
 namespace {
 
-TEST(DiagnosticText, CodesShowTheirNameOrTheirNumber) {
-    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(18), TEXT("DC_COPIES"));
-    EXPECT_EQ(DrvDeviceCapabilities_DeviceCap(36), TEXT("Unknown(36)"));
-    EXPECT_EQ(DrvDocumentEvent_iEsc(14), TEXT("DOCUMENTEVENT_QUERYFILTER"));
-    EXPECT_EQ(DrvDocumentEvent_iEsc(-1), TEXT("Unknown(-1)"));
-    EXPECT_EQ(DrvConvertDevMode_fMode(4), TEXT("CDM_DRIVER_DEFAULT"));
-    EXPECT_EQ(DrvConvertDevMode_fMode(0xFFFFFFFF), TEXT("Unknown(4294967295)"));
-}
-
 TEST(DiagnosticText, NullRecordsAreNamed) {
     const UnicodeString texts[] = {DEVMODE_Str(nullptr), DOCUMENTPROPERTYHEADER_Str(nullptr),
                                    TextTypeSTROBJ(nullptr), TextTypeSYSTEMTIME(nullptr),

@@ -52,45 +52,6 @@ class Events : public testing::Test {
     TFillTagsInfo info;
 };
 
-TEST_F(Events, OrdinaryNamesAreQuotedAsTagsAre) {
-    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
-        {TEXT("report"), TEXT("-t report /x:\"y z\"")},
-        {TEXT("C:\\a\\"), TEXT("-t C:\\a\\ /x:\"y z\"")},
-        {TEXT("Annual report"), TEXT("-t \"Annual report\" /x:\"y z\"")},
-        {TEXT("a,b;c"), TEXT("-t \"a,b;c\" /x:\"y z\"")},
-        {TEXT("Say \"hi\""), TEXT("-t \"Say \"\"hi\"\"\" /x:\"y z\"")},
-        {TEXT(""), TEXT("-t \"\" /x:\"y z\"")}};
-    for (const auto& [name, expected] : rows) {
-        SetDocument(name);
-        EXPECT_EQ(Parameters(TEXT(" -t {docname} /x:\"y z\" ")), expected);
-    }
-}
-
-TEST_F(Events, NamesThatWouldChangeTheArgumentsAreQuotedByTheRules) {
-    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
-        {TEXT("my dir\\"), TEXT("\"my dir\\\\\" x")},
-        {TEXT("a\\\"b c"), TEXT("\"a\\\\\\\"b c\" x")},
-        {TEXT("a\tb"), TEXT("\"a\tb\" x")},
-        {TEXT("a\n"), TEXT("\"a\n\" x")},
-        {TEXT("\"a b\" c"), TEXT("\"\\\"a b\\\" c\" x")}};
-    for (const auto& [name, expected] : rows) {
-        SetDocument(name);
-        EXPECT_EQ(Parameters(TEXT("{docname} x")), expected);
-    }
-    SetDocument(TEXT("a b"));
-    EXPECT_EQ(Parameters(TEXT("C:\\out\\{docname}  \"/t:{docname}\"")),
-              TEXT("\"C:\\out\\a b\"  \"/t:a b\""));
-}
-
-TEST_F(Events, OnlyTheTemplatesOwnVariablesAreExpanded) {
-    SetEnvironmentVariableW(TEXT("QV_EVENT"), TEXT("v w"));
-    SetDocument(TEXT("%QV_EVENT%"));
-    EXPECT_EQ(Parameters(TEXT("%QV_EVENT% {docname} {jobid}")), TEXT("v w %QV_EVENT% 17"));
-    SetDocument(TEXT("QV_EVENT"));
-    EXPECT_EQ(Parameters(TEXT("%{docname}%")), TEXT("%QV_EVENT%"));
-    SetEnvironmentVariableW(TEXT("QV_EVENT"), nullptr);
-}
-
 TEST_F(Events, AnyNameStaysOneArgument) {
     const Text units = TEXT("  \"\"\\\\\\,%;\tab=/&");
     std::mt19937 random(20240521);

@@ -1,4 +1,4 @@
-// String lists: splitting and joining, names and values, growth, copies, bad indices.
+// String lists: joining, names and values, growth, copies, bad indices.
 #include "mox_classes/containers/string_list.h"
 
 #include <gtest/gtest.h>
@@ -22,13 +22,6 @@ Texts ItemsOf(TStrings& list) {
     return items;
 }
 
-Texts Split(const WCHAR* text, bool strict = false) {
-    TStringList list;
-    list.SetStrictDelimiter(strict);
-    list.SetDelimitedText(text);
-    return ItemsOf(list);
-}
-
 // Answers in capitals.
 class LoudList : public TStringList {
   public:
@@ -36,24 +29,6 @@ class LoudList : public TStringList {
 };
 
 }  // namespace
-
-TEST(StringList, BlanksAndDelimitersSeparateUnlessStrict) {
-    const std::pair<const WCHAR*, Texts> rows[] = {
-        {TEXT("a, b ,  c"), {TEXT("a"), TEXT("b"), TEXT("c")}},
-        {TEXT("a b"), {TEXT("a"), TEXT("b")}},
-        {TEXT("a,,b"), {TEXT("a"), TEXT(""), TEXT("b")}},
-        {TEXT("a,"), {TEXT("a"), TEXT("")}},
-        {TEXT("a, "), {TEXT("a")}},
-        {TEXT(" \t\x01"), {}},
-        {TEXT("\"x,y\""), {TEXT("x,y")}},
-        {TEXT("\"say, \"\"hi\"\"\""), {TEXT("say, \"hi\"")}},
-        {TEXT("\"abc"), {TEXT("ab")}},
-        {TEXT("\"ab\"cd"), {TEXT("ab"), TEXT("cd")}},
-        {TEXT("a\"b,\"\""), {TEXT("a\"b"), TEXT("")}}};
-    for (const auto& [text, items] : rows) EXPECT_EQ(Split(text), items) << test::Shown(text);
-    EXPECT_EQ(Split(TEXT("a b, c"), true), (Texts{TEXT("a b"), TEXT(" c")}));
-    EXPECT_EQ(Split(TEXT(", "), true), (Texts{TEXT(""), TEXT(" ")}));
-}
 
 TEST(StringList, UnusualDelimitersNeverHang) {
     TStringList list;
@@ -76,20 +51,6 @@ TEST(StringList, JoiningDoesNotQuote) {
     EXPECT_EQ(list.GetTextStr(), TEXT("x,y\r\nb\r\n"));
     list.SetDelimitedText(TEXT("'p|q'"));
     EXPECT_EQ(ItemsOf(list), Texts{TEXT("p|q")});
-}
-
-TEST(StringList, LinesEndAtLineFeedWithOneReturnBesideIt) {
-    const std::pair<const WCHAR*, Texts> rows[] = {{TEXT("a\r\nb"), {TEXT("a"), TEXT("b")}},
-                                                   {TEXT("a\n\rb"), {TEXT("a"), TEXT("b")}},
-                                                   {TEXT("a\rb"), {TEXT("a\rb")}},
-                                                   {TEXT("a\r"), {TEXT("a")}},
-                                                   {TEXT("a\n\r\nb"), {TEXT("a"), {}, TEXT("b")}},
-                                                   {TEXT(""), {TEXT("")}}};
-    for (const auto& [text, lines] : rows) {
-        TStringList list;
-        list.SetTextStr(text);
-        EXPECT_EQ(ItemsOf(list), lines) << test::Shown(text);
-    }
 }
 
 TEST(StringList, NamesAndValues) {

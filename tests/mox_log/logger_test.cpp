@@ -74,12 +74,6 @@ TEST(Logger, ALineShowsAtMostAHundredBytesOfABlock) {
               text + TEXT(" (+ 150bytes ") + hundred + TEXT(" ...)"));
 }
 
-TEST(Logger, ModuleNamesComeFromPaths) {
-    EXPECT_EQ(Mox::BuildNamespace(TEXT("C:\\rtl\\mox_log.cpp")), TEXT("mox_log"));
-    EXPECT_EQ(Mox::BuildNamespace(TEXT("a.b.cpp")), TEXT("a.b"));
-    EXPECT_EQ(Mox::BuildNamespace(TEXT("name")), TEXT("name"));
-}
-
 TEST(Logger, SystemTextsKeepTheirLineBreak) {
     const UnicodeString text = Mox::GetSysError(ERROR_ACCESS_DENIED, false);
     EXPECT_GT(text.Pos(TEXT("\r\n")), 1);

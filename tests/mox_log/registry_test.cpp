@@ -193,17 +193,4 @@ TEST_F(Toolkit, RegisteredTextsAreLookedUpAfresh) {
     EXPECT_EQ(id.AsString(), TEXT("log_file!"));
 }
 
-TEST_F(Toolkit, ConversionsAreExtractedInOrder) {
-    const std::pair<const WCHAR*, const WCHAR*> rows[] = {
-        {TEXT("100%% of %d"), TEXT("%d")},
-        {TEXT("%-08.3lf|%*d"), TEXT("%-08.3lf%*d")},
-        {TEXT("%s(handle=0x%x, offset=0x%x) failed: \" %s \""), TEXT("%s%x%x%s")},
-        {TEXT("%d then %-5"), TEXT("%d")},
-        {TEXT("%"), TEXT("")},
-        {TEXT(""), TEXT("")}};
-    for (const auto& [format, found] : rows) {
-        EXPECT_EQ(Mox::ExtractFormatStrings(format), found) << test::Shown(format);
-    }
-}
-
 }  // namespace
