@@ -5,10 +5,10 @@
 #include <winspool.h>
 
 #include <cstring>
-#include <fstream>
 
 #include "support/fresh_host_root.h"
 #include "support/last_error.h"
+#include "support/source_folder.h"
 #include "support/test_registry.h"
 
 using test::ErrorUnless;
@@ -17,62 +17,6 @@ namespace {
 
 using Bytes = std::vector<BYTE>;
 
-constexpr char kMachine[] = R"(Windows Registry Editor Version 5.00
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax]
-"Printer Driver"="Fax Driver"
-"Port"=hex(2):46,00,00,00,58,00,00,00
-"Description"="Sends"
-"Attributes"=dword:00000040
-"Status"=dword:00000001
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\PrinterDriverData]
-"Tray"="Upper"
-"Empty"=hex(1):
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\12]
-"Document"="Second"
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\9]
-"Document"="Third"
-"Position"=dword:00000009
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\7]
-"Document"="First"
-"UserName"="Mo"
-"MachineName"="PC"
-"Datatype"="RAW"
-"StatusText"="Printing"
-"Position"=dword:00000001
-"Status"=dword:00000010
-"Priority"=dword:00000063
-"TotalPages"=dword:00000005
-"PagesPrinted"=dword:00000004
-"StartTime"=dword:00000020
-"UntilTime"=dword:00000021
-"Size"=dword:00001000
-"Time"=dword:00000022
-"NotifyName"="Jo"
-"PrintProcessor"="winprint"
-"Parameters"="p"
-"Submitted"=hex:ea,07,0b,00,02,00,18,00,14,00,35,00,1c,00,00,00
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Fax\Jobs\x]
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Printers\Plain]
-"Name"="Plain One"
-"Port"=dword:00000001
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Environments\Windows x64\Drivers\Version-3\Fax Driver]
-"Driver"="fax.dll"
-"Configuration File"="D:\\own\\faxui.dll"
-"Dependent Files"=hex(7):61,00,00,00,62,00,00,00,00,00,63,00,00,00
-"Datatype"="RAW"
-
-[HKEY_LOCAL_MACHINE\SYSTEM\CurrentControlSet\Control\Print\Monitors\Fax Port]
-"Driver"="faxmon.dll"
-)";
-
 std::u16string Text(LPCWSTR text) {
     return text;
 }
@@ -80,8 +24,7 @@ std::u16string Text(LPCWSTR text) {
 class Spooler : public testing::Test {
   protected:
     Spooler() {
-        const std::string file = root_.Folder() + "/machine.reg";
-        std::ofstream(file) << kMachine;
+        const std::string file = test::SourceFolder() + "/tests/data/spooler.reg";
         EXPECT_TRUE(QvHostImport(std::u16string(file.begin(), file.end()).c_str(), nullptr, 0));
         fax_ = Open(u"FAX");
     }
