@@ -5,9 +5,12 @@
 #include <winspool.h>
 
 #include <cstring>
+#include <span>
+#include <sstream>
 
 #include "support/fresh_host_root.h"
 #include "support/last_error.h"
+#include "support/page_text.h"
 #include "support/source_folder.h"
 #include "support/test_registry.h"
 
@@ -88,26 +91,80 @@ TEST_F(Spooler, OpensPrintersByNameAndRefusesTheRest) {
     EXPECT_EQ(ErrorUnless(Open(u"Fax", 1)), DWORD{ERROR_ACCESS_DENIED});
 }
 
-TEST_F(Spooler, ListsPrintersWithTheirStringsInOneBuffer) {
+// Everything that the spooler lists, a line for each record.
+TEST_F(Spooler, ListsAreWhatTheFileOfAnswersSays) {
+    std::ostringstream lines;
+    const auto line = [&lines](std::initializer_list<LPCWSTR> texts,
+                               std::initializer_list<DWORD> numbers) {
+        for (LPCWSTR text : texts)
+            lines << (text == nullptr ? "null" : std::string(text, text + Text(text).size()))
+                  << '|';
+        for (const DWORD number : numbers) lines << ' ' << number;
+        lines << '\n';
+    };
     DWORD count = 0;
-    const Bytes buffer = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
+    const auto records = [&](auto type, const auto& call) {
+        Bytes buffer = Ask(call);
+        const auto* first = reinterpret_cast<const decltype(type)*>(buffer.data());
+        return std::pair(std::move(buffer), std::span(first, count));
+    };
+    const auto printers = records(PRINTER_INFO_2W{}, [&](LPBYTE to, DWORD size, LPDWORD needed) {
         return EnumPrintersW(PRINTER_ENUM_LOCAL | PRINTER_ENUM_CONNECTIONS, nullptr, 2, to, size,
                              needed, &count);
     });
-    ASSERT_EQ(count, 2u);
-    const auto* records = reinterpret_cast<const PRINTER_INFO_2W*>(buffer.data());
-    EXPECT_EQ(Text(records[0].pPrinterName), u"Fax");
-    EXPECT_EQ(Text(records[0].pDriverName), u"Fax Driver");
-    EXPECT_EQ(Text(records[0].pComment), u"Sends");
-    EXPECT_EQ(Text(records[0].pPortName), u"F") << "up to the zero";
-    EXPECT_EQ(records[0].Attributes, 0x40u);
-    EXPECT_EQ(records[0].cJobs, 3u);
-    EXPECT_EQ(Text(records[1].pPrinterName), u"Plain One");
-    EXPECT_EQ(Text(records[1].pPortName), u"");
-    EXPECT_EQ(records[1].pDevMode, nullptr);
-    const auto* last = reinterpret_cast<const BYTE*>(records[1].pParameters);
-    EXPECT_EQ(last + sizeof(WCHAR), buffer.data() + buffer.size());
+    for (const PRINTER_INFO_2W& p : printers.second) {
+        line({p.pServerName, p.pPrinterName, p.pShareName, p.pPortName, p.pDriverName, p.pComment,
+              p.pLocation, p.pSepFile, p.pPrintProcessor, p.pDatatype, p.pParameters},
+             {p.Attributes, p.Priority, p.Status, p.cJobs, p.pDevMode != nullptr});
+    }
+    const auto* last =
+        reinterpret_cast<const BYTE*>(printers.second.back().pParameters) + sizeof(WCHAR);
+    EXPECT_EQ(last, printers.first.data() + printers.first.size()) << "one buffer, all of it used";
+    const auto drivers = records(DRIVER_INFO_3W{}, [&](LPBYTE to, DWORD size, LPDWORD needed) {
+        return EnumPrinterDriversW(nullptr, nullptr, 3, to, size, needed, &count);
+    });
+    for (const DRIVER_INFO_3W& d : drivers.second) {
+        line({d.pName, d.pEnvironment, d.pDriverPath, d.pDataFile, d.pConfigFile, d.pHelpFile,
+              d.pMonitorName, d.pDefaultDataType},
+             {d.cVersion});
+        for (LPCWSTR file = d.pDependentFiles; *file != 0; file += Text(file).size() + 1)
+            line({file}, {});
+    }
+    const auto monitors = records(MONITOR_INFO_2W{}, [&](LPBYTE to, DWORD size, LPDWORD needed) {
+        return EnumMonitorsW(nullptr, 2, to, size, needed, &count);
+    });
+    for (const MONITOR_INFO_2W& m : monitors.second)
+        line({m.pName, m.pEnvironment, m.pDLLName}, {});
+    const Bytes directory = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
+        return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, to, size, needed);
+    });
+    line({reinterpret_cast<LPCWSTR>(directory.data())}, {static_cast<DWORD>(directory.size())});
+    for (const auto& [first, limit] : {std::pair(0, 10), {1, 1}, {3, 10}}) {
+        const auto jobs = records(JOB_INFO_1W{}, [&](LPBYTE to, DWORD size, LPDWORD needed) {
+            return EnumJobsW(fax_, static_cast<DWORD>(first), static_cast<DWORD>(limit), 1, to,
+                             size, needed, &count);
+        });
+        lines << count << " jobs\n";
+        for (const JOB_INFO_1W& j : jobs.second)
+            line({j.pDocument, j.pUserName, j.pStatus}, {j.JobId, j.Priority, j.Position});
+    }
+    const Bytes one = Ask(
+        [&](LPBYTE to, DWORD size, LPDWORD want) { return GetJobW(fax_, 7, 2, to, size, want); });
+    const auto& j = *reinterpret_cast<const JOB_INFO_2W*>(one.data());
+    line({j.pPrinterName, j.pMachineName, j.pUserName, j.pDocument, j.pDatatype, j.pStatus,
+          j.pNotifyName, j.pPrintProcessor, j.pParameters, j.pDriverName},
+         {j.JobId, j.Status, j.Priority, j.Position, j.TotalPages, j.PagesPrinted, j.StartTime,
+          j.UntilTime, j.Size, j.Time, j.Submitted.wYear});
+    EXPECT_EQ(lines.str(), test::PageText("../tests/data/spooler_answers.txt"));
     DWORD needed = 0;
+    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 8, 2, nullptr, 0, &needed)), 87u);
+    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 7, 3, nullptr, 0, &needed)), DWORD{ERROR_INVALID_LEVEL});
+    std::u16string elsewhere = u"elsewhere";
+    EXPECT_EQ(
+        ErrorUnless(EnumPrinterDriversW(nullptr, elsewhere.data(), 3, nullptr, 0, &needed, &count)),
+        DWORD{ERROR_INVALID_ENVIRONMENT});
+    EXPECT_EQ(ErrorUnless(EnumMonitorsW(elsewhere.data(), 2, nullptr, 0, &needed, &count)),
+              DWORD{ERROR_INVALID_NAME});
     EXPECT_TRUE(EnumPrintersW(PRINTER_ENUM_CONNECTIONS, nullptr, 2, nullptr, 0, &needed, &count));
     EXPECT_EQ(count, 0u);
 }
@@ -125,87 +182,6 @@ TEST_F(Spooler, AnEmptyMachineListsNothing) {
     EXPECT_EQ(list(PRINTER_ENUM_LOCAL, 4, &needed), DWORD{ERROR_INVALID_LEVEL});
     EXPECT_EQ(list(1, 2, &needed), DWORD{ERROR_INVALID_FLAGS});
     EXPECT_EQ(list(PRINTER_ENUM_LOCAL, 2, nullptr), DWORD{ERROR_INVALID_PARAMETER});
-}
-
-TEST_F(Spooler, DriversAndMonitorsNameTheirFiles) {
-    DWORD count = 0;
-    const Bytes drivers = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
-        return EnumPrinterDriversW(nullptr, nullptr, 3, to, size, needed, &count);
-    });
-    const auto& driver = *reinterpret_cast<const DRIVER_INFO_3W*>(drivers.data());
-    const std::u16string folder = u"C:\\Windows\\System32\\spool\\drivers\\x64";
-    EXPECT_EQ(Text(driver.pName), u"Fax Driver");
-    EXPECT_EQ(Text(driver.pEnvironment), u"Windows x64");
-    EXPECT_EQ(Text(driver.pDriverPath), folder + u"\\3\\fax.dll");
-    EXPECT_EQ(Text(driver.pConfigFile), u"D:\\own\\faxui.dll");
-    EXPECT_EQ(Text(driver.pHelpFile), u"");
-    EXPECT_EQ(Text(driver.pDefaultDataType), u"RAW");
-    const std::u16string dependent = folder + u"\\3\\a";
-    EXPECT_EQ(Text(driver.pDependentFiles), dependent);
-    EXPECT_EQ(Text(driver.pDependentFiles + dependent.size() + 1), folder + u"\\3\\b");
-    EXPECT_EQ(driver.pDependentFiles[2 * dependent.size() + 2], 0) << "an empty text ends the list";
-    EXPECT_EQ(driver.cVersion, 3u);
-    const Bytes monitors = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
-        return EnumMonitorsW(nullptr, 2, to, size, needed, &count);
-    });
-    const auto& monitor = *reinterpret_cast<const MONITOR_INFO_2W*>(monitors.data());
-    EXPECT_EQ(Text(monitor.pName), u"Fax Port");
-    EXPECT_EQ(Text(monitor.pEnvironment), u"Windows x64");
-    EXPECT_EQ(Text(monitor.pDLLName), u"faxmon.dll");
-    const Bytes directory = Ask([&](LPBYTE to, DWORD size, LPDWORD needed) {
-        return GetPrinterDriverDirectoryW(nullptr, nullptr, 1, to, size, needed);
-    });
-    EXPECT_EQ(Text(reinterpret_cast<LPCWSTR>(directory.data())), folder);
-    EXPECT_EQ(directory.size(), (folder.size() + 1) * sizeof(WCHAR));
-    std::u16string elsewhere = u"elsewhere";
-    DWORD needed = 0;
-    EXPECT_EQ(
-        ErrorUnless(EnumPrinterDriversW(nullptr, elsewhere.data(), 3, nullptr, 0, &needed, &count)),
-        DWORD{ERROR_INVALID_ENVIRONMENT});
-    EXPECT_EQ(ErrorUnless(EnumMonitorsW(elsewhere.data(), 2, nullptr, 0, &needed, &count)),
-              DWORD{ERROR_INVALID_NAME});
-}
-
-TEST_F(Spooler, JobsComeInTheOrderOfTheQueue) {
-    DWORD count = 0, needed = 0;
-    const auto list = [&](DWORD first, DWORD limit) {
-        return Ask([&, first, limit](LPBYTE to, DWORD size, LPDWORD want) {
-            return EnumJobsW(fax_, first, limit, 1, to, size, want, &count);
-        });
-    };
-    const Bytes all = list(0, 10);
-    const auto* jobs = reinterpret_cast<const JOB_INFO_1W*>(all.data());
-    ASSERT_EQ(count, 3u);
-    const DWORD ids[] = {7, 9, 12};
-    for (DWORD i = 0; i < 3; ++i) {
-        EXPECT_EQ(jobs[i].JobId, ids[i]);
-        EXPECT_EQ(jobs[i].Position, i + 1);
-    }
-    EXPECT_EQ(Text(jobs[0].pStatus), u"Printing");
-    EXPECT_EQ(Text(jobs[2].pDocument), u"Second");
-    EXPECT_EQ(jobs[2].Priority, 1u);
-    const Bytes middle = list(1, 1);
-    EXPECT_EQ(reinterpret_cast<const JOB_INFO_1W*>(middle.data())->JobId, 9u);
-    EXPECT_EQ(count, 1u);
-    EXPECT_EQ(list(3, 10), Bytes());
-    EXPECT_EQ(count, 0u);
-    const Bytes one = Ask(
-        [&](LPBYTE to, DWORD size, LPDWORD want) { return GetJobW(fax_, 7, 2, to, size, want); });
-    const auto& job = *reinterpret_cast<const JOB_INFO_2W*>(one.data());
-    const DWORD numbers[] = {job.JobId,      job.Status,       job.Priority,       job.Position,
-                             job.TotalPages, job.PagesPrinted, job.StartTime,      job.UntilTime,
-                             job.Size,       job.Time,         job.Submitted.wYear};
-    const DWORD expected[] = {7, 0x10, 99, 1, 5, 4, 0x20, 0x21, 0x1000, 0x22, 2026};
-    EXPECT_TRUE(std::equal(std::begin(numbers), std::end(numbers), expected));
-    std::u16string texts;
-    for (LPCWSTR text :
-         {job.pPrinterName, job.pMachineName, job.pUserName, job.pDocument, job.pDatatype,
-          job.pStatus, job.pNotifyName, job.pPrintProcessor, job.pParameters, job.pDriverName}) {
-        texts += Text(text) + u'|';
-    }
-    EXPECT_EQ(texts, u"Fax|PC|Mo|First|RAW|Printing|Jo|winprint|p|Fax Driver|");
-    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 8, 2, nullptr, 0, &needed)), 87u);
-    EXPECT_EQ(ErrorUnless(GetJobW(fax_, 7, 3, nullptr, 0, &needed)), DWORD{ERROR_INVALID_LEVEL});
 }
 
 TEST_F(Spooler, TheUsersBlockIsKeptWhole) {
