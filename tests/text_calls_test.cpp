@@ -1,7 +1,7 @@
 // Calls from texts to a text, as the table tests/text_calls.txt has them.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdarg>
 #include <functional>
 #include <map>
 #include <sstream>
@@ -13,6 +13,7 @@
 #include "driver_global/program_texts.h"
 #include "mox_classes/containers/string_list.h"
 #include "mox_classes/format/define_table.h"
+#include "mox_classes/format/string_encoding.h"
 #include "mox_classes/format/template_string.h"
 #include "mox_classes/text/sysutils.h"
 #include "mox_log/logger.h"
@@ -107,7 +108,7 @@ Text Split(const Text& text, bool strict) {
 constexpr TDefineConst kPapers[] = {
     {0, TEXT("DMPAPER_")}, {1, TEXT("LETTER")}, {9, TEXT("A4")}, {-4, TEXT("HIGH")}};
 constexpr TDefineConst kFlags[] = {{1, TEXT("F_")}, {1, TEXT("A")}, {2, TEXT("B")}, {4, TEXT("C")}};
-const TDefineTable papers(kPapers), flags(kFlags);
+const TDefineTable paper_table(kPapers), flag_table(kFlags);
 
 Text Define(const TDefineTable& table, const Text& text) {
     int value = 12345;
@@ -115,8 +116,73 @@ Text Define(const TDefineTable& table, const Text& text) {
     return Number(value) + (known ? TEXT("") : TEXT(" unknown"));
 }
 
+// Bytes as hexadecimal digits, two for each.
+std::string BytesOf(const Text& hex) {
+    std::string bytes;
+    for (int i = 1; i < hex.Length(); i += 2)
+        bytes += static_cast<char>(StrToInt(TEXT("0x") + hex.SubString(i, 2)));
+    return bytes;
+}
+Text HexOf(const std::string& bytes) {
+    Text hex;
+    for (const char byte : bytes) hex += Text::IntToHex(static_cast<unsigned char>(byte), 2);
+    return hex;
+}
+
+// A record of the byte encoding, read in both of its layouts; the code of a failure.
+Text Decoded(const Text& hex) {
+    std::string bytes = BytesOf(hex);
+    Text text, unpacked;
+    ULONG used = 0;
+    const bool read = System::BinToStr(bytes.data(), static_cast<ULONG>(bytes.size()), used, text);
+    const Text failed = TEXT("failed ") + Number(GetLastError());
+    auto* head = reinterpret_cast<unsigned char*>(bytes.data());
+    auto* tail = head + bytes.size();
+    EXPECT_EQ(System::BufferToString(head, tail, unpacked), read);
+    EXPECT_TRUE(!read || (unpacked == text && used == bytes.size()));
+    return read ? text : failed;
+}
+
+Text Encoded(const Text& text, System::TCodePage page) {
+    std::string bytes(1000, '?');
+    ULONG needed = 0;
+    EXPECT_TRUE(System::StrToBin(bytes.data(), 1000, needed, page, text));
+    return HexOf(bytes.substr(0, needed));
+}
+
+Text SetTags(const Text& hex) {
+    const std::string tags = BytesOf(hex);
+    return Number(SetDefaultStringTags(reinterpret_cast<const BYTE*>(tags.data())));
+}
+
+// A text out of bytes of a code page; the code of a failure.
+Text FromPage(const Text& hex, UINT page, DWORD flags) {
+    const std::string bytes = BytesOf(hex);
+    WCHAR wide[100];
+    const int units =
+        MultiByteToWideChar(page, flags, bytes.data(), static_cast<int>(bytes.size()), wide, 100);
+    return units > 0 ? Text(wide, units) : TEXT("failed ") + Number(GetLastError());
+}
+
+Text ToPage(const Text& text, UINT page, DWORD flags) {
+    char bytes[100];
+    const int count =
+        WideCharToMultiByte(page, flags, text.t_str(), text.Length(), bytes, 100, nullptr, nullptr);
+    return count > 0 ? HexOf({bytes, static_cast<std::size_t>(count)})
+                     : TEXT("failed ") + Number(GetLastError());
+}
+
+Text Printed(const WCHAR* format, ...) {
+    WCHAR buffer[600];
+    std::va_list arguments;
+    va_start(arguments, format);
+    const int count = _vsnwprintf(buffer, 600, format, arguments);
+    va_end(arguments);
+    return count < 0 ? TEXT("<negative>") : Text(buffer, count);
+}
+
 int IntOf(const Text& text) {
-    return StrToInt(text);
+    return text.IsEmpty() ? 0 : StrToInt(text);
 }
 WCHAR UnitOf(const Text& text) {
     return text.IsEmpty() ? WCHAR{0} : text[1];
@@ -195,10 +261,10 @@ const std::map<std::string, Call> kCalls = {
     {"TemplateStringFindField", CALL(Number(TemplateStringFindField(a[0], a[1])))},
     {"ReplaceTags", CALL(ReplaceName(a[0], a[1], false, a[2], a[3]))},
     {"ReplaceTagsSafely", CALL(ReplaceName(a[0], a[1], true, a[2], a[3]))},
-    {"PaperOf", CALL(Define(papers, a[0]))},
-    {"FlagsOf", CALL(Define(flags, a[0]))},
-    {"PaperName", CALL(DefineToString(papers.Rows(), IntOf(a[0]), a[1] == TEXT("prefix")))},
-    {"FlagNames", CALL(FlagsToString(flags.Rows(), IntOf(a[0]), a[1] == TEXT("prefix")))},
+    {"PaperOf", CALL(Define(paper_table, a[0]))},
+    {"FlagsOf", CALL(Define(flag_table, a[0]))},
+    {"PaperName", CALL(DefineToString(paper_table.Rows(), IntOf(a[0]), a[1] == TEXT("prefix")))},
+    {"FlagNames", CALL(FlagsToString(flag_table.Rows(), IntOf(a[0]), a[1] == TEXT("prefix")))},
     {"DefineToString", CALL(DefineToString(nullptr, IntOf(a[0]), true))},
     // A job, its tags and the parameters of a program
     {"Document", CALL((w.SetDocument(a[0]), Text()))},
@@ -207,6 +273,22 @@ const std::map<std::string, Call> kCalls = {
     {"Template", CALL(FillFormat(a[0].t_str(), QVFillField, &w.info))},
     {"Tags", CALL(ReplaceTags(a[0], FillTags, &w.info, false, TEXT("["), TEXT("]")))},
     {"Parameters", CALL(driver_global::FilledParameters(a[0], w.info))},
+    // Bytes
+    {"Decoded", CALL(Decoded(a[0]))},
+    {"Encoded", CALL(Encoded(a[0], static_cast<System::TCodePage>(IntOf(a[1]))))},
+    {"SetTags", CALL(SetTags(a[0]))},
+    // The host
+    {"FromPage", CALL(FromPage(a[0], static_cast<UINT>(IntOf(a[1])), 0))},
+    {"FromPageStrictly",
+     CALL(FromPage(a[0], static_cast<UINT>(IntOf(a[1])), MB_ERR_INVALID_CHARS))},
+    {"ToPage", CALL(ToPage(a[0], static_cast<UINT>(IntOf(a[1])), 0))},
+    {"ToPageStrictly", CALL(ToPage(a[0], static_cast<UINT>(IntOf(a[1])), WC_ERR_INVALID_CHARS))},
+    {"GetEnvExpanded", CALL(GetEnvExpanded(a[0]))},
+    {"PrintInts", CALL(Printed(a[0].t_str(), IntOf(a[1]), IntOf(a[2]), IntOf(a[3])))},
+    {"PrintInt64", CALL(Printed(a[0].t_str(), StrToInt64(a[1])))},
+    {"PrintText", CALL(Printed(a[0].t_str(), a[1].t_str()))},
+    {"PrintNarrow", CALL(Printed(a[0].t_str(), BytesOf(a[1]).c_str()))},
+    {"PrintReal", CALL(Printed(a[0].t_str(), static_cast<double>(StrToFloat(a[1]))))},
     // Settings by name, and codes
     {"SetField", CALL(w.SetField(a[0], a[1]))},
     {"DeviceCap", CALL(DrvDeviceCapabilities_DeviceCap(static_cast<WORD>(IntOf(a[0]))))},

