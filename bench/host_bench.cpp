@@ -1,5 +1,6 @@
 // The Linux host: reading the registry, loading and unloading the library.
 #include <dlfcn.h>
+#include <qv_host.h>
 #include <sys/stat.h>
 #include <windows.h>
 
@@ -28,10 +29,10 @@ class Values {
     const std::string& File() const { return file_; }
 
   private:
-    // A file that a program has put there, as an installer does: one change, not a thousand.
-    Values() : file_(bench::HostRoot() + "/registry/HKEY_CURRENT_USER.reg") {
-        std::filesystem::create_directories(bench::HostRoot() + "/registry");
-        std::FILE* const file = std::fopen(file_.c_str(), "w");
+    // A file that is imported, as an installer does: one change, not a thousand.
+    Values() : file_(bench::HostRoot() + "/registry/registry.db") {
+        const std::string text = bench::HostRoot() + "/values.reg";
+        std::FILE* const file = std::fopen(text.c_str(), "w");
         std::fputs("Windows Registry Editor Version 5.00\n\n[HKEY_CURRENT_USER\\Software\\Bench]\n",
                    file);
         for (int i = 0; i < kValues; ++i) {
@@ -39,6 +40,7 @@ class Values {
             names_.push_back(bench::Wide("Value " + std::to_string(i)));
         }
         std::fclose(file);
+        QvHostImport(bench::Wide(text).t_str(), nullptr, 0);
         key_ = Mox::RegOpenToRead(HKEY_CURRENT_USER, TEXT("Software\\Bench"));
     }
 

@@ -1,11 +1,8 @@
 #include "support/machine.h"
 
-#include <sys/stat.h>
+#include <qv_host.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "driver_devmode/qv_devmode.h"
@@ -43,57 +40,26 @@ constexpr char kMachine[] = R"(Windows Registry Editor Version 5.00
 "Driver"="qv_mon.dll"
 )";
 
-// One of the registry's files, and what it held at first.
-class Hive {
-  public:
-    explicit Hive(const char* name)
-        : path_(std::string(std::getenv("QV_HOST_ROOT")) + "/registry/" + name + ".reg") {}
-
-    void Write(const std::string& text) {
-        const std::string fresh = path_ + ".new";
-        std::ofstream(fresh, std::ios::binary) << text;
-        std::filesystem::rename(fresh, path_);
-    }
-    void Keep() {
-        std::ostringstream text;
-        text << std::ifstream(path_, std::ios::binary).rdbuf();
-        kept_ = text.str();
-        stat(path_.c_str(), &stamp_);
-    }
-    void Restore() {
-        struct stat now = {};
-        stat(path_.c_str(), &now);
-        // Every change is a new file; the number of an old one may come back with another time.
-        if (now.st_ino == stamp_.st_ino && now.st_mtim.tv_sec == stamp_.st_mtim.tv_sec &&
-            now.st_mtim.tv_nsec == stamp_.st_mtim.tv_nsec) {
-            return;
-        }
-        Write(kept_);
-        stat(path_.c_str(), &stamp_);
-    }
-
-  private:
-    std::string path_, kept_;
-    struct stat stamp_ = {};
-};
-
+// What each input changes is one group of changes, and is taken back.
 struct Machine {
     Machine() {
-        machine.Write(kMachine);
+        WCHAR problem[200];
+        WriteFile("machine.reg",
+                  {reinterpret_cast<const std::uint8_t*>(kMachine), sizeof(kMachine) - 1});
+        const std::string path = FilePath("machine.reg");
+        const std::u16string wide(path.begin(), path.end());
+        if (!QvHostImport(wide.c_str(), problem, 200)) std::abort();
         QV_DEVMODE settings;
         if (!SetGlobalDevMode(TEXT("Fax"), &settings, nullptr).IsSuccess()) std::abort();
-        machine.Keep();
-        user.Keep();
     }
-    Hive machine{"HKEY_LOCAL_MACHINE"}, user{"HKEY_CURRENT_USER"};
 };
 
 }  // namespace
 
 void ResetMachine() {
-    static Machine the_machine;
-    the_machine.machine.Restore();
-    the_machine.user.Restore();
+    static const Machine the_machine;
+    QvHostEndChanges(FALSE);
+    QvHostBeginChanges();
 }
 
 }  // namespace fuzz

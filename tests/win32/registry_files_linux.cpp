@@ -1,13 +1,15 @@
-// The registry's files: what the reader takes and refuses, what the writer makes, several
-// processes.
-#include <fcntl.h>
+// The registry's store, and .reg files: what the reader takes and refuses, what the writer makes,
+// several processes.
 #include <gtest/gtest.h>
 #include <qv_host.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <windows.h>
 
+#include <chrono>
+#include <csignal>
 #include <fstream>
 #include <sstream>
 
@@ -16,6 +18,7 @@
 namespace {
 
 const std::string kHead = "Windows Registry Editor Version 5.00\n\n";
+const std::string kStore = "registry/registry.db";
 const std::string kKey = "[HKEY_CURRENT_USER\\K]\n";
 
 class RegFiles : public testing::Test {
@@ -52,6 +55,11 @@ class RegFiles : public testing::Test {
     static LSTATUS Set(HKEY key, LPCWSTR name) {
         const BYTE data = 1;
         return RegSetValueExW(key, name, 0, REG_BINARY, &data, 1);
+    }
+    static std::string Problem() {
+        WCHAR text[300];
+        const std::u16string problem(text, QvHostProblem(text, 300));
+        return {problem.begin(), problem.end()};
     }
     std::string Export(const WCHAR* key) const {
         WCHAR message[300];
@@ -131,7 +139,7 @@ TEST_F(RegFiles, AMalformedFileNamesItsLineAndChangesNothing) {
         {kHead + "[-HKEY_CURRENT_USER\\K]\n@=\"x\"\n", "line 4: a value without a key"},
         {kHead + "[HKEY_CURRENT_USER\\K\n", "line 3: a key without a closing bracket"},
         {kHead + "[]\n", "line 3: a key without a name"},
-        {kHead + "[HKEY_NOWHERE\\K]\n", "line 3: a key of an unknown root"},
+        {kHead + kKey + "@=\"x\"\n[HKEY_NOWHERE\\K]\n", "line 5: a key of an unknown root"},
         {kHead + "[HKEY_USERS\\" + std::string(256, 'k') + "]", "line 3: a name that is too long"},
         {kHead + kKey + "\"v\"\n", "line 4: no '='"},
         {kHead + kKey + "\"v=1\n\n", "line 4: a quoted text without"},
@@ -157,40 +165,102 @@ TEST_F(RegFiles, AMalformedFileNamesItsLineAndChangesNothing) {
     EXPECT_EQ(Export(nullptr), "");
 }
 
-// Also within one tick of a coarse clock, when the new file has the old one's size and times.
-TEST_F(RegFiles, AFileThatAnotherProgramChangedIsReadAgain) {
-    const std::string file = "registry/HKEY_CURRENT_USER.reg";
-    const auto text = [](const std::string& value) {
-        return kHead + kKey + "\"v\"=hex:" + value + "\n";
-    };
-    EXPECT_EQ(Create(u"K"), ERROR_SUCCESS);
-    EXPECT_EQ(Read(file), kHead + kKey);
-    Write(file, text("01"));
-    struct stat before;
-    ASSERT_EQ(stat(Path(file).c_str(), &before), 0);
-    const timespec times[] = {before.st_atim, before.st_mtim};
-    for (const char* value : {"02", "03", "04"}) {
-        const bool by_rename = value[1] != '4';
-        const std::string changed = by_rename ? "next.reg" : file;
-        Write(changed, text(value));
-        utimensat(AT_FDCWD, Path(changed).c_str(), times, 0);
-        if (by_rename) rename(Path(changed).c_str(), Path(file).c_str());
-        EXPECT_EQ(Export(TEXT("HKCU")), text(value).substr(kHead.size() - 1));
-    }
-    Write(file, kHead + "[HKEY_USERS\\K]\n");
-    HKEY key = nullptr;
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_BADDB);
+// The files of earlier versions become the store, once; then they mean nothing.
+TEST_F(RegFiles, TextFilesAreTakenOverOnce) {
+    const std::string text = "registry/HKEY_CURRENT_USER.reg";
+    mkdir(Path("registry").c_str(), 0700);
+    Write(text, kHead + "[HKEY_USERS\\K]\n");
     EXPECT_EQ(Create(u"L"), ERROR_BADDB);
-    EXPECT_EQ(Read(file), kHead + "[HKEY_USERS\\K]\n");
-    unlink(Path(file).c_str());
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, KEY_READ, &key), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"old"), ERROR_SUCCESS);
-    mkdir(Path(file + ".new").c_str(), 0700);
-    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"new"), ERROR_ACCESS_DENIED);
-    EXPECT_EQ(Export(TEXT("HKCU")), "\n[HKEY_CURRENT_USER]\n\"old\"=hex:01\n");
+    EXPECT_EQ(Problem(), Path(text) + ", line 3: a key of an unexpected root");
+    Write(text, kHead + kKey + "\"v\"=hex:01\n");
+    for (const char* left : {"registry/HKEY_CURRENT_USER.reg", "none"}) {
+        EXPECT_EQ(Export(TEXT("HKCU")), "\n" + kKey + "\"v\"=hex:01\n");
+        EXPECT_NE(access(Path(left).c_str(), F_OK), 0);
+        EXPECT_EQ(Read(text + ".taken_over"), kHead + kKey + "\"v\"=hex:01\n");
+    }
 }
 
-TEST_F(RegFiles, KeysLieInOrderAndNoDeeperThanTheFileCanHold) {
+// What is no store, or damaged, is refused by name and left as it is.
+TEST_F(RegFiles, AStrangeFileInPlaceOfTheStoreIsKept) {
+    ASSERT_EQ(Create(u"K"), ERROR_SUCCESS);
+    EXPECT_TRUE(QvHostCheckRegistry(nullptr, 0));
+    const std::string torn = Read("registry/registry.db").substr(0, 5000);
+    for (const std::string& bytes : {torn, std::string(5000, 'x')}) {
+        for (const char* end : {"", "-wal", "-shm"}) unlink(Path(kStore + end).c_str());
+        Write(kStore, bytes);
+        EXPECT_EQ(Create(u"L"), ERROR_BADDB);
+        EXPECT_EQ(Problem().substr(0, Path(kStore).size() + 1), Path(kStore) + ":");
+        EXPECT_FALSE(QvHostCheckRegistry(nullptr, 0));
+        EXPECT_EQ(Read(kStore), bytes);
+    }
+    unlink(Path(kStore).c_str());
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"new"), ERROR_SUCCESS);
+    EXPECT_EQ(Export(TEXT("HKCU")), "\n[HKEY_CURRENT_USER]\n\"new\"=hex:01\n");
+}
+
+TEST_F(RegFiles, AGroupIsKeptOrTakenBackWhole) {
+    ASSERT_EQ(Set(HKEY_CURRENT_USER, u"a"), ERROR_SUCCESS);
+    for (const BOOL keep : {FALSE, TRUE}) {
+        QvHostBeginChanges();
+        EXPECT_EQ(Create(u"K"), ERROR_SUCCESS);
+        EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"a"), ERROR_SUCCESS);
+        EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"a"), ERROR_FILE_NOT_FOUND);
+        EXPECT_NE(Import(kHead + kKey + "\"b\"=hex:01\nx"), "");
+        EXPECT_EQ(Export(TEXT("HKCU")), "\n" + kKey);
+        EXPECT_TRUE(QvHostEndChanges(keep));
+        EXPECT_EQ(Export(TEXT("HKCU")),
+                  keep ? "\n" + kKey : "\n[HKEY_CURRENT_USER]\n\"a\"=hex:01\n");
+    }
+}
+
+// With a limit for files in place of a full disk.
+TEST_F(RegFiles, AChangeThatDoesNotFitLeavesNothingBehind) {
+    ASSERT_EQ(Set(HKEY_USERS, u"a"), ERROR_SUCCESS);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit = {100000, 100000};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        const std::vector<BYTE> large(200000), small(50000);
+        const auto set = [](const std::vector<BYTE>& data) {
+            return RegSetValueExW(HKEY_USERS, u"b", 0, REG_BINARY, data.data(),
+                                  static_cast<DWORD>(data.size()));
+        };
+        if (set(large) != ERROR_DISK_FULL) _exit(1);
+        struct stat log;
+        if (stat(Path(kStore + "-wal").c_str(), &log) != 0 || log.st_size > 40000) _exit(2);
+        _exit(set(small) == ERROR_SUCCESS ? 0 : 3);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+// A writer that does not go on costs others five seconds, and readers nothing.
+TEST_F(RegFiles, AStoppedWriterIsWaitedForAndNamed) {
+    ASSERT_EQ(Set(HKEY_USERS, u"a"), ERROR_SUCCESS);
+    const pid_t writer = fork();
+    if (writer == 0) {
+        QvHostBeginChanges();
+        Set(HKEY_USERS, u"b");
+        raise(SIGSTOP);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(writer, &status, WUNTRACED);
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_EQ(Export(TEXT("HKU")), "\n[HKEY_USERS]\n\"a\"=hex:01\n");
+    EXPECT_EQ(Set(HKEY_USERS, u"c"), ERROR_BUSY);
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(6));
+    EXPECT_EQ(Problem(),
+              Path(kStore) + ": locked by process " + std::to_string(writer) + " (qv_tests)");
+    kill(writer, SIGKILL);
+    waitpid(writer, &status, 0);
+    EXPECT_EQ(Set(HKEY_USERS, u"c"), ERROR_SUCCESS);
+    EXPECT_EQ(Export(TEXT("HKU")), "\n[HKEY_USERS]\n\"a\"=hex:01\n\"c\"=hex:01\n");
+}
+
+TEST_F(RegFiles, KeysLieInOrderAndNotTooDeep) {
     std::u16string deep;
     for (int i = 0; i < 512; ++i) deep += i == 0 ? u"k" : u"\\k";
     EXPECT_EQ(Create(deep), ERROR_SUCCESS);

@@ -80,6 +80,8 @@ ExitCode RunAndReport(int argc, char** argv) {
         return ExitCode::kDone;
     } catch (const qv::Failure& failure) {
         if (*failure.what() != 0) qv::PrintError(failure.what());
+        const std::string problem = qv::HostProblem();
+        if (!problem.empty() && problem != failure.what()) qv::PrintError(problem);
         return failure.Code();
     } catch (const std::exception& failure) {
         qv::PrintError(failure.what());

@@ -1,8 +1,8 @@
 # For the settings_* scripts beside this one, behind common.sh.
 
-# The registry and the journal byte for byte.
+# The registry and the journal byte for byte; the index that looking changes left out.
 machine_state() {
-    find "$QV_HOST_ROOT" \( -path '*/registry/*' -o -name changes.jsonl \) -type f -exec md5sum {} + | sort
+    find "$QV_HOST_ROOT" \( -path '*/registry/*' ! -name '*-shm' -o -name changes.jsonl \) -type f -exec md5sum {} + | sort
 }
 machine_before() { machine=$(machine_state); }
 same_machine() {

@@ -78,8 +78,29 @@ struct HostFacts {
     std::string library;  // file of the library that is loaded
     std::string machine;
     std::string root;  // the folder that stands in for a Windows machine; empty on Windows
+    std::string registry_damage;  // of what stands in for the registry; empty when it is whole
+    std::vector<std::string> old_registry;  // files of an earlier version, which mean nothing now
 };
 HostFacts GetHostFacts();
+
+// What the program changes in the registry while the object lives is one change there: all of it or
+// nothing, whatever becomes of the program, at the cost of one. Who else wants to change something
+// waits meanwhile. Taken back unless it is kept. On Windows every change stands by itself.
+class ChangeGroup {
+  public:
+    ChangeGroup();
+    ~ChangeGroup();
+    ChangeGroup(const ChangeGroup&) = delete;
+    ChangeGroup& operator=(const ChangeGroup&) = delete;
+    // Returns the Win32 error code, 0 when it is done.
+    DWORD Keep();
+
+  private:
+    bool is_open_ = true;
+};
+
+// What the host has to say of the call on the registry that failed last; empty when it has nothing.
+std::string HostProblem();
 
 // The folder for the user's own data of this program, which may not exist yet; UTF-8. Throws
 // Failure (kCannotOpen) when it is not known.

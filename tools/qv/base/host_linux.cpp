@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -153,7 +154,34 @@ HostFacts GetHostFacts() {
     char machine[256] = {};
     if (gethostname(machine, sizeof(machine) - 1) == 0) facts.machine = machine;
     facts.root = HostRoot();
+    WCHAR damage[kMessageSize] = {};
+    if (!QvHostCheckRegistry(damage, kMessageSize))
+        facts.registry_damage = OneLine(UnicodeString(damage));
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(facts.root + "/registry", ignored))
+        if (entry.path().extension() == ".taken_over")
+            facts.old_registry.push_back(entry.path().string());
+    std::ranges::sort(facts.old_registry);
     return facts;
+}
+
+ChangeGroup::ChangeGroup() {
+    QvHostBeginChanges();
+}
+
+ChangeGroup::~ChangeGroup() {
+    if (is_open_) QvHostEndChanges(FALSE);
+}
+
+DWORD ChangeGroup::Keep() {
+    is_open_ = false;
+    return QvHostEndChanges(TRUE) ? DWORD{NO_ERROR} : GetLastError();
+}
+
+std::string HostProblem() {
+    WCHAR problem[kMessageSize] = {};
+    const DWORD length = QvHostProblem(problem, kMessageSize);
+    return length < kMessageSize ? OneLine(UnicodeString(problem)) : "";
 }
 
 // Beside the registry that the changes are in: another host root is another machine.

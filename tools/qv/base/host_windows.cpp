@@ -173,6 +173,18 @@ std::string UserDataFolder() {
     return ToUtf8(folder) + "\\Halvorn\\Vantrel\\qv";
 }
 
+ChangeGroup::ChangeGroup() = default;
+ChangeGroup::~ChangeGroup() = default;
+
+DWORD ChangeGroup::Keep() {
+    is_open_ = false;
+    return NO_ERROR;
+}
+
+std::string HostProblem() {
+    return "";
+}
+
 void AddHostCommands(CLI::App& /*app*/) {}
 
 }  // namespace qv

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/host.h"
 #include "base/progress.h"
 
 namespace qv {
@@ -28,9 +29,19 @@ std::vector<PrinterChange*> ToStore(std::vector<PrinterChange>& changes) {
     return chosen;
 }
 
-// The only loop that stores. Returns whether it came to its end.
+// A group that cannot be kept has stored nothing of what went well.
+void Keep(ChangeGroup& group, const std::vector<PrinterChange*>& changes) {
+    const DWORD code = group.Keep();
+    for (PrinterChange* change : changes) {
+        if (code != NO_ERROR && change->failure.empty())
+            change->failure = "cannot store the settings: " + SystemText(code);
+    }
+}
+
+// The only loop that stores, all of it as one change. Returns whether it came to its end.
 bool StoreEach(const std::vector<PrinterChange*>& changes, const StopRequest& stop) {
     Progress progress("printers set", changes.size());
+    ChangeGroup group;
     bool stopped = false;
     for (PrinterChange* change : changes) {
         stopped = stopped || stop.IsMade();
@@ -42,6 +53,7 @@ bool StoreEach(const std::vector<PrinterChange*>& changes, const StopRequest& st
         progress.Add();
         StoreChange(*change);
     }
+    Keep(group, changes);
     return !stopped;
 }
 

@@ -5,16 +5,16 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <map>
+#include <optional>
 #include <system_error>
 
 #include "base/os_error.h"
 #include "base/unique_fd.h"
+#include "registry/reg_calls.h"
 #include "registry/reg_entries.h"
-#include "registry/reg_hive.h"
+#include "registry/reg_takeover.h"
 #include "root/host_path.h"
 #include "root/host_root.h"
-#include "text/case_fold.h"
 #include "text/host_text.h"
 
 using namespace host;
@@ -41,7 +41,9 @@ std::string NativeName(LPCWSTR name) {
 }
 
 [[noreturn]] void FailWithCode(LSTATUS code, const std::string& what) {
-    throw Failure{static_cast<DWORD>(code), what + ": error " + std::to_string(code)};
+    const std::string problem = RegistryProblem();
+    throw Failure{static_cast<DWORD>(code),
+                  problem.empty() ? what + ": error " + std::to_string(code) : problem};
 }
 
 BOOL Report(const Failure& failure, LPWSTR message, DWORD size) {
@@ -58,11 +60,12 @@ BOOL Report(const Failure& failure, LPWSTR message, DWORD size) {
 template <class Run>
 BOOL Guarded(LPWSTR message, DWORD size, const Run& run) {
     try {
-        const std::scoped_lock lock(RegistryMutex());
         run();
         return TRUE;
     } catch (const Failure& failure) {
         return Report(failure, message, size);
+    } catch (const RegError& error) {
+        return Report({static_cast<DWORD>(error.code), error.text}, message, size);
     } catch (const std::bad_alloc&) {
         return Report({ERROR_NOT_ENOUGH_MEMORY, "out of memory"}, message, size);
     } catch (const std::exception& error) {
@@ -70,76 +73,75 @@ BOOL Guarded(LPWSTR message, DWORD size, const Run& run) {
     }
 }
 
-using EntriesByHive = std::map<RegHive*, std::vector<RegEntry>>;
-
-EntriesByHive SplitByHive(std::string_view bytes) {
-    EntriesByHive parts;
-    RegHive* hive = nullptr;
-    ReadRegText(bytes, [&](const RegEntry& entry) {
-        if (entry.kind == RegEntry::Kind::Key || entry.kind == RegEntry::Kind::DeleteKey) {
-            hive = FindHive(std::u16string_view(entry.name).substr(0, entry.name.find(u'\\')));
-            if (hive == nullptr) throw RegTextError(entry.line, "a key of an unknown root");
+// All of it or nothing.
+void Import(const std::string& file) {
+    const std::string bytes = ReadWholeFile(file);
+    const LSTATUS code = ChangeRegistry([&] {
+        RegEntryRunner runner(0);
+        try {
+            ReadRegText(bytes, [&runner](const RegEntry& entry) { runner.Run(entry); });
+        } catch (const RegTextError& error) {
+            throw RegError{ERROR_BADDB, file + ", " + error.what()};
         }
-        parts[hive].push_back(entry);
-    });
-    return parts;
-}
-
-void RunAll(const std::vector<RegEntry>& entries, RegKey& root) {
-    RegEntryRunner runner([&root](std::u16string_view) { return &root; });
-    for (const RegEntry& entry : entries) runner.Run(entry);
-}
-
-// Reads the file and tries it on an empty registry, so that nothing can fail half-way.
-EntriesByHive ReadEntries(const std::string& file) {
-    const UniqueFd fd(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!fd) FailWithErrno(file);
-    std::string bytes;
-    const LSTATUS code = ReadWholeFile(fd.get(), bytes);
-    if (code != ERROR_SUCCESS) FailWithCode(code, file);
-    try {
-        EntriesByHive parts = SplitByHive(bytes);
-        for (const auto& [hive, entries] : parts) {
-            RegKey scratch(hive->Name());
-            RunAll(entries, scratch);
-        }
-        return parts;
-    } catch (const RegTextError& error) {
-        throw Failure{ERROR_BADDB, file + ", " + error.what()};
-    }
-}
-
-void RefreshOrFail(RegHive& hive) {
-    const LSTATUS code = hive.Refresh();
-    if (code == ERROR_BADDB) throw Failure{ERROR_BADDB, hive.Problem()};
-    if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
-}
-
-void Apply(RegHive& hive, const std::vector<RegEntry>& entries) {
-    RefreshOrFail(hive);
-    const LSTATUS code = hive.Change([&](bool& changed) {
-        RunAll(entries, hive.Root());
-        changed = true;
-        return LSTATUS{ERROR_SUCCESS};
     });
     if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be written");
 }
 
 void WriteKey(std::u16string_view name, RegTextWriter& writer) {
     const std::size_t end = std::min(name.find(u'\\'), name.size());
-    RegHive* const hive = FindHive(name.substr(0, end));
+    const std::int64_t root = FindRoot(name.substr(0, end));
+    if (root == 0) throw Failure{ERROR_FILE_NOT_FOUND, "the key's root is not known"};
     RegPath path;
-    if (hive == nullptr) throw Failure{ERROR_FILE_NOT_FOUND, "the key's root is not known"};
-    RefreshOrFail(*hive);
     SplitKeyPath(name.substr(std::min(end + 1, name.size())), path);
-    const RegKey* key = &hive->Root();
-    std::u16string whole = hive->Name();
+    std::optional<RegKey> key{root};
+    std::u16string whole(RegRoots()[root - 1].name);
     for (const std::u16string& part : path) {
         key = key->FindKey(part);
-        if (key == nullptr) throw Failure{ERROR_FILE_NOT_FOUND, "there is no such key"};
+        if (!key) throw Failure{ERROR_FILE_NOT_FOUND, "there is no such key"};
         whole += u'\\' + key->Name();
     }
     WriteRegKey(*key, whole, writer);
+}
+
+void WriteRoots(RegTextWriter& writer) {
+    for (const RegRoot& root : RegRoots()) {
+        const RegKey key(FindRoot(root.handle));
+        if (key.IsEmpty()) continue;
+        WriteRegKey(key, std::u16string(root.name), writer);
+    }
+}
+
+std::string Exported(LPCWSTR key) {
+    RegTextWriter writer;
+    std::optional<Failure> failure;
+    const LSTATUS code = ReadRegistry([&] {
+        try {
+            if (key != nullptr) {
+                WriteKey(key, writer);
+            } else {
+                WriteRoots(writer);
+            }
+        } catch (const Failure& found) {
+            failure = found;
+        }
+    });
+    if (failure) throw *failure;
+    if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
+    return writer.Take();
+}
+
+void WriteWhole(int fd, std::string_view bytes, const std::string& name) {
+    while (!bytes.empty()) {
+        const ssize_t put = write(fd, bytes.data(), bytes.size());
+        if (put < 0 && errno == EINTR) continue;
+        if (put < 0) FailWithErrno(name);
+        bytes.remove_prefix(static_cast<std::size_t>(put));
+    }
+}
+
+std::string ExamineStore() {
+    RegDatabase* const database = RegStore::Get().Database();
+    return database == nullptr ? "ok" : database->Examine();
 }
 
 void WriteOut(const std::string& text, LPCWSTR file) {
@@ -151,8 +153,7 @@ void WriteOut(const std::string& text, LPCWSTR file) {
     const std::string name = NativeName(file);
     const UniqueFd fd(open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
     if (!fd) FailWithErrno(name);
-    const LSTATUS code = WriteWholeFile(fd.get(), text);
-    if (code != ERROR_SUCCESS) FailWithCode(code, name);
+    WriteWhole(fd.get(), text, name);
 }
 
 }  // namespace
@@ -174,23 +175,32 @@ DWORD QvHostPath(LPCWSTR name, LPSTR buffer, DWORD size) {
 }
 
 BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size) {
-    return Guarded(message, size, [file] {
-        for (const auto& [hive, entries] : ReadEntries(NativeName(file))) Apply(*hive, entries);
-    });
+    return Guarded(message, size, [file] { Import(NativeName(file)); });
 }
 
 BOOL QvHostExport(LPCWSTR key, LPCWSTR file, LPWSTR message, DWORD size) {
-    return Guarded(message, size, [key, file] {
-        RegTextWriter writer;
-        if (key != nullptr) {
-            WriteKey(key, writer);
-        } else {
-            for (const auto& hive : RegHives()) {
-                RefreshOrFail(*hive);
-                if (!hive->Root().HasKeys() && hive->Root().Values().empty()) continue;
-                WriteRegKey(hive->Root(), hive->Name(), writer);
-            }
-        }
-        WriteOut(writer.Take(), file);
+    return Guarded(message, size, [key, file] { WriteOut(Exported(key), file); });
+}
+
+void QvHostBeginChanges() {
+    const std::scoped_lock lock(RegStore::Get().Mutex());
+    RegStore::Get().BeginChanges();
+}
+
+BOOL QvHostEndChanges(BOOL keep) {
+    const LSTATUS code = EndGroup(keep != FALSE);
+    return code == ERROR_SUCCESS ? TRUE : Fail(static_cast<DWORD>(code));
+}
+
+BOOL QvHostCheckRegistry(LPWSTR message, DWORD size) {
+    return Guarded(message, size, [] {
+        std::string found = "ok";
+        const LSTATUS code = ReadRegistry([&found] { found = ExamineStore(); });
+        if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
+        if (found != "ok") throw Failure{ERROR_BADDB, RegStore::Get().Path() + ": " + found};
     });
+}
+
+DWORD QvHostProblem(LPWSTR buffer, DWORD size) {
+    return CopyOut(FromUtf8(RegistryProblem()), buffer, size);
 }

@@ -1,14 +1,16 @@
-// The frame of every registry call: checks the handle and its rights, takes the lock, brings the
-// hive up to date, finds the key. Failures are returned as Win32 codes, as the calls do.
+// The frame of every registry call: checks the handle and its rights, takes the store's mutex,
+// opens a snapshot or a transaction, waits for other processes. Failures are returned as Win32
+// codes, as the calls do.
 #pragma once
 
 #include <windows.h>
 
-#include <memory>
+#include <functional>
+#include <string>
 
 #include "base/call_ref.h"
 #include "base/handles.h"
-#include "registry/reg_hive.h"
+#include "registry/reg_keys.h"
 #include "text/host_text.h"
 
 namespace host {
@@ -17,35 +19,52 @@ namespace host {
 class OpenKey : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kRegistryKey;
-    OpenKey(RegHive& hive, std::shared_ptr<KeyState> state, REGSAM access)
-        : HandleObject(kKind), hive_(hive), state_(std::move(state)), access_(access) {}
-    RegHive& Hive() const { return hive_; }
-    KeyState& State() const { return *state_; }
+    OpenKey(std::int64_t id, std::size_t depth, REGSAM access)
+        : HandleObject(kKind), id_(id), depth_(depth), access_(access) {}
+    std::int64_t Id() const { return id_; }
+    std::size_t Depth() const { return depth_; }
     REGSAM Access() const { return access_; }
 
   private:
-    RegHive& hive_;
-    const std::shared_ptr<KeyState> state_;
+    const std::int64_t id_;
+    const std::size_t depth_;  // levels below the root
     const REGSAM access_;
 };
 
-// What a call works on. Guarded by RegistryMutex().
+// What a call works on. Guarded by the store's mutex.
 struct KeyContext {
-    RegHive& hive;
-    const RegPath& path;  // of the key, below the root
-    RegKey& key;
+    const RegKey key;
+    const std::size_t depth;
 };
 
-using KeyReader = CallRef<LSTATUS(const KeyContext&)>;
-using KeyChanger = CallRef<LSTATUS(const KeyContext&, bool& changed)>;
+using KeyUser = CallRef<LSTATUS(const KeyContext&)>;
+using ValueReader = CallRef<LSTATUS(const RegValue&)>;
 
 // ERROR_INVALID_HANDLE, ERROR_ACCESS_DENIED when the handle lacks one of the `needed` rights,
-// ERROR_KEY_DELETED, or the code of the hive or of the function. Nothing is thrown.
-LSTATUS ReadKey(HKEY handle, REGSAM needed, const KeyReader& read);
-// The same on the state that all processes see, kept as RegHive::Change says.
-LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyChanger& change);
+// ERROR_KEY_DELETED, or the code of the store or of the function. Nothing is thrown. A lock of
+// another process is waited for, five seconds at most; then the code is ERROR_BUSY.
+LSTATUS ReadKey(HKEY handle, REGSAM needed, const KeyUser& read);
+// The same for one value, which is read from the store only when it has changed;
+// ERROR_FILE_NOT_FOUND when there is none.
+LSTATUS ReadValue(HKEY handle, std::u16string_view name, const ValueReader& read);
+// The same in a transaction, which is kept when the function returns ERROR_SUCCESS.
+LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyUser& change);
 
-// A new handle of a key. With RegistryMutex() held.
-LSTATUS OpenKeyHandle(RegHive& hive, RegPath path, REGSAM access, PHKEY result);
+// The same for calls that work on the whole registry, in a snapshot or a transaction.
+LSTATUS ReadRegistry(const CallRef<void()>& read);
+LSTATUS ChangeRegistry(const CallRef<void()>& change);
+// The end of a group of changes, RegStore::EndChanges.
+LSTATUS EndGroup(bool keep);
+// Keeps what tells other processes of a change until they can see it. False when no group is open:
+// then nothing is kept, and it can be told now. What is told runs without the mutex.
+bool RunAfterGroup(std::function<void()> run);
+
+// What was wrong with the registry when a call of this process failed last, for a person: the file
+// and the reason. Empty after one that went well.
+std::string RegistryProblem();
+
+// A new handle of a key. ERROR_ACCESS_DENIED when it is to change a registry that this user may not
+// change.
+LSTATUS OpenKeyHandle(std::int64_t id, std::size_t depth, REGSAM access, PHKEY result);
 
 }  // namespace host

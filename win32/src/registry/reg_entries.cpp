@@ -18,15 +18,18 @@ const char* NameProblem(LSTATUS code) {
 }
 
 struct KeyPlace {
-    RegKey* root;
+    RegKey root;
     RegPath path;  // below the root
 };
 
-KeyPlace FindPlace(const RegEntry& entry, const RegRootFinder& find_root) {
-    KeyPlace place{nullptr, {}};
+KeyPlace FindPlace(const RegEntry& entry, std::int64_t only_root) {
     const std::size_t end = std::min(entry.name.find(u'\\'), entry.name.size());
-    place.root = find_root(std::u16string_view(entry.name).substr(0, end));
-    if (place.root == nullptr) throw RegTextError(entry.line, "a key of an unexpected root");
+    const std::int64_t root = FindRoot(std::u16string_view(entry.name).substr(0, end));
+    if (root == 0) throw RegTextError(entry.line, "a key of an unknown root");
+    if (only_root != 0 && root != only_root) {
+        throw RegTextError(entry.line, "a key of an unexpected root");
+    }
+    KeyPlace place{RegKey(root), {}};
     const auto rest = std::u16string_view(entry.name).substr(std::min(end + 1, entry.name.size()));
     if (SplitKeyPath(rest, place.path) != ERROR_SUCCESS) {
         throw RegTextError(entry.line, "an empty name in a key's path");
@@ -41,12 +44,12 @@ KeyPlace FindPlace(const RegEntry& entry, const RegRootFinder& find_root) {
 
 void RemovePlace(const KeyPlace& place) {
     if (place.path.empty()) {
-        place.root->Clear();
+        place.root.Clear();
         return;
     }
     const auto parent = std::span(place.path).first(place.path.size() - 1);
-    RegKey* key = place.root->FindPath(parent);
-    if (key != nullptr) key->RemoveKey(place.path.back());
+    const std::optional<RegKey> key = place.root.FindPath(parent);
+    if (key) key->RemoveKey(place.path.back());
 }
 
 }  // namespace
@@ -54,56 +57,52 @@ void RemovePlace(const KeyPlace& place) {
 void RegEntryRunner::Run(const RegEntry& entry) {
     switch (entry.kind) {
         case RegEntry::Kind::Key: {
-            const KeyPlace place = FindPlace(entry, find_root_);
-            key_ = &place.root->MakePath(place.path);
+            const KeyPlace place = FindPlace(entry, only_root_);
+            key_ = place.root.MakePath(place.path);
             break;
         }
         case RegEntry::Kind::DeleteKey:
-            RemovePlace(FindPlace(entry, find_root_));
-            key_ = nullptr;
+            RemovePlace(FindPlace(entry, only_root_));
+            key_ = RegKey::None();
             break;
         case RegEntry::Kind::Value: {
             const LSTATUS code = CheckValueName(entry.name);
             if (code != ERROR_SUCCESS) throw RegTextError(entry.line, NameProblem(code));
-            key_->SetValue(entry.name, entry.type, entry.data);
+            key_.SetValue(entry.name, entry.type, entry.data);
             break;
         }
         case RegEntry::Kind::DeleteValue:
-            key_->RemoveValue(entry.name);
+            key_.RemoveValue(entry.name);
             break;
     }
 }
 
-namespace {
-
-void WriteOneKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
-    if (key.Values().empty() && key.HasKeys()) return;
-    writer.Key(path);
-    for (const auto& value : key.Values()) writer.Value(value->name, value->type, value->data);
-}
-
-}  // namespace
-
 void WriteRegKey(const RegKey& key, const std::u16string& path, RegTextWriter& writer) {
     struct Level {
-        const RegKey* key;
-        std::size_t next;  // of its subkeys
+        std::vector<RegKey> keys;  // that are still to be written
+        std::size_t next;
         std::size_t path_length;
     };
     std::u16string here = path;
-    std::vector<Level> levels{{&key, 0, here.size()}};
-    WriteOneKey(key, here, writer);
+    std::vector<Level> levels;
+    const auto write = [&](const RegKey& one) {
+        std::vector<RegKey> below = one.Keys();
+        const std::vector<RegValue> values = one.Values();
+        if (!values.empty() || below.empty()) writer.Key(here);
+        for (const RegValue& value : values) writer.Value(value.name, value.type, value.data);
+        levels.push_back({std::move(below), 0, here.size()});
+    };
+    write(key);
     while (!levels.empty()) {
         Level& level = levels.back();
         here.resize(level.path_length);
-        if (level.next == level.key->Keys().size()) {
+        if (level.next == level.keys.size()) {
             levels.pop_back();
             continue;
         }
-        const RegKey& below = *level.key->Keys()[level.next++];
+        const RegKey below = level.keys[level.next++];
         here += u'\\' + below.Name();
-        WriteOneKey(below, here, writer);
-        levels.push_back({&below, 0, here.size()});
+        write(below);
     }
 }
 

@@ -1,29 +1,26 @@
-// Between .reg statements and keys in memory.
+// Between .reg statements and the keys of the store.
 #pragma once
 
-#include <functional>
 #include <string_view>
 #include <vector>
 
+#include "registry/reg_keys.h"
 #include "registry/reg_text.h"
-#include "registry/reg_tree.h"
 
 namespace host {
 
-// The root that a name in a .reg file stands for; null when there is none.
-using RegRootFinder = std::function<RegKey*(std::u16string_view name)>;
-
-// Carries statements out, one after the other.
+// Carries statements out, one after the other, within a change. `only_root` is the number of the
+// root that all keys must belong to; 0 allows every one.
 class RegEntryRunner {
   public:
-    explicit RegEntryRunner(RegRootFinder find_root) : find_root_(std::move(find_root)) {}
+    explicit RegEntryRunner(std::int64_t only_root) : only_root_(only_root) {}
     // Throws RegTextError, with what came before it done, for a root that is not found and for
     // names that no key or value can have.
     void Run(const RegEntry& entry);
 
   private:
-    const RegRootFinder find_root_;
-    RegKey* key_ = nullptr;  // what values belong to
+    const std::int64_t only_root_;
+    RegKey key_ = RegKey::None();  // what values belong to
 };
 
 // Writes a key and all below it. `path` is its own path, root's name included. A key without values

@@ -1,5 +1,6 @@
 // Keys: open, make, list, remove.
 #include <algorithm>
+#include <optional>
 #include <span>
 
 #include "registry/reg_calls.h"
@@ -8,12 +9,11 @@ using namespace host;
 
 namespace {
 
-// The whole path, below the root, of `text` below a key.
-LSTATUS PathBelow(const RegPath& key, LPCWSTR text, RegPath& path) {
-    path = key;
+// The path of `text` below a key.
+LSTATUS PathBelow(const KeyContext& on, LPCWSTR text, RegPath& path) {
     const LSTATUS code = SplitKeyPath(ViewOf(text), path);
     if (code != ERROR_SUCCESS) return code;
-    return path.size() > kMaxKeyDepth ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS;
+    return on.depth + path.size() > kMaxKeyDepth ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS;
 }
 
 LSTATUS CheckNames(const RegPath& path) {
@@ -24,41 +24,43 @@ LSTATUS CheckNames(const RegPath& path) {
     return ERROR_SUCCESS;
 }
 
-std::span<const std::u16string> Parent(const RegPath& path) {
-    return std::span(path).first(path.size() - 1);
-}
-
 // Removes the key at `path` and what is below it.
-LSTATUS Remove(const KeyContext& on, const RegPath& path, bool& changed) {
-    if (path.empty()) return ERROR_ACCESS_DENIED;
-    RegKey* const parent = on.hive.Root().FindPath(Parent(path));
-    changed = parent != nullptr && parent->RemoveKey(path.back());
-    if (!changed) return ERROR_FILE_NOT_FOUND;
-    on.hive.MarkDeleted(path, true);
-    return ERROR_SUCCESS;
+LSTATUS Remove(const KeyContext& on, const RegPath& path) {
+    const auto parent = on.key.FindPath(std::span(path).first(path.size() - 1));
+    return parent && parent->RemoveKey(path.back()) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
 }
 
 LSTATUS OpenExisting(HKEY key, LPCWSTR path, REGSAM access, PHKEY result) {
-    return ReadKey(key, 0, [&](const KeyContext& on) {
-        RegPath whole;
-        const LSTATUS code = PathBelow(on.path, path, whole);
-        if (code != ERROR_SUCCESS) return code;
-        if (on.hive.Root().FindPath(whole) == nullptr) return LSTATUS{ERROR_FILE_NOT_FOUND};
-        return OpenKeyHandle(on.hive, std::move(whole), access, result);
+    std::int64_t id = 0;
+    std::size_t depth = 0;
+    const LSTATUS code = ReadKey(key, 0, [&](const KeyContext& on) {
+        RegPath below;
+        const LSTATUS named = PathBelow(on, path, below);
+        if (named != ERROR_SUCCESS) return named;
+        const auto found = on.key.FindPath(below);
+        if (!found) return LSTATUS{ERROR_FILE_NOT_FOUND};
+        id = found->Id();
+        depth = on.depth + below.size();
+        return LSTATUS{ERROR_SUCCESS};
     });
+    return code == ERROR_SUCCESS ? OpenKeyHandle(id, depth, access, result) : code;
 }
 
 LSTATUS OpenOrMake(HKEY key, LPCWSTR path, REGSAM access, PHKEY result, DWORD& disposition) {
-    return ChangeKey(key, 0, [&](const KeyContext& on, bool& changed) {
-        RegPath whole;
-        LSTATUS code = PathBelow(on.path, path, whole);
-        if (code == ERROR_SUCCESS) code = CheckNames(whole);
-        if (code != ERROR_SUCCESS) return code;
-        changed = on.hive.Root().FindPath(whole) == nullptr;
-        if (changed) on.hive.Root().MakePath(whole);
-        disposition = changed ? REG_CREATED_NEW_KEY : REG_OPENED_EXISTING_KEY;
-        return OpenKeyHandle(on.hive, std::move(whole), access, result);
+    std::int64_t id = 0;
+    std::size_t depth = 0;
+    const LSTATUS code = ChangeKey(key, 0, [&](const KeyContext& on) {
+        RegPath below;
+        LSTATUS named = PathBelow(on, path, below);
+        if (named == ERROR_SUCCESS) named = CheckNames(below);
+        if (named != ERROR_SUCCESS) return named;
+        const auto found = on.key.FindPath(below);
+        disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
+        id = found ? found->Id() : on.key.MakePath(below).Id();
+        depth = on.depth + below.size();
+        return LSTATUS{ERROR_SUCCESS};
     });
+    return code == ERROR_SUCCESS ? OpenKeyHandle(id, depth, access, result) : code;
 }
 
 }  // namespace
@@ -85,14 +87,13 @@ LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR, DWORD op
 LSTATUS RegDeleteTreeW(HKEY key, LPCWSTR path) {
     const bool itself = !ViewOf(path).empty();
     const REGSAM needed = itself ? 0 : KEY_SET_VALUE | KEY_ENUMERATE_SUB_KEYS;
-    return ChangeKey(key, needed, [&](const KeyContext& on, bool& changed) {
-        RegPath whole;
-        const LSTATUS code = PathBelow(on.path, path, whole);
+    return ChangeKey(key, needed, [&](const KeyContext& on) {
+        RegPath below;
+        const LSTATUS code = PathBelow(on, path, below);
         if (code != ERROR_SUCCESS) return code;
-        if (itself) return Remove(on, whole, changed);
-        changed = on.key.HasKeys() || !on.key.Values().empty();
+        if (!below.empty()) return Remove(on, below);
+        if (itself) return LSTATUS{ERROR_ACCESS_DENIED};
         on.key.Clear();
-        on.hive.MarkDeleted(whole, false);
         return LSTATUS{ERROR_SUCCESS};
     });
 }
@@ -104,21 +105,23 @@ LSTATUS RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size, LPD
         return ERROR_INVALID_PARAMETER;
     }
     return ReadKey(key, KEY_ENUMERATE_SUB_KEYS, [&](const KeyContext& on) -> LSTATUS {
-        if (index >= on.key.Keys().size()) return ERROR_NO_MORE_ITEMS;
-        const std::u16string& found = on.key.Keys()[index]->Name();
+        FILETIME time;
+        const std::optional<RegKey> at = on.key.KeyAt(index, time);
+        if (!at) return ERROR_NO_MORE_ITEMS;
+        const std::u16string& found = at->Name();
         if (*name_size <= found.size()) return ERROR_MORE_DATA;
         if (key_class != nullptr && *class_size == 0) return ERROR_MORE_DATA;
         std::copy_n(found.c_str(), found.size() + 1, name);
         *name_size = static_cast<DWORD>(found.size());
         if (key_class != nullptr) *key_class = u'\0';
         if (class_size != nullptr) *class_size = 0;
-        if (written != nullptr) *written = on.hive.Written();
+        if (written != nullptr) *written = time;
         return ERROR_SUCCESS;
     });
 }
 
 LSTATUS RegCloseKey(HKEY key) {
-    if (FindHive(key) != nullptr) return ERROR_SUCCESS;
+    if (FindRoot(key) != 0) return ERROR_SUCCESS;
     const HandlePin<OpenKey> open(reinterpret_cast<HANDLE>(key));
     if (!open || !CloseOpenHandle(reinterpret_cast<HANDLE>(key))) return ERROR_INVALID_HANDLE;
     return ERROR_SUCCESS;

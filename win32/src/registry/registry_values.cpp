@@ -1,5 +1,6 @@
 // Values: read, write, list, remove.
 #include <algorithm>
+#include <optional>
 #include <span>
 
 #include "registry/reg_calls.h"
@@ -35,27 +36,24 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
                          LPDWORD bytes) {
     if (reserved != nullptr || (data != nullptr && bytes == nullptr))
         return ERROR_INVALID_PARAMETER;
-    return ReadKey(key, KEY_QUERY_VALUE, [&](const KeyContext& on) -> LSTATUS {
-        const RegValue* const value = on.key.FindValue(ViewOf(name));
-        return value == nullptr ? ERROR_FILE_NOT_FOUND : HandOut(*value, type, data, bytes);
-    });
+    return ReadValue(key, ViewOf(name),
+                     [&](const RegValue& value) { return HandOut(value, type, data, bytes); });
 }
 
 LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
                        DWORD bytes) {
     if (reserved != 0 || (data == nullptr && bytes != 0)) return ERROR_INVALID_PARAMETER;
-    return ChangeKey(key, KEY_SET_VALUE, [&](const KeyContext& on, bool& changed) {
+    return ChangeKey(key, KEY_SET_VALUE, [&](const KeyContext& on) {
         const LSTATUS code = CheckValueName(ViewOf(name));
         if (code != ERROR_SUCCESS) return code;
-        changed = on.key.SetValue(ViewOf(name), type, std::span(data, bytes));
+        on.key.SetValue(ViewOf(name), type, std::span(data, bytes));
         return LSTATUS{ERROR_SUCCESS};
     });
 }
 
 LSTATUS RegDeleteValueW(HKEY key, LPCWSTR name) {
-    return ChangeKey(key, KEY_SET_VALUE, [&](const KeyContext& on, bool& changed) -> LSTATUS {
-        changed = on.key.RemoveValue(ViewOf(name));
-        return changed ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+    return ChangeKey(key, KEY_SET_VALUE, [&](const KeyContext& on) -> LSTATUS {
+        return on.key.RemoveValue(ViewOf(name)) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
     });
 }
 
@@ -66,11 +64,11 @@ LSTATUS RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD name_size, LPD
         return ERROR_INVALID_PARAMETER;
     }
     return ReadKey(key, KEY_QUERY_VALUE, [&](const KeyContext& on) -> LSTATUS {
-        if (index >= on.key.Values().size()) return ERROR_NO_MORE_ITEMS;
-        const RegValue& value = *on.key.Values()[index];
-        if (*name_size <= value.name.size()) return ERROR_MORE_DATA;
-        std::copy_n(value.name.c_str(), value.name.size() + 1, name);
-        *name_size = static_cast<DWORD>(value.name.size());
-        return HandOut(value, type, data, bytes);
+        const std::optional<RegValue> value = on.key.ValueAt(index);
+        if (!value) return ERROR_NO_MORE_ITEMS;
+        if (*name_size <= value->name.size()) return ERROR_MORE_DATA;
+        std::copy_n(value->name.c_str(), value->name.size() + 1, name);
+        *name_size = static_cast<DWORD>(value->name.size());
+        return HandOut(*value, type, data, bytes);
     });
 }

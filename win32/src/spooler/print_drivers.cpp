@@ -36,20 +36,21 @@ void AddDriver(const RegKey& key, Drivers& drivers) {
         {&DRIVER_INFO_3W::pConfigFile, u"Configuration File"},
         {&DRIVER_INFO_3W::pHelpFile, u"Help File"},
     };
-    const DWORD version = NumberValue(key, u"Version", 3);
+    const PrintValues values(key);
+    const DWORD version = NumberValue(values, u"Version", 3);
     drivers.Add().cVersion = version;
     drivers.Text(&DRIVER_INFO_3W::pName, key.Name());
     drivers.Text(&DRIVER_INFO_3W::pEnvironment, kEnvironment);
     for (const auto& row : kFiles) {
-        drivers.Text(row.member, DriverFile(TextValue(key, row.name), version));
+        drivers.Text(row.member, DriverFile(TextValue(values, row.name), version));
     }
     std::u16string dependent;
-    for (const std::u16string& name : TextsValue(key, u"Dependent Files")) {
+    for (const std::u16string& name : TextsValue(values, u"Dependent Files")) {
         dependent += DriverFile(name, version) + u'\0';
     }
     drivers.Text(&DRIVER_INFO_3W::pDependentFiles, dependent);
-    drivers.Text(&DRIVER_INFO_3W::pMonitorName, TextValue(key, u"Monitor"));
-    drivers.Text(&DRIVER_INFO_3W::pDefaultDataType, TextValue(key, u"Datatype"));
+    drivers.Text(&DRIVER_INFO_3W::pMonitorName, TextValue(values, u"Monitor"));
+    drivers.Text(&DRIVER_INFO_3W::pDefaultDataType, TextValue(values, u"Datatype"));
 }
 
 }  // namespace
@@ -64,7 +65,7 @@ BOOL EnumPrinterDriversW(LPWSTR server, LPWSTR environment, DWORD level, LPBYTE 
     if (place != NO_ERROR) return Fail(place);
     Drivers drivers;
     const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, DriversPath(), [&](const RegKey& all) {
-        for (const RegKey* key : all.Keys()) AddDriver(*key, drivers);
+        for (const RegKey& key : all.Keys()) AddDriver(key, drivers);
     });
     return Succeeded(code) ? drivers.Deliver(buffer, size, needed, count) : FALSE;
 }
@@ -90,11 +91,11 @@ BOOL EnumMonitorsW(LPWSTR server, DWORD level, LPBYTE buffer, DWORD size, LPDWOR
     if (!ViewOf(server).empty()) return Fail(ERROR_INVALID_NAME);
     RecordBuffer<MONITOR_INFO_2W> monitors;
     const LSTATUS code = ReadPrintKey(HKEY_LOCAL_MACHINE, MonitorsPath(), [&](const RegKey& all) {
-        for (const RegKey* key : all.Keys()) {
+        for (const RegKey& key : all.Keys()) {
             monitors.Add();
-            monitors.Text(&MONITOR_INFO_2W::pName, key->Name());
+            monitors.Text(&MONITOR_INFO_2W::pName, key.Name());
             monitors.Text(&MONITOR_INFO_2W::pEnvironment, kEnvironment);
-            monitors.Text(&MONITOR_INFO_2W::pDLLName, TextValue(*key, u"Driver"));
+            monitors.Text(&MONITOR_INFO_2W::pDLLName, TextValue(PrintValues(key), u"Driver"));
         }
     });
     return Succeeded(code) ? monitors.Deliver(buffer, size, needed, count) : FALSE;

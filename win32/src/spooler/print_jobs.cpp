@@ -16,7 +16,7 @@ namespace {
 struct Job {
     DWORD id;
     DWORD position;  // in the queue, from 1 on
-    const RegKey* key;
+    PrintValues values;
 };
 
 // The number in the name of a job's key; 0 for any other name.
@@ -31,11 +31,14 @@ DWORD JobId(const std::u16string& name) {
 // The jobs of a printer, in the order of the queue.
 std::vector<Job> JobsOf(const RegKey& printer) {
     std::vector<Job> jobs;
-    const RegKey* const keys = printer.FindKey(u"Jobs");
-    if (keys == nullptr) return jobs;
-    for (const RegKey* key : keys->Keys()) {
-        const DWORD id = JobId(key->Name());
-        if (id != 0) jobs.push_back({id, NumberValue(*key, u"Position", ~DWORD{0}), key});
+    const std::optional<RegKey> keys = printer.FindKey(u"Jobs");
+    if (!keys) return jobs;
+    for (const RegKey& key : keys->Keys()) {
+        const DWORD id = JobId(key.Name());
+        if (id == 0) continue;
+        PrintValues values(key);
+        const DWORD position = NumberValue(values, u"Position", ~DWORD{0});
+        jobs.push_back({id, position, std::move(values)});
     }
     std::ranges::sort(jobs, [](const Job& a, const Job& b) {
         return a.position != b.position ? a.position < b.position : a.id < b.id;
@@ -44,51 +47,53 @@ std::vector<Job> JobsOf(const RegKey& printer) {
     return jobs;
 }
 
-std::u16string NameOfPrinter(const RegKey& printer) {
-    const std::u16string name = TextValue(printer, u"Name");
-    return name.empty() ? printer.Name() : name;
-}
+// What a job's record tells of its printer.
+struct JobPrinter {
+    explicit JobPrinter(const RegKey& key) : JobPrinter(key, PrintValues(key)) {}
+    JobPrinter(const RegKey& key, const PrintValues& values)
+        : name(PrinterName(key, values)), driver(TextValue(values, u"Printer Driver")) {}
+    std::u16string name, driver;
+};
 
 // Fills the members that both levels of record have.
 template <class Record>
-void AddCommon(const RegKey& printer, const Job& job, RecordBuffer<Record>& records) {
+void AddCommon(const JobPrinter& printer, const Job& job, RecordBuffer<Record>& records) {
     Record& record = records.Add();
     record.JobId = job.id;
-    record.Status = NumberValue(*job.key, u"Status");
-    record.Priority = NumberValue(*job.key, u"Priority", 1);
+    record.Status = NumberValue(job.values, u"Status");
+    record.Priority = NumberValue(job.values, u"Priority", 1);
     record.Position = job.position;
-    record.TotalPages = NumberValue(*job.key, u"TotalPages");
-    record.PagesPrinted = NumberValue(*job.key, u"PagesPrinted");
-    const RegValue* const submitted = job.key->FindValue(u"Submitted");
+    record.TotalPages = NumberValue(job.values, u"TotalPages");
+    record.PagesPrinted = NumberValue(job.values, u"PagesPrinted");
+    const RegValue* const submitted = job.values.Find(u"Submitted", REG_BINARY);
     if (submitted != nullptr && submitted->data.size() == sizeof(SYSTEMTIME)) {
         std::memcpy(&record.Submitted, submitted->data.data(), sizeof(SYSTEMTIME));
     }
-    records.Text(&Record::pPrinterName, NameOfPrinter(printer));
-    records.Text(&Record::pMachineName, TextValue(*job.key, u"MachineName"));
-    records.Text(&Record::pUserName, TextValue(*job.key, u"UserName"));
-    records.Text(&Record::pDocument, TextValue(*job.key, u"Document"));
-    records.Text(&Record::pDatatype, TextValue(*job.key, u"Datatype"));
-    records.Text(&Record::pStatus, TextValue(*job.key, u"StatusText"));
+    records.Text(&Record::pPrinterName, printer.name);
+    records.Text(&Record::pMachineName, TextValue(job.values, u"MachineName"));
+    records.Text(&Record::pUserName, TextValue(job.values, u"UserName"));
+    records.Text(&Record::pDocument, TextValue(job.values, u"Document"));
+    records.Text(&Record::pDatatype, TextValue(job.values, u"Datatype"));
+    records.Text(&Record::pStatus, TextValue(job.values, u"StatusText"));
 }
 
-void AddJob(const RegKey& printer, const Job& job, RecordBuffer<JOB_INFO_1W>& records) {
+void AddJob(const JobPrinter& printer, const Job& job, RecordBuffer<JOB_INFO_1W>& records) {
     AddCommon(printer, job, records);
 }
 
-void AddJob(const RegKey& printer, const Job& job, RecordBuffer<JOB_INFO_2W>& records) {
+void AddJob(const JobPrinter& printer, const Job& job, RecordBuffer<JOB_INFO_2W>& records) {
     AddCommon(printer, job, records);
     JOB_INFO_2W& record = records.Last();
-    record.StartTime = NumberValue(*job.key, u"StartTime");
-    record.UntilTime = NumberValue(*job.key, u"UntilTime");
-    record.Size = NumberValue(*job.key, u"Size");
-    record.Time = NumberValue(*job.key, u"Time");
-    records.Text(&JOB_INFO_2W::pNotifyName, TextValue(*job.key, u"NotifyName"));
-    records.Text(&JOB_INFO_2W::pPrintProcessor, TextValue(*job.key, u"PrintProcessor"));
-    records.Text(&JOB_INFO_2W::pParameters, TextValue(*job.key, u"Parameters"));
-    const std::u16string driver = TextValue(*job.key, u"DriverName");
-    records.Text(&JOB_INFO_2W::pDriverName,
-                 driver.empty() ? TextValue(printer, u"Printer Driver") : driver);
-    records.Block(&JOB_INFO_2W::pDevMode, BlockValue(*job.key, u"DevMode"));
+    record.StartTime = NumberValue(job.values, u"StartTime");
+    record.UntilTime = NumberValue(job.values, u"UntilTime");
+    record.Size = NumberValue(job.values, u"Size");
+    record.Time = NumberValue(job.values, u"Time");
+    records.Text(&JOB_INFO_2W::pNotifyName, TextValue(job.values, u"NotifyName"));
+    records.Text(&JOB_INFO_2W::pPrintProcessor, TextValue(job.values, u"PrintProcessor"));
+    records.Text(&JOB_INFO_2W::pParameters, TextValue(job.values, u"Parameters"));
+    const std::u16string driver = TextValue(job.values, u"DriverName");
+    records.Text(&JOB_INFO_2W::pDriverName, driver.empty() ? printer.driver : driver);
+    records.Block(&JOB_INFO_2W::pDevMode, BlockValue(job.values, u"DevMode"));
 }
 
 template <class Record>
@@ -98,7 +103,7 @@ BOOL GetOne(const OpenPrinter& printer, DWORD id, LPBYTE buffer, DWORD size, LPD
     const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
         for (const Job& job : JobsOf(key)) {
             if (found || job.id != id) continue;
-            AddJob(key, job, records);
+            AddJob(JobPrinter(key), job, records);
             found = true;
         }
     });
@@ -112,8 +117,9 @@ BOOL GetSome(const OpenPrinter& printer, DWORD first, DWORD limit, LPBYTE buffer
     RecordBuffer<Record> records;
     const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
         const std::vector<Job> jobs = JobsOf(key);
+        const JobPrinter printer_facts(key);
         for (std::size_t i = first; i < jobs.size() && i - first < limit; ++i) {
-            AddJob(key, jobs[i], records);
+            AddJob(printer_facts, jobs[i], records);
         }
     });
     return Succeeded(code) ? records.Deliver(buffer, size, needed, count) : FALSE;
@@ -122,7 +128,11 @@ BOOL GetSome(const OpenPrinter& printer, DWORD first, DWORD limit, LPBYTE buffer
 }  // namespace
 
 DWORD host::CountJobs(const RegKey& printer) {
-    return static_cast<DWORD>(JobsOf(printer).size());
+    const std::optional<RegKey> keys = printer.FindKey(u"Jobs");
+    if (!keys) return 0;
+    const std::vector<RegKey> jobs = keys->Keys();
+    return static_cast<DWORD>(
+        std::ranges::count_if(jobs, [](const RegKey& job) { return JobId(job.Name()) != 0; }));
 }
 
 BOOL EnumJobsW(HANDLE printer, DWORD first, DWORD limit, DWORD level, LPBYTE buffer, DWORD size,

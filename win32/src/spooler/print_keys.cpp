@@ -6,17 +6,13 @@
 
 #include "base/os_error.h"
 #include "registry/reg_calls.h"
+#include "text/case_fold.h"
 
 namespace host {
 
 namespace {
 
 constexpr std::size_t kHeaderBytes = offsetof(DEVMODEW, dmFields) + sizeof(DEVMODEW::dmFields);
-
-const RegValue* ValueOf(const RegKey& key, std::u16string_view name, DWORD type) {
-    const RegValue* const value = key.FindValue(name);
-    return value != nullptr && value->type == type ? value : nullptr;
-}
 
 std::u16string Units(const std::vector<BYTE>& data) {
     std::u16string text(data.size() / sizeof(WCHAR), u'\0');
@@ -51,11 +47,15 @@ const RegPath& UserBlocksPath() {
     return path;
 }
 
+const RegValue* PrintValues::Find(std::u16string_view name, DWORD type) const {
+    const auto found = std::ranges::find_if(
+        values_, [name](const RegValue& value) { return SameFileName(value.name, name); });
+    return found != values_.end() && found->type == type ? &*found : nullptr;
+}
+
 LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read) {
     return ReadKey(root, 0, [&](const KeyContext& on) -> LSTATUS {
-        const RegKey* const key = on.hive.Root().FindPath(path);
-        static const RegKey& none = *new RegKey(u"");
-        read(key != nullptr ? *key : none);
+        read(on.key.FindPath(path).value_or(RegKey::None()));
         return ERROR_SUCCESS;
     });
 }
@@ -64,25 +64,30 @@ LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const Reg
     bool found = false;
     const LSTATUS code =
         ReadPrintKey(HKEY_LOCAL_MACHINE, PrintersPath(), [&](const RegKey& printers) {
-            const RegKey* const key = printers.FindKey(printer);
-            found = key != nullptr;
+            const std::optional<RegKey> key = printers.FindKey(printer);
+            found = key.has_value();
             if (found) read(*key);
         });
     return code == ERROR_SUCCESS && !found ? ERROR_INVALID_PRINTER_NAME : code;
 }
 
-std::u16string TextValue(const RegKey& key, std::u16string_view name) {
-    const RegValue* value = ValueOf(key, name, REG_SZ);
-    if (value == nullptr) value = ValueOf(key, name, REG_EXPAND_SZ);
+std::u16string TextValue(const PrintValues& key, std::u16string_view name) {
+    const RegValue* value = key.Find(name, REG_SZ);
+    if (value == nullptr) value = key.Find(name, REG_EXPAND_SZ);
     if (value == nullptr) return {};
     std::u16string text = Units(value->data);
     text.resize(std::min(text.find(u'\0'), text.size()));
     return text;
 }
 
-std::vector<std::u16string> TextsValue(const RegKey& key, std::u16string_view name) {
+std::u16string PrinterName(const RegKey& key, const PrintValues& values) {
+    const std::u16string name = TextValue(values, u"Name");
+    return name.empty() ? key.Name() : name;
+}
+
+std::vector<std::u16string> TextsValue(const PrintValues& key, std::u16string_view name) {
     std::vector<std::u16string> texts;
-    const RegValue* const value = ValueOf(key, name, REG_MULTI_SZ);
+    const RegValue* const value = key.Find(name, REG_MULTI_SZ);
     const std::u16string all = value == nullptr ? std::u16string() : Units(value->data);
     for (std::size_t at = 0; at < all.size();) {
         const std::size_t end = std::min(all.find(u'\0', at), all.size());
@@ -93,17 +98,21 @@ std::vector<std::u16string> TextsValue(const RegKey& key, std::u16string_view na
     return texts;
 }
 
-DWORD NumberValue(const RegKey& key, std::u16string_view name, DWORD fallback) {
-    const RegValue* const value = ValueOf(key, name, REG_DWORD);
+DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallback) {
+    const RegValue* const value = key.Find(name, REG_DWORD);
     if (value == nullptr || value->data.size() != sizeof(DWORD)) return fallback;
     DWORD number;
     std::memcpy(&number, value->data.data(), sizeof number);
     return number;
 }
 
-std::vector<BYTE> BlockValue(const RegKey& key, std::u16string_view name) {
-    const RegValue* const value = ValueOf(key, name, REG_BINARY);
-    if (value == nullptr || value->data.size() < kHeaderBytes) return {};
+std::vector<BYTE> BlockValue(const PrintValues& key, std::u16string_view name) {
+    return BlockOf(key.Find(name, REG_BINARY));
+}
+
+std::vector<BYTE> BlockOf(const RegValue* value) {
+    if (value == nullptr || value->type != REG_BINARY || value->data.size() < kHeaderBytes)
+        return {};
     DEVMODEW header = {};
     std::memcpy(&header, value->data.data(), kHeaderBytes);
     const std::size_t size = BlockSize(&header);
@@ -112,8 +121,10 @@ std::vector<BYTE> BlockValue(const RegKey& key, std::u16string_view name) {
 }
 
 LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block) {
-    return ReadPrintKey(HKEY_CURRENT_USER, UserBlocksPath(),
-                        [&](const RegKey& blocks) { block = BlockValue(blocks, printer); });
+    return ReadPrintKey(HKEY_CURRENT_USER, UserBlocksPath(), [&](const RegKey& blocks) {
+        const std::optional<RegValue> value = blocks.FindValue(printer);
+        block = BlockOf(value ? &*value : nullptr);
+    });
 }
 
 std::size_t BlockSize(const DEVMODEW* block) {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "base/call_ref.h"
-#include "registry/reg_tree.h"
+#include "registry/reg_keys.h"
 
 namespace host {
 
@@ -24,20 +24,34 @@ const RegPath& UserBlocksPath();
 inline constexpr WCHAR kEnvironment[] = u"Windows x64";
 inline constexpr WCHAR kDriverFolder[] = u"C:\\Windows\\System32\\spool\\drivers\\x64";
 
-// Runs `read` on the key at `path` below a root, with the registry locked; a missing key reads as
-// an empty one. The code is the registry's.
+// Runs `read` on the key at `path` below a root, in one snapshot; a missing key reads as an empty
+// one. The code is the registry's.
 LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read);
 // Runs `read` on a printer's key; ERROR_INVALID_PRINTER_NAME when there is none.
 LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read);
 
+// All values of a key, read at once.
+class PrintValues {
+  public:
+    explicit PrintValues(const RegKey& key) : values_(key.Values()) {}
+    // Null for a value that is missing or has another type.
+    const RegValue* Find(std::u16string_view name, DWORD type) const;
+
+  private:
+    std::vector<RegValue> values_;
+};
+
 // A REG_SZ or REG_EXPAND_SZ value up to its first zero character; else empty.
-std::u16string TextValue(const RegKey& key, std::u16string_view name);
+std::u16string TextValue(const PrintValues& key, std::u16string_view name);
+// The name under which a printer is listed: its value Name, else its key's name.
+std::u16string PrinterName(const RegKey& key, const PrintValues& values);
 // The texts of a REG_MULTI_SZ value.
-std::vector<std::u16string> TextsValue(const RegKey& key, std::u16string_view name);
-DWORD NumberValue(const RegKey& key, std::u16string_view name, DWORD fallback = 0);
+std::vector<std::u16string> TextsValue(const PrintValues& key, std::u16string_view name);
+DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallback = 0);
 // A whole settings block, cut to its own size; empty when it is missing or does not hold what its
 // header says.
-std::vector<BYTE> BlockValue(const RegKey& key, std::u16string_view name);
+std::vector<BYTE> BlockOf(const RegValue* value);
+std::vector<BYTE> BlockValue(const PrintValues& key, std::u16string_view name);
 
 // A user's settings block of a printer, checked as above.
 LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block);

@@ -19,7 +19,7 @@ LONG Refuse(DWORD code) {
 LSTATUS StartingBlock(const OpenPrinter& printer, std::vector<BYTE>& block) {
     std::vector<BYTE> of_printer;
     LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
-        of_printer = BlockValue(key, u"Default DevMode");
+        of_printer = BlockValue(PrintValues(key), u"Default DevMode");
     });
     if (code == ERROR_SUCCESS) code = ReadUserBlock(printer.Name(), block);
     if (block.empty()) block = std::move(of_printer);
@@ -43,9 +43,9 @@ DWORD GetPrinterDataW(HANDLE printer, LPWSTR name, LPDWORD type, LPBYTE data, DW
     if (name == nullptr || !BufferIsGiven(data, size, needed)) return ERROR_INVALID_PARAMETER;
     DWORD outcome = ERROR_FILE_NOT_FOUND;
     const LSTATUS code = ReadPrinterKey(open->Name(), [&](const RegKey& key) {
-        const RegKey* const values = key.FindKey(u"PrinterDriverData");
-        const RegValue* const value = values == nullptr ? nullptr : values->FindValue(name);
-        if (value != nullptr) outcome = HandOutData(*value, type, data, size, needed);
+        const std::optional<RegKey> values = key.FindKey(u"PrinterDriverData");
+        const auto value = values ? values->FindValue(name) : std::nullopt;
+        if (value) outcome = HandOutData(*value, type, data, size, needed);
     });
     return code != ERROR_SUCCESS ? static_cast<DWORD>(code) : outcome;
 }

@@ -53,13 +53,13 @@ constexpr DWORD kGrantedRights =
 constexpr DWORD kAdministerRights = PRINTER_ACCESS_ADMINISTER | GENERIC_WRITE | GENERIC_ALL;
 
 void AddPrinter(const RegKey& key, Printers& printers) {
+    const PrintValues values(key);
     PRINTER_INFO_2W& record = printers.Add();
-    for (const NumberRow& row : kNumbers) record.*row.member = NumberValue(key, row.name);
+    for (const NumberRow& row : kNumbers) record.*row.member = NumberValue(values, row.name);
     record.cJobs = CountJobs(key);
-    const std::u16string name = TextValue(key, u"Name");
-    printers.Text(&PRINTER_INFO_2W::pPrinterName, name.empty() ? key.Name() : name);
-    for (const TextRow& row : kTexts) printers.Text(row.member, TextValue(key, row.name));
-    printers.Block(&PRINTER_INFO_2W::pDevMode, BlockValue(key, kDefaultBlock));
+    printers.Text(&PRINTER_INFO_2W::pPrinterName, PrinterName(key, values));
+    for (const TextRow& row : kTexts) printers.Text(row.member, TextValue(values, row.name));
+    printers.Block(&PRINTER_INFO_2W::pDevMode, BlockValue(values, kDefaultBlock));
 }
 
 // A user without a block of this printer gets none, even when the printer has a default.
@@ -80,32 +80,32 @@ LSTATUS SetUserBlock(const OpenPrinter& printer, const DEVMODEW* block) {
     if (block != nullptr && size == 0) return ERROR_INVALID_PARAMETER;
     const LSTATUS found = ReadPrinterKey(printer.Name(), [](const RegKey&) {});
     if (found != ERROR_SUCCESS) return found;
-    return ChangeKey(HKEY_CURRENT_USER, 0, [&](const KeyContext& on, bool& changed) -> LSTATUS {
+    return ChangeKey(HKEY_CURRENT_USER, 0, [&](const KeyContext& on) -> LSTATUS {
         const RegPath& path = UserBlocksPath();
         if (block == nullptr) {
-            RegKey* const blocks = on.hive.Root().FindPath(path);
-            changed = blocks != nullptr && blocks->RemoveValue(printer.Name());
+            const std::optional<RegKey> blocks = on.key.FindPath(path);
+            if (blocks) blocks->RemoveValue(printer.Name());
         } else {
             const auto* bytes = reinterpret_cast<const BYTE*>(block);
-            changed = on.hive.Root().MakePath(path).SetValue(printer.Name(), REG_BINARY,
-                                                             std::span(bytes, size));
+            on.key.MakePath(path).SetValue(printer.Name(), REG_BINARY, std::span(bytes, size));
         }
         return ERROR_SUCCESS;
     });
 }
 
-bool SetText(RegKey& key, const WCHAR* name, std::u16string_view text) {
+void SetText(const RegKey& key, const WCHAR* name, std::u16string_view text) {
     const std::u16string ended(text);
     const auto* bytes = reinterpret_cast<const BYTE*>(ended.c_str());
-    return key.SetValue(name, REG_SZ, std::span(bytes, (ended.size() + 1) * sizeof(WCHAR)));
+    key.SetValue(name, REG_SZ, std::span(bytes, (ended.size() + 1) * sizeof(WCHAR)));
 }
 
-bool SetNumber(RegKey& key, const WCHAR* name, DWORD number) {
+void SetNumber(const RegKey& key, const WCHAR* name, DWORD number) {
     const auto* bytes = reinterpret_cast<const BYTE*>(&number);
-    return key.SetValue(name, REG_DWORD, std::span(bytes, sizeof number));
+    key.SetValue(name, REG_DWORD, std::span(bytes, sizeof number));
 }
 
-LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, RegKey& machine) {
+LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record,
+                     const RegKey& machine) {
     if (!printer.MayAdminister()) return ERROR_ACCESS_DENIED;
     if (record.pPrinterName != nullptr && !SameFileName(record.pPrinterName, printer.Name())) {
         return ERROR_NOT_SUPPORTED;
@@ -114,32 +114,29 @@ LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record, 
         return ERROR_INVALID_PARAMETER;
     }
     if (record.pDriverName == nullptr) return ERROR_SUCCESS;
-    const RegKey* const installed = machine.FindPath(DriversPath());
-    return installed != nullptr && installed->FindKey(record.pDriverName) != nullptr
-               ? ERROR_SUCCESS
-               : ERROR_UNKNOWN_PRINTER_DRIVER;
+    const std::optional<RegKey> installed = machine.FindPath(DriversPath());
+    return installed && installed->FindKey(record.pDriverName) ? ERROR_SUCCESS
+                                                               : ERROR_UNKNOWN_PRINTER_DRIVER;
 }
 
 // A null text or block leaves the stored value as it is.
 LSTATUS SetPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record) {
-    return ChangeKey(HKEY_LOCAL_MACHINE, 0, [&](const KeyContext& on, bool& changed) -> LSTATUS {
-        RegPath path = PrintersPath();
-        path.push_back(printer.Name());
-        RegKey* const key = on.hive.Root().FindPath(path);
-        if (key == nullptr) return ERROR_INVALID_PRINTER_NAME;
-        const LSTATUS code = CheckPrinter(printer, record, on.hive.Root());
+    return ChangeKey(HKEY_LOCAL_MACHINE, 0, [&](const KeyContext& on) -> LSTATUS {
+        const std::optional<RegKey> printers = on.key.FindPath(PrintersPath());
+        const auto key = printers ? printers->FindKey(printer.Name()) : std::nullopt;
+        if (!key) return ERROR_INVALID_PRINTER_NAME;
+        const LSTATUS code = CheckPrinter(printer, record, on.key);
         if (code != ERROR_SUCCESS) return code;
         for (const TextRow& row : kTexts) {
             const LPCWSTR text = record.*row.member;
-            if (text != nullptr) changed |= SetText(*key, row.name, text);
+            if (text != nullptr) SetText(*key, row.name, text);
         }
         for (const NumberRow& row : kNumbers) {
-            if (row.is_set_by_caller) changed |= SetNumber(*key, row.name, record.*row.member);
+            if (row.is_set_by_caller) SetNumber(*key, row.name, record.*row.member);
         }
         if (record.pDevMode == nullptr) return ERROR_SUCCESS;
         const auto* bytes = reinterpret_cast<const BYTE*>(record.pDevMode);
-        changed |=
-            key->SetValue(kDefaultBlock, REG_BINARY, std::span(bytes, BlockSize(record.pDevMode)));
+        key->SetValue(kDefaultBlock, REG_BINARY, std::span(bytes, BlockSize(record.pDevMode)));
         return ERROR_SUCCESS;
     });
 }
@@ -202,7 +199,7 @@ BOOL EnumPrintersW(DWORD flags, LPWSTR, DWORD level, LPBYTE buffer, DWORD size, 
     if ((flags & PRINTER_ENUM_LOCAL) != 0) {
         const LSTATUS code =
             ReadPrintKey(HKEY_LOCAL_MACHINE, PrintersPath(), [&](const RegKey& all) {
-                for (const RegKey* key : all.Keys()) AddPrinter(*key, printers);
+                for (const RegKey& key : all.Keys()) AddPrinter(key, printers);
             });
         if (code != ERROR_SUCCESS) return Succeeded(code);
     }

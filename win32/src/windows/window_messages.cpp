@@ -1,7 +1,10 @@
 // Messages: sent, posted, taken.
 #include <windows.h>
 
+#include <string>
+
 #include "base/os_error.h"
+#include "registry/reg_calls.h"
 #include "windows/thread_windows.h"
 
 using namespace host;
@@ -31,6 +34,16 @@ void Broadcast(ThreadWindows& windows, UINT message, WPARAM wparam, LPARAM lpara
     }
 }
 
+// Told of a printer's new settings before they are there, programs would read the old ones.
+bool WaitsForChanges(UINT message, LPARAM lparam, UINT flags, UINT timeout) {
+    if (message != WM_DEVMODECHANGE || lparam == 0) return false;
+    const std::u16string printer(reinterpret_cast<LPCWSTR>(lparam));
+    return RunAfterGroup([printer, flags, timeout] {
+        SendMessageTimeoutW(HWND_BROADCAST, WM_DEVMODECHANGE, 0,
+                            reinterpret_cast<LPARAM>(printer.c_str()), flags, timeout, nullptr);
+    });
+}
+
 BOOL PostTo(WindowNumber number, const IpcMessage& wire) {
     DWORD error = NO_ERROR;
     const UniqueFd connection = ConnectToWindow(number, error);
@@ -54,7 +67,9 @@ LRESULT SendMessageTimeoutW(HWND window, UINT message, WPARAM wparam, LPARAM lpa
     if (windows == nullptr) return Fail(ERROR_INVALID_WINDOW_HANDLE);
     const bool deaf = (flags & SMTO_BLOCK) != 0;
     if (window == HWND_BROADCAST) {
-        Broadcast(*windows, message, wparam, lparam, timeout, deaf);
+        if (!WaitsForChanges(message, lparam, flags, timeout)) {
+            Broadcast(*windows, message, wparam, lparam, timeout, deaf);
+        }
         return TRUE;
     }
     LRESULT answer = 0;

@@ -1,0 +1,307 @@
+#include "registry/reg_store.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <fstream>
+#include <sstream>
+#include <utility>
+
+#include "base/unique_fd.h"
+#include "registry/reg_names.h"
+
+namespace host {
+
+namespace {
+
+constexpr mode_t kFileMode = 0600;
+constexpr mode_t kFolderMode = 0700;
+constexpr std::size_t kMostRemembered = 4096;
+constexpr std::size_t kLongestRemembered = 1024;
+constexpr const char* kWriteLock = " 120 ";  // its byte in the shared index, as /proc/locks has it
+
+[[noreturn]] void ThrowReadOnly(const std::string& path) {
+    throw RegError{ERROR_ACCESS_DENIED, path + ": it is read-only for this user"};
+}
+
+bool MayWriteTo(const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+void MakeFolders(const std::string& path) {
+    for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        mkdir(path.substr(0, end).c_str(), kFolderMode);
+        if (end == std::string::npos) return;
+    }
+}
+
+// The nearest folder above a missing one decides.
+bool MayMakeIn(std::string folder) {
+    while (folder.size() > 1 && access(folder.c_str(), F_OK) != 0 && errno == ENOENT) {
+        folder.resize(std::max<std::size_t>(folder.rfind('/'), 1));
+    }
+    return MayWriteTo(folder);
+}
+
+}  // namespace
+
+RegStore& RegStore::Get() {
+    static RegStore& store = *new RegStore;
+    return store;
+}
+
+// The locks of a connection are the process's, and the database's code knows the process's files:
+// a child that inherited it would believe in locks that it does not have.
+RegStore::RegStore() {
+    pthread_atfork(
+        [] {
+            RegStore& store = Get();
+            store.mutex_.lock();
+            if (store.group_ != Group::kOpen) store.Close();
+        },
+        [] { Get().mutex_.unlock(); },
+        [] {
+            RegStore& store = Get();
+            store.is_inherited_ = store.group_ == Group::kOpen;
+            store.mutex_.unlock();
+        });
+}
+
+void RegStore::FindPath() {
+    if (host_root_.StillHolds() && !path_.empty()) return;
+    std::string path = HostRoot() + "/registry/registry.db";
+    if (path == path_) return;
+    Close();
+    path_ = std::move(path);
+}
+
+void RegStore::Close() {
+    values_.clear();
+    values_mark_.clear();
+    database_.reset();
+    file_ = {};
+    is_frozen_ = false;
+    may_write_ = false;
+}
+
+// A file that this connection takes for frozen shows by size and time that it is not.
+bool RegStore::IsOpen(const struct stat& now) const {
+    if (database_ == nullptr || now.st_ino != file_.st_ino || now.st_dev != file_.st_dev)
+        return false;
+    return !is_frozen_ ||
+           (now.st_size == file_.st_size && now.st_mtim.tv_sec == file_.st_mtim.tv_sec &&
+            now.st_mtim.tv_nsec == file_.st_mtim.tv_nsec);
+}
+
+bool RegStore::HasTextFiles() const {
+    const std::string folder = Folder();
+    if (access(folder.c_str(), F_OK) != 0) return false;
+    return std::ranges::any_of(RegRoots(), [&folder](const RegRoot& root) {
+        return access((folder + '/' + root.text_file).c_str(), F_OK) == 0;
+    });
+}
+
+bool RegStore::MayWrite() const {
+    return database_ != nullptr ? may_write_ : MayMakeIn(Folder());
+}
+
+bool RegStore::Refresh(Use use, const CallRef<void()>& fill) {
+    if (is_inherited_) throw RegError{ERROR_BUSY, "a group of changes was open when it forked"};
+    if (group_ == Group::kLost && use == Use::kWrite) throw lost_;
+    if (group_ == Group::kOpen) return false;
+    bool made = false;
+    FindPath();
+    struct stat now;
+    if (stat(path_.c_str(), &now) == 0) {
+        if (!IsOpen(now)) made = Open(now, fill);
+    } else if (errno != ENOENT) {
+        ThrowErrno(path_);
+    } else {
+        if (file_.st_ino != 0) Close();
+        if (database_ == nullptr && (use == Use::kWrite || HasTextFiles())) {
+            made = Make(fill);
+        }
+    }
+    if (use == Use::kWrite && !may_write_) ThrowReadOnly(path_);
+    return made;
+}
+
+// A file that is there and holds nothing was about to be made by a process that was killed. With
+// nobody to make it, it is as good as missing.
+bool RegStore::Open(const struct stat& file, const CallRef<void()>& fill) {
+    Close();
+    const std::string log = path_ + "-wal", index = path_ + "-shm";
+    may_write_ =
+        MayWriteTo(path_) && (MayWriteTo(Folder()) || (MayWriteTo(log) && MayWriteTo(index)));
+    is_frozen_ = !may_write_ && access(index.c_str(), R_OK) != 0;
+    struct stat changes;
+    if (is_frozen_ && stat(log.c_str(), &changes) == 0 && changes.st_size > 0) {
+        throw RegError{ERROR_ACCESS_DENIED, index + ": it cannot be read"};
+    }
+    try {
+        database_ = std::make_unique<RegDatabase>(
+            path_, is_frozen_ ? RegDatabase::Kind::kFrozen : RegDatabase::Kind::kFile);
+        file_ = file;
+        const bool is_made = database_->IsMade();
+        if (may_write_) database_->PrepareFile();
+        if (!is_made && !may_write_) Close();
+        return !is_made && may_write_ && FillNew(fill);
+    } catch (...) {
+        Close();
+        throw;
+    }
+}
+
+// In one transaction: another process may do the same.
+bool RegStore::FillNew(const CallRef<void()>& fill) {
+    RegQuery(database_.get(), RegSql::kBegin).Next();
+    const bool is_new = !database_->IsMade();
+    if (is_new) {
+        database_->MakeTables();
+        fill();
+    }
+    RegQuery(database_.get(), RegSql::kCommit).Next();
+    if (is_new) database_->FinishFile();
+    return is_new;
+}
+
+// Text files that cannot be taken over for good are taken into memory.
+bool RegStore::Make(const CallRef<void()>& fill) {
+    if (MayMakeIn(Folder())) {
+        MakeFolders(Folder());
+        UniqueFd made(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kFileMode));
+        if (!made && errno != EEXIST) ThrowErrno(path_);
+        made = UniqueFd();
+        struct stat file;
+        if (stat(path_.c_str(), &file) != 0) ThrowErrno(path_);
+        return Open(file, fill);
+    }
+    if (!HasTextFiles()) ThrowReadOnly(path_);
+    database_ = std::make_unique<RegDatabase>(path_, RegDatabase::Kind::kMemory);
+    try {
+        FillNew(fill);
+    } catch (...) {
+        Close();
+        throw;
+    }
+    return false;
+}
+
+std::string RegStore::LockHolder() const {
+    struct stat index;
+    if (stat((path_ + "-shm").c_str(), &index) != 0) return {};
+    const std::string file = ':' + std::to_string(index.st_ino) + kWriteLock;
+    std::ifstream locks("/proc/locks");
+    for (std::string line; std::getline(locks, line);) {
+        if (line.find(file) == std::string::npos || line.find("->") != std::string::npos) continue;
+        std::istringstream words(line);
+        std::string number, kind, mode, access, process, name;
+        words >> number >> kind >> mode >> access >> process;
+        std::ifstream("/proc/" + process + "/comm") >> name;
+        return "process " + process + (name.empty() ? "" : " (" + name + ")");
+    }
+    return {};
+}
+
+void RegStore::FreeSpace() {
+    if (database_ == nullptr || database_->InTransaction()) return;
+    try {
+        database_->TrimLog();
+    } catch (const RegError&) {
+        // Then it stays.
+    }
+}
+
+void RegStore::BeginChanges() {
+    group_ = Group::kAsked;
+}
+
+void RegStore::LoseGroup(const RegError& error) {
+    if (!InGroup() || group_ == Group::kLost) return;
+    group_ = Group::kLost;
+    lost_ = error;
+    if (database_ == nullptr || !database_->InTransaction()) return;
+    RegQuery(database_.get(), RegSql::kRollBack).Next();
+}
+
+void RegStore::EndChanges(bool keep) {
+    const Group group = std::exchange(group_, Group::kNone);
+    values_.clear();
+    if (group == Group::kLost) throw std::exchange(lost_, {});
+    if (group == Group::kOpen) {
+        RegQuery(database_.get(), keep ? RegSql::kCommit : RegSql::kRollBack).Next();
+    }
+}
+
+std::string RegStore::PlaceOf(std::int64_t key, std::u16string_view name) {
+    return std::to_string(key) + ' ' + FoldedName(name);
+}
+
+const RegValue* RegStore::Remembered(const std::string& place) const {
+    if (values_.empty() || group_ == Group::kOpen) return nullptr;
+    const std::span<const BYTE> mark = database_->CommitMark();
+    std::atomic_thread_fence(std::memory_order_acquire);
+    if (!std::ranges::equal(mark, values_mark_)) return nullptr;
+    const auto found = values_.find(place);
+    return found == values_.end() ? nullptr : &found->second;
+}
+
+// Before a snapshot begins: what is read in it is as new as this mark, or newer. A user who may not
+// write may have no part in the shared memory.
+void RegStore::NoteMark() {
+    const std::span<const BYTE> mark =
+        database_ != nullptr && may_write_ ? database_->CommitMark() : std::span<const BYTE>();
+    if (std::ranges::equal(mark, values_mark_)) return;
+    values_.clear();
+    values_mark_.assign(mark.begin(), mark.end());
+}
+
+void RegStore::Remember(const std::string& place, const RegValue& value) {
+    if (values_mark_.empty() || group_ == Group::kOpen) return;
+    if (value.data.size() > kLongestRemembered) return;
+    if (values_.size() >= kMostRemembered) values_.clear();
+    values_.insert_or_assign(place, value);
+}
+
+RegSnapshot::RegSnapshot(RegStore& store, std::int64_t key)
+    : hold_((store.NoteMark(), store.Database()), RegSql::kHoldKey) {
+    const bool is_root = key <= std::int64_t{kRegRoots};
+    if (!hold_.Give(key).Next() && !is_root) throw RegError{ERROR_KEY_DELETED, {}};
+}
+
+RegChange::RegChange(RegStore& store) : database_(*store.Database()), is_part_(store.InGroup()) {
+    if (store.group_ != RegStore::Group::kOpen) RegQuery(&database_, RegSql::kBegin).Next();
+    if (!is_part_) return;
+    store.group_ = RegStore::Group::kOpen;
+    database_.Run("SAVEPOINT part");
+}
+
+void RegChange::Keep() {
+    if (is_part_) {
+        database_.Run("RELEASE part");
+    } else {
+        RegQuery(&database_, RegSql::kCommit).Next();
+    }
+    is_kept_ = true;
+}
+
+// After some errors, a full disk's, the database has taken everything back already.
+RegChange::~RegChange() {
+    if (is_kept_ || !database_.InTransaction()) return;
+    try {
+        if (is_part_) {
+            database_.Run("ROLLBACK TO part; RELEASE part");
+        } else {
+            RegQuery(&database_, RegSql::kRollBack).Next();
+        }
+    } catch (const RegError&) {
+        // The transaction ends with the connection, or at the next process's start.
+    }
+}
+
+}  // namespace host

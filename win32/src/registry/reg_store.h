@@ -1,0 +1,127 @@
+// The registry's store: the database registry/registry.db under the host root, the one connection
+// that this process has to it, snapshots for reading and transactions for changes.
+//
+// Every member but Get() and Mutex() is used with the mutex held; failures throw RegError. Nobody
+// waits in here: what meets another process's lock throws ERROR_BUSY, and the caller tries again
+// without the mutex. The connection ends before a fork, so that parent and child each open their
+// own.
+#pragma once
+
+#include <sys/stat.h>
+#include <windows.h>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "base/call_ref.h"
+#include "registry/reg_database.h"
+#include "root/host_root.h"
+
+namespace host {
+
+struct RegValue {
+    std::u16string name;
+    DWORD type;
+    std::vector<BYTE> data;
+};
+
+class RegStore {
+  public:
+    // Never destroyed: a library that unloads at process exit may still read the registry.
+    static RegStore& Get();
+    std::mutex& Mutex() { return mutex_; }
+
+    enum class Use { kRead, kWrite };
+    // Makes the connection the one to the file that is there now. A missing store is made when it
+    // is to be written or text files of an earlier version lie in its place; `fill` runs in the
+    // transaction that makes it, and the result says that this was so. Without a store there are
+    // the roots alone.
+    bool Refresh(Use use, const CallRef<void()>& fill);
+    // Whether this user may change the registry, as far as the file system tells.
+    bool MayWrite() const;
+
+    // Null when there is no store.
+    RegDatabase* Database() const { return database_.get(); }
+    // Where the store lies, whether or not it exists. After Refresh.
+    const std::string& Path() const { return path_; }
+    // Who holds the lock that all changes take, for a person; empty when the system does not tell.
+    std::string LockHolder() const;
+
+    // Gives back what the log of changes takes on the disk, as far as nobody needs it. Fails in
+    // silence.
+    void FreeSpace();
+
+    // Many changes as one: from Begin on, what this process changes becomes one transaction, which
+    // End keeps or takes back. One thread; not nested. A group that is lost fails from then on, and
+    // at its end, with the error given.
+    void BeginChanges();
+    void EndChanges(bool keep);
+    bool InGroup() const { return group_ != Group::kNone; }
+    bool InLostGroup() const { return group_ == Group::kLost; }
+    void LoseGroup(const RegError& error);
+
+    // A value that was read before and that nobody has changed since; null when it must be read.
+    const RegValue* Remembered(const std::string& place) const;
+    // With a snapshot open.
+    void Remember(const std::string& place, const RegValue& value);
+    static std::string PlaceOf(std::int64_t key, std::u16string_view name);
+
+  private:
+    friend class RegSnapshot;
+    friend class RegChange;
+    enum class Group { kNone, kAsked, kOpen, kLost };
+
+    RegStore();
+    void FindPath();
+    bool Open(const struct stat& file, const CallRef<void()>& fill);
+    bool Make(const CallRef<void()>& fill);
+    bool FillNew(const CallRef<void()>& fill);
+    void Close();
+    bool IsOpen(const struct stat& now) const;
+    bool HasTextFiles() const;
+    std::string Folder() const { return path_.substr(0, path_.rfind('/')); }
+    void NoteMark();
+
+    std::mutex mutex_;
+    HostRootKey host_root_;
+    std::string path_;
+    std::unique_ptr<RegDatabase> database_;
+    struct stat file_ = {};  // the one that is open; all zero when there is none
+    bool is_frozen_ = false;
+    bool may_write_ = false;
+    Group group_ = Group::kNone;
+    RegError lost_{};
+    bool is_inherited_ = false;  // the parent was in the middle of a group when it forked
+    std::unordered_map<std::string, RegValue> values_;  // as of values_mark_
+    std::vector<BYTE> values_mark_;
+};
+
+// The registry at one moment, while it lives. Throws ERROR_KEY_DELETED when the key is gone.
+class RegSnapshot {
+  public:
+    RegSnapshot(RegStore& store, std::int64_t key);
+
+  private:
+    RegQuery hold_;
+};
+
+// One transaction, or a part of the group that is open. The end takes it back unless it was kept.
+class RegChange {
+  public:
+    explicit RegChange(RegStore& store);
+    RegChange(const RegChange&) = delete;
+    RegChange& operator=(const RegChange&) = delete;
+    ~RegChange();
+    void Keep();
+
+  private:
+    RegDatabase& database_;
+    const bool is_part_;
+    bool is_kept_ = false;
+};
+
+}  // namespace host
