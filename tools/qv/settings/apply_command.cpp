@@ -2,11 +2,10 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "base/files.h"
 #include "settings/change_run.h"
 #include "settings/printer_choice.h"
+#include "settings/profile.h"
 #include "settings/settings_commands.h"
-#include "settings/settings_text.h"
 
 namespace qv {
 
@@ -18,32 +17,10 @@ struct ApplyOptions {
     RunOptions run;
 };
 
-SettingsText ReadSettings(const std::string& file) {
-    const std::string bytes = ReadAll(file);
-    if (!IsSettingsText(bytes))
-        throw Failure("'" + file + "' is not what `qv export` writes", ExitCode::kDamaged);
-    SettingsText text = ParseSettings(bytes);
-    std::string faults;
-    for (const LineFault& fault : text.faults)
-        faults += LinePrefix(fault.line) + fault.text + "\nqv: ";
-    if (!faults.empty()) throw Failure(faults + "nothing is set");
-    if (text.assignments.empty()) throw Failure("'" + file + "' sets nothing");
-    return text;
-}
-
-// The device name is the printer's own: only the printer that the file was written for gets it.
-std::vector<Assignment> ForPrinter(const SettingsText& text, const Printer& printer) {
-    std::vector<Assignment> assignments = text.assignments;
-    if (text.printer.Length() == 0 || printer.name.CompareIC(text.printer) == 0) return assignments;
-    std::erase_if(assignments,
-                  [](const Assignment& a) { return NameOf(*a.field) == "dmDeviceName"; });
-    return assignments;
-}
-
 void Run(ApplyOptions& options) {
     if (options.choice.IsMany() && !options.choice.name.empty())
         throw CLI::ValidationError("PRINTER", "excludes --all, --match and --names");
-    const SettingsText text = ReadSettings(options.file);
+    const SettingsText text = ReadProfile(options.file);
     if (options.choice.name.empty()) options.choice.name = ToUtf8(text.printer);
     if (!options.choice.IsMany() && options.choice.name.empty())
         throw Failure("the file names no printer: give one, --match, --names or --all");

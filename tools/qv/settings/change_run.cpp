@@ -22,10 +22,11 @@ TargetChange TargetOf(const PrinterChange& change) {
     return target;
 }
 
-std::vector<PrinterChange*> ToStore(std::vector<PrinterChange>& changes) {
+// Those that the journal is to know of. What an undo finds as it is to be is taken back as well.
+std::vector<PrinterChange*> ToMake(std::vector<PrinterChange>& changes, bool is_undo) {
     std::vector<PrinterChange*> chosen;
     for (PrinterChange& change : changes)
-        if (change.IsToStore()) chosen.push_back(&change);
+        if (change.IsToStore() || (is_undo && change.failure.empty())) chosen.push_back(&change);
     return chosen;
 }
 
@@ -45,26 +46,24 @@ bool StoreEach(const std::vector<PrinterChange*>& changes, const StopRequest& st
     bool stopped = false;
     for (PrinterChange* change : changes) {
         stopped = stopped || stop.IsMade();
+        progress.Add();
         if (stopped) {
             change->is_not_reached = true;
             change->failure = kNotReached;
-            continue;
+        } else if (change->IsToStore()) {
+            StoreChange(*change);
         }
-        progress.Add();
-        StoreChange(*change);
     }
     Keep(group, changes);
     return !stopped;
 }
 
-std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments,
-                                const StopRequest& stop) {
+std::vector<PrinterChange> Plan(const PrinterChoice& choice, const AssignmentsFor& assignments) {
     const std::vector<Printer> printers = ChoosePrinters(choice, Purpose::kChange);
     Progress progress("printers read", printers.size());
     std::vector<PrinterChange> changes;
     changes.reserve(printers.size());
     for (const Printer& printer : printers) {
-        if (stop.IsMade()) throw Failure("stopped; nothing is changed");
         changes.push_back(PlanChange(printer, assignments(printer), choice.force));
         progress.Add();
     }
@@ -79,9 +78,9 @@ void AddRunOptions(CLI::App& command, RunOptions& options) {
     command.add_flag("--no-undo", options.no_undo, "Leave the change out of the journal");
 }
 
-RunResult MakeChanges(std::vector<PrinterChange>& changes, const StopRequest& stop,
-                      Journal* journal, std::uint64_t undoes) {
-    const std::vector<PrinterChange*> chosen = ToStore(changes);
+RunResult MakeChanges(std::vector<PrinterChange>& changes, Journal* journal, std::uint64_t undoes) {
+    const StopRequest stop;
+    const std::vector<PrinterChange*> chosen = ToMake(changes, undoes != 0);
     RunResult result;
     std::vector<TargetChange> planned;
     planned.reserve(chosen.size());
@@ -104,12 +103,11 @@ RunResult MakeChanges(std::vector<PrinterChange>& changes, const StopRequest& st
 
 void RunChanges(const PrinterChoice& choice, const AssignmentsFor& assignments,
                 const RunOptions& options) {
-    const StopRequest stop;
     std::optional<Journal> journal;
     if (!options.report.dry_run && !options.no_undo) journal.emplace(options.wait);
-    std::vector<PrinterChange> changes = Plan(choice, assignments, stop);
+    std::vector<PrinterChange> changes = Plan(choice, assignments);
     RunResult result;
-    if (!options.report.dry_run) result = MakeChanges(changes, stop, journal ? &*journal : nullptr);
+    if (!options.report.dry_run) result = MakeChanges(changes, journal ? &*journal : nullptr);
     journal.reset();
     ReportOptions report = options.report;
     report.is_many = choice.IsMany();

@@ -3,7 +3,6 @@
 
 #include <functional>
 
-#include "base/host.h"
 #include "journal/journal.h"
 #include "settings/change_report.h"
 #include "settings/printer_choice.h"
@@ -31,7 +30,7 @@ void RunChanges(const PrinterChoice& choice, const AssignmentsFor& assignments,
 // stand in the journal, if there is one, before the first is stored: a program that ends in the
 // middle leaves nothing that cannot be taken back. Whoever asks the program to stop is obeyed
 // between two printers. `fields` then say what the drivers made of each.
-RunResult MakeChanges(std::vector<PrinterChange>& changes, const StopRequest& stop,
-                      Journal* journal, std::uint64_t undoes = 0);
+RunResult MakeChanges(std::vector<PrinterChange>& changes, Journal* journal,
+                      std::uint64_t undoes = 0);
 
 }  // namespace qv

@@ -4,6 +4,7 @@
 
 #include "settings/changes.h"
 #include "settings/field_json.h"
+#include "settings/printer_look.h"
 #include "settings/settings_commands.h"
 #include "settings/settings_source.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 struct DiffOptions {
     std::string a, b;
+    PrinterChoice choice;
     bool common = false;
     bool json = false;
 };
@@ -45,45 +47,107 @@ std::string SideText(const std::optional<UnicodeString>& value) {
     return value ? Shown(*value) : "(none)";
 }
 
-void Print(const SettingsSource& a, const SettingsSource& b,
-           const std::vector<Difference>& differences, bool as_json) {
-    if (!as_json) {
-        PrintScope();
-        for (const Difference& d : differences)
-            PrintLine(NameOf(*d.field) + ": " + SideText(d.a) + " -> " + SideText(d.b));
-        return;
-    }
+Json DifferencesJson(const std::vector<Difference>& differences) {
     Json list = Json::array();
     for (const Difference& d : differences) {
         list.push_back({{"name", NameOf(*d.field)},
                         {"a", SideJson(*d.field, d.a)},
                         {"b", SideJson(*d.field, d.b)}});
     }
-    PrintJson({{"scope", kScope},
-               {"a", a.Description()},
-               {"b", b.Description()},
-               {"same", differences.empty()},
-               {"differences", list}});
+    return list;
+}
+
+std::string DifferenceLines(const std::string& prefix, const std::vector<Difference>& differences) {
+    std::string lines;
+    for (const Difference& d : differences)
+        lines += prefix + NameOf(*d.field) + ": " + SideText(d.a) + " -> " + SideText(d.b) + "\n";
+    return lines;
 }
 
 // What cannot be compared is said; the rest is compared all the same.
-bool ReportDamage(const SettingsSource& source) {
+std::vector<std::string> DamageOf(const SettingsSource& source) {
     const std::string name = "'" + source.name + "': ";
+    std::vector<std::string> texts;
     for (const LineFault& fault : source.faults)
-        PrintError(name + LinePrefix(fault.line) + fault.text);
-    for (const std::string& reason : source.damage) PrintError(name + reason);
-    return !source.faults.empty() || !source.damage.empty();
+        texts.push_back(name + LinePrefix(fault.line) + fault.text);
+    for (const std::string& reason : source.damage) texts.push_back(name + reason);
+    return texts;
 }
 
-void Diff(const DiffOptions& options) {
+// What a comparison with one or many printers ends with.
+struct Outcome {
+    std::vector<std::string> damage, errors;
+    bool differ = false;
+
+    void AddDamage(const SettingsSource& source) {
+        const auto texts = DamageOf(source);
+        damage.insert(damage.end(), texts.begin(), texts.end());
+    }
+    void Report() const {
+        for (const std::string& text : damage) PrintError(text);
+        for (const std::string& text : errors) PrintError(text);
+        if (!damage.empty()) throw Failure("", ExitCode::kDamaged);
+        if (differ || !errors.empty()) throw Failure("");
+    }
+};
+
+void DiffTwo(const DiffOptions& options) {
     const SettingsSource a = OpenSource(options.a);
     const SettingsSource b = OpenSource(options.b);
     const auto differences = Compare(a, b, options.common);
-    Print(a, b, differences, options.json);
-    const bool a_damaged = ReportDamage(a);
-    const bool b_damaged = ReportDamage(b);
-    if (a_damaged || b_damaged) throw Failure("", ExitCode::kDamaged);
-    if (!differences.empty()) throw Failure("");
+    if (options.json) {
+        PrintJson({{"scope", kScope},
+                   {"a", a.Description()},
+                   {"b", b.Description()},
+                   {"same", differences.empty()},
+                   {"differences", DifferencesJson(differences)}});
+    } else {
+        PrintScope();
+        Print(DifferenceLines("", differences));
+    }
+    Outcome outcome;
+    outcome.AddDamage(a);
+    outcome.AddDamage(b);
+    outcome.differ = !differences.empty();
+    outcome.Report();
+}
+
+// Each printer of the choice is a B.
+void DiffMany(const DiffOptions& options) {
+    const SettingsSource a = OpenSource(options.a);
+    Json list = Json::array();
+    std::string lines;
+    Outcome outcome;
+    outcome.AddDamage(a);
+    EachPrinter(options.choice, [&](const Printer& printer) {
+        Json entry = {{"printer", Text(printer.name)}};
+        try {
+            const SettingsSource b = SourceOfPrinter(printer);
+            const auto differences = Compare(a, b, options.common);
+            lines += DifferenceLines(OneLine(printer.name) + ": ", differences);
+            entry["same"] = differences.empty();
+            entry["differences"] = DifferencesJson(differences);
+            outcome.differ = outcome.differ || !differences.empty();
+            outcome.AddDamage(b);
+        } catch (const Failure& failure) {
+            outcome.errors.emplace_back(failure.what());
+            entry["error"] = failure.what();
+        }
+        list.push_back(entry);
+    });
+    if (options.json) {
+        PrintJson({{"scope", kScope}, {"a", a.Description()}, {"printers", list}});
+    } else {
+        PrintScope();
+        Print(lines);
+    }
+    outcome.Report();
+}
+
+void Diff(const DiffOptions& options) {
+    if (options.choice.IsMany() != options.b.empty())
+        throw CLI::ValidationError("B", "either it or --all, --match or --names");
+    return options.choice.IsMany() ? DiffMany(options) : DiffTwo(options);
 }
 
 }  // namespace
@@ -94,7 +158,8 @@ void AddDiffCommand(CLI::App& app) {
         app.add_subcommand("diff", "Compare two settings; ends with 1 when they differ");
     const char* const side = "A file (what `qv export` wrote, or a block), or a printer's name";
     command->add_option("A", options->a, side)->required();
-    command->add_option("B", options->b, side)->required();
+    command->add_option("B", options->b, "The same; or each of the printers that are chosen");
+    AddChoiceOptions(*command, options->choice);
     command->add_flag("--common", options->common, "Only fields that both have");
     command->add_flag("--json", options->json, "One JSON document");
     command->callback([options] { Diff(*options); });

@@ -1,11 +1,12 @@
 // qv export: a printer's settings as text.
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <memory>
+#include <string_view>
 
 #include "base/files.h"
 #include "os_xp/user_name.h"
-#include "settings/block_damage.h"
-#include "settings/printer_settings.h"
+#include "settings/printer_look.h"
 #include "settings/settings_commands.h"
 #include "settings/settings_text.h"
 
@@ -13,26 +14,67 @@ namespace qv {
 
 namespace {
 
-void Export(const std::string& name, const std::string& file) {
-    const Printer printer = FindPrinter(FromUtf8(name));
-    const SettingsBlock block = RequireUserSettings(printer.name);
-    WriteAll(file, FormatSettings({printer.name, printer.driver, ::GetUserNameW(true)}, block));
+struct ExportOptions {
+    PrinterChoice choice;
+    std::vector<std::string> words;
+};
+
+std::string FormatLook(const PrinterLook& look) {
+    const SettingsHead head = {look.printer.name, look.printer.driver, ::GetUserNameW(true)};
+    return FormatSettings(head, *look.block);
+}
+
+// The printer's name as that of a file on every host: what some host does not take is %XX.
+std::string FileNameOf(const Printer& printer) {
+    std::string name;
+    for (const char c : ToUtf8(printer.name)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x20 && byte != 0x7F &&
+            std::string_view("\\/:*?\"<>|%").find(c) == std::string::npos) {
+            name += c;
+            continue;
+        }
+        char escaped[4];
+        std::snprintf(escaped, sizeof(escaped), "%%%02X", unsigned{byte});
+        name += escaped;
+    }
+    return name + ".txt";
+}
+
+std::string TakeTarget(ExportOptions& options) {
+    TakePrinter(options.choice, options.words);
+    const bool is_many = options.choice.IsMany();
+    if (options.words.size() > 1 || (is_many && options.words.empty()))
+        throw CLI::ValidationError(is_many ? "FOLDER" : "FILE", "one is needed");
+    return options.words.empty() ? kStandardStream : options.words.front();
+}
+
+void Export(ExportOptions& options) {
+    const std::string target = TakeTarget(options);
+    const bool is_many = options.choice.IsMany();
+    LookFaults faults;
+    LookAtPrinters(options.choice, [&](const PrinterLook& look) {
+        faults.Add(look, is_many);
+        if (!look.block) return;
+        WriteAll(is_many ? target + "/" + FileNameOf(look.printer) : target, FormatLook(look));
+    });
     PrintScope();
-    const auto damage = printer.IsProduct() ? ProductDamage(block) : SizeDamage(block);
-    for (const std::string& reason : damage) PrintError(reason);
-    if (!damage.empty()) throw Failure("", ExitCode::kDamaged);
+    faults.Report();
 }
 
 }  // namespace
 
 void AddExportCommand(CLI::App& app) {
-    auto printer = std::make_shared<std::string>();
-    auto file = std::make_shared<std::string>(kStandardStream);
-    CLI::App* command =
-        app.add_subcommand("export", "Write the current user's settings of a printer as text");
-    command->add_option("PRINTER", *printer, "The printer's name")->required();
-    command->add_option("FILE", *file, "The file to write; - is standard output, the default");
-    command->callback([printer, file] { Export(*printer, *file); });
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* command = app.add_subcommand(
+        "export", "Write the current user's settings of one printer or of many as text");
+    command->footer(
+        "One printer: qv export PRINTER [FILE]; - is standard output, the default.\n"
+        "Many: qv export --all FOLDER, which exists; each printer gets a file of its name.");
+    command->add_option("FILE", options->words, "The printer and the file, or the folder for many")
+        ->type_name("[PRINTER] [FILE|FOLDER]");
+    AddChoiceOptions(*command, options->choice);
+    command->callback([options] { Export(*options); });
 }
 
 }  // namespace qv

@@ -1,81 +1,155 @@
-// qv printers, qv get: the installed printers, and the current user's settings of one.
+// qv get: the current user's settings of one printer or of many.
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "settings/block_damage.h"
+#include "base/table.h"
+#include "settings/changes.h"
 #include "settings/field_json.h"
-#include "settings/printer_settings.h"
+#include "settings/printer_look.h"
 #include "settings/settings_commands.h"
 
 namespace qv {
 
 namespace {
 
-void ListPrinters(bool as_json) {
-    const std::vector<Printer> printers = InstalledPrinters();
-    if (as_json) {
-        Json list = Json::array();
-        for (const Printer& p : printers) {
-            list.push_back({{"name", Text(p.name)},
-                            {"driver", Text(p.driver)},
-                            {"port", Text(p.port)},
-                            {"product", p.IsProduct()}});
+struct GetOptions {
+    PrinterChoice choice;
+    std::vector<std::string> words;
+    bool json = false;
+    bool table = false;
+};
+
+using Fields = std::vector<const Field*>;
+
+// All names that are wrong are told at once.
+Fields FieldsNamed(const std::vector<std::string>& names) {
+    Fields fields;
+    std::string faults;
+    for (const std::string& name : names) {
+        try {
+            fields.push_back(&RequireField(name));
+        } catch (const Failure& failure) {
+            faults += (faults.empty() ? "" : "\nqv: ") + std::string(failure.what());
         }
-        return PrintJson({{"scope", kScope}, {"printers", list}});
     }
-    for (const Printer& p : printers)
-        PrintLine(OneLine(p.name) + "\t" + OneLine(p.driver) + "\t" + OneLine(p.port));
+    if (!faults.empty()) throw Failure(faults);
+    return fields;
 }
 
-// The fields that are for users: not what describes the block itself, unless that is all there is.
-bool IsShown(const Field& field, const SettingsBlock& block) {
-    return block.Has(field) && (field.Listed || !block.IsProduct());
+// The fields asked for that the block has; when none is asked for those that are for users: not
+// what describes the block itself, unless that is all there is.
+Fields ToShow(const SettingsBlock& block, const Fields& asked) {
+    Fields fields;
+    for (const Field* field : asked.empty() ? AllFields() : asked) {
+        const bool is_shown = !asked.empty() || field->Listed || !block.IsProduct();
+        if (is_shown && block.Has(*field)) fields.push_back(field);
+    }
+    return fields;
 }
 
-void PrintFields(const SettingsBlock& block, const Printer& printer, bool as_json) {
+Json LookJson(const PrinterLook& look, const Fields& asked) {
+    Json object = {{"printer", Text(look.printer.name)}, {"driver", Text(look.printer.driver)}};
+    if (!look.block) {
+        object["error"] = look.error;
+        return object;
+    }
     Json fields = Json::object();
-    for (const Field* field : AllFields()) {
-        if (!IsShown(*field, block)) continue;
-        if (as_json) {
-            fields[NameOf(*field)] = FieldJson(*field, block.Get(*field));
-        } else {
-            PrintLine(NameOf(*field) + "=" + OneLine(block.Get(*field)));
-        }
-    }
-    if (!as_json) return PrintScope();
-    PrintJson({{"scope", kScope},
-               {"printer", Text(printer.name)},
-               {"driver", Text(printer.driver)},
-               {"product", block.IsProduct()},
-               {"fields", fields}});
+    for (const Field* field : ToShow(*look.block, asked))
+        fields[NameOf(*field)] = FieldJson(*field, look.block->Get(*field));
+    object["product"] = look.block->IsProduct();
+    object["fields"] = fields;
+    return object;
 }
 
-void GetSettings(const std::string& name, bool as_json) {
-    const Printer printer = FindPrinter(FromUtf8(name));
-    const SettingsBlock block = RequireUserSettings(printer.name);
-    PrintFields(block, printer, as_json);
-    const auto damage = printer.IsProduct() ? ProductDamage(block) : SizeDamage(block);
-    for (const std::string& reason : damage) PrintError(reason);
-    if (!damage.empty()) throw Failure("", ExitCode::kDamaged);
+void PrintOne(const PrinterLook& look, const Fields& asked, const GetOptions& options) {
+    for (const Field* field : asked) {
+        if (look.block->Has(*field)) continue;
+        throw Failure("the settings of '" + OneLine(look.printer.name) + "' have no field '" +
+                      NameOf(*field) + "'");
+    }
+    if (options.json) {
+        Json document = {{"scope", kScope}};
+        document.update(LookJson(look, asked));
+        return PrintJson(document);
+    }
+    for (const Field* field : ToShow(*look.block, asked))
+        PrintLine(NameOf(*field) + "=" + OneLine(look.block->Get(*field)));
+    PrintScope();
+}
+
+// A column for each field that was asked for, "-" where a printer lacks it; else a row for each
+// field.
+class Collector {
+  public:
+    explicit Collector(const Fields& asked) : asked_(asked), table_(Head(asked)) {}
+
+    void Take(const PrinterLook& look) {
+        list_.push_back(LookJson(look, asked_));
+        const std::string name = OneLine(look.printer.name);
+        if (!look.block) return;
+        if (!asked_.empty()) return table_.Add(RowOf(name, *look.block));
+        for (const Field* field : ToShow(*look.block, asked_))
+            table_.Add({name, NameOf(*field), Shown(look.block->Get(*field))});
+    }
+
+    void Print(const GetOptions& options) const {
+        if (options.json) return PrintJson({{"scope", kScope}, {"printers", list_}});
+        table_.Print(options.table);
+        PrintScope();
+    }
+
+  private:
+    static std::vector<std::string> Head(const Fields& asked) {
+        if (asked.empty()) return {"PRINTER", "FIELD", "VALUE"};
+        std::vector<std::string> head = {"PRINTER"};
+        for (const Field* field : asked) head.push_back(NameOf(*field));
+        return head;
+    }
+    std::vector<std::string> RowOf(const std::string& name, const SettingsBlock& block) const {
+        std::vector<std::string> row = {name};
+        for (const Field* field : asked_)
+            row.push_back(block.Has(*field) ? Shown(block.Get(*field)) : "-");
+        return row;
+    }
+
+    const Fields& asked_;
+    Table table_;
+    Json list_ = Json::array();
+};
+
+void Get(GetOptions& options) {
+    TakePrinter(options.choice, options.words);
+    const Fields asked = FieldsNamed(options.words);
+    const bool is_many = options.choice.IsMany();
+    Collector collector(asked);
+    LookFaults faults;
+    LookAtPrinters(options.choice, [&](const PrinterLook& look) {
+        faults.Add(look, is_many);
+        if (is_many) return collector.Take(look);
+        PrintOne(look, asked, options);
+    });
+    if (is_many) collector.Print(options);
+    faults.Report();
 }
 
 }  // namespace
 
-void AddPrintersCommand(CLI::App& app) {
-    auto as_json = std::make_shared<bool>(false);
-    CLI::App* printers =
-        app.add_subcommand("printers", "List the installed printers: name, driver, port");
-    printers->add_flag("--json", *as_json, "One JSON document");
-    printers->callback([as_json] { ListPrinters(*as_json); });
-}
-
 void AddGetCommand(CLI::App& app) {
-    auto name = std::make_shared<std::string>();
-    auto as_json = std::make_shared<bool>(false);
-    CLI::App* get = app.add_subcommand("get", "Show the current user's settings of a printer");
-    get->add_option("PRINTER", *name, "The printer's name")->required();
-    get->add_flag("--json", *as_json, "One JSON document");
-    get->callback([name, as_json] { GetSettings(*name, *as_json); });
+    auto options = std::make_shared<GetOptions>();
+    CLI::App* get =
+        app.add_subcommand("get", "Show the current user's settings of one printer or of many");
+    get->footer(
+        "The first word is the printer's name unless --all, --match or --names choose printers; "
+        "the "
+        "others\nare fields. Examples:\n"
+        "  qv get \"Vantrel Fax\" dmCopies exOut.FileName\n"
+        "  qv get --all --table dmCopies exOut.FileName");
+    get->add_option("FIELD", options->words, "The printer, and the fields; all when none is named")
+        ->type_name("[PRINTER] [FIELD]...");
+    AddChoiceOptions(*get, options->choice);
+    AddTableOption(*get, options->table);
+    get->add_flag("--json", options->json, "One JSON document");
+    get->callback([options] { Get(*options); });
 }
 
 }  // namespace qv

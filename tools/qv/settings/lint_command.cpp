@@ -5,6 +5,7 @@
 #include "base/value_text.h"
 #include "settings/field_json.h"
 #include "settings/field_meaning.h"
+#include "settings/printer_look.h"
 #include "settings/settings_commands.h"
 #include "settings/settings_source.h"
 
@@ -35,13 +36,7 @@ std::vector<Finding> Findings(const SettingsSource& source) {
     return findings;
 }
 
-void PrintFindings(const SettingsSource& source, const std::vector<Finding>& findings,
-                   bool as_json) {
-    if (!as_json) {
-        PrintScope();
-        for (const Finding& f : findings) PrintLine(LinePrefix(f.line) + f.text);
-        return;
-    }
+Json FindingsJson(const std::vector<Finding>& findings) {
     Json list = Json::array();
     for (const Finding& f : findings) {
         Json object = Json::object();
@@ -50,33 +45,89 @@ void PrintFindings(const SettingsSource& source, const std::vector<Finding>& fin
         object["text"] = f.text;
         list.push_back(object);
     }
-    PrintJson({{"scope", kScope},
-               {"source", source.Description()},
-               {"damaged", !source.damage.empty()},
-               {"findings", list}});
+    return list;
 }
 
-void Lint(const std::string& name, bool as_json) {
-    const SettingsSource source = OpenSource(name);
-    const std::vector<Finding> findings = Findings(source);
-    PrintFindings(source, findings, as_json);
-    if (!source.damage.empty()) throw Failure("", ExitCode::kDamaged);
-    if (!findings.empty()) throw Failure("");
+// What is found in one source after the other, and how the command ends by it.
+class Linter {
+  public:
+    explicit Linter(bool is_many) : is_many_(is_many) {}
+
+    void Take(const SettingsSource& source) {
+        const std::vector<Finding> findings = Findings(source);
+        list_.push_back({{"source", source.Description()},
+                         {"damaged", !source.damage.empty()},
+                         {"findings", FindingsJson(findings)}});
+        const std::string prefix = is_many_ ? OneLine(FromUtf8(source.name)) + ": " : "";
+        for (const Finding& f : findings) lines_ += prefix + LinePrefix(f.line) + f.text + "\n";
+        damaged_ = damaged_ || !source.damage.empty();
+        found_ = found_ || !findings.empty();
+    }
+
+    // The printer cannot be looked at.
+    void Take(const Printer& printer, const Failure& failure) {
+        list_.push_back({{"source", {{"printer", Text(printer.name)}}}, {"error", failure.what()}});
+        errors_.emplace_back(failure.what());
+    }
+
+    void Finish(bool as_json) const {
+        if (as_json) {
+            Json document = {{"scope", kScope}};
+            document.update(is_many_ ? Json{{"printers", list_}} : list_.front());
+            PrintJson(document);
+        } else {
+            PrintScope();
+            Print(lines_);
+        }
+        for (const std::string& error : errors_) PrintError(error);
+        if (damaged_) throw Failure("", ExitCode::kDamaged);
+        if (found_ || !errors_.empty()) throw Failure("");
+    }
+
+  private:
+    bool is_many_;
+    Json list_ = Json::array();
+    std::string lines_;
+    std::vector<std::string> errors_;
+    bool damaged_ = false, found_ = false;
+};
+
+struct LintOptions {
+    std::string source;
+    PrinterChoice choice;
+    bool json = false;
+};
+
+void Lint(const LintOptions& options) {
+    const bool is_many = options.choice.IsMany();
+    if (is_many != options.source.empty())
+        throw CLI::ValidationError("PRINTER|FILE", "either it or --all, --match or --names");
+    Linter linter(is_many);
+    if (is_many) {
+        EachPrinter(options.choice, [&linter](const Printer& printer) {
+            try {
+                linter.Take(SourceOfPrinter(printer));
+            } catch (const Failure& failure) {
+                linter.Take(printer, failure);
+            }
+        });
+    } else {
+        linter.Take(OpenSource(options.source));
+    }
+    linter.Finish(options.json);
 }
 
 }  // namespace
 
 void AddLintCommand(CLI::App& app) {
-    auto name = std::make_shared<std::string>();
-    auto as_json = std::make_shared<bool>(false);
+    auto options = std::make_shared<LintOptions>();
     CLI::App* command = app.add_subcommand(
         "lint", "Find values without meaning or effect; ends with 1 on findings, 3 on damage");
-    command
-        ->add_option("PRINTER|FILE", *name,
-                     "A printer's name, or a file (what `qv export` wrote, or a block)")
-        ->required();
-    command->add_flag("--json", *as_json, "One JSON document");
-    command->callback([name, as_json] { Lint(*name, *as_json); });
+    command->add_option("PRINTER|FILE", options->source,
+                        "A printer's name, or a file (what `qv export` wrote, or a block)");
+    AddChoiceOptions(*command, options->choice);
+    command->add_flag("--json", options->json, "One JSON document");
+    command->callback([options] { Lint(*options); });
 }
 
 }  // namespace qv

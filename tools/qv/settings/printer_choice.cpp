@@ -37,14 +37,14 @@ void SayLeftOut(const std::vector<Printer>& printers) {
                "'" + (printers.size() == 1 ? "" : ", and " + rest + " of other drivers"));
 }
 
-std::vector<Printer> ChooseByPattern(const PrinterChoice& choice) {
+std::vector<Printer> ChooseByPattern(const PrinterChoice& choice, Purpose purpose) {
     std::vector<Printer> chosen, left_out;
     for (Printer& printer : InstalledPrinters()) {
         if (!choice.all && !MatchesOne(printer.name, choice.patterns)) continue;
         const bool is_taken = printer.IsProduct() || choice.force;
         (is_taken ? chosen : left_out).push_back(std::move(printer));
     }
-    SayLeftOut(left_out);
+    if (purpose == Purpose::kChange || chosen.empty()) SayLeftOut(left_out);
     return chosen;
 }
 
@@ -114,7 +114,7 @@ std::vector<Printer> ChoosePrinters(const PrinterChoice& choice, Purpose purpose
     if (!choice.names_file.empty()) {
         chosen = ChooseByList(choice, purpose);
     } else if (choice.IsMany()) {
-        chosen = ChooseByPattern(choice);
+        chosen = ChooseByPattern(choice, purpose);
     } else {
         chosen.push_back(FindPrinter(FromUtf8(choice.name)));
         RefuseForeign(chosen.front(), choice, purpose);

@@ -31,8 +31,9 @@ void TakePrinter(PrinterChoice& choice, std::vector<std::string>& words);
 enum class Purpose { kLook, kChange };
 
 // The printers chosen, in the spooler's order, those of a list in its order. Printers of a foreign
-// driver are left out with a message by --all and --match; one that is named and is to be changed
-// is refused, unless `force`. Throws Failure when a name is no printer's, or none is left.
+// driver are left out by --all and --match, with a message when printers are to be changed; one
+// that is named and is to be changed is refused. With `force` they are taken. Throws Failure when a
+// name is no printer's, or none is left.
 std::vector<Printer> ChoosePrinters(const PrinterChoice& choice, Purpose purpose);
 
 // `*` stands for any characters, `?` for one; letters in either case.

@@ -13,6 +13,7 @@ void AddPrinterCommands(CLI::App& app) {
     AddExportCommand(app);
     AddApplyCommand(app);
     AddDiffCommand(app);
+    AddCheckCommand(app);
     AddLintCommand(app);
 }
 

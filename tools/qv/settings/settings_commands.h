@@ -15,6 +15,7 @@ void AddApplyCommand(CLI::App& app);
 void AddDiffCommand(CLI::App& app);
 void AddUndoCommand(CLI::App& app);
 void AddAuditCommand(CLI::App& app);
+void AddCheckCommand(CLI::App& app);
 void AddLintCommand(CLI::App& app);
 void AddDefaultsCommand(CLI::App& app);
 void AddDevmodeCommand(CLI::App& app);

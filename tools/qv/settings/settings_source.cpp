@@ -50,15 +50,14 @@ SettingsSource FromFile(const std::string& name) {
     return source;
 }
 
-SettingsSource FromPrinter(const std::string& name) {
-    const Printer printer = FindPrinter(FromUtf8(name));
+}  // namespace
+
+SettingsSource SourceOfPrinter(const Printer& printer) {
     SettingsSource source =
         MakeSource(Kind::kPrinter, ToUtf8(printer.name), RequireUserSettings(printer.name));
     FindDamage(source, printer.IsProduct());
     return source;
 }
-
-}  // namespace
 
 bool SettingsSource::Has(const Field& field) const {
     if (kind != Kind::kText) return block.Has(field);
@@ -77,7 +76,7 @@ Json SettingsSource::Description() const {
 SettingsSource OpenSource(const std::string& name) {
     if (name == kStandardStream || Sysutils::FileExists(FromUtf8(name))) return FromFile(name);
     try {
-        return FromPrinter(name);
+        return SourceOfPrinter(FindPrinter(FromUtf8(name)));
     } catch (const Failure& failure) {
         throw Failure(std::string(failure.what()) + " (and no file has that name)", failure.Code());
     }

@@ -30,4 +30,7 @@ struct SettingsSource {
 // A file that exists, `-` for standard input, or a printer. Throws Failure.
 SettingsSource OpenSource(const std::string& name);
 
+// The user's settings of the printer. Throws Failure.
+SettingsSource SourceOfPrinter(const Printer& printer);
+
 }  // namespace qv

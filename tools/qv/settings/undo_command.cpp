@@ -100,7 +100,6 @@ PrinterChange PlanUndo(const TargetChange& target, bool force) {
 
 void Undo(const UndoOptions& options) {
     if (options.list) return List(options);
-    const StopRequest stop;
     Journal journal(options.wait);
     const ChangeRecord wanted = ToTakeBack(options);
     std::vector<PrinterChange> changes;
@@ -113,7 +112,7 @@ void Undo(const UndoOptions& options) {
         PrintError("nothing is restored");
         std::erase_if(changes, [](const PrinterChange& c) { return c.failure.empty(); });
     } else if (!options.report.dry_run) {
-        result = MakeChanges(changes, stop, &journal, wanted.number);
+        result = MakeChanges(changes, &journal, wanted.number);
     }
     ReportOptions report = options.report;
     report.is_many = wanted.targets.size() > 1;
