@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "log_file/log_record_bytes.h"
+#include "mox_classes/memory/lock.h"
 
 namespace Mox {
 
@@ -68,7 +69,7 @@ class TLiveRecorders {
         return at;
     }
 
-    std::mutex guard_;
+    System::TLock guard_;
     TLogRecorder* first_ = nullptr;
 };
 

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 
+#include "mox_classes/memory/lock.h"
 #include "mox_classes/text/log_here.h"
 #include "mox_classes/text/sys_error.h"
 
@@ -20,14 +21,14 @@ T Load(T& field) {
 
 // Serialises the first Init and the last Release. A unit that finds the logger connected finds it
 // completely set up.
-std::mutex& SetUpGuard() {
-    static std::mutex guard;
+System::TLock& SetUpGuard() {
+    static constinit System::TLock guard;
     return guard;
 }
 
 // Allows one reader of the last error at a time. Writers do not wait for it.
-std::mutex& ErrorReaderGuard() {
-    static std::mutex guard;
+System::TLock& ErrorReaderGuard() {
+    static constinit System::TLock guard;
     return guard;
 }
 
@@ -46,6 +47,14 @@ void Status(const WCHAR* text, int line = __builtin_LINE()) {
     NoThrow([&] { ShowStatus(text, line); });
 }
 
+// The id of this process, which can have been forked from the one that set the logger up.
+DWORD OwnId(TLogger& logger) {
+    const DWORD id = GetCurrentProcessId();
+    std::atomic_ref<DWORD> kept(logger.processId);
+    if (kept.load(std::memory_order_relaxed) != id) kept.store(id, std::memory_order_relaxed);
+    return id;
+}
+
 // Makes a message. It takes `source` and `label` out of the caller's strings.
 TLogMsg* NewMessage(TLogger& logger, int level, UnicodeString& source, int line,
                     const UnicodeString& text, UnicodeString& label, void* data, int size) {
@@ -58,7 +67,7 @@ TLogMsg* NewMessage(TLogger& logger, int level, UnicodeString& source, int line,
     message->dataLabel.swap(label);
     message->data = data;
     message->dataSize = size > 0 ? -size : 0;
-    message->processId = logger.processId;
+    message->processId = OwnId(logger);
     message->sessionId = GetSessionId();
     message->threadId = GetCurrentThreadId();
     return message;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 
+#include "mox_classes/memory/lock.h"
 #include "mox_classes/memory/module_static.h"
 #include "mox_classes/text/sysutils_numbers.h"
 #include "mox_log/logger.h"
@@ -11,12 +12,17 @@
 namespace {
 
 // What is kept beside the document. A lookup may read the file and build the indices of the tree,
-// and any thread that logs may make the first lookup: hence the mutex.
+// and any thread that logs may make the first lookup: hence the guard.
 struct TResourceState {
-    std::mutex mutex;
     const TXmlNode* section = nullptr;  // the root's child "mox", once it has been found
     UnicodeString language = TEXT("en");
 };
+
+// Guards the state. It is not a part of it, because it must outlive it.
+System::TLock& StateGuard() {
+    static constinit System::TLock guard;
+    return guard;
+}
 
 TResourceState& State() {
     static TResourceState& state = System::KeepUntilUnload(std::make_unique<TResourceState>());
@@ -61,7 +67,7 @@ void UninitXmlRes() {
     logger->resStringContext = nullptr;
     logger->resStringProc = nullptr;
     TResourceState& state = State();
-    const std::lock_guard lock(state.mutex);
+    const std::lock_guard lock(StateGuard());
     state.section = nullptr;
 }
 
@@ -73,13 +79,13 @@ TXmlDoc* GetXmlRes() {
 
 void SetLanguage(UnicodeString language) {
     TResourceState& state = State();
-    const std::lock_guard lock(state.mutex);
+    const std::lock_guard lock(StateGuard());
     state.language = language;
 }
 
 UnicodeString GetLanguage() {
     TResourceState& state = State();
-    const std::lock_guard lock(state.mutex);
+    const std::lock_guard lock(StateGuard());
     return state.language;
 }
 
@@ -87,7 +93,7 @@ void ResStringLookup(void* context, UnicodeString domain, ULONG id, UnicodeStrin
     auto* document = static_cast<TXmlDoc*>(context);
     if (document == nullptr) return;
     TResourceState& state = State();
-    const std::lock_guard lock(state.mutex);
+    const std::lock_guard lock(StateGuard());
     const TXmlNode* section = StringSection(state, *document);
     if (section == nullptr) return;
     const TXmlNode* strings = section->FindChild(domain, System::kCodePageUtf8);

@@ -112,7 +112,7 @@ QV_HOST_API LPVOID MapViewOfFile(HANDLE mapping, DWORD access, DWORD offset_high
                                  SIZE_T bytes);
 QV_HOST_API BOOL UnmapViewOfFile(LPCVOID view);
 
-// ---- Threads, thread-local slots, critical sections, ids
+// ---- Threads, thread-local slots, locks, ids
 #define TLS_OUT_OF_INDEXES 0xFFFFFFFFu
 #define INFINITE 0xFFFFFFFFu
 struct CRITICAL_SECTION {
@@ -127,6 +127,14 @@ QV_HOST_API void InitializeCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void DeleteCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void EnterCriticalSection(LPCRITICAL_SECTION section);
 QV_HOST_API void LeaveCriticalSection(LPCRITICAL_SECTION section);
+struct SRWLOCK {
+    PVOID Ptr;
+};
+using PSRWLOCK = SRWLOCK*;
+#define SRWLOCK_INIT \
+    { nullptr }
+QV_HOST_API void AcquireSRWLockExclusive(PSRWLOCK lock);
+QV_HOST_API void ReleaseSRWLockExclusive(PSRWLOCK lock);
 QV_HOST_API DWORD GetCurrentThreadId();
 QV_HOST_API DWORD GetCurrentProcessId();
 QV_HOST_API HANDLE GetCurrentProcess();

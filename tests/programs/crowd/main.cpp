@@ -28,6 +28,7 @@ constexpr TVerb kVerbs[] = {
      1, 13, KillLog},
     {"kill-registry", "KILLS", 1, 1, KillRegistry},
     {"hold", "FOLDER | start X | leave GO", 1, 2, Hold},
+    {"forks", "FILE WRITERS RECORDS CHILDREN", 4, 4, Forks},
 #endif
 };
 

@@ -17,5 +17,6 @@ int Check(const TArguments& arguments);         // check_linux.cpp
 int KillLog(const TArguments& arguments);       // kill_log_linux.cpp
 int KillRegistry(const TArguments& arguments);  // kill_registry_linux.cpp
 int Hold(const TArguments& arguments);          // hold_linux.cpp
+int Forks(const TArguments& arguments);         // forks_linux.cpp
 
 }  // namespace stress

@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include "base/fork_lock.h"
+
 namespace host {
 namespace {
 
@@ -29,7 +31,7 @@ struct Slot {
 // never used, because null is no handle.
 struct Table {
     Slot slots[kSlots];
-    std::mutex mutex;  // guards the members below and next_free
+    ForkLock mutex;  // guards the members below and next_free
     std::uint32_t used = 1;
     std::uint32_t resting = 0;
     std::uint32_t oldest = 0;
@@ -109,6 +111,16 @@ bool CloseOpenHandle(HANDLE handle) {
     } while (!slot->state.compare_exchange_weak(state, state & ~kOpen, std::memory_order_acq_rel));
     Release(*slot);
     return true;
+}
+
+void HandlesEnterChild() {
+    for (std::uint32_t index = 1; index < table.used; ++index) {
+        Slot& slot = table.slots[index];
+        const std::uint64_t state = slot.state.load(std::memory_order_relaxed);
+        if ((state & kOpen) == 0) continue;
+        slot.state.store((state & ~kReferences) | 1, std::memory_order_relaxed);
+        slot.object->EnterChild();
+    }
 }
 
 HandleObject* PinHandle(HANDLE handle) {

@@ -31,6 +31,10 @@ class HandleObject {
     HandleObject& operator=(const HandleObject&) = delete;
     virtual ~HandleObject() = default;
     HandleKind kind() const { return kind_; }
+    // In the child of a fork, which has one thread: takes over what the parent's object holds of
+    // the system (descriptors, marks), or is without it from then on. A handle names the same thing
+    // in both processes; what its locks exclude is the other one too.
+    virtual void EnterChild() {}
 
   private:
     const HandleKind kind_;
@@ -42,6 +46,10 @@ HANDLE OpenHandle(std::unique_ptr<HandleObject> object);
 
 // Ends the handle. The object is destroyed with its last pin.
 bool CloseOpenHandle(HANDLE handle);
+
+// In the child of a fork: every open object enters it. Calls of the parent's other threads hold no
+// object any more; one that such a call was just closing is never destroyed.
+void HandlesEnterChild();
 
 // Low level of HandlePin: the object, kept alive until UnpinHandle, or null.
 HandleObject* PinHandle(HANDLE handle);

@@ -24,6 +24,20 @@ constexpr std::uint64_t Join(DWORD low, DWORD high) {
 
 }  // namespace
 
+void FileObject::EnterChild() {
+    const int old = fd_.Inherited();
+    fd_ = share_mode_ && S_ISREG(type_) ? ReopenedFile(old, *share_mode_)
+                                        : UniqueFd(fcntl(old, F_DUPFD_CLOEXEC, 3));
+    if (mutex_.try_lock()) {
+        locked_.clear();
+        mutex_.unlock();
+        return;
+    }
+    // A thread that is not in this process was changing the list. Both begin anew.
+    ::new (&mutex_) std::mutex;
+    ::new (&locked_) std::vector<Range>;
+}
+
 bool FileObject::MakeRoom() {
     try {
         locked_.reserve(locked_.size() + 1);

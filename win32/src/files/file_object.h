@@ -7,10 +7,12 @@
 
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "base/handles.h"
 #include "base/unique_fd.h"
+#include "files/share_modes.h"
 
 namespace host {
 
@@ -25,13 +27,20 @@ class FileObject final : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kFile;
 
-    FileObject(UniqueFd fd, FileAccess access)
-        : HandleObject(kKind), fd_(std::move(fd)), access_(access), is_stream_(IsStream(fd_)) {}
+    // A regular file with a share mode is opened again in a child of fork. Any other one (a stream
+    // that the process was started with, a pipe, a device) is shared with the parent, its position
+    // too.
+    FileObject(UniqueFd fd, FileAccess access, std::optional<ShareMode> share_mode)
+        : HandleObject(kKind),
+          fd_(std::move(fd)),
+          access_(access),
+          type_(TypeOf(fd_)),
+          share_mode_(share_mode) {}
 
     int fd() const { return fd_.get(); }
     FileAccess access() const { return access_; }
     // Whether it is a pipe or a socket. The other end of such a file can be gone.
-    bool is_stream() const { return is_stream_; }
+    bool is_stream() const { return S_ISFIFO(type_) || S_ISSOCK(type_); }
 
     // Both return a Win32 code. Lock fails with ERROR_LOCK_VIOLATION when a part of the range is
     // locked, by this handle or by another open file. Unlock takes exactly a range that was given
@@ -39,22 +48,26 @@ class FileObject final : public HandleObject {
     DWORD Lock(std::uint64_t start, std::uint64_t length);
     DWORD Unlock(std::uint64_t start, std::uint64_t length);
 
+    // The locked ranges stay the parent's.
+    void EnterChild() override;
+
   private:
     struct Range {
         std::uint64_t start;
         std::uint64_t length;
     };
 
-    static bool IsStream(const UniqueFd& fd) {
+    static mode_t TypeOf(const UniqueFd& fd) {
         struct stat info;
-        return fstat(fd.get(), &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
+        return fstat(fd.get(), &info) == 0 ? info.st_mode : 0;
     }
     // Makes room for one more range; false without memory.
     bool MakeRoom();
 
-    const UniqueFd fd_;
+    UniqueFd fd_;
     const FileAccess access_;
-    const bool is_stream_;
+    const mode_t type_;
+    const std::optional<ShareMode> share_mode_;
     std::mutex mutex_;
     std::vector<Range> locked_;  // guarded by mutex_
 };

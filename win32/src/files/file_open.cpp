@@ -17,8 +17,7 @@ constexpr DWORD kScanHints = 0x18000000;  // FILE_FLAG_SEQUENTIAL_SCAN, FILE_FLA
 constexpr DWORD kFileFlags = 0xFFF00000;
 
 struct Request {
-    FileUse use;
-    DWORD share;
+    ShareMode mode;
     DWORD disposition;
     bool read_only_file;  // FILE_ATTRIBUTE_READONLY for a new file
 
@@ -31,17 +30,18 @@ struct Request {
 };
 
 Request MakeRequest(DWORD access, DWORD share, DWORD disposition, DWORD attributes) {
-    Request request{{}, share, disposition, (attributes & FILE_ATTRIBUTE_READONLY) != 0};
-    request.use.read = (access & (GENERIC_READ | GENERIC_ALL | kFileReadData)) != 0;
-    request.use.write = (access & (GENERIC_WRITE | GENERIC_ALL | kFileWriteData)) != 0;
-    request.use.remove = (access & (GENERIC_ALL | kDelete)) != 0;
+    Request request{{{}, share}, disposition, (attributes & FILE_ATTRIBUTE_READONLY) != 0};
+    request.mode.use.read = (access & (GENERIC_READ | GENERIC_ALL | kFileReadData)) != 0;
+    request.mode.use.write = (access & (GENERIC_WRITE | GENERIC_ALL | kFileWriteData)) != 0;
+    request.mode.use.remove = (access & (GENERIC_ALL | kDelete)) != 0;
     return request;
 }
 
 DWORD Check(const Request& request, DWORD attributes) {
     if (request.disposition < CREATE_NEW || request.disposition > TRUNCATE_EXISTING ||
-        (request.share & ~DWORD{FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE}) != 0 ||
-        (request.disposition == TRUNCATE_EXISTING && !request.use.write)) {
+        (request.mode.share & ~DWORD{FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE}) !=
+            0 ||
+        (request.disposition == TRUNCATE_EXISTING && !request.mode.use.write)) {
         return ERROR_INVALID_PARAMETER;
     }
     return (attributes & kFileFlags & ~kScanHints) != 0 ? ERROR_NOT_SUPPORTED : NO_ERROR;
@@ -49,11 +49,12 @@ DWORD Check(const Request& request, DWORD attributes) {
 
 int OpenExisting(const std::string& path, const Request& request) {
     constexpr int kFlags = O_CLOEXEC | O_NOCTTY;
-    if (!request.use.write && !request.truncates()) return open(path.c_str(), O_RDONLY | kFlags);
+    if (!request.mode.use.write && !request.truncates())
+        return open(path.c_str(), O_RDONLY | kFlags);
     // A share mode needs a descriptor that can read, so read access is asked for even when the
     // caller only writes.
     const int fd = open(path.c_str(), O_RDWR | kFlags);
-    if (fd >= 0 || request.use.read || (errno != EACCES && errno != EPERM)) return fd;
+    if (fd >= 0 || request.mode.use.read || (errno != EACCES && errno != EPERM)) return fd;
     return open(path.c_str(), O_WRONLY | kFlags);
 }
 
@@ -88,10 +89,10 @@ DWORD Enter(int fd, const Request& request, bool existed) {
     if (fstat(fd, &info) != 0) return ErrorFromErrno(errno);
     if (S_ISDIR(info.st_mode)) return ERROR_ACCESS_DENIED;
     if (!S_ISREG(info.st_mode)) return NO_ERROR;
-    const bool changes = request.use.write || request.truncates();
+    const bool changes = request.mode.use.write || request.truncates();
     if (existed && changes && (info.st_mode & 0222) == 0) return ERROR_ACCESS_DENIED;
-    if (request.use.read || request.use.write || request.use.remove) {
-        const DWORD error = ClaimShareMode(fd, request.use, request.share);
+    if (request.mode.use.any()) {
+        const DWORD error = ClaimShareMode(fd, request.mode);
         if (error != NO_ERROR) return error;
     }
     if (!existed || !request.truncates()) return NO_ERROR;
@@ -113,7 +114,8 @@ HANDLE StandardStream(int fd) {
     const int mode = flags & O_ACCMODE;
     const FileAccess access{mode != O_WRONLY, mode != O_RDONLY};
     UniqueFd copy(fcntl(fd, F_DUPFD_CLOEXEC, 3));
-    return copy ? OpenHandle(std::make_unique<FileObject>(std::move(copy), access)) : nullptr;
+    return copy ? OpenHandle(std::make_unique<FileObject>(std::move(copy), access, std::nullopt))
+                : nullptr;
 }
 
 }  // namespace
@@ -131,7 +133,8 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
         return INVALID_HANDLE_VALUE;
     }
     const HANDLE file = host::OpenHandle(std::make_unique<host::FileObject>(
-        std::move(fd), host::FileAccess{request.use.read, request.use.write}));
+        std::move(fd), host::FileAccess{request.mode.use.read, request.mode.use.write},
+        request.mode));
     if (file == nullptr) return INVALID_HANDLE_VALUE;
     const bool told = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
     SetLastError(existed && told ? ERROR_ALREADY_EXISTS : NO_ERROR);

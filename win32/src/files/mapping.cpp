@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 
+#include "base/fork_lock.h"
 #include "base/os_error.h"
 #include "files/file_object.h"
 #include "files/shared_block.h"
@@ -34,6 +35,12 @@ class MappingObject final : public HandleObject {
         if (!memory_.block.empty()) ReleaseSharedBlock(memory_.block, std::move(memory_.fd));
     }
     const Memory& memory() const { return memory_; }
+    // Without a descriptor of its own no new view can be had; those that are there stay.
+    void EnterChild() override {
+        const int old = memory_.fd.Inherited();
+        memory_.fd = memory_.block.empty() ? UniqueFd(fcntl(old, F_DUPFD_CLOEXEC, 3))
+                                           : SharedBlockOfChild(old);
+    }
     bool writable() const { return writable_; }
 
   private:
@@ -42,7 +49,7 @@ class MappingObject final : public HandleObject {
 };
 
 struct Views {
-    std::mutex mutex;
+    ForkLock mutex;
     std::map<const void*, std::size_t> bytes_by_address;
 };
 
@@ -83,8 +90,7 @@ DWORD MakeUnnamed(std::uint64_t size, Memory& memory) {
 
 // Opens the file again, so that a view does not keep the locks and the share mode of the handle.
 UniqueFd Reopen(int fd, bool writable) {
-    const std::string path = "/proc/self/fd/" + std::to_string(fd);
-    UniqueFd own(open(path.c_str(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC));
+    UniqueFd own = OpenedAgain(fd, writable ? O_RDWR : O_RDONLY);
     return own ? std::move(own) : UniqueFd(fcntl(fd, F_DUPFD_CLOEXEC, 3));
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string>
 
 #include "base/os_error.h"
 #include "root/host_path.h"
@@ -60,24 +61,44 @@ bool MarkedByOther(int fd, off_t marker) {
     return fcntl(fd, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
 }
 
-bool Conflicts(int fd, FileUse use, DWORD share) {
+bool Conflicts(int fd, const ShareMode& mode) {
     for (const Right& right : kRights) {
-        if (use.*right.used && MarkedByOther(fd, right.denies)) return true;
-        if ((share & right.share) == 0 && MarkedByOther(fd, right.does)) return true;
+        if (mode.use.*right.used && MarkedByOther(fd, right.denies)) return true;
+        if ((mode.share & right.share) == 0 && MarkedByOther(fd, right.does)) return true;
     }
     return false;
 }
 
+void Mark(int fd, const ShareMode& mode) {
+    if (!mode.use.any()) return;
+    for (const Right& right : kRights) {
+        if (mode.use.*right.used) LockRange(fd, F_RDLCK, right.does, 1);
+        if ((mode.share & right.share) == 0) LockRange(fd, F_RDLCK, right.denies, 1);
+    }
+}
+
 }  // namespace
 
-DWORD ClaimShareMode(int fd, FileUse use, DWORD share) {
+DWORD ClaimShareMode(int fd, const ShareMode& mode) {
     const Gate gate(fd);
-    if (!gate.open() || Conflicts(fd, use, share)) return ERROR_SHARING_VIOLATION;
-    for (const Right& right : kRights) {
-        if (use.*right.used) LockRange(fd, F_RDLCK, right.does, 1);
-        if ((share & right.share) == 0) LockRange(fd, F_RDLCK, right.denies, 1);
-    }
+    if (!gate.open() || Conflicts(fd, mode)) return ERROR_SHARING_VIOLATION;
+    Mark(fd, mode);
     return NO_ERROR;
+}
+
+UniqueFd ReopenedFile(int fd, const ShareMode& mode) {
+    const int flags = fcntl(fd, F_GETFL);
+    UniqueFd own = flags < 0 ? UniqueFd() : OpenedAgain(fd, flags & O_ACCMODE);
+    const off_t position = own ? lseek(fd, 0, SEEK_CUR) : -1;
+    if (position < 0 || lseek(own.get(), position, SEEK_SET) < 0) return UniqueFd();
+    // The old one still has the same marks, so that nothing can be in the way of these.
+    Mark(own.get(), mode);
+    return own;
+}
+
+UniqueFd OpenedAgain(int fd, int flags) {
+    const std::string path = "/proc/self/fd/" + std::to_string(fd);
+    return UniqueFd(open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY));
 }
 
 DWORD RemoveShared(int fd, const char* path) {

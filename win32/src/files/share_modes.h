@@ -13,6 +13,8 @@
 
 #include <cerrno>
 
+#include "base/unique_fd.h"
+
 namespace host {
 
 // First byte that share modes use; locks of data ranges end before it.
@@ -22,12 +24,26 @@ struct FileUse {
     bool read = false;
     bool write = false;
     bool remove = false;
+    bool any() const { return read || write || remove; }
+};
+
+struct ShareMode {
+    FileUse use;
+    DWORD share = 0;  // FILE_SHARE_...
 };
 
 // Joins the users of the file of `fd`, which must be open for reading. ERROR_SHARING_VIOLATION when
-// another open file forbids `use` or does what `share` (FILE_SHARE_...) denies; nothing is held
-// then once `fd` is closed. A descriptor that cannot read joins without a mark.
-DWORD ClaimShareMode(int fd, FileUse use, DWORD share);
+// another open file forbids the use or does what the share denies; nothing is held then once `fd`
+// is closed. A descriptor that cannot read joins without a mark.
+DWORD ClaimShareMode(int fd, const ShareMode& mode);
+
+// The file of `fd`, which can be a parent's, opened once more with the same access, position and
+// share mode. Nothing else of `fd` is shared. Empty, with errno, on failure; the user may have lost
+// the right to open it.
+UniqueFd ReopenedFile(int fd, const ShareMode& mode);
+
+// The file of `fd`, opened once more by its descriptor with `flags` of open(). Needs /proc.
+UniqueFd OpenedAgain(int fd, int flags);
 
 // Removes the name `path` of the open file `fd`, unless a user of it denies that with
 // ERROR_SHARING_VIOLATION.

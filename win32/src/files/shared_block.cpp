@@ -80,6 +80,11 @@ DWORD OpenSharedBlock(const std::string& name, std::uint64_t size, UniqueFd& fd,
     return ERROR_BUSY;
 }
 
+UniqueFd SharedBlockOfChild(int fd) {
+    UniqueFd own = OpenedAgain(fd, O_RDWR);
+    return own && LockRange(own.get(), F_RDLCK, 0, 1) == 0 ? std::move(own) : UniqueFd();
+}
+
 void ReleaseSharedBlock(const std::string& name, UniqueFd held) {
     // A view keeps the description open, and would keep its lock.
     LockRange(held.get(), F_UNLCK, 0, 1);

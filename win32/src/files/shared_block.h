@@ -22,6 +22,10 @@ std::string SharedBlockName(std::u16string_view name);
 // tells which; an existing block keeps its size. Win32 code.
 DWORD OpenSharedBlock(const std::string& name, std::uint64_t size, UniqueFd& fd, bool& existed);
 
+// In the child of a fork: a hold of its own on the block that the parent has open as `fd`. Empty
+// when that cannot be had.
+UniqueFd SharedBlockOfChild(int fd);
+
 // Lets go of a block that OpenSharedBlock gave; removes the name unless somebody else holds it.
 void ReleaseSharedBlock(const std::string& name, UniqueFd held);
 

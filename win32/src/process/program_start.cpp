@@ -44,12 +44,13 @@ int StartProgram(const std::vector<std::string>& arguments, const std::string& f
     if (pipe2(ends, O_CLOEXEC) != 0) return errno;
     const UniqueFd report(ends[0]);
     UniqueFd child_end(ends[1]);
+    // _Fork runs no handlers of fork: nothing of the host is used before the program starts.
     // The process in the middle ends at once. The program then belongs to the system's first
     // process, and nobody has to wait for it.
-    const pid_t middle = fork();
+    const pid_t middle = _Fork();
     if (middle < 0) return errno;
     if (middle == 0) {
-        const pid_t program = fork();
+        const pid_t program = _Fork();
         if (program == 0) BecomeProgram(pointers.data(), folder.c_str(), child_end.get());
         const int error = errno;
         if (program < 0) {

@@ -1,15 +1,15 @@
-// Thread-local slots, critical sections, ids.
+// Thread-local slots, ids.
 #include <windows.h>
 
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <fstream>
-#include <new>
 #include <string>
+
+#include "base/fork_count.h"
 
 namespace {
 
@@ -30,10 +30,17 @@ BOOL InvalidParameter() {
     return FALSE;
 }
 
-pthread_mutex_t* MutexOf(LPCRITICAL_SECTION section) {
-    static_assert(sizeof(pthread_mutex_t) <= sizeof section->opaque &&
-                  alignof(pthread_mutex_t) <= alignof(CRITICAL_SECTION));
-    return reinterpret_cast<pthread_mutex_t*>(section->opaque);
+// An id, asked of the kernel once. A fork gives both ids anew.
+struct KnownId {
+    DWORD id = 0;
+    unsigned process = 0;  // ForkCount when the kernel was asked
+};
+
+DWORD AskOnce(KnownId& known, pid_t (*ask)()) {
+    if (known.id == 0 || known.process != host::ForkCount()) {
+        known = {static_cast<DWORD>(ask()), host::ForkCount()};
+    }
+    return known.id;
 }
 
 }  // namespace
@@ -78,39 +85,15 @@ BOOL TlsSetValue(DWORD slot, LPVOID value) {
     return TRUE;
 }
 
-void InitializeCriticalSection(LPCRITICAL_SECTION section) {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutex_init(::new (section->opaque) pthread_mutex_t, &attributes);
-    pthread_mutexattr_destroy(&attributes);
-}
-
-void DeleteCriticalSection(LPCRITICAL_SECTION section) {
-    pthread_mutex_destroy(MutexOf(section));
-}
-
-void EnterCriticalSection(LPCRITICAL_SECTION section) {
-    pthread_mutex_lock(MutexOf(section));
-}
-
-void LeaveCriticalSection(LPCRITICAL_SECTION section) {
-    pthread_mutex_unlock(MutexOf(section));
-}
-
 DWORD GetCurrentThreadId() {
-    // Asks the kernel once for each thread. The thread that remains after a fork is a new one.
-    static thread_local DWORD id = 0;
-    if (id == 0) {
-        static const bool forgets = pthread_atfork(nullptr, nullptr, [] { id = 0; }) == 0;
-        if (!forgets) return static_cast<DWORD>(gettid());
-        id = static_cast<DWORD>(gettid());
-    }
-    return id;
+    static thread_local KnownId known;
+    return AskOnce(known, gettid);
 }
 
+// Kept for each thread, so that no thread reads what another one writes.
 DWORD GetCurrentProcessId() {
-    return static_cast<DWORD>(getpid());
+    static thread_local KnownId known;
+    return AskOnce(known, getpid);
 }
 
 HANDLE GetCurrentProcess() {

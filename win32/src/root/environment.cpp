@@ -11,6 +11,7 @@
 
 #include <unistd.h>
 
+#include "base/fork_lock.h"
 #include "text/case_fold.h"
 #include "text/host_text.h"
 
@@ -19,7 +20,7 @@ namespace host {
 namespace {
 
 // Has no constructor that runs and no destructor, so it is usable until the process ends.
-constinit std::mutex environment_lock;
+constinit ForkLock environment_lock;
 
 // Only these functions read and change the environment of the process, under the lock.
 // NOLINTBEGIN(concurrency-mt-unsafe)

@@ -70,7 +70,16 @@ ThreadWindows* ThreadWindows::OfThisThread() {
     // Has no destructor, so it is still valid while the thread's objects are destroyed.
     static thread_local constinit ThreadWindows* current = nullptr;
     static thread_local Owner owner(current);
+    if (current != nullptr && current->process_ != ForkCount()) current->LeaveParents();
     return current;
+}
+
+void ThreadWindows::LeaveParents() {
+    process_ = ForkCount();
+    windows_.clear();
+    arrivals_.clear();
+    sent_.clear();
+    posted_.clear();
 }
 
 void ThreadWindows::Add(std::unique_ptr<OwnWindow> window) {
@@ -220,6 +229,8 @@ DWORD ThreadWindows::Send(WindowNumber number, const IpcMessage& wire, const Dea
     if (!connection) return error;
     if (!WriteMessage(connection.get(), wire)) return ERROR_NO_SYSTEM_RESOURCES;
     for (;;) {
+        // A procedure that was called meanwhile has forked. The answer is the parent's.
+        if (!connection) return ERROR_INVALID_WINDOW_HANDLE;
         const bool answering = !deaf && depth_ < kDeepest;
         if (!Wait(connection.get(), answering, deadline)) return ERROR_TIMEOUT;
         pollfd state{connection.get(), POLLIN, 0};

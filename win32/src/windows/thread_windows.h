@@ -13,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "base/fork_count.h"
 #include "windows/ipc.h"
 #include "windows/window_class.h"
 #include "windows/window_records.h"
@@ -65,6 +66,9 @@ class ThreadWindows {
                LRESULT& answer);
 
   private:
+    // In the child of a fork: the windows and messages are the parent's.
+    void LeaveParents();
+
     struct Arrival {
         WindowNumber window;
         UniqueFd connection;
@@ -80,6 +84,7 @@ class ThreadWindows {
     std::deque<Arrival> sent_;      // waiting for an answer
     std::deque<MSG> posted_;
     int depth_ = 0;  // of answers that are being made
+    unsigned process_ = ForkCount();
 };
 
 }  // namespace host

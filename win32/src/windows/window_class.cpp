@@ -3,6 +3,7 @@
 #include <map>
 #include <mutex>
 
+#include "base/fork_lock.h"
 #include "base/os_error.h"
 #include "text/case_fold.h"
 
@@ -11,7 +12,7 @@ namespace host {
 namespace {
 
 struct ClassTable {
-    std::mutex lock;
+    ForkLock lock;
     std::map<WideString, WindowClass, FoldedLess> classes;
 };
 
