@@ -7,6 +7,7 @@
 #include "driver_global/program_texts.h"
 #include "mox_classes/format/template_string.h"
 #include "mox_classes/text/log_here.h"
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"
 #include "xml/xml_doc.h"
 
@@ -45,6 +46,16 @@ HWND FindTarget(const UnicodeString& win) {
     return window != nullptr ? window : FindWindowW(nullptr, win.t_str());
 }
 
+// The receiver deletes the atom. No message is posted without the text that it is to bring.
+void PostText(HWND window, UINT number, const UnicodeString& text) {
+    const ATOM atom = text.Length() > 0 ? GlobalAddAtomW(text.t_str()) : ATOM{0};
+    const bool has_text = atom != 0 || text.Length() == 0;
+    if (has_text && PostMessageW(window, number, atom, 0)) return;
+    const DWORD code = GetLastError();
+    if (atom != 0) GlobalDeleteAtom(atom);
+    Mox::LogHere('X', TEXT("DoXmlEvent: a text was not posted: ") + Mox::GetSysError(code, true));
+}
+
 void DeliverText(HWND window, const UnicodeString& message, const TXmlNode& action,
                  TFillTagsInfo& info) {
     UINT number = static_cast<UINT>(Sysutils::StrToIntDef(message, 0));
@@ -53,7 +64,7 @@ void DeliverText(HWND window, const UnicodeString& message, const TXmlNode& acti
     const UnicodeString text = Filled(
         FirstText(Attribute(action, TEXT("param_msg")), Attribute(action, TEXT("param"))), info);
     if (timeout < 1) {
-        PostMessageW(window, number, GlobalAddAtomW(text.t_str()), 0);
+        PostText(window, number, text);
         return;
     }
     COPYDATASTRUCT data;

@@ -84,6 +84,10 @@ TEST_F(Events, WindowsOfOtherProcessesGetTextAndAtom) {
         Fire("<a win=\"qveventtest\" msg=\"1024\" param_msg=\"{docname}!\" file=\"none\"/>"
              "<b win=\"QvEventTest\" msg=\"1024\" timeout=\"0\" param=\"{docname}!\"/>"
              "<c win=\"QvEventTest\" param=\"{jobid}\"/>"));
+    const test::CapturedLog log;
+    EXPECT_TRUE(
+        Fire("<a win=\"QvEventTest\" timeout=\"0\" param=\"" + std::string(256, 'x') + "\"/><b/>"));
+    EXPECT_TRUE(log.Has('X', TEXT("DoXmlEvent: a text was not posted: ")));
     const std::string number = std::to_string(RegisterWindowMessageW(TEXT("JobDone")));
     const std::vector<std::string> lines = listener.Lines(4);
     ASSERT_EQ(lines.size(), 4u);

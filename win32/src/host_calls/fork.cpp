@@ -14,6 +14,7 @@
 #include "base/fork_lock.h"
 #include "base/handles.h"
 #include "base/owned_fds.h"
+#include "windows/name_table.h"
 
 namespace {
 
@@ -22,6 +23,8 @@ void InChild() {
     try {
         const std::vector<int> inherited = host::TakeInheritedFds();
         host::HandlesEnterChild();
+        host::NameTable::Atoms().EnterChild();
+        host::NameTable::Messages().EnterChild();
         for (const int fd : inherited) close(fd);
     } catch (const std::bad_alloc&) {
         // Without memory the handles are refused from now on, and their descriptors stay open.

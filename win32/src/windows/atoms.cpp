@@ -1,18 +1,15 @@
 // Global atoms and the numbers of registered messages.
 #include <windows.h>
 
-#include <charconv>
+#include <algorithm>
 #include <cstring>
 #include <string>
 
-#include "root/name_table.h"
+#include "windows/name_table.h"
 
 using namespace host;
 
 namespace {
-
-constexpr const char* kAtoms = "atoms";
-constexpr const char* kMessageTable = "messages";
 
 ATOM FailAtom(DWORD code) {
     SetLastError(code);
@@ -74,25 +71,15 @@ ATOM GlobalAddAtomW(LPCWSTR name) {
     if (wanted.error != NO_ERROR) return FailAtom(wanted.error);
     if (wanted.integer != 0) return wanted.integer;
     ATOM atom = 0;
-    const DWORD error = WithNameTable(kAtoms, [&](NameTable& table) {
-        atom = AddName(table, wanted.text);
-        return atom != 0;
-    });
-    if (error != NO_ERROR) return FailAtom(error);
-    return atom != 0 ? atom : FailAtom(ERROR_NOT_ENOUGH_MEMORY);
+    const DWORD error = NameTable::Atoms().Add(wanted.text, atom);
+    return error == NO_ERROR ? atom : FailAtom(error);
 }
 
 ATOM GlobalDeleteAtom(ATOM atom) {
     if (atom < kFirstNamed) return 0;
-    bool known = false;
-    const DWORD error = WithNameTable(kAtoms, [&](NameTable& table) {
-        const auto found = table.find(atom);
-        known = found != table.end();
-        if (known && (found->second.count <= 1 || --found->second.count == 0)) table.erase(found);
-        return known;
-    });
-    if (known && error == NO_ERROR) return 0;
-    SetLastError(known ? error : ERROR_INVALID_HANDLE);
+    const DWORD error = NameTable::Atoms().Release(atom);
+    if (error == NO_ERROR) return 0;
+    SetLastError(error);
     return atom;
 }
 
@@ -101,12 +88,8 @@ UINT GlobalGetAtomNameW(ATOM atom, LPWSTR buffer, int size) {
     if (buffer == nullptr || size <= 0) return FailAtom(ERROR_MORE_DATA);
     if (atom < kFirstNamed) return CopyName(FromUtf8('#' + std::to_string(atom)), buffer, size);
     WideString name;
-    WithNameTable(kAtoms, [&](NameTable& table) {
-        const auto found = table.find(atom);
-        if (found != table.end()) name = found->second.name;
-        return false;
-    });
-    return name.empty() ? FailAtom(ERROR_INVALID_HANDLE) : CopyName(name, buffer, size);
+    const DWORD error = NameTable::Atoms().NameOf(atom, name);
+    return error == NO_ERROR ? CopyName(name, buffer, size) : FailAtom(error);
 }
 
 UINT RegisterWindowMessageW(LPCWSTR name) {
@@ -114,12 +97,6 @@ UINT RegisterWindowMessageW(LPCWSTR name) {
     const WideView text = value <= 0xFFFF ? WideView() : WideView(name);
     if (text.empty() || text.size() > kLongestAtomName) return FailAtom(ERROR_INVALID_PARAMETER);
     ATOM number = 0;
-    const DWORD error = WithNameTable(kMessageTable, [&](NameTable& table) {
-        number = FindName(table, text);
-        if (number != 0) return false;
-        number = AddName(table, text);
-        return number != 0;
-    });
-    if (error != NO_ERROR) return FailAtom(error);
-    return number != 0 ? number : FailAtom(ERROR_NOT_ENOUGH_MEMORY);
+    const DWORD error = NameTable::Messages().Add(text, number);
+    return error == NO_ERROR ? number : FailAtom(error);
 }

@@ -3,6 +3,7 @@
 
 #include "base/os_error.h"
 #include "text/case_fold.h"
+#include "windows/name_table.h"
 #include "windows/thread_windows.h"
 
 using namespace host;
@@ -44,9 +45,12 @@ HWND CreateWindowExW(DWORD extended_style, LPCWSTR class_name, LPCWSTR title, DW
     const WindowClass* const window_class = FindWindowClass(class_name);
     if (window_class == nullptr) return FailWindow(ERROR_CANNOT_FIND_WND_CLASS);
     WindowClaim claim;
-    const DWORD error =
-        claim.Open({GetCurrentProcessId(), GetCurrentThreadId(), parent == HWND_MESSAGE,
-                    window_class->name, WideString(ViewOf(title))});
+    // Atoms that are sent to the window stay when their sender ends.
+    DWORD error = NameTable::Atoms().Join();
+    if (error == NO_ERROR) {
+        error = claim.Open({GetCurrentProcessId(), GetCurrentThreadId(), parent == HWND_MESSAGE,
+                            window_class->name, WideString(ViewOf(title))});
+    }
     if (error != NO_ERROR) return FailWindow(error);
     const WindowNumber number = claim.number();
     windows->Add(std::make_unique<OwnWindow>(std::move(claim), window_class->procedure));
