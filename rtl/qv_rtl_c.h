@@ -5,7 +5,7 @@
 
 /* A text is zero-terminated UTF-16: one QV_WCHAR is one code unit. */
 #if defined(_WIN32)
-#include <wchar.h>
+#include <stddef.h>
 typedef wchar_t QV_WCHAR;
 #define QV_C_API __declspec(dllimport)
 #else
