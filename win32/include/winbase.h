@@ -72,6 +72,19 @@ struct WIN32_FIND_DATAW {
     WCHAR cAlternateFileName[14];
 };
 using LPWIN32_FIND_DATAW = WIN32_FIND_DATAW*;
+struct BY_HANDLE_FILE_INFORMATION {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD dwVolumeSerialNumber;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD nNumberOfLinks;
+    DWORD nFileIndexHigh;
+    DWORD nFileIndexLow;
+};
+using LPBY_HANDLE_FILE_INFORMATION = BY_HANDLE_FILE_INFORMATION*;
 QV_HOST_API HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share,
                                LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD attributes,
                                HANDLE pattern);
@@ -82,6 +95,7 @@ QV_HOST_API BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytes, LPDWORD don
 QV_HOST_API DWORD SetFilePointer(HANDLE file, LONG low, PLONG high, DWORD method);
 QV_HOST_API BOOL SetEndOfFile(HANDLE file);
 QV_HOST_API DWORD GetFileSize(HANDLE file, LPDWORD high);
+QV_HOST_API BOOL GetFileInformationByHandle(HANDLE file, LPBY_HANDLE_FILE_INFORMATION information);
 QV_HOST_API BOOL LockFile(HANDLE file, DWORD offset_low, DWORD offset_high, DWORD bytes_low,
                           DWORD bytes_high);
 QV_HOST_API BOOL UnlockFile(HANDLE file, DWORD offset_low, DWORD offset_high, DWORD bytes_low,

@@ -78,5 +78,7 @@ DWORD AttributesOf(const struct stat& info);
 
 // Nanoseconds of this host's clock as units of 100 ns since 1601.
 FILETIME FileTimeOf(const timespec& time);
+// This host keeps no time of creation: the older of the times of change.
+FILETIME CreationTimeOf(const struct stat& info);
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "base/os_error.h"
+#include "base/size_signal.h"
 #include "files/file_object.h"
 #include "files/share_modes.h"
 #include "root/host_path.h"
@@ -125,6 +126,7 @@ HANDLE CreateFileW(LPCWSTR name, DWORD access, DWORD share, LPSECURITY_ATTRIBUTE
                    DWORD disposition, DWORD attributes, HANDLE) {
     const host::Request request = host::MakeRequest(access, share, disposition, attributes);
     DWORD error = host::Check(request, attributes);
+    if (request.mode.use.write) host::SizeSignal::Hold();
     host::UniqueFd fd;
     bool existed = false;
     if (error == NO_ERROR) error = host::OpenFile(name, request, fd, existed);

@@ -20,6 +20,12 @@ FILETIME FileTimeOf(const timespec& time) {
     return {static_cast<DWORD>(units), static_cast<DWORD>(units >> 32)};
 }
 
+FILETIME CreationTimeOf(const struct stat& info) {
+    return FileTimeOf(
+        std::min(info.st_ctim, info.st_mtim,
+                 [](const timespec& a, const timespec& b) { return a.tv_sec < b.tv_sec; }));
+}
+
 namespace {
 
 // A search ends with its first entry. The handle only waits for FindClose.
@@ -109,9 +115,7 @@ DWORD Find(LPCWSTR name, Found& found) {
 void Fill(const Found& found, WIN32_FIND_DATAW& data) {
     data = {};
     data.dwFileAttributes = AttributesOf(found.info);
-    data.ftCreationTime = FileTimeOf(
-        std::min(found.info.st_ctim, found.info.st_mtim,
-                 [](const timespec& a, const timespec& b) { return a.tv_sec < b.tv_sec; }));
+    data.ftCreationTime = CreationTimeOf(found.info);
     data.ftLastAccessTime = FileTimeOf(found.info.st_atim);
     data.ftLastWriteTime = FileTimeOf(found.info.st_mtim);
     if (!S_ISDIR(found.info.st_mode)) {
