@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "mox_classes/memory/handles.h"
 #include "mox_classes/text/sys_error.h"
 
 namespace Mox {
@@ -37,6 +38,22 @@ class TPatience {
     int sleeps_ = 0;
 };
 
+HANDLE OpenLog(const UnicodeString& name) {
+    return CreateFileW(name.t_str(), GENERIC_READ | GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+std::uint64_t Number(const FILETIME& time) {
+    return std::uint64_t{time.dwHighDateTime} << 32U | time.dwLowDateTime;
+}
+
+// What such a name means changes with the process's folder.
+bool IsRelative(const UnicodeString& name) {
+    const bool drive = name.Length() > 2 && name[2] == ':';
+    return !drive && name.Length() > 0 && name[1] != '\\' && name[1] != '/';
+}
+
 }  // namespace
 
 // Behind a system call the processor mispredicts every return to a frame of before: some 50 ns
@@ -62,18 +79,25 @@ class TLogFileRing::THeaderLock {
 
 bool TLogFileRing::Open(const UnicodeString& fileName, DWORD sizeLimit) {
     Close();
-    file_ = CreateFileW(fileName.t_str(), GENERIC_READ | GENERIC_WRITE,
-                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
-                        FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = OpenLog(fileName);
     const DWORD code = GetLastError();
+    Use(file);
     limit_ = sizeLimit;
     name_ = fileName;
-    checked_ = false;
-    refused_.reset();
+    FILETIME now{};
+    GetSystemTimeAsFileTime(&now);
+    named_at_ = Number(now);
     if (IsOpen()) return true;
     Report(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, fileName,
            GetSysError(code, true));
     return false;
+}
+
+void TLogFileRing::Use(HANDLE file) {
+    Close();
+    file_ = file;
+    checked_ = false;
+    refused_.reset();
 }
 
 void TLogFileRing::Close() {
@@ -83,6 +107,7 @@ void TLogFileRing::Close() {
 
 bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::TReportTexts texts) {
     texts_ = texts;
+    FollowName(message);
     const THeaderLock lock(*this);
     if (!lock.Held() || !ReadHeader()) return false;
     try {
@@ -91,6 +116,35 @@ bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::T
     } catch (const TUnreadable&) {
         return false;
     }
+}
+
+// Once a second by the clock of the messages, which may be set back.
+QV_APPEND_STEP void TLogFileRing::FollowName(const TLogMsg& message) {
+    constexpr std::uint64_t kSecond = 10'000'000;
+    const std::uint64_t now = Number(message.time);
+    if (now - named_at_ < kSecond || !IsOpen()) return;
+    named_at_ = now;
+    if (!IsElsewhere()) return;
+    const HANDLE fresh = OpenLog(name_);
+    if (fresh != INVALID_HANDLE_VALUE) return Use(fresh);
+    const DWORD code = GetLastError();
+    Report(__builtin_LINE(), texts_, log_file::kOpenFailed, name_, GetSysError(code, true));
+}
+
+// Whether the name leads to another file than the open one, or to none. Where that cannot be known
+// the open file stays in use.
+bool TLogFileRing::IsElsewhere() const {
+    if (IsRelative(name_)) return false;
+    constexpr DWORD kAny = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const System::TFileHandle named(CreateFileW(name_.t_str(), 0, kAny, nullptr, OPEN_EXISTING,
+                                                FILE_ATTRIBUTE_NORMAL, nullptr));
+    const DWORD code = GetLastError();
+    if (!named) return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
+    BY_HANDLE_FILE_INFORMATION a{};
+    BY_HANDLE_FILE_INFORMATION b{};
+    return GetFileInformationByHandle(named.Get(), &a) && GetFileInformationByHandle(file_, &b) &&
+           (a.dwVolumeSerialNumber != b.dwVolumeSerialNumber ||
+            a.nFileIndexHigh != b.nFileIndexHigh || a.nFileIndexLow != b.nFileIndexLow);
 }
 
 // The record, and what there is to say about the ring itself.

@@ -1,7 +1,8 @@
 // Writing to the ring of one log file: locking, making room, appending.
 //
 // Nothing that the file says is used before it is checked. docs/formats/log_file.md describes what
-// happens to a damaged file.
+// happens to a damaged file. A file that was deleted or replaced is left for the one that has its
+// name, or for a new one, within a second.
 #pragma once
 
 #include <windows.h>
@@ -58,6 +59,9 @@ class TLogFileRing {
     // The ring was mended while room was made, and the header with it.
     struct TMended {};
 
+    void FollowName(const TLogMsg& message);
+    bool IsElsewhere() const;
+    void Use(HANDLE file);
     bool WaitForLock();
     void Unlock();
     bool ReadHeader();
@@ -90,7 +94,8 @@ class TLogFileRing {
 
     TLogFileHeader header_{};
     UnicodeString name_;
-    bool checked_ = false;                     // against everything that the file holds
+    std::uint64_t named_at_ = 0;  // when `name_` led to the open file: a message's time
+    bool checked_ = false;        // against everything that the file holds
     std::optional<TLogFileHeader> refused_{};  // the beginning of a file that is no log
     UnicodeString notice_;                     // of a repair; is to be logged
     bool notice_due_ = false;                  // also when that costs old records

@@ -48,6 +48,12 @@ class TLogReader::TState {
         return true;
     }
 
+    std::uint32_t Missing() const {
+        if (header.count == 0) return 0;
+        const std::uint64_t end = std::max(header.write_position, header.wrap);
+        return end > bytes_.size() ? static_cast<std::uint32_t>(end - bytes_.size()) : 0;
+    }
+
     bool Fail(const UnicodeString& reason) {
         error = reason;
         header = TLogFileHeader{};
@@ -179,6 +185,10 @@ const TLogFileHeader& TLogReader::Header() const {
 
 TLogCopy TLogReader::Copy() const {
     return state_->copy;
+}
+
+std::uint32_t TLogReader::Missing() const {
+    return state_->Missing();
 }
 
 int TLogReader::SkipCount() const {

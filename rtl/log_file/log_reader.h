@@ -47,6 +47,10 @@ class QV_API TLogReader {
     // As the copy has it; zero for an empty file or without a header that can be believed.
     const TLogFileHeader& Header() const;
 
+    // Bytes of the ring behind the end of the file. The disk was full when they were to be written,
+    // or the file was cut.
+    std::uint32_t Missing() const;
+
     // The next record, oldest first, or null at the end. Valid until the next call.
     const TLogMsg* Next();
     // Of the record that Next returned last. The numbers of records in front of damage are too high

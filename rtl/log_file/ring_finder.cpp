@@ -15,12 +15,24 @@ std::uint64_t GapBytes(const TFoundRing& ring) {
     return bytes;
 }
 
+// Of the records that a repair has put into gaps, and may have been killed before it wrote the
+// header.
+std::uint64_t FilledBytes(const TRingScanner& scanner, const TFoundRing& ring) {
+    std::uint64_t bytes = 0;
+    for (const TLogSlot& slot : ring.slots) {
+        const TLogRecordFixed fixed = scanner.FixedOf(slot);
+        if (fixed.level == '>' && fixed.line == 0) bytes += slot.end - slot.offset;
+    }
+    return bytes;
+}
+
 // Whether the records that are missing can have stood in the gaps.
-bool CountFits(const TFoundRing& ring, std::uint32_t count) {
+bool CountFits(const TRingScanner& scanner, const TFoundRing& ring, std::uint32_t count) {
     if (count < ring.slots.size()) return false;
     const std::uint64_t missing = count - ring.slots.size();
-    return missing >= ring.gaps.size() && missing * kSmallestSlot <= GapBytes(ring) &&
-           (missing > 0 || ring.gaps.empty());
+    if (missing < ring.gaps.size()) return false;
+    const std::uint64_t least = missing * kSmallestSlot;
+    return least <= GapBytes(ring) || least <= GapBytes(ring) + FilledBytes(scanner, ring);
 }
 
 // A writer that was killed may leave one record behind the newest. Two are a write position that
@@ -60,7 +72,7 @@ TFoundRing NamedByHeader(const TLogFileHeader& header, TLogBytes file) {
     scanner.Scan(header.wrap != 0 ? kFirstSlot : header.oldest, header.write_position);
     ring.slots = std::move(scanner.slots);
     ring.gaps = std::move(scanner.gaps);
-    ring.by_header = CountFits(ring, header.count) &&
+    ring.by_header = CountFits(scanner, ring, header.count) &&
                      (ring.gaps.empty() || (!NewerOnesFollow(scanner, ring, header) &&
                                             !CutsSlot(scanner, ring, header)));
     return ring;
@@ -76,6 +88,7 @@ class TUnnamedRing {
         scanner_.Scan(kFirstSlot, end_);
         times_.reserve(scanner_.slots.size());
         for (const TLogSlot& slot : scanner_.slots) times_.push_back(scanner_.TimeOf(slot));
+        DropOutliers();
     }
 
     TFoundRing Find() {
@@ -125,10 +138,50 @@ class TUnnamedRing {
         return best;
     }
 
+    // One record whose time was damaged says nothing about its neighbours.
+    void DropOutliers() {
+        const std::vector<std::uint64_t> raw = times_;
+        for (std::size_t i = 1; i + 1 < raw.size(); ++i) {
+            const auto [low, high] = std::minmax(raw[i - 1], raw[i + 1]);
+            times_[i] = std::clamp(raw[i], low, high);
+        }
+    }
+
+    std::uint64_t Span() const {
+        const auto [least, most] = std::minmax_element(times_.begin(), times_.end());
+        return *most - *least;
+    }
+
+    // Whether the records at the front of the file are older than those at its end: then the ring
+    // has not wrapped, and a time that falls is a clock that was set back.
+    bool IsFrontOlder() const {
+        return times_.front() < times_.back() && times_.back() - times_.front() > Span() / 16;
+    }
+
+    // Whether the slots in front of this one may be the last lap's end, followed by the file's
+    // front.
+    bool MayEndLap(std::size_t i) const {
+        return times_[i - 1] <= times_.front() && times_.front() - times_[i - 1] <= Span() / 64;
+    }
+
+    // The place of the only gap between records; 0 when there is none, or more than one.
+    std::size_t OnlyGap() const {
+        std::size_t only = 0;
+        for (std::size_t i = 1; i < Count(); ++i) {
+            if (!IsGapBefore(i)) continue;
+            if (only != 0) return 0;
+            only = i;
+        }
+        return only;
+    }
+
     // In a ring that has wrapped the oldest record stands behind the newest one: the time jumps
     // there, nearly always over the rest of an older record, and hardly changes from the end of the
     // file to its front. A clock that was set makes a jump too, but not the rest.
     std::size_t SplitByTime() const {
+        const bool front_is_older = IsFrontOlder();
+        const std::size_t only_gap = front_is_older || Span() == 0 ? 0 : OnlyGap();
+        if (only_gap != 0 && !MayEndLap(only_gap)) return only_gap;
         std::size_t best = 0;
         double most = 0;
         std::uint64_t join = Distance(times_.front(), times_.back());
@@ -138,7 +191,7 @@ class TUnnamedRing {
             const double jump = static_cast<double>(Distance(times_[i], times_[i - 1]));
             const double loss = static_cast<double>(join);
             const double value = gap ? 4 * (jump - loss) : jump - 4 * loss;
-            if ((gap || falls) && value > most) {
+            if ((gap || (falls && !front_is_older)) && value > most) {
                 most = value;
                 best = i;
             }

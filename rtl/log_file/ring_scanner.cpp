@@ -25,11 +25,11 @@ std::uint32_t TRingScanner::SlotEnd(std::uint32_t offset, std::uint32_t end) con
     return CredibleSlotEnd(offset, bytes_.subspan(offset, stop - offset), stop);
 }
 
-std::uint64_t TRingScanner::TimeOf(const TLogSlot& slot) const {
+TLogRecordFixed TRingScanner::FixedOf(const TLogSlot& slot) const {
     const std::uint32_t width = bytes_[slot.offset + kLinkSize] & kTagWidth;
-    std::uint64_t time = 0;
-    std::memcpy(&time, bytes_.data() + slot.offset + kLinkSize + 1 + width, sizeof(time));
-    return time;
+    TLogRecordFixed fixed{};
+    std::memcpy(&fixed, bytes_.data() + slot.offset + kLinkSize + 1 + width, sizeof(fixed));
+    return fixed;
 }
 
 // Nearly every place is refused by its tag.

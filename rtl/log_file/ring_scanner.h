@@ -40,7 +40,8 @@ class TRingScanner {
     // The first credible slot that begins from `from` on in front of `stop` and does not pass
     // `end`; else `stop`.
     std::uint32_t NextSlot(std::uint32_t from, std::uint32_t stop, std::uint32_t end) const;
-    std::uint64_t TimeOf(const TLogSlot& slot) const;
+    TLogRecordFixed FixedOf(const TLogSlot& slot) const;
+    std::uint64_t TimeOf(const TLogSlot& slot) const { return FixedOf(slot).time; }
 
     std::vector<TLogSlot> slots;
     std::vector<TRingGap> gaps;

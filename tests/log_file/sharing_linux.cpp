@@ -1,7 +1,9 @@
-// One log file and several processes; a device that is always full.
+// One log file and several processes; a file that cannot grow, or is taken away.
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 
@@ -62,12 +64,40 @@ TEST_F(SharedLog, TheReaderSeesOnlyWholeRecordsWhileAnotherProcessWrites) {
     EXPECT_EQ(Read().texts.size(), 400u);
 }
 
-TEST_F(SharedLog, AFullDeviceCostsTheMessagesOnly) {
-    Mox::TLogRecorder recorder;
-    ASSERT_TRUE(recorder.Open(TEXT("/dev/full"), 0x1000));
-    Mox::SetLogRecorder(&recorder);
-    for (int i = 0; i < 3; ++i) Log("lost");
-    Mox::ClearLogRecorder(&recorder);
+// A full disk, and a limit of file sizes, which would end the process by a signal.
+TEST_F(SharedLog, WhatHasNoRoomIsLostAndCounted) {
+    Record(0x10000);
+    Log("kept");
+    const auto size = Image().size();
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{size, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    Log(std::string(100, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    Mox::TLogReader reader;
+    ASSERT_TRUE(reader.Open(Name().c_str()));
+    EXPECT_EQ(reader.Missing(), Header().write_position - size);
+    EXPECT_EQ(Drain(reader, true).texts, Texts{"kept"});
+    Log("after");
+    EXPECT_EQ(Read().texts, (Texts{"kept", "after"}));
+}
+
+TEST_F(SharedLog, AFileThatIsTakenAwayIsLeftWithinASecond) {
+    const std::string folder(Folder().begin() + 3, Folder().end());
+    const std::filesystem::path file =
+        std::string(std::getenv("QV_HOST_ROOT")) + "/drive_c/" + folder + "/test.log";
+    Record(0x10000);
+    Log("old");
+    const std::filesystem::path aside = file.string() + ".aside";
+    std::filesystem::rename(file, aside);
+    Sleep(1010);
+    Log("new file");
+    EXPECT_EQ(Read().texts, Texts{"new file"});
+    std::filesystem::rename(aside, file);
+    Sleep(1010);
+    Log("old file");
+    EXPECT_EQ(Read().texts, (Texts{"old", "old file"}));
 }
 
 }  // namespace
