@@ -71,6 +71,10 @@ DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
 // Win32 error code, 0 when it is done.
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
 
+// The processes that hold a lock at the start of the file, as "4711 (name)", as far as this user
+// may know; or where else to look.
+std::string LockHolders(const UnicodeString& file);
+
 // Seconds that local time is ahead of UTC at a moment, in seconds since 1970.
 std::int64_t LocalOffset(std::int64_t utc);
 

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <qv_host.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -56,6 +57,33 @@ std::string HostPath(const UnicodeString& name) {
     std::string path(QvHostPath(name.t_str(), nullptr, 0), '\0');
     path.resize(QvHostPath(name.t_str(), path.data(), static_cast<DWORD>(path.size())));
     return path;
+}
+
+std::string FirstLine(const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    std::string line;
+    std::getline(stream, line);
+    return line;
+}
+
+// As the system shows locks: "lock: 1: OFDLCK ADVISORY WRITE -1 fe:01:4711 0 95".
+bool HasLock(const std::filesystem::path& descriptor, ino_t file) {
+    const std::string inode = ":" + std::to_string(file) + " 0 ";
+    std::ifstream stream(descriptor);
+    for (std::string line; std::getline(stream, line);) {
+        if (line.rfind("lock:", 0) == 0 && line.find(" WRITE ") != std::string::npos &&
+            line.find(inode) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool HoldsLock(const std::filesystem::path& process, ino_t file) {
+    std::error_code ignored;
+    const std::filesystem::directory_iterator descriptors(process / "fdinfo", ignored);
+    return std::any_of(begin(descriptors), end(descriptors),
+                       [&](const auto& entry) { return HasLock(entry.path(), file); });
 }
 
 void PrintRoot() {
@@ -138,6 +166,21 @@ DWORD FlushToDisk(const UnicodeString& name, HANDLE /*file*/) {
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
     if (std::rename(HostPath(from).c_str(), HostPath(to).c_str()) == 0) return NO_ERROR;
     return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ERROR_ACCESS_DENIED;
+}
+
+std::string LockHolders(const UnicodeString& file) {
+    struct stat info {};
+    if (stat(HostPath(file).c_str(), &info) != 0) return "nobody";
+    std::string holders;
+    std::error_code ignored;
+    for (const auto& process : std::filesystem::directory_iterator("/proc", ignored)) {
+        const std::string id = process.path().filename();
+        const bool is_process = id.find_first_not_of("0123456789") == std::string::npos;
+        if (!is_process || !HoldsLock(process.path(), info.st_ino)) continue;
+        holders += (holders.empty() ? "process " : ", ") + id + " (" +
+                   FirstLine(process.path() / "comm") + ")";
+    }
+    return holders.empty() ? "a process of another user" : holders;
 }
 
 std::int64_t LocalOffset(std::int64_t utc) {

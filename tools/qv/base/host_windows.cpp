@@ -143,6 +143,11 @@ DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
 }
 
 // With the rules of the moment itself, not those of today.
+// The system names no holder of a lock.
+std::string LockHolders(const UnicodeString&) {
+    return "one of the processes that the Resource Monitor shows for this file";
+}
+
 std::int64_t LocalOffset(std::int64_t utc) {
     const FILETIME moment = ToFileTime(utc);
     SYSTEMTIME universal, local;

@@ -1,6 +1,7 @@
 // The state of the log file in force.
 #include <windows.h>
 
+#include "base/host.h"
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
 #include "log/log_filter.h"
@@ -19,6 +20,15 @@ long long SizeOf(const UnicodeString& file) {
     return Classes::TFileStream(file, kShared).GetSize();
 }
 
+void AddLock(Json& section, const UnicodeString& file, Problems& problems) {
+    if (!IsLockStuck(file)) return;
+    const std::string holders = LockHolders(file);
+    section["lock"] = "held by " + holders;
+    problems.push_back("the log's lock has been held for more than a second by " + holders +
+                       ", and whatever logs waits: let that process go on when it was stopped "
+                       "(debugger, SIGSTOP), or end it");
+}
+
 void AddRecords(Json& section, Mox::TLogReader& reader, Problems& problems) {
     int records = 0;
     std::string oldest;
@@ -28,6 +38,10 @@ void AddRecords(Json& section, Mox::TLogReader& reader, Problems& problems) {
         if (records++ == 0) oldest = newest;
     }
     section["records"] = records;
+    if (reader.Missing() > 0) {
+        section["missing"] = reader.Missing();
+        problems.push_back("the log: " + MissingText(reader.Missing()));
+    }
     if (records > 0) section.update({{"oldest", oldest}, {"newest", newest}});
     // While others write, a copy may be torn: that is no damage.
     if (reader.SkipCount() == 0 || reader.Copy() == Mox::TLogCopy::Changed) return;
@@ -61,7 +75,9 @@ Json ExamineLog(Problems& problems) {
         return section;
     }
     Mox::TLogReader reader;
-    if (!reader.Open(file)) return fail("cannot be read", OneLine(reader.Error().Trim()));
+    const bool open = reader.Open(file);
+    if (!open || reader.Copy() != Mox::TLogCopy::Locked) AddLock(section, file, problems);
+    if (!open) return fail("cannot be read", OneLine(reader.Error().Trim()));
     section["state"] = "good";
     try {
         section["bytes"] = SizeOf(file);

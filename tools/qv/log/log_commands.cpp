@@ -49,7 +49,7 @@ void AddShow(CLI::App& log) {
     show->footer(
         "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
         "Levels: X error, * warning, i information, blank trace, > the log itself.\n"
-        "A damaged log is shown as far as it can be read; the exit code is 3 then.");
+        "Damage costs the records that it hit: each gap is named, and the exit code is 3.");
     show->add_option("FILE", options.file, kFileHelp);
     AddFilterOptions(*show, options.filter);
     CLI::Option* json = show->add_flag("--json", arguments->json, "An object a line");

@@ -29,6 +29,17 @@ std::uint64_t Fingerprint(const Mox::TLogMsg& record) {
     return hash;
 }
 
+// Records of a log whose header cannot be believed have no numbers.
+Resumed ResumeByFingerprint(Mox::TLogReader& reader, const LogCursor& cursor) {
+    std::size_t shown = 0;
+    for (std::size_t i = 1; const Mox::TLogMsg* record = reader.Next(); ++i) {
+        if (Fingerprint(*record) == cursor.fingerprint) shown = i;
+    }
+    reader.Seek(0);
+    for (std::size_t i = 0; i < shown; ++i) reader.Next();
+    return {shown == 0, 0};
+}
+
 bool Exists(const std::string& file) {
     return GetFileAttributesW(FromUtf8(file).t_str()) != INVALID_FILE_ATTRIBUTES;
 }
@@ -63,6 +74,8 @@ void SaveCursor(const std::string& file, const LogCursor& cursor) {
 }
 
 Resumed Resume(Mox::TLogReader& reader, const LogCursor& cursor) {
+    const bool numbered = cursor.number != 0 && reader.Header().version != 0;
+    if (!numbered) return ResumeByFingerprint(reader, cursor);
     Resumed resumed;
     const std::uint64_t newest = reader.Header().counter;
     reader.Seek(cursor.number);

@@ -10,7 +10,8 @@
 namespace qv {
 
 struct LogCursor {
-    std::uint64_t number = 0;       // of the last record: the file's change counter behind it
+    // Of the last record: the file's change counter behind it; 0 without a header that is believed.
+    std::uint64_t number = 0;
     std::uint64_t fingerprint = 0;  // of that record; another one means another ring
 
     bool operator==(const LogCursor&) const = default;

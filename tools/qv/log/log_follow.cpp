@@ -2,10 +2,8 @@
 
 #include <set>
 
-#include "base/files.h"
 #include "log/log_input.h"
 #include "log/log_show.h"
-#include "mox_classes/containers/streams.h"
 
 namespace qv {
 
@@ -13,21 +11,6 @@ namespace {
 
 // New records are to be seen within a quarter of a second, the time to read them included.
 constexpr DWORD kPause = 100;  // milliseconds
-
-// The header's bytes without its lock: only whether they change matters. Empty while there is no
-// file.
-std::string HeaderBytes(const UnicodeString& name) {
-    constexpr unsigned short kReadShared = 0x40;
-    std::string bytes(Mox::kHeaderSize, '\0');
-    try {
-        Classes::TFileStream file(name, kReadShared);
-        const int size = file.Read(bytes.data(), static_cast<int>(bytes.size()));
-        bytes.resize(static_cast<std::size_t>(size));
-        return bytes;
-    } catch (const UnicodeString&) {
-        return std::string();
-    }
-}
 
 // One log that others write.
 class Follower {
@@ -39,12 +22,12 @@ class Follower {
         const std::string header = HeaderBytes(name_);
         if (header.empty() || header == header_) return;
         Mox::TLogReader reader;
-        if (!reader.Open(name_)) {
-            Say(OneLine(reader.Error().Trim()));
-        } else {
+        if (reader.Open(name_) || reader.StartWithoutHeader()) {
             ResumeAloud(reader, shown_);
             Take(view_.Show(reader, false));
             for (const Mox::TLogSkip& skip : Skips(reader)) Say(SkipText(skip));
+        } else {
+            Say(OneLine(reader.Error().Trim()));
         }
         header_ = header;
     }

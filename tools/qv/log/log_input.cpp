@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "driver_global/installation.h"
+#include "mox_classes/containers/streams.h"
 
 namespace qv {
 
@@ -9,6 +10,7 @@ namespace {
 
 // Of a log that others write all the time, the copy may be one of several moments.
 constexpr int kAttempts = 5;
+constexpr unsigned short kSharedRead = 0x40;  // of a file stream
 
 bool Open(Mox::TLogReader& reader, const std::string& name) {
     if (name == kStandardStream) {
@@ -45,6 +47,38 @@ void OpenLog(Mox::TLogReader& reader, const std::string& name) {
                   ExitCode::kCannotOpen);
 }
 
+std::string HeaderBytes(const UnicodeString& name) {
+    std::string bytes(Mox::kHeaderSize, '\0');
+    try {
+        Classes::TFileStream file(name, kSharedRead);
+        const int size = file.Read(bytes.data(), static_cast<int>(bytes.size()));
+        bytes.resize(static_cast<std::size_t>(size));
+        return bytes;
+    } catch (const UnicodeString&) {
+        return std::string();
+    }
+}
+
+bool IsLockStuck(const UnicodeString& name) {
+    constexpr int kTries = 100;
+    constexpr DWORD kPause = 10;  // milliseconds
+    const std::string before = HeaderBytes(name);
+    try {
+        const Classes::TFileStream file(name, kSharedRead);
+        for (int i = 0; i < kTries; ++i) {
+            if (LockFile(file.GetHandle(), 0, 0, Mox::kHeaderSize, 0)) {
+                UnlockFile(file.GetHandle(), 0, 0, Mox::kHeaderSize, 0);
+                return false;
+            }
+            if (GetLastError() != ERROR_LOCK_VIOLATION) return false;
+            Sleep(kPause);
+        }
+    } catch (const UnicodeString&) {
+        return false;
+    }
+    return HeaderBytes(name) == before;
+}
+
 bool IsPlace(const Mox::TLogSkip& skip) {
     return skip.offset != 0 || skip.size != 0;
 }
@@ -55,6 +89,12 @@ std::string SkipText(const Mox::TLogSkip& skip) {
                                         std::to_string(skip.offset) + ": "
                                   : std::string();
     return where + OneLine(skip.reason);
+}
+
+std::string MissingText(std::uint32_t bytes) {
+    return "the file is " + std::to_string(bytes) +
+           " bytes shorter than its ring: the records there are lost, because the disk was full or "
+           "the file was cut";
 }
 
 std::vector<Mox::TLogSkip> Skips(const Mox::TLogReader& reader) {

@@ -1,6 +1,7 @@
 // The log that a command looks at: a file, standard input, or the log that is in force.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,19 @@ std::string LogName(const std::string& file);
 // (kCannotOpen) when the file cannot be read or holds no log.
 void OpenLog(Mox::TLogReader& reader, const std::string& name);
 
+// The header's bytes without its lock: only whether they change matters. Empty while there is no
+// file.
+std::string HeaderBytes(const UnicodeString& name);
+// Whether somebody keeps the log's lock. Looks for a second: a lock that others take in turn is
+// free once, or the header changes.
+bool IsLockStuck(const UnicodeString& name);
+
 // Whether it is a matter of certain bytes.
 bool IsPlace(const Mox::TLogSkip& skip);
 // "skipped 55 bytes at offset 96: reason"
 std::string SkipText(const Mox::TLogSkip& skip);
+// For TLogReader::Missing.
+std::string MissingText(std::uint32_t bytes);
 // What the reader has left out so far.
 std::vector<Mox::TLogSkip> Skips(const Mox::TLogReader& reader);
 // [{"offset": 96, "size": 55, "reason": "..."}, ...]

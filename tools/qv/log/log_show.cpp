@@ -83,11 +83,10 @@ void ShowLog(const ShowOptions& options) {
     ResumeAloud(reader, shown);
     const std::optional<LogCursor> seen = view.Show(reader, true);
     view.Flush();
-    const bool moved = seen && seen->number > 0;
-    if (moved && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
+    if (seen && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
     if (!options.follow) return FailOnSkips(reader);
     for (const Mox::TLogSkip& skip : Skips(reader)) PrintError(SkipText(skip));
-    FollowLog(options, view, moved ? seen : shown);
+    FollowLog(options, view, seen ? seen : shown);
 }
 
 }  // namespace qv

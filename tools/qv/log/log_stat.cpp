@@ -34,6 +34,7 @@ struct LogStat {
     std::map<std::string, Share> levels, sources;
     std::map<std::uint32_t, Share> processes;
     std::vector<Mox::TLogSkip> skips;
+    std::uint32_t missing = 0;  // bytes of the ring behind the file's end
 
     // The change counter has counted every record since the log was made.
     std::uint64_t Dropped() const {
@@ -45,6 +46,7 @@ LogStat Collect(Mox::TLogReader& reader) {
     Progress progress("records");
     LogStat stat;
     stat.header = reader.Header();
+    stat.missing = reader.Missing();
     while (const Mox::TLogMsg* record = reader.Next()) {
         progress.Add();
         const LogTime time = TimeOf(*record);
@@ -93,6 +95,7 @@ void PrintText(const std::string& name, const LogStat& stat) {
         Row("ring", FillText(stat.header));
         Row("", "[" + RingPicture(stat.header, stat.skips, kPictureWidth) + "]");
     }
+    if (stat.missing > 0) Row("missing", MissingText(stat.missing));
     Row("damage", stat.skips.empty() ? "none" : std::to_string(stat.skips.size()) + " places");
 }
 
@@ -131,6 +134,7 @@ void PrintAsJson(const std::string& name, const LogStat& stat) {
                     {"oldest", std::uint32_t{header.oldest}},
                     {"write_position", std::uint32_t{header.write_position}},
                     {"wrap", std::uint32_t{header.wrap}}};
+    body["missing"] = stat.missing;
     body["damage"] = DamageList(stat.skips);
     PrintJson(body);
 }
