@@ -94,6 +94,41 @@ class DamageModel {
         Append({"appended"});
         return LoadImage(file_);
     }
+    // Different ones, for every third kind of equal length.
+    static std::vector<std::string> Texts(unsigned count, unsigned kind) {
+        std::vector<std::string> texts;
+        for (unsigned i = 0, random = kind; i < count; ++i) {
+            random = random * 1103515245U + 12345U;
+            const unsigned length = kind % 3 == 0 ? 20 : (random >> 16) % 90;
+            texts.push_back(std::to_string(1000 + i) + std::string(length, '.'));
+        }
+        return texts;
+    }
+    // With times a millisecond apart.
+    void Append(const std::vector<std::string>& texts) {
+        Mox::TLogRecorder recorder;
+        recorder.Open(file_, kLimit);
+        for (const std::string& text : texts) {
+            Mox::TLogMsg* message = Mox::TLogMsg::Alloc();
+            time_ += 10000;
+            std::memcpy(&message->time, &time_, sizeof(time_));
+            message->level = 'i';
+            message->text = UnicodeString(text.c_str());
+            bool owned = true;
+            Mox::LogRecorderProc(nullptr, message, &recorder, &owned);
+        }
+    }
+    void SetBack(unsigned milliseconds) { time_ -= milliseconds * 10000U; }
+
+    static Entries Shown(const LogImage& image) {
+        Entries entries;
+        Mox::TLogReader reader;
+        if (!reader.Assign(image.data(), image.size()) && !reader.StartWithoutHeader()) return {};
+        while (const Mox::TLogMsg* message = reader.Next()) {
+            entries.push_back(MakeEntry(*message, reader.Place().offset, reader.Place().size));
+        }
+        return entries;
+    }
 
   private:
     static BYTE Next(std::span<const BYTE>& input) {
@@ -113,31 +148,9 @@ class DamageModel {
     }
     static bool IsAppended(const Entry& entry) { return entry.text == "appended"; }
 
-    // With times a millisecond apart.
-    void Append(const std::vector<std::string>& texts) {
-        Mox::TLogRecorder recorder;
-        recorder.Open(file_, kLimit);
-        for (const std::string& text : texts) {
-            Mox::TLogMsg* message = Mox::TLogMsg::Alloc();
-            time_ += 10000;
-            std::memcpy(&message->time, &time_, sizeof(time_));
-            message->level = 'i';
-            message->text = UnicodeString(text.c_str());
-            bool owned = true;
-            Mox::LogRecorderProc(nullptr, message, &recorder, &owned);
-        }
-    }
-
     void Fill(BYTE kind) {
-        std::vector<std::string> texts;
-        unsigned random = kind;
-        for (unsigned i = 0; i < 20 + kind % 150U; ++i) {
-            random = random * 1103515245U + 12345U;
-            const unsigned length = kind % 3 == 0 ? 20 : (random >> 16) % 90;
-            texts.push_back(std::to_string(1000 + i) + std::string(length, '.'));
-        }
         SaveImage(file_, {});
-        Append(texts);
+        Append(Texts(20 + kind % 150U, kind));
         sound_ = LoadImage(file_);
     }
 
@@ -160,16 +173,6 @@ class DamageModel {
                 image[at] = static_cast<BYTE>(zeros ? 0 : noise);
         }
         return image;
-    }
-
-    static Entries Shown(const LogImage& image) {
-        Entries entries;
-        Mox::TLogReader reader;
-        if (!reader.Assign(image.data(), image.size()) && !reader.StartWithoutHeader()) return {};
-        while (const Mox::TLogMsg* message = reader.Next()) {
-            entries.push_back(MakeEntry(*message, reader.Place().offset, reader.Place().size));
-        }
-        return entries;
     }
 
     // Those of `entries` none of whose bytes changed.

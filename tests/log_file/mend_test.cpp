@@ -29,6 +29,25 @@ TEST_F(Mended, WhatWasNotTouchedIsShownAndKept) {
     }
 }
 
+// Without a header only times and gaps tell which record is the newest: in a ring that has not
+// wrapped, and in one that has.
+TEST_F(Mended, AClockThatWasSetBackDoesNotTurnTheOrder) {
+    const struct { unsigned before, back, after; } rows[] = {{20, 19, 3}, {150, 100, 20}};
+    for (const auto& row : rows) {
+        DamageModel model(Name().c_str());
+        Replace({});
+        model.Append(DamageModel::Texts(row.before, 1));
+        model.SetBack(row.back);
+        model.Append(DamageModel::Texts(row.after, 2));
+        LogImage image = Image();
+        const DamageModel::Entries sound = DamageModel::Shown(image);
+        std::fill_n(image.begin(), 96, BYTE{0});
+        const DamageModel::Entries found = DamageModel::Shown(image);
+        ASSERT_EQ(found.size(), sound.size()) << row.before;
+        for (std::size_t i = 0; i < found.size(); ++i) EXPECT_EQ(found[i].offset, sound[i].offset);
+    }
+}
+
 // What holds no record and is no log's header is somebody else's.
 TEST_F(Mended, WhatIsNoLogIsNotWritten) {
     const std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16);

@@ -1,4 +1,4 @@
-// Where records stand, records without a header, and a log file made in memory.
+// Where records stand, and a log file made in memory.
 #include "log_file/log_fixture.h"
 #include "log_file/log_image.h"
 
@@ -75,24 +75,6 @@ TEST_F(LogPlace, DamageInFrontDoesNotMoveTheNewestNumbers) {
     EXPECT_EQ(reader.Place().number, static_cast<unsigned>(kInRing));
     EXPECT_EQ(reader.Next(), nullptr);
     EXPECT_EQ(reader.SkipCount(), 2);
-}
-
-TEST_F(LogPlace, RecordsAreFoundWithoutAHeader) {
-    Fill(20);
-    const LogImage whole = Image();
-    for (const BYTE byte : {BYTE{0}, BYTE{0xFF}}) {
-        LogImage image = whole;
-        std::fill(image.begin(), image.begin() + 96, byte);
-        Replace(image);
-        Mox::TLogReader reader;
-        ASSERT_FALSE(reader.Open(Name().c_str()));
-        ASSERT_TRUE(reader.StartWithoutHeader());
-        const ReadBack read = Drain(reader, true);
-        ASSERT_EQ(read.texts.size(), static_cast<unsigned>(kInRing));
-        EXPECT_EQ(read.texts.front(), Numbered(20 - kInRing));
-        EXPECT_EQ(read.texts.back(), Numbered(19));
-        EXPECT_EQ(read.skips, Texts{"the file is no log, or one of another version"});
-    }
 }
 
 TEST_F(LogPlace, WhatIsNoLogHasNoRecords) {
