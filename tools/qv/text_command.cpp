@@ -1,10 +1,12 @@
 // qv command: the text command call, as a script makes it.
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "base/commands.h"
 #include "base/console.h"
 #include "qv_rtl_main/command_entry.h"
+#include "settings/recorded_call.h"
 
 namespace qv {
 
@@ -18,7 +20,14 @@ std::string Item(const std::string& text) {
     return quoted + "\"";
 }
 
-void RunTextCommand(const std::vector<std::string>& items) {
+// What the words may change: setdevmode PrinterName NAME ...
+CallTargets TargetsOf(const std::vector<std::string>& items) {
+    const bool is_change = FromUtf8(items.front()).Trim().CompareIC(TEXT("setdevmode")) == 0;
+    if (!is_change || items.size() < 3) return {};
+    return {{FromUtf8(items[2])}, {}};
+}
+
+void CallTextCommand(const std::vector<std::string>& items) {
     std::string line;
     for (const std::string& item : items) line += (line.empty() ? "" : "\t") + Item(item);
     // The call is made once, since it may change settings; a result longer than this is cut.
@@ -42,10 +51,12 @@ void AddTextCommand(CLI::App& app) {
         "  qv command setdevmode PrinterName \"Vantrel Fax\" Mode 1");
     // Values may look like options: everything from the word on is taken as it stands.
     command->prefix_command();
-    command->callback([command] {
+    auto record = std::make_shared<RecordOptions>();
+    AddRecordOptions(*command, *record);
+    command->callback([command, record] {
         const std::vector<std::string> items = command->remaining();
         if (items.empty()) throw CLI::RequiredError("WORD");
-        RunTextCommand(items);
+        RecordCall(TargetsOf(items), *record, [&items] { CallTextCommand(items); });
     });
 }
 

@@ -7,6 +7,7 @@
 #include "mox_classes/containers/memory_stream.h"
 #include "qv_rtl_main/xml_check.h"
 #include "qv_rtl_main/xml_request.h"
+#include "settings/recorded_call.h"
 #include "xml/xml_doc.h"
 
 namespace qv {
@@ -20,6 +21,7 @@ using System::kCodePageUtf8;
 struct XmlOptions {
     std::string request, response = kStandardStream;
     bool strict = false;
+    RecordOptions record;
 };
 
 // The file that takes the response: it is made before the request is carried out, so that nothing
@@ -69,6 +71,41 @@ void FailOnErrors(const std::string& request, const TMemoryStream& bytes, int si
     if (!text.empty()) throw Failure(text, code);
 }
 
+bool IsNamed(const TXmlNode& node, const WCHAR* name) {
+    return node.FName.CompareIC(name) == 0;
+}
+
+void AddTargets(const TXmlNode& change, CallTargets& targets) {
+    if (IsNamed(change, TEXT("global"))) {
+        for (int i = 0; i < change.ChildCount(); ++i)
+            targets.globals.push_back(change.GetChild(i)->FName);
+    } else if (IsNamed(change, TEXT("printer"))) {
+        const TXmlNode* const name = change.FindChild(TEXT("name"), kCodePageUtf8);
+        if (name != nullptr) targets.printers.push_back(name->FValue);
+    }
+}
+
+// What the request may change. One that cannot be parsed changes nothing.
+CallTargets TargetsOf(const std::string& bytes) {
+    CallTargets targets;
+    TXmlDoc request;
+    try {
+        request.Parse(bytes.data(), static_cast<int>(bytes.size()));
+    } catch (const UnicodeString&) {
+        return targets;
+    }
+    if (request.ParseResult() <= 0 || !IsNamed(*request.FRoot, TEXT("update"))) return targets;
+    for (int i = 0; i < request.FRoot->ChildCount(); ++i)
+        AddTargets(*request.FRoot->GetChild(i), targets);
+    return targets;
+}
+
+void Answer(TMemoryStream& request, TMemoryStream& response, bool strict) {
+    if (strict && !CheckXmlRequest(&request, &response)) return;
+    request.SetPosition(0);
+    DoXML(&request, &response);
+}
+
 void RunXml(const XmlOptions& options) {
     const std::string bytes = ReadAll(options.request);
     if (bytes.size() > std::numeric_limits<int>::max())
@@ -82,10 +119,8 @@ void RunXml(const XmlOptions& options) {
     request.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
     request.SetPosition(0);
     TMemoryStream response;
-    if (!options.strict || CheckXmlRequest(&request, &response)) {
-        request.SetPosition(0);
-        DoXML(&request, &response);
-    }
+    RecordCall(TargetsOf(bytes), options.record,
+               [&] { Answer(request, response, options.strict); });
     const int size = static_cast<int>(response.GetSize());
     WriteResponse(file.get(), response, size);
     FailOnErrors(options.request, response, size);
@@ -106,6 +141,7 @@ void AddXmlCommand(CLI::App& app) {
     command->add_flag("--strict", options->strict,
                       "Carry nothing out when the request has names or values that would be passed "
                       "over; name each with its line");
+    AddRecordOptions(*command, options->record);
     command->callback([options] { RunXml(*options); });
 }
 

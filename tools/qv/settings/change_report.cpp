@@ -37,18 +37,38 @@ Json ChangeJson(const PrinterChange& change) {
     return object;
 }
 
+Json GlobalJson(const std::optional<UnicodeString>& value) {
+    return value ? Text(*value) : Json();
+}
+
+std::string GlobalText(const std::optional<UnicodeString>& value) {
+    return value ? Shown(*value) : "(none)";
+}
+
 void PrintAsJson(const std::vector<PrinterChange>& changes, const RunResult& result,
                  const ReportOptions& options) {
     Json printers = Json::array();
     for (const PrinterChange& change : changes) printers.push_back(ChangeJson(change));
     const Counts counts = Count(changes);
-    PrintJson({{"scope", kScope},
-               {"dryRun", options.dry_run},
-               {"change", result.change == 0 ? Json() : Json(result.change)},
-               {"changed", counts.changed},
-               {"failed", counts.failed},
-               {"stopped", result.stopped},
-               {"printers", printers}});
+    Json document = {{"scope", kScope},
+                     {"dryRun", options.dry_run},
+                     {"change", result.change == 0 ? Json() : Json(result.change)},
+                     {"changed", counts.changed},
+                     {"failed", counts.failed},
+                     {"stopped", result.stopped},
+                     {"printers", printers}};
+    for (const ValueChange& value : result.globals)
+        document["global"].push_back({{"name", value.field},
+                                      {"old", GlobalJson(value.after)},
+                                      {"new", GlobalJson(value.before)}});
+    PrintJson(document);
+}
+
+void PrintGlobals(const std::vector<ValueChange>& values) {
+    for (const ValueChange& value : values) {
+        PrintLine("global settings: " + OneLine(FromUtf8(value.field)) + ": " +
+                  GlobalText(value.after) + " -> " + GlobalText(value.before));
+    }
 }
 
 // On standard error, ahead of the lines.
@@ -110,6 +130,7 @@ void ReportChanges(const std::vector<PrinterChange>& changes, const RunResult& r
         PrintNotes(changes);
         for (const PrinterChange& change : changes)
             if (!change.is_not_reached) PrintChange(change, options);
+        PrintGlobals(result.globals);
         if (options.is_many) PrintError(Summary(changes, result, options));
     }
     if (result.stopped) PrintError("stopped on request");

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "journal/change_record.h"
 #include "settings/changes.h"
 
 namespace CLI {
@@ -24,6 +25,7 @@ void AddReportOptions(CLI::App& command, ReportOptions& options);
 struct RunResult {
     std::uint64_t change = 0;  // its number in the journal; 0 when it is not there
     bool stopped = false;
+    std::vector<ValueChange> globals;        // the product's own settings that an undo sets back
     std::optional<Failure> journal_failure;  // its end could not be written down
 };
 

@@ -4,6 +4,7 @@
 
 #include "driver_devmode/default_settings.h"
 #include "settings/printer_settings.h"
+#include "settings/recorded_call.h"
 #include "settings/settings_commands.h"
 
 namespace qv {
@@ -13,9 +14,10 @@ namespace {
 struct DefaultsOptions {
     std::string printer, directory, file_name, program, parameters, message, window, format;
     bool silent = false, run = false, serial = false, document_name = false;
+    RecordOptions record;
 };
 
-void SetDefaults(const DefaultsOptions& o) {
+void CallDefaults(const DefaultsOptions& o) {
     const int done = SetQVDefaultSetting(
         FromUtf8(o.printer).t_str(), o.silent ? 1 : 0, o.run ? 1 : 0, o.serial ? 1 : 0,
         o.document_name ? 1 : 0, FromUtf8(o.directory).t_str(), FromUtf8(o.file_name).t_str(),
@@ -27,6 +29,11 @@ void SetDefaults(const DefaultsOptions& o) {
                       "are too long; "
                       "the log says more");
     }
+}
+
+void SetDefaults(const DefaultsOptions& options) {
+    RecordCall({{FromUtf8(options.printer)}, {}}, options.record,
+               [&options] { CallDefaults(options); });
     PrintScope();
 }
 
@@ -49,6 +56,7 @@ void AddDefaultsCommand(CLI::App& app) {
     command->add_option("--message", options->message, "Message to send after a job");
     command->add_option("--window", options->window, "Class of the window that receives it");
     command->add_option("--format", options->format, "Text of the message");
+    AddRecordOptions(*command, options->record);
     command->callback([options] { SetDefaults(*options); });
 }
 

@@ -6,6 +6,8 @@
 #include "settings/change_list.h"
 #include "settings/change_run.h"
 #include "settings/field_value.h"
+#include "settings/global_settings.h"
+#include "settings/recorded_call.h"
 #include "settings/settings_commands.h"
 
 namespace qv {
@@ -98,13 +100,42 @@ PrinterChange PlanUndo(const TargetChange& target, bool force) {
     return change;
 }
 
+// The product's own settings that are to be set back, `after` being what they are now. Throws
+// Failure when one has changed since.
+std::vector<ValueChange> PlanGlobals(const ChangeRecord& change, bool force) {
+    std::vector<ValueChange> values;
+    for (const TargetChange& target : change.targets)
+        if (target.is_global && target.CanBeUndone()) values = target.fields;
+    for (ValueChange& value : values) {
+        auto now = ReadGlobal(FromUtf8(value.field));
+        if (!force && now != value.after && now != value.before) {
+            throw Failure("the global setting '" + OneLine(FromUtf8(value.field)) +
+                          "' is not as the change left it; --force restores it all the same; "
+                          "nothing is restored");
+        }
+        value.after = std::move(now);
+    }
+    return values;
+}
+
+void RestoreGlobals(const std::vector<ValueChange>& values, Journal& journal,
+                    std::uint64_t undoes) {
+    CallTargets targets;
+    for (const ValueChange& value : values) targets.globals.push_back(FromUtf8(value.field));
+    RecordCall(targets, journal, undoes, [&values] {
+        for (const ValueChange& value : values) WriteGlobal(FromUtf8(value.field), value.before);
+    });
+}
+
 void Undo(const UndoOptions& options) {
     if (options.list) return List(options);
     Journal journal(options.wait);
     const ChangeRecord wanted = ToTakeBack(options);
     std::vector<PrinterChange> changes;
     for (const TargetChange& target : wanted.targets)
-        if (target.CanBeUndone()) changes.push_back(PlanUndo(target, options.force));
+        if (target.CanBeUndone() && !target.is_global)
+            changes.push_back(PlanUndo(target, options.force));
+    const std::vector<ValueChange> globals = PlanGlobals(wanted, options.force);
     const bool all_well =
         std::ranges::all_of(changes, &std::string::empty, &PrinterChange::failure);
     RunResult result;
@@ -113,7 +144,9 @@ void Undo(const UndoOptions& options) {
         std::erase_if(changes, [](const PrinterChange& c) { return c.failure.empty(); });
     } else if (!options.report.dry_run) {
         result = MakeChanges(changes, &journal, wanted.number);
+        if (!globals.empty() && !result.stopped) RestoreGlobals(globals, journal, wanted.number);
     }
+    if (all_well || options.force) result.globals = globals;
     ReportOptions report = options.report;
     report.is_many = wanted.targets.size() > 1;
     ReportChanges(changes, result, report);
