@@ -1,8 +1,8 @@
 #include "base/utf8_text.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <string_view>
 
 #include "base/exit_code.h"
 
@@ -16,6 +16,11 @@ bool IsHarmful(unsigned unit) {
     return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
            unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) ||
            (unit >= 0x2066 && unit <= 0x2069);
+}
+
+// ASCII that is no control.
+bool IsPlain(unsigned unit) {
+    return unit >= 0x20 && unit < 0x7F;
 }
 
 std::string Escaped(unsigned unit) {
@@ -34,19 +39,42 @@ std::string Escaped(unsigned unit) {
     return text;
 }
 
-// `text` with its harmful units escaped, but for those that `kept` holds.
-std::string EscapeControls(const UnicodeString& text, std::string_view kept) {
-    UnicodeString line;
-    int done = 0;
-    for (int i = 0; i < text.Length(); ++i) {
-        const unsigned unit = text.t_str()[i];
-        if (!IsHarmful(unit)) continue;
-        if (unit < 0x80 && kept.find(static_cast<char>(unit)) != std::string_view::npos) continue;
-        line += text.SubString(done + 1, i - done);
-        line += FromUtf8(Escaped(unit));
-        done = i + 1;
+// Adds the plain units at the front of `text`; returns how many those are. Nearly all text is
+// plain, so that it goes by blocks, which the compiler takes as vectors.
+std::size_t AddPlain(std::string& out, Units text) {
+    constexpr std::size_t kBlock = 16;
+    std::size_t done = 0;
+    for (; text.size() - done >= kBlock; done += kBlock) {
+        char block[kBlock];
+        bool plain = true;
+        for (std::size_t i = 0; i < kBlock; ++i) {
+            const unsigned short unit = text[done + i];
+            plain &= IsPlain(unit);
+            block[i] = static_cast<char>(unit);
+        }
+        if (!plain) break;
+        out.append(block, kBlock);
     }
-    return ToUtf8(line + text.SubString(done + 1, text.Length() - done));
+    for (; done < text.size() && IsPlain(text[done]); ++done) out += static_cast<char>(text[done]);
+    return done;
+}
+
+// Adds `text` with its harmful units escaped, but for those that `kept` holds.
+void AddEscaped(std::string& out, Units text, std::string_view kept) {
+    const auto is_escaped = [kept](unsigned unit) {
+        return IsHarmful(unit) &&
+               (unit >= 0x80 || kept.find(static_cast<char>(unit)) == std::string_view::npos);
+    };
+    while (!text.empty()) {
+        text.remove_prefix(AddPlain(out, text));
+        const auto harmful = std::find_if(text.begin(), text.end(), is_escaped);
+        const auto harmless = static_cast<std::size_t>(harmful - text.begin());
+        AddUtf8(out, text.substr(0, harmless));
+        text.remove_prefix(harmless);
+        if (text.empty()) break;
+        out += Escaped(text[0]);
+        text.remove_prefix(1);
+    }
 }
 
 }  // namespace
@@ -64,21 +92,39 @@ UnicodeString FromUtf8(const std::string& text) {
 
 std::string ToUtf8(const UnicodeString& text) {
     std::string result;
-    const int length = text.Length();
-    if (length == 0) return result;
-    const int bytes =
-        WideCharToMultiByte(CP_UTF8, 0, text.t_str(), length, nullptr, 0, nullptr, nullptr);
-    result.resize(static_cast<std::size_t>(bytes));
-    WideCharToMultiByte(CP_UTF8, 0, text.t_str(), length, result.data(), bytes, nullptr, nullptr);
+    result.reserve(static_cast<std::size_t>(text.Length()));
+    AddUtf8(result, UnitsOf(text));
     return result;
 }
 
+void AddUtf8(std::string& out, Units text) {
+    constexpr std::size_t kMost = 256;  // units at a time
+    char bytes[3 * kMost];
+    while (!text.empty()) {
+        std::size_t count = std::min(text.size(), kMost);
+        // The two units of a pair stay together.
+        if (count < text.size() && (text[count - 1] & 0xFC00) == 0xD800) --count;
+        const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(count),
+                                             bytes, sizeof(bytes), nullptr, nullptr);
+        out.append(bytes, static_cast<std::size_t>(size));
+        text.remove_prefix(count);
+    }
+}
+
 std::string OneLine(const UnicodeString& text) {
-    return EscapeControls(text, {});
+    std::string line;
+    AddOneLine(line, UnitsOf(text));
+    return line;
+}
+
+void AddOneLine(std::string& out, Units text) {
+    AddEscaped(out, text, {});
 }
 
 std::string Lines(const UnicodeString& text) {
-    return EscapeControls(text, "\n\t");
+    std::string lines;
+    AddEscaped(lines, UnitsOf(text), "\n\t");
+    return lines;
 }
 
 }  // namespace qv

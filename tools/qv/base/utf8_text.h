@@ -2,17 +2,26 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "mox_classes/text/unicode_string.h"
 
 namespace qv {
 
+using Units = std::basic_string_view<WCHAR>;
+// Valid as long as the text is.
+inline Units UnitsOf(const UnicodeString& text) {
+    return {text.t_str(), static_cast<std::size_t>(text.Length())};
+}
+
 UnicodeString FromUtf8(const std::string& text);
 std::string ToUtf8(const UnicodeString& text);
+void AddUtf8(std::string& out, Units text);
 
 // The text on one line, with what makes a terminal act or turns the direction of writing made
 // harmless: tab, line break and the like as \t, \n, \r, \xNN, \uNNNN.
 std::string OneLine(const UnicodeString& text);
+void AddOneLine(std::string& out, Units text);
 // The same for a text of several lines, whose line feeds and tabs stay.
 std::string Lines(const UnicodeString& text);
 

@@ -188,10 +188,12 @@ Mox::TLogMsg Redacted(const Mox::TLogMsg& record, const Redaction& redaction) {
 void AddLog(ZipWriter& zip, Contents& contents, const Redaction* redaction) {
     std::string text;
     std::string lines;
+    LogLines plain({.utc = true});
+    LogLines json({.shape = LogStyle::Shape::kJson});
     ForEachRecord(contents, [&](const Mox::TLogMsg& record) {
         const Mox::TLogMsg shown = redaction == nullptr ? record : Redacted(record, *redaction);
-        text += LogLine(shown, {.utc = true});
-        lines += LogLine(shown, {.shape = LogStyle::Shape::kJson});
+        plain.Add(text, shown);
+        json.Add(lines, shown);
     });
     zip.Add("log.txt", text);
     zip.Add("log.jsonl", lines);

@@ -1,7 +1,6 @@
 #include "log/log_show.h"
 
 #include <cstdint>
-#include <utility>
 
 #include "base/console.h"
 #include "base/files.h"
@@ -25,8 +24,11 @@ void CheckOptions(const ShowOptions& options) {
 
 }  // namespace
 
-LogView::LogView(const LogFilterOptions& filter, const LogStyle& style)
-    : filter_(filter), style_(style), pending_(LogHead(style)) {}
+LogView::LogView(const ShowOptions& options)
+    : filter_(options.filter),
+      lines_(options.style),
+      keeps_place_(options.follow || !options.cursor_file.empty()),
+      pending_(LogHead(options.style)) {}
 
 std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) {
     // On a terminal the lines themselves tell how far it is; following has no end.
@@ -37,26 +39,30 @@ std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) 
     const std::size_t most = only_last ? filter_.Last().value_or(SIZE_MAX) : SIZE_MAX;
     while (const Mox::TLogMsg* record = reader.Next()) {
         if (progress) progress->Add();
-        seen = CursorAt(reader, *record);
+        if (keeps_place_) seen = CursorAt(reader, *record);
         if (!filter_.Passes(*record)) continue;
         if (most == SIZE_MAX) {
-            Add(LogLine(*record, style_));
+            lines_.Add(pending_, *record);
+            FlushMuch();
             continue;
         }
-        newest.push_back(LogLine(*record, style_));
+        lines_.Add(newest.emplace_back(), *record);
         if (newest.size() > most) newest.pop_front();
     }
-    for (const std::string& line : newest) Add(line);
+    for (const std::string& line : newest) {
+        pending_ += line;
+        FlushMuch();
+    }
     return seen;
 }
 
-void LogView::Add(const std::string& line) {
-    pending_ += line;
+void LogView::FlushMuch() {
     if (pending_.size() >= kMostPending) Flush();
 }
 
 void LogView::Flush() {
-    if (!pending_.empty()) Print(std::exchange(pending_, std::string()));
+    if (!pending_.empty()) Print(pending_);
+    pending_.clear();
 }
 
 void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
@@ -74,7 +80,7 @@ void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
 
 void ShowLog(const ShowOptions& options) {
     CheckOptions(options);
-    LogView view(options.filter, options.style);
+    LogView view(options);
     const std::string name = LogName(options.file);
     std::optional<LogCursor> shown;
     if (!options.cursor_file.empty()) shown = LoadCursor(options.cursor_file);

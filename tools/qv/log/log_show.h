@@ -25,19 +25,20 @@ void ShowLog(const ShowOptions& options);
 // Shows records that pass the filter. What is shown is collected: Flush brings it out.
 class LogView {
   public:
-    LogView(const LogFilterOptions& filter, const LogStyle& style);
+    explicit LogView(const ShowOptions& options);
 
-    // Shows the rest of the reader's records; returns the place of the last one, if there was any.
-    // With `only_last` the filter's number of newest ones holds.
+    // Shows the rest of the reader's records; returns the place of the last one, if there was any
+    // and the options need it. With `only_last` the filter's number of newest ones holds.
     std::optional<LogCursor> Show(Mox::TLogReader& reader, bool only_last);
     void Flush();
     const LogFilter& Filter() const { return filter_; }
 
   private:
-    void Add(const std::string& line);
+    void FlushMuch();
 
     LogFilter filter_;
-    LogStyle style_;
+    LogLines lines_;
+    bool keeps_place_;
     std::string pending_;
 };
 

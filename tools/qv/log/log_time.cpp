@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
@@ -18,24 +17,24 @@ constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;  // seconds
 constexpr std::int64_t kLastSecond = 253'402'300'799;     // of the year 9999, since 1970
 constexpr std::int64_t kMinute = 60, kHour = 60 * kMinute, kDay = 24 * kHour;
 
-// "2026-01-31T09:00:00"; `seconds` since 1970 in whatever zone.
-std::string DateText(std::int64_t seconds) {
+// Writes the last `width` digits in front of `end`; returns where they begin.
+char* PutDigits(char* end, std::int64_t number, int width) {
+    for (; width > 0; --width, number /= 10) *--end = static_cast<char>('0' + number % 10);
+    return end;
+}
+
+// "2026-01-31T09:00:00" at `text`; `seconds` since 1970 in whatever zone.
+void PutDate(char* text, std::int64_t seconds) {
     const std::chrono::sys_seconds point{std::chrono::seconds(seconds)};
     const auto day = std::chrono::floor<std::chrono::days>(point);
     const std::chrono::year_month_day date(day);
     const std::chrono::hh_mm_ss clock(point - day);
-    char text[64];
-    std::snprintf(
-        text, sizeof(text), "%04d-%02u-%02uT%02d:%02d:%02d", int{date.year()},
-        unsigned{date.month()}, unsigned{date.day()}, static_cast<int>(clock.hours().count()),
-        static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()));
-    return text;
-}
-
-std::string Digits(std::int64_t number, int width) {
-    char text[32];
-    std::snprintf(text, sizeof(text), "%0*lld", width, static_cast<long long>(number));
-    return text;
+    PutDigits(text + 4, int{date.year()}, 4);
+    PutDigits(text + 7, unsigned{date.month()}, 2);
+    PutDigits(text + 10, unsigned{date.day()}, 2);
+    PutDigits(text + 13, clock.hours().count(), 2);
+    PutDigits(text + 16, clock.minutes().count(), 2);
+    PutDigits(text + 19, clock.seconds().count(), 2);
 }
 
 bool IsShown(LogTime time) {
@@ -187,17 +186,25 @@ LogTime Now() {
     return LogTime{now.dwHighDateTime} << 32 | now.dwLowDateTime;
 }
 
-std::string LocalText(LogTime time) {
-    if (!IsShown(time)) return std::string();
+std::string_view TimeText::Of(LogTime time) {
+    if (!IsShown(time)) return std::string_view();
     const std::int64_t seconds = UnixSeconds(time);
-    const auto fraction = static_cast<std::int64_t>(time % kTicksPerSecond);
-    return DateText(seconds + LocalOffset(seconds)) + "." + Digits(fraction / 10'000, 3);
+    if (second_ != seconds) {
+        const std::int64_t shown = utc_ ? seconds : seconds + LocalOffset(seconds);
+        if (shown > kLastSecond) return std::string_view();
+        PutDate(text_, shown);
+        second_ = seconds;
+    }
+    PutDigits(text_ + kSize - 1, static_cast<std::int64_t>(time % kTicksPerSecond), 7);
+    return {text_, utc_ ? kSize : kLocalSize};
+}
+
+std::string LocalText(LogTime time) {
+    return std::string(TimeText(false).Of(time));
 }
 
 std::string UtcText(LogTime time) {
-    if (!IsShown(time)) return std::string();
-    const auto fraction = static_cast<std::int64_t>(time % kTicksPerSecond);
-    return DateText(UnixSeconds(time)) + "." + Digits(fraction, 7) + "Z";
+    return std::string(TimeText(true).Of(time));
 }
 
 bool ParseTime(const std::string& text, LogTime now, LogTime& time) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace qv {
 
@@ -11,8 +13,23 @@ using LogTime = std::uint64_t;
 
 LogTime Now();
 
-// "2026-01-31T09:00:00.123", "2026-01-31T08:00:00.1234567Z". Empty for what is behind the year
-// 9999.
+// "2026-01-31T09:00:00.123", or in UTC "2026-01-31T08:00:00.1234567Z", of one time after the other:
+// those of one second share most of it. Empty for what is behind the year 9999.
+class TimeText {
+  public:
+    explicit TimeText(bool utc) : utc_(utc) {}
+    // Until the next call.
+    std::string_view Of(LogTime time);
+
+  private:
+    static constexpr std::size_t kSize = 28, kLocalSize = 23;
+
+    bool utc_;
+    std::optional<std::int64_t> second_;  // whose text stands there, since 1970
+    char text_[kSize + 1] = "0000-00-00T00:00:00.0000000Z";
+};
+
+// One of them.
 std::string LocalText(LogTime time);
 std::string UtcText(LogTime time);
 

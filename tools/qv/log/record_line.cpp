@@ -1,7 +1,9 @@
 #include "log/record_line.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 
 #include "base/json_output.h"
 #include "log/log_filter.h"
@@ -44,29 +46,87 @@ std::string Hex(const Mox::TLogMsg& record) {
     return hex;
 }
 
-// "2026-01-31T09:00:00.000 X P12 T34 S1 [source,56] text (label: hex)"
-std::string TextLine(const Mox::TLogMsg& record, const LogStyle& style) {
-    const auto shown = [&](const UnicodeString& text) {
-        return style.raw ? ToUtf8(text) : OneLine(text);
-    };
-    const std::string time = style.utc ? UtcText(TimeOf(record)) : LocalText(TimeOf(record));
-    std::string line = (time.empty() ? "(no time)" : time) + " " + LevelName(record.level) + " P" +
-                       std::to_string(record.processId) + " T" + std::to_string(record.threadId) +
-                       " S" + std::to_string(SessionOf(record)) + " [" + shown(record.source) +
-                       "," + std::to_string(record.line) + "] " +
-                       shown(style.raw ? record.text : record.text.TrimRight());
-    if (BlockSize(record) > 0 || record.dataLabel.Length() > 0) {
-        line += " (" + shown(record.dataLabel) + ": " +
-                ToUtf8(Mox::GetHexEncoded(record.data, static_cast<int>(BlockSize(record)))) + ")";
-    }
-    const char* const colour = style.colour ? Colour(record.level) : nullptr;
-    return colour == nullptr ? line + "\n" : colour + line + kPlain + "\n";
+void AddNumber(std::string& out, const char* before, std::int64_t number) {
+    char text[24];
+    const auto done = std::to_chars(std::begin(text), std::end(text), number);
+    out += before;
+    out.append(text, done.ptr);
 }
 
-std::string JsonLine(const Mox::TLogMsg& record) {
+// What UnicodeString::TrimRight leaves.
+Units WithoutEnd(Units text) {
+    while (!text.empty() && text.back() <= ' ') text.remove_suffix(1);
+    return text;
+}
+
+// A field is quoted when a reader could take it for something else.
+std::string CsvField(const std::string& text) {
+    const bool padded = !text.empty() && (text.front() == ' ' || text.back() == ' ');
+    if (!padded && text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
+    return quoted + "\"";
+}
+
+}  // namespace
+
+std::string LogHead(const LogStyle& style) {
+    return style.shape == LogStyle::Shape::kCsv
+               ? "time,level,pid,tid,session,source,line,text,label,data\r\n"
+               : std::string();
+}
+
+LogLines::LogLines(const LogStyle& style)
+    : style_(style), time_(style.utc || style.shape != LogStyle::Shape::kText) {}
+
+void LogLines::Add(std::string& out, const Mox::TLogMsg& record) {
+    switch (style_.shape) {
+        case LogStyle::Shape::kJson:
+            return AddJson(out, record);
+        case LogStyle::Shape::kCsv:
+            return AddCsv(out, record);
+        default:
+            return AddText(out, record);
+    }
+}
+
+// "2026-01-31T09:00:00.000 X P12 T34 S1 [source,56] text (label: hex)"
+void LogLines::AddText(std::string& out, const Mox::TLogMsg& record) {
+    const char* const colour = style_.colour ? Colour(record.level) : nullptr;
+    if (colour != nullptr) out += colour;
+    const std::string_view time = time_.Of(TimeOf(record));
+    out += time.empty() ? "(no time)" : time;
+    out += ' ';
+    out += LevelName(record.level);
+    AddNumber(out, " P", record.processId);
+    AddNumber(out, " T", record.threadId);
+    AddNumber(out, " S", SessionOf(record));
+    out += " [";
+    AddShown(out, UnitsOf(record.source));
+    AddNumber(out, ",", record.line);
+    out += "] ";
+    AddShown(out, style_.raw ? UnitsOf(record.text) : WithoutEnd(UnitsOf(record.text)));
+    if (BlockSize(record) > 0 || record.dataLabel.Length() > 0) AddBlock(out, record);
+    if (colour != nullptr) out += kPlain;
+    out += '\n';
+}
+
+void LogLines::AddShown(std::string& out, Units text) const {
+    style_.raw ? AddUtf8(out, text) : AddOneLine(out, text);
+}
+
+void LogLines::AddBlock(std::string& out, const Mox::TLogMsg& record) const {
+    out += " (";
+    AddShown(out, UnitsOf(record.dataLabel));
+    out += ": ";
+    out += ToUtf8(Mox::GetHexEncoded(record.data, static_cast<int>(BlockSize(record))));
+    out += ')';
+}
+
+void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record) {
     const bool block = BlockSize(record) > 0;
     const bool label = block || record.dataLabel.Length() > 0;
-    const std::string time = UtcText(TimeOf(record));
+    const std::string_view time = time_.Of(TimeOf(record));
     const std::int64_t session = SessionOf(record);
     Json object = {{"schema", kJsonSchema}};
     object["time"] = time.empty() ? Json() : Json(time);
@@ -79,45 +139,19 @@ std::string JsonLine(const Mox::TLogMsg& record) {
     object["text"] = Text(record.text);
     object["label"] = label ? Text(record.dataLabel) : Json();
     object["data"] = block ? Json(Hex(record)) : Json();
-    return object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    out += object.dump(-1, ' ', false, Json::error_handler_t::replace);
+    out += '\n';
 }
 
-// A field is quoted when a reader could take it for something else.
-std::string CsvField(const std::string& text) {
-    const bool padded = !text.empty() && (text.front() == ' ' || text.back() == ' ');
-    if (!padded && text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
-    return quoted + "\"";
-}
-
-std::string CsvLine(const Mox::TLogMsg& record) {
+void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record) {
     const std::int64_t session = SessionOf(record);
-    return UtcText(TimeOf(record)) + "," + CsvField(LevelName(record.level)) + "," +
-           std::to_string(record.processId) + "," + std::to_string(record.threadId) + "," +
+    out += time_.Of(TimeOf(record));
+    out += "," + CsvField(LevelName(record.level)) + "," + std::to_string(record.processId) + "," +
+           std::to_string(record.threadId) + "," +
            (session < 0 ? std::string() : std::to_string(session)) + "," +
            CsvField(ToUtf8(record.source)) + "," + std::to_string(record.line) + "," +
            CsvField(ToUtf8(record.text)) + "," + CsvField(ToUtf8(record.dataLabel)) + "," +
            Hex(record) + "\r\n";
-}
-
-}  // namespace
-
-std::string LogHead(const LogStyle& style) {
-    return style.shape == LogStyle::Shape::kCsv
-               ? "time,level,pid,tid,session,source,line,text,label,data\r\n"
-               : std::string();
-}
-
-std::string LogLine(const Mox::TLogMsg& record, const LogStyle& style) {
-    switch (style.shape) {
-        case LogStyle::Shape::kJson:
-            return JsonLine(record);
-        case LogStyle::Shape::kCsv:
-            return CsvLine(record);
-        default:
-            return TextLine(record, style);
-    }
 }
 
 std::string LevelName(int level) {

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "base/utf8_text.h"
+#include "log/log_time.h"
 #include "mox_log/log_message.h"
 
 namespace qv {
@@ -19,8 +21,25 @@ struct LogStyle {
 
 // What stands in front of all records; empty for most shapes.
 std::string LogHead(const LogStyle& style);
-// With its line end.
-std::string LogLine(const Mox::TLogMsg& record, const LogStyle& style);
+
+// Writes records, one after the other.
+class LogLines {
+  public:
+    explicit LogLines(const LogStyle& style);
+
+    // With its line end, behind what `out` holds.
+    void Add(std::string& out, const Mox::TLogMsg& record);
+
+  private:
+    void AddText(std::string& out, const Mox::TLogMsg& record);
+    void AddShown(std::string& out, Units text) const;
+    void AddBlock(std::string& out, const Mox::TLogMsg& record) const;
+    void AddJson(std::string& out, const Mox::TLogMsg& record);
+    void AddCsv(std::string& out, const Mox::TLogMsg& record);
+
+    LogStyle style_;
+    TimeText time_;
+};
 
 // The level's character, or its number in hexadecimal when it is none that can be shown.
 std::string LevelName(int level);
