@@ -3,7 +3,7 @@
 packages_for() {
     case $1 in
         native)
-            echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev libsqlite3-dev \
+            echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev libre2-dev libsqlite3-dev \
                 python3 unzip libxml2-utils mono-mcs mono-runtime
             ;;
         clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev libsqlite3-dev ;;
@@ -15,7 +15,7 @@ packages_for() {
             echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
                 libicu-dev libfmt-dev libspdlog-dev
             ;;
-        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev libsqlite3-dev ;;
+        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev libre2-dev libsqlite3-dev ;;
         style) echo clang-format git ;;
         shells) echo zsh fish mandoc bsdextrautils ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;

@@ -49,6 +49,8 @@ void AddShow(CLI::App& log) {
     show->footer(
         "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
         "Levels: X error, * warning, i information, blank trace, > the log itself.\n"
+        "An expression of --grep: . [a-z] [^a-z] \\d \\w \\s \\D \\W \\S ^ $ \\b ( ) | * + ? "
+        "{2,5}.\n"
         "Damage costs the records that it hit: each gap is named, and the exit code is 3.");
     show->add_option("FILE", options.file, kFileHelp);
     AddFilterOptions(*show, options.filter);

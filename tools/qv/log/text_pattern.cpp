@@ -1,5 +1,7 @@
 #include "log/text_pattern.h"
 
+#include <stdexcept>
+
 #include "base/console.h"
 
 namespace qv {
@@ -8,18 +10,13 @@ namespace {
 
 constexpr int kLongestPattern = 1000;
 
-std::wstring Wide(const UnicodeString& text) {
-    std::wstring wide;
-    wide.reserve(static_cast<std::size_t>(text.Length()));
-    for (int i = 1; i <= text.Length(); ++i) wide += static_cast<wchar_t>(text[i]);
-    return wide;
-}
-
 // Lower case of Latin, Greek and Cyrillic letters, alike on both hosts.
-wchar_t LowerCase(wchar_t unit) {
-    const auto in = [unit](wchar_t first, wchar_t last) { return unit >= first && unit <= last; };
-    const auto moved = [unit](int by) { return static_cast<wchar_t>(unit + by); };
-    if (in(L'A', L'Z') || (in(0xC0, 0xDE) && unit != 0xD7) || in(0x391, 0x3A9) || in(0x410, 0x42F))
+WCHAR LowerCase(WCHAR unit) {
+    const auto in = [unit](unsigned first, unsigned last) { return unit >= first && unit <= last; };
+    const auto moved = [unit](int by) { return static_cast<WCHAR>(unit + by); };
+    if (in('A', 'Z')) return moved(0x20);
+    if (unit < 0xC0) return unit;
+    if ((in(0xC0, 0xDE) && unit != 0xD7) || in(0x391, 0x3A9) || in(0x410, 0x42F))
         return moved(0x20);
     if (in(0x400, 0x40F)) return moved(0x50);
     // Pairs: the capital is the even one, or the odd one.
@@ -28,21 +25,24 @@ wchar_t LowerCase(wchar_t unit) {
     return unit;
 }
 
-std::wstring Folded(std::wstring text) {
-    for (wchar_t& unit : text) unit = LowerCase(unit);
-    return text;
+UnicodeString Folded(const UnicodeString& text) {
+    UnicodeString folded;
+    folded.SetLength(text.Length());
+    WCHAR* out = folded.data();
+    for (const WCHAR unit : UnitsOf(text)) *out++ = LowerCase(unit);
+    return folded;
 }
 
 // Without what an escape such as \W means.
-std::wstring FoldedPattern(std::wstring pattern) {
-    for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] == L'\\') {
-            ++i;
-        } else {
-            pattern[i] = LowerCase(pattern[i]);
-        }
+UnicodeString FoldedPattern(const UnicodeString& pattern) {
+    UnicodeString folded = Folded(pattern);
+    const Units units = UnitsOf(pattern);
+    for (std::size_t i = 0; i + 1 < units.size(); ++i) {
+        if (units[i] != '\\') continue;
+        ++i;
+        folded.data()[i] = units[i];
     }
-    return pattern;
+    return folded;
 }
 
 }  // namespace
@@ -54,24 +54,22 @@ TextPattern::TextPattern(const std::string& pattern, bool ignore_case) : ignore_
             "the pattern is longer than " + std::to_string(kLongestPattern) + " characters",
             ExitCode::kWrongUsage);
     }
-    const std::wstring text = ignore_case ? FoldedPattern(Wide(whole)) : Wide(whole);
-    if (text.find_first_of(L"\\^$.|?*+()[]{}") == std::wstring::npos) {
+    const UnicodeString text = ignore_case ? FoldedPattern(whole) : whole;
+    if (UnitsOf(text).find_first_of(TEXT("\\^$.|?*+()[]{}")) == Units::npos) {
         literal_ = text;
         return;
     }
     try {
-        // The default matcher recurses once per character and may take exponential time.
-        regex_.assign(text, std::regex::ECMAScript | std::regex_constants::__polynomial);
-    } catch (const std::regex_error& error) {
-        throw Failure("the pattern '" + pattern + "' is malformed: " + error.what(),
+        expression_.emplace(UnitsOf(text));
+    } catch (const std::invalid_argument& error) {
+        throw Failure("the pattern '" + OneLine(whole) + "' is malformed: " + error.what(),
                       ExitCode::kWrongUsage);
     }
 }
 
 bool TextPattern::IsIn(const UnicodeString& text) const {
-    const std::wstring wide = ignore_case_ ? Folded(Wide(text)) : Wide(text);
-    if (!literal_.empty()) return wide.find(literal_) != std::wstring::npos;
-    return std::regex_search(wide, regex_);
+    const UnicodeString searched = ignore_case_ ? Folded(text) : text;
+    return expression_ ? expression_->IsIn(UnitsOf(searched)) : searched.Pos(literal_) > 0;
 }
 
 }  // namespace qv

@@ -1,16 +1,14 @@
-// A regular expression that is looked for in texts from outside.
+// A text or a regular expression that is looked for in texts from outside.
 #pragma once
 
-#include <regex>
+#include <optional>
 #include <string>
 
-#include "mox_classes/text/unicode_string.h"
+#include "log/expression.h"
 
 namespace qv {
 
-// The syntax of ECMAScript without back references; a character is a UTF-16 code unit. A search
-// takes time in proportion to the text's length, whatever pattern and text are. Throws Failure
-// (kWrongUsage) for a malformed pattern.
+// Throws Failure (kWrongUsage) for a malformed pattern. One thread at a time.
 class TextPattern {
   public:
     TextPattern(const std::string& pattern, bool ignore_case);
@@ -18,8 +16,9 @@ class TextPattern {
 
   private:
     bool ignore_case_;
-    std::wstring literal_;  // the pattern when it has no special characters
-    std::wregex regex_;
+    // One of the two: the pattern when it has no special characters, or what it means.
+    UnicodeString literal_;
+    std::optional<Expression> expression_;
 };
 
 }  // namespace qv
