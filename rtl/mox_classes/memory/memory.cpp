@@ -20,8 +20,7 @@ void* GetMemory(int size) {
 
 void* ReallocMemory(void* block, int size) {
     if (block == nullptr) return GetMemory(size);
-    return size < 0 ? nullptr
-                    : HeapReAlloc(TProcessHeap::Handle(), 0, block, static_cast<SIZE_T>(size));
+    return size < 0 ? nullptr : TProcessHeap::Resized(block, size);
 }
 
 int FreeMemory(void* block) {

@@ -16,6 +16,10 @@ class TProcessHeap {
     static void* New(int size) {
         return size < 0 ? nullptr : HeapAlloc(Handle(), 0, static_cast<SIZE_T>(size));
     }
+    // Null when the heap cannot serve the size; the block is as it was then. No null, not negative.
+    static void* Resized(void* block, int size) {
+        return HeapReAlloc(Handle(), 0, block, static_cast<SIZE_T>(size));
+    }
     // The platform's success flag; no null.
     static int Delete(void* block) { return HeapFree(Handle(), 0, block); }
 

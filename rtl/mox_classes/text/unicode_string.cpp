@@ -7,7 +7,6 @@
 #include <new>
 #include <string>
 
-#include "mox_classes/memory/memory.h"
 #include "mox_classes/memory/process_heap.h"
 #include "mox_classes/units/unit_copy.h"
 
@@ -104,7 +103,8 @@ void UnicodeString::Resize(int units) {
         CopyUnits(fresh.data_, data_, std::min(Length(), units));
         swap(fresh);
     } else {
-        void* const block = Length() == units ? rec() : ReallocMemory(rec(), BlockSize(units));
+        void* const block =
+            Length() == units ? rec() : TProcessHeap::Resized(rec(), BlockSize(units));
         data_ = Prepared(block, units);
     }
 }

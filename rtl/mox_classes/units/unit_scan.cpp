@@ -55,7 +55,7 @@ int FindUnitOrEnd(const WCHAR* text, int length, WCHAR unit) {
     int at = 0;
     const bool found = ForEachEight(length, [&](int i) {
         const TUnits8 units(text + i);
-        const unsigned stop = units.Equal(wanted) | units.Equal(zero);
+        const unsigned stop = (units.Same(wanted) | units.Same(zero)).Mask();
         if (stop != 0) at = i + FirstUnit(stop);
         return stop != 0;
     });
@@ -83,11 +83,11 @@ int FindUnits(const WCHAR* text, int length, const WCHAR* sub, int sub_length) {
     int at = -1;
     const bool found = ForEachEight(candidates, [&](int i) {
         const TUnits8 ends(text + i + ahead);
-        const unsigned end = ends.Equal(zero);
-        unsigned stop = (TUnits8(text + i).Equal(first) & ends.Equal(last)) | end;
+        const TUnitMarks end = ends.Same(zero);
+        unsigned stop = ((TUnits8(text + i).Same(first) & ends.Same(last)) | end).Mask();
         for (; stop != 0; stop &= stop - 1, stop &= stop - 1) {
             const unsigned lowest = stop & (0U - stop);
-            if ((end & lowest) != 0) return true;
+            if ((end.Mask() & lowest) != 0) return true;
             if (!matches(i + FirstUnit(lowest))) continue;
             at = i + FirstUnit(lowest);
             return true;

@@ -21,15 +21,27 @@ constexpr int kMostBlocks = 127;  // that are counted in bytes of 0 to 255, two 
 
 #ifdef __SSE2__
 
+// Marks of eight units, put together before they become a mask.
+struct TUnitMarks {
+    __m128i marks;
+
+    TUnitMarks operator&(const TUnitMarks& other) const {
+        return {_mm_and_si128(marks, other.marks)};
+    }
+    TUnitMarks operator|(const TUnitMarks& other) const {
+        return {_mm_or_si128(marks, other.marks)};
+    }
+    unsigned Mask() const { return static_cast<unsigned>(_mm_movemask_epi8(marks)); }
+};
+
 struct TUnits8 {
     __m128i units;
 
     explicit TUnits8(const WCHAR* from)
         : units(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from))) {}
     explicit TUnits8(WCHAR unit) : units(_mm_set1_epi16(static_cast<short>(unit))) {}
-    unsigned Equal(const TUnits8& other) const {
-        return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(units, other.units)));
-    }
+    TUnitMarks Same(const TUnits8& other) const { return {_mm_cmpeq_epi16(units, other.units)}; }
+    unsigned Equal(const TUnits8& other) const { return Same(other).Mask(); }
     unsigned NotAbove(const TUnits8& other) const {
         const __m128i above = _mm_subs_epu16(units, other.units);
         return static_cast<unsigned>(
@@ -53,11 +65,20 @@ inline int UnitsBegun(const char* from, int blocks) {
 
 #else
 
+struct TUnitMarks {
+    unsigned marks;
+
+    TUnitMarks operator&(const TUnitMarks& other) const { return {marks & other.marks}; }
+    TUnitMarks operator|(const TUnitMarks& other) const { return {marks | other.marks}; }
+    unsigned Mask() const { return marks; }
+};
+
 struct TUnits8 {
     WCHAR units[kUnitStep];
 
     explicit TUnits8(const WCHAR* from) { std::copy_n(from, kUnitStep, units); }
     explicit TUnits8(WCHAR unit) { std::fill_n(units, kUnitStep, unit); }
+    TUnitMarks Same(const TUnits8& other) const { return {Equal(other)}; }
     unsigned Equal(const TUnits8& other) const {
         return Mask([&](int i) { return units[i] == other.units[i]; });
     }

@@ -47,6 +47,8 @@ inline void DeleteBlock(void* block) {
 }
 inline void* ResizedBlock(void* block, std::size_t size) {
     const std::size_t usable = mi_usable_size(block);
+    // The allocator would say the same behind one more call.
+    if (size <= usable && usable / 2 <= size) return block;
     if (size < kRoomFrom) return mi_realloc(block, size);
     if (size <= usable) return usable / kLeastPart <= size ? block : mi_realloc(block, size);
     void* roomy = mi_realloc(block, size * 2);
