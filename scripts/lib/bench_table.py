@@ -45,7 +45,8 @@ def read_rows(path, group):
                 section = line.strip("[]")
             elif line and not line.startswith("#"):
                 rows.append(Row(section, line))
-    return [row for row in rows if group in (None, row.group)]
+    return [row for row in rows if group in (None, row.group)
+            and (row.side != "before" or "QV_BENCH_BEFORE" in os.environ)]
 
 
 def run_pass(program, group, min_time, figures):
