@@ -1,5 +1,4 @@
-// The floor of the log rows: the system calls that an append to the shared log file cannot do
-// without, and nothing else.
+// The floor of the log rows: only the system calls that every append to the shared log file needs.
 #pragma once
 
 #include <cstdint>

@@ -13,7 +13,7 @@ constexpr std::string_view kDeclaration =
     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>";
 constexpr std::string_view kLineBreak = "\r\n";
 
-// A generator of our own: the standard's distributions differ between libraries.
+// A generator of our own, because the standard's distributions differ between libraries.
 class Numbers {
   public:
     std::uint32_t Below(std::uint32_t bound) {

@@ -95,7 +95,7 @@ std::string FolderOf(const void* address) {
     return std::filesystem::canonical(info.dli_fname).parent_path();
 }
 
-// In a process of its own, which has nothing loaded: seconds of processor time, 0 for a failure.
+// Runs in a fresh process that has nothing loaded. Seconds of processor time; 0 for a failure.
 double LoadSeconds(const std::string& library) {
     constexpr const char* kTimes = " 200";
     const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();

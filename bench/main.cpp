@@ -1,5 +1,4 @@
-// The benchmark program. It runs on a host root of its own, which scripts/bench takes no care of:
-// it is made here and removed at the end.
+// The benchmark program. It makes a host root of its own and removes it at the end.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 

@@ -106,8 +106,8 @@ void SavePugixml(benchmark::State& state, TDocument document) {
     }
 }
 
-// What a process holds after a parse that it did not hold before: asked of a fresh process, since
-// this one's heaps are full of what was freed.
+// The memory that a parse leaves in use. A fresh process measures it, because the heaps of this one
+// keep freed blocks.
 constexpr char kAsked[] = "QV_BENCH_HELD";
 
 long ResidentBytes() {

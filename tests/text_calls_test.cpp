@@ -239,6 +239,7 @@ const std::map<std::string, Call> kCalls = {
     {"Compare", CALL(Number(a[0].Compare(a[1])))},
     {"CompareIC", CALL(Number(a[0].CompareIC(a[1])))},
     {"Trim", CALL(a[0].Trim() + TEXT("|") + a[0].TrimLeft() + TEXT("|") + a[0].TrimRight())},
+    {"TrimAnyString", CALL(Trim(a[0]) + TEXT("|") + TrimLeft(a[0]) + TEXT("|") + TrimRight(a[0]))},
     {"UpperCase", CALL(a[0].UpperCase())},
     {"StringToBool", CALL(YesOrNo(StringToBool(a[0])))},
     // Lists

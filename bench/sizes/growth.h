@@ -1,5 +1,5 @@
-// For programs that show that work grows with its size only: the processor time of a quarter of the
-// work beside that of the whole, and the count of what went wrong.
+// For programs that show that work takes time in proportion to its size. They compare the processor
+// time of a quarter of the work with that of the whole, and count failures.
 #pragma once
 
 #include <time.h>

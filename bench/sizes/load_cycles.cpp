@@ -1,9 +1,8 @@
-// load_cycles FILE COUNT THREADS HOST: loads the library FILE, has it log a record and
-// unloads it, COUNT times in each of THREADS threads, and looks whether the process has grown.
-// Without a HOST the loader of this system is called, and the host layer comes and goes with the
-// library; with one, that file, the host layer, stays, and its LoadLibraryW and FreeLibrary are
-// called. Prints what the process holds before and after; the records are
-// "[GetGlobalDevMode('T-N')] ...".
+// load_cycles FILE COUNT THREADS [HOST]: loads the library FILE, lets it log a record and unloads
+// it. Does this COUNT times in each of THREADS threads. Fails when the process has grown. Without
+// HOST the system's loader is called: the host layer is loaded and unloaded with the library. HOST
+// is the file of the host layer. It stays loaded, and its LoadLibraryW and FreeLibrary are called.
+// Prints what the process holds before and after. The records are "[GetGlobalDevMode('T-N')] ...".
 #include <dlfcn.h>
 #include <malloc.h>
 

@@ -117,7 +117,7 @@ void Texts(int bytes) {
     }
 }
 
-// More bytes than a result can say are written all the same.
+// All bytes are written, also when they are more than the result can count.
 void Limits() {
     TXmlNode root;
     root.FName = TEXT("r");

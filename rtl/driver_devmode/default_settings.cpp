@@ -76,7 +76,7 @@ int SetQVDefaultSetting(const WCHAR* printer_name, BYTE dialog_mode, BYTE run_en
             settings.Target = target.IsEvent() ? EventText(target) : CommandLine(target);
         });
     } catch (...) {
-        // A C interface: neither a message of the foundation nor an exhausted heap may leave it.
+        // A C interface: no exception may leave it, neither a message nor std::bad_alloc.
         return 0;
     }
 }

@@ -21,7 +21,7 @@ bool IsTruth(const UnicodeString& text) {
                        [&](const WCHAR* known) { return word == known; });
 }
 
-// Whether the element says what it is taken for: words count as 0 or as true otherwise.
+// Whether the text is a value. Setting would take another word as 0 or as true.
 bool SaysWhatItIs(const TFieldInfo& row, const UnicodeString& element) {
     if (row.Kind == Bool8) return IsTruth(element);
     std::int64_t number = 0;
@@ -43,7 +43,7 @@ TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text) {
 TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
     const UnicodeString before = ReadField(field);
     if (field.row->Kind == WideText) {
-        // Whatever it is set to, the next encoding decides.
+        // The next encoding writes it over, whatever its value is.
         SetField(field, TEXT("?"), nullptr);
         wrapper.Encode();
         const bool kept = ReadField(field) == TEXT("?");

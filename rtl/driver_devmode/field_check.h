@@ -1,5 +1,5 @@
-// Whether a name and a text make a setting as they stand: what setting by name takes in silence
-// shows here.
+// Checks whether a name and a text set a field completely. Setting by name takes what it can and
+// says nothing about the rest; this check says it.
 #pragma once
 
 #include "driver_devmode/field_table.h"

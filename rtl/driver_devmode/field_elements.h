@@ -15,7 +15,7 @@ namespace driver_devmode {
 struct TField {
     const TFieldInfo* row = nullptr;
     void* data = nullptr;
-    // A number below it is out of range.
+    // The least number that the field takes.
     int least = std::numeric_limits<int>::min();
 
     explicit operator bool() const { return row != nullptr; }
@@ -23,7 +23,7 @@ struct TField {
 
 namespace elements {
 
-// Fields are packed: numbers are copied in and out, never referred to.
+// Fields are packed, so that numbers are copied in and out and no pointer to them is made.
 template <class T>
 long long LoadAs(const void* data) {
     T value;

@@ -1,4 +1,4 @@
-// What is known of one setting: a row of the table that drives all of them.
+// One setting as a row of the settings table: its place, names, range and default.
 #pragma once
 
 #include <windows.h>
@@ -35,9 +35,9 @@ enum TRangeMore : unsigned char {
     kOrDriversOwn = 2  // from 256 on a driver's own values
 };
 
-// The values of an element that mean something. What the block can hold is the kind's: setting by
-// name takes that, and `qv lint` names what lies outside here. Without a row's word all mean
-// something.
+// The values of an element that have a meaning. Setting by name takes every value that the kind can
+// hold; `qv lint` names those outside the range. Without a range (Low above High) all have a
+// meaning.
 struct TRange {
     int Low = 0;
     int High = -1;

@@ -97,9 +97,9 @@ bool ParseElement(const TFieldInfo& row, const UnicodeString& text, long long& n
     return InRange(row.Kind, number);
 }
 
-// The elements that a text supplies, one after the other, as a list that is set from comma text has
-// them. A text without quotes and blanks, which is what ReadField writes, is cut where it stands;
-// the list does the others.
+// The elements of a text, one after the other, as the comma text of a string list has them. A text
+// without quotes and blanks, as ReadField writes it, is cut in place. A string list splits the
+// others.
 class TElements {
   public:
     explicit TElements(const UnicodeString& text)

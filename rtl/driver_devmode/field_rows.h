@@ -1,5 +1,5 @@
-// The rows of the settings: all that is known of a setting stands in its row, beside its place in
-// the layout (qv_devmode.h, image_options.h). docs/contributing.md says how one is added.
+// The rows of the settings, in the order of the layout (qv_devmode.h, image_options.h). A row holds
+// all that the library knows of a setting. docs/contributing.md says how to add one.
 #pragma once
 
 #include <windows.h>
@@ -181,7 +181,7 @@ inline constexpr auto kWrapperFields = Laid(std::to_array<TFieldInfo>({
 static_assert(IsGapless(kDevModeFields), "a row is missing, too much or in another order");
 static_assert(kDevModeFields.back().End() ==
               QV_DEVMODE_EXTRA::kPublicSize + offsetof(QV_DEVMODE_EXTRA, exPool));
-// Several numbers in one field are plain ones: their text is put together without a look at names.
+// Several numbers in one field have no named values, so that their text needs no search for names.
 static_assert(std::ranges::all_of(kDevModeFields, [](const TFieldInfo& row) {
     const bool is_plain = row.Kind != Bool8 && row.Values == ValueTable::None;
     return row.IsText() || row.Kind == Gap || row.Count == 1 ||

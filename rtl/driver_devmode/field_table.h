@@ -24,8 +24,8 @@ struct TFieldName {
     std::basic_string_view<WCHAR> leaf;
 };
 
-// The row of that exact name, or null; gaps have no name. The cost is the logarithm of the rows'
-// number.
+// The row of that exact name, or null. Gaps have no name. Takes time in proportion to the logarithm
+// of the number of rows.
 QV_API const TFieldInfo* FindDevModeField(const TFieldName& name);
 QV_API const TFieldInfo* FindWrapperField(const TFieldName& name);
 

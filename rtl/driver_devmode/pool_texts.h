@@ -1,5 +1,5 @@
-// What a settings block's string pool could not take or give, in words. The pool holds three texts
-// one after the other: exOut.Directory, exOut.FileName, exRun.Target.
+// Sentences about texts that the string pool of a settings block has no room for, or that are
+// damaged in it. The pool holds three texts: exOut.Directory, exOut.FileName, exRun.Target.
 #pragma once
 
 #include <vector>

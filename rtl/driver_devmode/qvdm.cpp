@@ -21,7 +21,7 @@ UnicodeString FromField(const WCHAR* field, int capacity) {
 
 }  // namespace
 
-// The block belongs to a complete object already when one of the texts cannot be made.
+// The object is complete before the texts are made, so that its block is freed when one fails.
 TQVDM::TQVDM() : TQVDM(static_cast<DEVMODEW*>(nullptr)) {
     FDM = std::make_unique<QV_DEVMODE>().release();
     FOwnDM = true;

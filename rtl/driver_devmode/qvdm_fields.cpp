@@ -40,8 +40,8 @@ void ForEachField(TQVDM& wrapper, int first, Visit visit) {
     for (const TFieldInfo& row : WrapperFields()) visit(WrapperField(row, wrapper));
 }
 
-// Puts fields as elements below a node. A node that had no children needs no look for those of the
-// same name: the names of fields differ, and the groups are the few that were added here.
+// Adds fields as elements below a node. Field names differ, so that a node that began empty needs
+// no search for an element of the same name.
 class TFieldElements {
   public:
     explicit TFieldElements(TXmlNode* node) : node_(node), is_new_(node->ChildCount() == 0) {}

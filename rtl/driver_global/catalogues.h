@@ -28,9 +28,9 @@ struct TQVPaperData : TQVSizeData {
 
 class TXmlNode;
 
-// What both catalogues share: which entries, in which order, which is the default. Closed after
-// construction; Open selects the entries, the first access reads their data, a reading that fails
-// closes the catalogue. Not copied. One thread at a time.
+// What both catalogues share: the entries, their order and the default. A new catalogue is closed.
+// Open selects the entries, and the first access reads their data. A failed read closes the
+// catalogue. One thread at a time.
 class QV_API TQVSizes {
   public:
     TQVSizes() = default;
@@ -81,8 +81,8 @@ class QV_API TQVPapers : public TQVSizes {
     TQVPaperData* Get(int index);
     TQVPaperData* GetDefault() { return Get(GetDefaultIndex()); }
     int IndexOf(short id);
-    // The smallest paper that holds the page; the largest one when none does; the earlier one of
-    // equals. -1 without papers.
+    // The smallest paper that holds the page, or the largest paper when no paper holds it. Of equal
+    // papers it is the first. -1 without papers.
     int IndexOfBestFit(int width, int height);
 
   private:

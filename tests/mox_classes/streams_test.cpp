@@ -174,6 +174,10 @@ TEST_F(FileStream, KeepsPositionAndSize) {
     EXPECT_EQ(file.Seek(std::int64_t{3} << 31, TSeekOrigin::Beginning), std::int64_t{3} << 31);
     EXPECT_EQ(file.Seek(0, kCurrent), -1) << "no 32-bit form";
     EXPECT_EQ(file.Read(&memory, 0) + file.Write(&memory, -1), 0);
+    file.SetPosition(5);
+    char last = 0;
+    EXPECT_EQ(file.Read(&last, 1), 1);
+    EXPECT_EQ(last, 'd');
 }
 
 TEST_F(FileStream, LoadsIntoMemory) {

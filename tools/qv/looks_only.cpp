@@ -1,5 +1,5 @@
-// Which commands only look. The library asks as it is loaded (driver_global/startup.h), before main
-// and before any object of this program exists: nothing here may need one.
+// Which commands only look. The library asks while it is loaded (driver_global/startup.h). That is
+// before main and before any object of this program exists, so that nothing here may need one.
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -19,8 +19,8 @@ bool Holds(const std::string_view (&words)[N], std::string_view word) {
 
 }  // namespace
 
-// The log that these commands show may be the one in force: they leave no line in it and mend
-// nothing, so that what happened before can still be seen.
+// These commands may show the log in force. They write no line into it and mend nothing, so that
+// what happened before can still be seen.
 extern "C" QV_PROGRAM_EXPORT int QVLooksOnly() {
     qv::EarlyArguments arguments;
     const auto words = arguments.Words();

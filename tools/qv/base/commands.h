@@ -13,9 +13,9 @@ void AddBlockCommands(CLI::App& app);
 void AddLogCommands(CLI::App& app);
 void AddEventCommands(CLI::App& app);
 void AddDoctorCommands(CLI::App& app);
-// What the commands before it look like to shells and manuals: the last one to be added.
+// Describes the commands that were added before it, for shells and manuals. Add it last.
 void AddCompletionCommands(CLI::App& app);
-// What only the host of the build offers; nothing on Windows.
+// Commands that only this host has. None on Windows.
 void AddHostCommands(CLI::App& app);
 
 }  // namespace qv

@@ -21,10 +21,10 @@
 namespace qv {
 
 enum class Stream { kInput, kOutput, kError };
-// Whether a person sits at the stream's other end.
+// Whether the stream is a terminal.
 bool IsTerminal(Stream stream);
 
-// Whether the write to standard output that failed last found no reader.
+// Whether the last failed write to standard output failed because nobody reads it.
 bool OutputHasNoReader();
 
 // The first arguments behind the program's name, for code that runs before main. Needs no object of
@@ -53,8 +53,8 @@ std::vector<std::string> PrepareConsole(int argc, char** argv);
 // The command line that this process was started with, the program first; UTF-8.
 std::vector<std::string> CommandWords();
 
-// Catches what asks the program to end (Ctrl-C and the like) while an object lives, so that it ends
-// between two steps. Who asks a second time is obeyed at once. One object at a time.
+// Catches requests to end the program (Ctrl-C and the like) while an object lives, so that the
+// program can end between two steps. A second request ends it at once. One object at a time.
 class StopRequest {
   public:
     StopRequest();
@@ -64,11 +64,11 @@ class StopRequest {
     bool IsMade() const;
 };
 
-// Has the file, which is open, on the disk. Returns the Win32 error code, 0 when it is done.
+// Writes the open file through to the disk. Returns 0 or the Win32 error code.
 DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
 
-// Gives the file `from` the name `to` in one step, in place of the file that had it. Returns the
-// Win32 error code, 0 when it is done.
+// Renames the file `from` to `to` in one step and replaces a file of that name. Returns 0 or the
+// Win32 error code.
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
 
 // The processes that hold a lock at the start of the file, as "4711 (name)", as far as this user

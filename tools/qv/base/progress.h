@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// Shows nothing during the program's first second, nor when standard error is no terminal. The end
-// takes the line away: nothing else may be written to the terminal while one lives.
+// Shows nothing during the program's first second, and nothing when standard error is no terminal.
+// The destructor removes the line. Write nothing else to the terminal while an object lives.
 class Progress {
   public:
     // "records: 12000", or with a total "printers set: 12 of 50".

@@ -6,9 +6,8 @@
 
 namespace qv {
 
-// The candidate that fewest changes of a letter turn into `word`, letters counting in either case;
-// empty when none is close. Swapping two neighbours is one change. Of two that are equally close
-// the first.
+// The candidate that is closest to `word` by changed letters, without regard to case. Two swapped
+// neighbours are one change. The first of equally close candidates; empty when none is close.
 std::string Closest(const std::string& word, const std::vector<std::string>& candidates);
 
 // "; did you mean 'dmCopies'?", or nothing.

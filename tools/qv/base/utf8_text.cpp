@@ -10,8 +10,8 @@ namespace qv {
 
 namespace {
 
-// Units that make a terminal act or a line read otherwise than it is: controls, line separators and
-// the marks that turn the direction of writing.
+// Units that a terminal acts on or that change how a line reads: controls, line separators and the
+// marks that turn the direction of writing.
 bool IsHarmful(unsigned unit) {
     return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
            unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) ||

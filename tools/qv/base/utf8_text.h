@@ -18,8 +18,8 @@ UnicodeString FromUtf8(const std::string& text);
 std::string ToUtf8(const UnicodeString& text);
 void AddUtf8(std::string& out, Units text);
 
-// The text on one line, with what makes a terminal act or turns the direction of writing made
-// harmless: tab, line break and the like as \t, \n, \r, \xNN, \uNNNN.
+// The text on one line. What a terminal acts on and what turns the direction of writing is escaped:
+// \t, \n, \r, \xNN, \uNNNN.
 std::string OneLine(const UnicodeString& text);
 void AddOneLine(std::string& out, Units text);
 // The same for a text of several lines, whose line feeds and tabs stay.

@@ -1,4 +1,4 @@
-// A value on one line of a text file: as it stands, or between double quotes with escapes when it
+// A value on one line of a text file. It stands there as it is, or quoted with escapes when it
 // could not be read back otherwise.
 #pragma once
 

@@ -1,5 +1,5 @@
-// The command line as data: what man pages and completions are made of. It is taken from the
-// parser itself, so that nothing can be missing from them.
+// The command line as data, for the manual page and the completions. It comes from the parser
+// itself, so that no option can be missing.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -6,7 +6,7 @@ namespace qv {
 
 namespace {
 
-// Text in which nothing is a request or an escape.
+// The text with every character escaped that roff would act on.
 std::string Plain(const std::string& text) {
     std::string result;
     bool at_start = true;

@@ -17,7 +17,7 @@ struct LogCursor {
     bool operator==(const LogCursor&) const = default;
 };
 
-// For the record that the reader returned last.
+// The cursor behind the record that the reader returned last.
 LogCursor CursorAt(const Mox::TLogReader& reader, const Mox::TLogMsg& record);
 
 // Nothing when there is no such file. Throws Failure for a file that holds no cursor.

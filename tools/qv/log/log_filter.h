@@ -31,9 +31,9 @@ class LogFilter {
     explicit LogFilter(const LogFilterOptions& options);
 
     bool Passes(const Mox::TLogMsg& record) const;
-    // After this moment no new record passes.
+    // No record that is logged after this moment passes.
     const std::optional<LogTime>& Until() const { return until_; }
-    // Of those that pass only so many, the newest.
+    // Only the newest of the records that pass.
     const std::optional<std::size_t>& Last() const { return options_.last; }
 
   private:

@@ -40,7 +40,7 @@ class Follower {
         if (!options_.cursor_file.empty()) SaveCursor(options_.cursor_file, *seen);
     }
 
-    // Damage stays in the file for long: each is told once.
+    // Damage stays in the file for long, so that each one is told only once.
     void Say(const std::string& text) {
         if (said_.insert(text).second) PrintError(text);
     }

@@ -116,7 +116,7 @@ bool TakeClock(Scanner& in, std::int64_t& seconds, std::int64_t& ticks) {
     return true;
 }
 
-// Takes away what the zone at the end of the text says, or the local one.
+// Subtracts the offset of the zone at the end of the text, or that of the local zone.
 bool TakeZone(Scanner& in, std::int64_t& seconds) {
     if (in.Take('Z') || in.Take('z')) return in.AtEnd();
     if (in.AtEnd()) {
