@@ -10,10 +10,12 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "support/fresh_host_root.h"
+#include "support/other_user_linux.h"
 
 namespace {
 
@@ -297,12 +299,39 @@ TEST_F(RegFiles, ProcessesDoNotLoseEachOthersValues) {
               ERROR_SUCCESS);
 }
 
+TEST_F(RegFiles, WhoMayNotWriteIsRefusedAtTheOpen) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can become somebody else";
+    ASSERT_EQ(Create(u"K"), ERROR_SUCCESS);
+    const auto open = [](REGSAM access) {
+        HKEY key = nullptr;
+        return RegOpenKeyExW(HKEY_CURRENT_USER, u"K", 0, access, &key);
+    };
+    const auto answers = [&open] {
+        return open(KEY_READ) == ERROR_SUCCESS && open(KEY_WRITE) == ERROR_ACCESS_DENIED &&
+               open(KEY_ALL_ACCESS) == ERROR_ACCESS_DENIED && open(0x02000000) == ERROR_SUCCESS &&
+               Create(u"L") == ERROR_ACCESS_DENIED;
+    };
+    EXPECT_TRUE(test::HoldsForUser(65534, 65534, [&] { return open(KEY_READ) == 5; }));
+    for (const char* file : {"", "registry"}) chmod(Path(file).c_str(), 0755);
+    for (const char* end : {"", "-wal", "-shm"}) chmod(Path(kStore + end).c_str(), 0644);
+    EXPECT_TRUE(test::HoldsForUser(65534, 65534, answers));
+    struct stat info;
+    EXPECT_EQ(stat(Path(kStore).c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, mode_t{0644});
+}
+
+// A name without a slash in front begins where the process is.
 TEST_F(RegFiles, TheRootIsTheFolderThatTheEnvironmentNames) {
     WCHAR buffer[300];
-    const DWORD length = QvHostRoot(buffer, 300);
-    const std::u16string expected(root_.Folder().begin(), root_.Folder().end());
-    EXPECT_EQ(std::u16string(buffer, length), expected);
-    EXPECT_EQ(QvHostRoot(buffer, length), length + 1);
+    const auto root = [&buffer] {
+        const std::u16string name(buffer, QvHostRoot(buffer, 300));
+        return std::string(name.begin(), name.end());
+    };
+    EXPECT_EQ(root(), root_.Folder());
+    EXPECT_EQ(QvHostRoot(buffer, 3), root_.Folder().size() + 1);
+    setenv("QV_HOST_ROOT", "./sub/", 1);
+    EXPECT_EQ(root(), std::filesystem::current_path().string() + "/sub");
+    setenv("QV_HOST_ROOT", root_.Folder().c_str(), 1);
 }
 
 }  // namespace

@@ -78,6 +78,16 @@ TEST_F(Registry, KeysCompareWithoutCaseKeepTheirSpellingAndLieInOrder) {
         RegCloseKey(Create(key_, name));
     }
     EXPECT_EQ(Open(key_, TEXT("\u00E4RGER-\u0436")), ERROR_SUCCESS);
+    // Dotless i and long s are no I and no S, nor micro sign and final sigma what they look like.
+    for (const WCHAR* name : {TEXT("\u0131"), TEXT("\u017F"), TEXT("\u00B5"), TEXT("\u03C2")}) {
+        RegCloseKey(Create(key_, name));
+    }
+    for (const WCHAR* name : {TEXT("I"), TEXT("S"), TEXT("\u03BC"), TEXT("\u03C3")}) {
+        EXPECT_EQ(Open(key_, name), ERROR_FILE_NOT_FOUND);
+    }
+    for (const WCHAR* name : {TEXT("\u0131"), TEXT("\u017F"), TEXT("\u00B5"), TEXT("\u03C2")}) {
+        RegDeleteTreeW(key_, name);
+    }
     EXPECT_EQ(Names(true), TEXT("Aa m zz \u00C4rger-\u0416 "));
     WCHAR name[3];
     for (DWORD size : {1u, 2u}) {

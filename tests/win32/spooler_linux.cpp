@@ -20,6 +20,8 @@ namespace {
 
 using Bytes = std::vector<BYTE>;
 
+const std::u16string kPrinters = u"SYSTEM\\CurrentControlSet\\Control\\Print\\Printers\\";
+
 std::u16string Text(LPCWSTR text) {
     return text;
 }
@@ -84,6 +86,13 @@ TEST_F(Spooler, OpensPrintersByNameAndRefusesTheRest) {
     EXPECT_NE(printer, nullptr);
     EXPECT_TRUE(ClosePrinter(printer));
     EXPECT_EQ(ErrorUnless(ClosePrinter(printer)), DWORD{ERROR_INVALID_HANDLE});
+    // As it is listed, whatever its key is named.
+    test::TestKey(HKEY_LOCAL_MACHINE, kPrinters + u",,srv,a").Set(u"Name", u"\\\\srv\\a");
+    for (const char16_t* name : {u"\\\\SRV\\a", u",,srv,a", u"plain one"}) {
+        const HANDLE listed = Open(name);
+        EXPECT_EQ(Get(listed, 2).empty(), false);
+        EXPECT_TRUE(ClosePrinter(listed));
+    }
     for (const char16_t* name : {u"None", u"", u"Fax\\Jobs"}) {
         EXPECT_EQ(ErrorUnless(Open(name)), DWORD{ERROR_INVALID_PRINTER_NAME});
     }

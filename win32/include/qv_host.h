@@ -5,7 +5,8 @@
 #include "minwindef.h"
 
 // The host root's folder, a name of this host's file system. Returns the characters written without
-// the terminator, or the size that is needed with it when `size` is too small.
+// the terminator, or the size that is needed with it when `size` is too small; 0 with the last
+// error when there is none.
 QV_HOST_API DWORD QvHostRoot(LPWSTR buffer, DWORD size);
 
 // The path of this host that a Windows file name means, whether or not it exists, in UTF-8. Returns

@@ -133,6 +133,8 @@ bool OutputHasNoReader() {
 std::vector<std::string> PrepareConsole(int argc, char** argv) {
     // A closed pipe is an error of the write, so that what the program has begun is ended properly.
     std::signal(SIGPIPE, SIG_IGN);
+    // The host has said why.
+    if (HostRoot().empty()) throw Failure("", ExitCode::kCannotOpen);
     return {argv, argv + argc};
 }
 

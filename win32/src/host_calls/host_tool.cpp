@@ -159,6 +159,10 @@ void WriteOut(const std::string& text, LPCWSTR file) {
 }  // namespace
 
 DWORD QvHostRoot(LPWSTR buffer, DWORD size) {
+    if (!HasHostRoot()) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return 0;
+    }
     return CopyOut(FromUtf8(HostRoot()), buffer, size);
 }
 

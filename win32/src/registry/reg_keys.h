@@ -15,7 +15,7 @@ class RegKey {
   public:
     explicit RegKey(std::int64_t id, std::u16string_view name = {}) : id_(id), name_(name) {}
     // One that holds nothing.
-    static RegKey None() { return RegKey(0); }
+    static RegKey None() { return RegKey(-1); }
 
     std::int64_t Id() const { return id_; }
     const std::u16string& Name() const { return name_; }

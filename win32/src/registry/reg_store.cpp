@@ -74,6 +74,7 @@ RegStore::RegStore() {
 
 void RegStore::FindPath() {
     if (host_root_.StillHolds() && !path_.empty()) return;
+    if (!HasHostRoot()) throw RegError{ERROR_PATH_NOT_FOUND, {}};
     std::string path = HostRoot() + "/registry/registry.db";
     if (path == path_) return;
     Close();

@@ -166,11 +166,14 @@ std::string Locate(const std::string& root, const std::vector<std::string>& part
 }
 
 // On Windows the root of a drive always exists, so it is made here.
-void MakeDriveC() {
+DWORD MakeDriveC() {
     const std::string drive = DriveC();
+    int error = 0;
     for (std::size_t end = drive.find('/', 1);; end = drive.find('/', end + 1)) {
-        mkdir(drive.substr(0, end).c_str(), 0700);
-        if (end == std::string::npos) return;
+        const bool made = mkdir(drive.substr(0, end).c_str(), 0700) == 0 || errno == EEXIST;
+        if (!made && errno != ENOENT) error = errno;
+        if (end != std::string::npos) continue;
+        return made ? DWORD{NO_ERROR} : ErrorFromErrno(error == 0 ? ENOENT : error);
     }
 }
 
@@ -202,7 +205,8 @@ HostPath ToHostPath(LPCWSTR text) {
         if (result.error == NO_ERROR) result.error = AddName(name, base.parts);
     }
     if (result.error != NO_ERROR) return result;
-    if (!base.root.empty() && !Exists(base.root)) MakeDriveC();
+    if (!base.root.empty() && !Exists(base.root)) result.error = MakeDriveC();
+    if (result.error != NO_ERROR) return result;
     result.is_drive_root = base.parts.empty();
     result.path = Locate(base.root, base.parts);
     return result;

@@ -3,35 +3,77 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <cstdio>
+#include <filesystem>
+
 #include "root/environment.h"
 
 namespace host {
 namespace {
 
-std::string AbsoluteFromEnvironment(const char* name) {
-    std::string path = EnvironmentText(name);
-    if (!path.starts_with('/')) path.clear();
+// Below it nobody can make anything.
+constexpr char kNowhere[] = "/dev/null";
+
+std::string WithoutEnd(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;
 }
 
+std::string AbsoluteFromEnvironment(const char* name) {
+    const std::string path = EnvironmentText(name);
+    return path.starts_with('/') ? WithoutEnd(path) : "";
+}
+
+// The current folder when it was asked for first: a program that goes elsewhere keeps its registry.
+const std::string& StartFolder() {
+    static const std::string& folder = *new std::string([] {
+        std::error_code ignored;
+        return std::filesystem::current_path(ignored).string();
+    }());
+    return folder;
+}
+
+std::string Chosen() {
+    const std::string path = WithoutEnd(EnvironmentText("QV_HOST_ROOT"));
+    if (path.empty() || path.starts_with('/')) return path;
+    return (std::filesystem::path(StartFolder()) / path).lexically_normal();
+}
+
+void SayThatThereIsNoRoot() {
+    static const bool said = std::fprintf(stderr,
+                                          "qv_rtl: no folder for registry and files: QV_HOST_ROOT "
+                                          "and HOME are not set, and user %u has no entry\n",
+                                          unsigned{getuid()}) > 0;
+    static_cast<void>(said);
+}
+
 std::string Home() {
-    const std::string home = AbsoluteFromEnvironment("HOME");
-    if (!home.empty()) return home;
+    const std::string chosen = AbsoluteFromEnvironment("HOME");
+    if (!chosen.empty()) return chosen;
     char buffer[4096];
     passwd entry;
     passwd* found = nullptr;
     getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &found);
-    return found == nullptr ? "/tmp" : entry.pw_dir;
+    const std::string home = found == nullptr ? "" : WithoutEnd(entry.pw_dir);
+    return home.starts_with('/') ? home : "";
 }
 
 }  // namespace
 
 std::string HostRoot() {
-    const std::string chosen = AbsoluteFromEnvironment("QV_HOST_ROOT");
+    const std::string chosen = Chosen();
     if (!chosen.empty()) return chosen;
-    const std::string state = AbsoluteFromEnvironment("XDG_STATE_HOME");
-    return (state.empty() ? Home() + "/.local/state" : state) + "/qv_rtl";
+    std::string state = AbsoluteFromEnvironment("XDG_STATE_HOME");
+    if (state.empty()) {
+        const std::string home = Home();
+        if (home.empty()) SayThatThereIsNoRoot();
+        state = home.empty() ? kNowhere : home + "/.local/state";
+    }
+    return state + "/qv_rtl";
+}
+
+bool HasHostRoot() {
+    return !HostRoot().starts_with(kNowhere);
 }
 
 bool HostRootKey::StillHolds() {
@@ -44,7 +86,7 @@ bool HostRootKey::StillHolds() {
             holds = false;
         }
         // When this variable names a folder, the variables behind it do not matter.
-        if (now.starts_with('/')) break;
+        if (now.starts_with('/') || (i == 0 && !now.empty())) break;
     }
     is_set_ = true;
     return holds;

@@ -13,11 +13,16 @@ namespace host {
 
 UniqueFd OpenRuntimeDirectory(const char* name) {
     const std::string run = HostRoot() + "/run";
-    std::error_code ignored;
-    std::filesystem::create_directories(HostRoot(), ignored);
-    mkdir(run.c_str(), 0700);
+    std::error_code error;
+    std::filesystem::create_directories(HostRoot(), error);
+    if (error) {
+        errno = error.value();
+        return UniqueFd();
+    }
     const std::string folder = run + '/' + name;
-    mkdir(folder.c_str(), 0700);
+    for (const std::string& made : {run, folder}) {
+        if (mkdir(made.c_str(), 0700) != 0 && errno != EEXIST) return UniqueFd();
+    }
     return UniqueFd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
 }
 

@@ -49,9 +49,8 @@ std::vector<Job> JobsOf(const RegKey& printer) {
 
 // What a job's record tells of its printer.
 struct JobPrinter {
-    explicit JobPrinter(const RegKey& key) : JobPrinter(key, PrintValues(key)) {}
-    JobPrinter(const RegKey& key, const PrintValues& values)
-        : name(PrinterName(key, values)), driver(TextValue(values, u"Printer Driver")) {}
+    explicit JobPrinter(const RegKey& key)
+        : name(PrinterName(key)), driver(TextValue(PrintValues(key), u"Printer Driver")) {}
     std::u16string name, driver;
 };
 
@@ -100,7 +99,7 @@ template <class Record>
 BOOL GetOne(const OpenPrinter& printer, DWORD id, LPBYTE buffer, DWORD size, LPDWORD needed) {
     RecordBuffer<Record> records;
     bool found = false;
-    const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
+    const LSTATUS code = ReadPrinterKey(printer.Key(), [&](const RegKey& key) {
         for (const Job& job : JobsOf(key)) {
             if (found || job.id != id) continue;
             AddJob(JobPrinter(key), job, records);
@@ -115,7 +114,7 @@ template <class Record>
 BOOL GetSome(const OpenPrinter& printer, DWORD first, DWORD limit, LPBYTE buffer, DWORD size,
              LPDWORD needed, LPDWORD count) {
     RecordBuffer<Record> records;
-    const LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
+    const LSTATUS code = ReadPrinterKey(printer.Key(), [&](const RegKey& key) {
         const std::vector<Job> jobs = JobsOf(key);
         const JobPrinter printer_facts(key);
         for (std::size_t i = first; i < jobs.size() && i - first < limit; ++i) {

@@ -20,6 +20,26 @@ std::u16string Units(const std::vector<BYTE>& data) {
     return text;
 }
 
+std::u16string TextOf(const RegValue& value) {
+    if (value.type != REG_SZ && value.type != REG_EXPAND_SZ) return {};
+    std::u16string text = Units(value.data);
+    text.resize(std::min(text.find(u'\0'), text.size()));
+    return text;
+}
+
+// Names of keys have no backslashes: as on Windows, commas stand in their place.
+std::optional<RegKey> FindPrinter(const RegKey& printers, std::u16string_view name) {
+    std::u16string key_name(name);
+    std::ranges::replace(key_name, u'\\', u',');
+    if (auto key = printers.FindKey(key_name)) {
+        if (key_name == name || SameFileName(PrinterName(*key), name)) return key;
+    }
+    for (const RegKey& key : printers.Keys()) {
+        if (SameFileName(PrinterName(key), name)) return key;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 // These are never destroyed: the spooler may be asked while the process exits.
@@ -64,7 +84,7 @@ LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const Reg
     bool found = false;
     const LSTATUS code =
         ReadPrintKey(HKEY_LOCAL_MACHINE, PrintersPath(), [&](const RegKey& printers) {
-            const std::optional<RegKey> key = printers.FindKey(printer);
+            const std::optional<RegKey> key = FindPrinter(printers, printer);
             found = key.has_value();
             if (found) read(*key);
         });
@@ -74,14 +94,12 @@ LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const Reg
 std::u16string TextValue(const PrintValues& key, std::u16string_view name) {
     const RegValue* value = key.Find(name, REG_SZ);
     if (value == nullptr) value = key.Find(name, REG_EXPAND_SZ);
-    if (value == nullptr) return {};
-    std::u16string text = Units(value->data);
-    text.resize(std::min(text.find(u'\0'), text.size()));
-    return text;
+    return value == nullptr ? std::u16string() : TextOf(*value);
 }
 
-std::u16string PrinterName(const RegKey& key, const PrintValues& values) {
-    const std::u16string name = TextValue(values, u"Name");
+std::u16string PrinterName(const RegKey& key) {
+    const std::optional<RegValue> value = key.FindValue(u"Name");
+    const std::u16string name = value ? TextOf(*value) : std::u16string();
     return name.empty() ? key.Name() : name;
 }
 

@@ -27,7 +27,8 @@ inline constexpr WCHAR kDriverFolder[] = u"C:\\Windows\\System32\\spool\\drivers
 // Runs `read` on the key at `path` below a root, in one snapshot; a missing key reads as an empty
 // one. The code is the registry's.
 LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read);
-// Runs `read` on a printer's key; ERROR_INVALID_PRINTER_NAME when there is none.
+// Runs `read` on the key of a printer, which may be named by its key or as it is listed;
+// ERROR_INVALID_PRINTER_NAME when there is none.
 LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read);
 
 // All values of a key, read at once.
@@ -44,7 +45,7 @@ class PrintValues {
 // A REG_SZ or REG_EXPAND_SZ value up to its first zero character; else empty.
 std::u16string TextValue(const PrintValues& key, std::u16string_view name);
 // The name under which a printer is listed: its value Name, else its key's name.
-std::u16string PrinterName(const RegKey& key, const PrintValues& values);
+std::u16string PrinterName(const RegKey& key);
 // The texts of a REG_MULTI_SZ value.
 std::vector<std::u16string> TextsValue(const PrintValues& key, std::u16string_view name);
 DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallback = 0);

@@ -12,13 +12,18 @@ namespace host {
 class OpenPrinter : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kPrinter;
-    OpenPrinter(std::u16string name, bool may_administer)
-        : HandleObject(kKind), name_(std::move(name)), may_administer_(may_administer) {}
+    OpenPrinter(std::u16string key, std::u16string name, bool may_administer)
+        : HandleObject(kKind),
+          key_(std::move(key)),
+          name_(std::move(name)),
+          may_administer_(may_administer) {}
+    // Of its key, and the one under which it is listed.
+    const std::u16string& Key() const { return key_; }
     const std::u16string& Name() const { return name_; }
     bool MayAdminister() const { return may_administer_; }
 
   private:
-    const std::u16string name_;
+    const std::u16string key_, name_;
     const bool may_administer_;
 };
 

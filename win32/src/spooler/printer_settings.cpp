@@ -18,7 +18,7 @@ LONG Refuse(DWORD code) {
 // The block that the printer starts from: the user's, else the printer's own. It may be empty.
 LSTATUS StartingBlock(const OpenPrinter& printer, std::vector<BYTE>& block) {
     std::vector<BYTE> of_printer;
-    LSTATUS code = ReadPrinterKey(printer.Name(), [&](const RegKey& key) {
+    LSTATUS code = ReadPrinterKey(printer.Key(), [&](const RegKey& key) {
         of_printer = BlockValue(PrintValues(key), u"Default DevMode");
     });
     if (code == ERROR_SUCCESS) code = ReadUserBlock(printer.Name(), block);
@@ -42,7 +42,7 @@ DWORD GetPrinterDataW(HANDLE printer, LPWSTR name, LPDWORD type, LPBYTE data, DW
     if (!open) return ERROR_INVALID_HANDLE;
     if (name == nullptr || !BufferIsGiven(data, size, needed)) return ERROR_INVALID_PARAMETER;
     DWORD outcome = ERROR_FILE_NOT_FOUND;
-    const LSTATUS code = ReadPrinterKey(open->Name(), [&](const RegKey& key) {
+    const LSTATUS code = ReadPrinterKey(open->Key(), [&](const RegKey& key) {
         const std::optional<RegKey> values = key.FindKey(u"PrinterDriverData");
         const auto value = values ? values->FindValue(name) : std::nullopt;
         if (value) outcome = HandOutData(*value, type, data, size, needed);

@@ -57,7 +57,8 @@ void AddPrinter(const RegKey& key, Printers& printers) {
     PRINTER_INFO_2W& record = printers.Add();
     for (const NumberRow& row : kNumbers) record.*row.member = NumberValue(values, row.name);
     record.cJobs = CountJobs(key);
-    printers.Text(&PRINTER_INFO_2W::pPrinterName, PrinterName(key, values));
+    const std::u16string name = TextValue(values, u"Name");
+    printers.Text(&PRINTER_INFO_2W::pPrinterName, name.empty() ? key.Name() : name);
     for (const TextRow& row : kTexts) printers.Text(row.member, TextValue(values, row.name));
     printers.Block(&PRINTER_INFO_2W::pDevMode, BlockValue(values, kDefaultBlock));
 }
@@ -65,7 +66,7 @@ void AddPrinter(const RegKey& key, Printers& printers) {
 // A user without a block of this printer gets none, even when the printer has a default.
 BOOL GetUserBlock(const OpenPrinter& printer, LPBYTE buffer, DWORD size, LPDWORD needed) {
     std::vector<BYTE> block;
-    LSTATUS code = ReadPrinterKey(printer.Name(), [](const RegKey&) {});
+    LSTATUS code = ReadPrinterKey(printer.Key(), [](const RegKey&) {});
     if (code == ERROR_SUCCESS) code = ReadUserBlock(printer.Name(), block);
     if (code != ERROR_SUCCESS) return Succeeded(code);
     RecordBuffer<PRINTER_INFO_9W> records;
@@ -78,7 +79,7 @@ BOOL GetUserBlock(const OpenPrinter& printer, LPBYTE buffer, DWORD size, LPDWORD
 LSTATUS SetUserBlock(const OpenPrinter& printer, const DEVMODEW* block) {
     const std::size_t size = block == nullptr ? 0 : BlockSize(block);
     if (block != nullptr && size == 0) return ERROR_INVALID_PARAMETER;
-    const LSTATUS found = ReadPrinterKey(printer.Name(), [](const RegKey&) {});
+    const LSTATUS found = ReadPrinterKey(printer.Key(), [](const RegKey&) {});
     if (found != ERROR_SUCCESS) return found;
     return ChangeKey(HKEY_CURRENT_USER, 0, [&](const KeyContext& on) -> LSTATUS {
         const RegPath& path = UserBlocksPath();
@@ -107,7 +108,8 @@ void SetNumber(const RegKey& key, const WCHAR* name, DWORD number) {
 LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record,
                      const RegKey& machine) {
     if (!printer.MayAdminister()) return ERROR_ACCESS_DENIED;
-    if (record.pPrinterName != nullptr && !SameFileName(record.pPrinterName, printer.Name())) {
+    if (record.pPrinterName != nullptr && !SameFileName(record.pPrinterName, printer.Name()) &&
+        !SameFileName(record.pPrinterName, printer.Key())) {
         return ERROR_NOT_SUPPORTED;
     }
     if (record.pDevMode != nullptr && BlockSize(record.pDevMode) == 0) {
@@ -123,7 +125,7 @@ LSTATUS CheckPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record,
 LSTATUS SetPrinter(const OpenPrinter& printer, const PRINTER_INFO_2W& record) {
     return ChangeKey(HKEY_LOCAL_MACHINE, 0, [&](const KeyContext& on) -> LSTATUS {
         const std::optional<RegKey> printers = on.key.FindPath(PrintersPath());
-        const auto key = printers ? printers->FindKey(printer.Name()) : std::nullopt;
+        const auto key = printers ? printers->FindKey(printer.Key()) : std::nullopt;
         if (!key) return ERROR_INVALID_PRINTER_NAME;
         const LSTATUS code = CheckPrinter(printer, record, on.key);
         if (code != ERROR_SUCCESS) return code;
@@ -148,12 +150,13 @@ BOOL OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults) {
     *printer = nullptr;
     const DWORD access = defaults == nullptr ? DWORD{PRINTER_ACCESS_USE} : defaults->DesiredAccess;
     if ((access & ~kGrantedRights) != 0) return Fail(ERROR_ACCESS_DENIED);
-    std::u16string spelling;
-    const LSTATUS code =
-        ReadPrinterKey(ViewOf(name), [&](const RegKey& key) { spelling = key.Name(); });
+    std::unique_ptr<OpenPrinter> open;
+    const LSTATUS code = ReadPrinterKey(ViewOf(name), [&](const RegKey& key) {
+        open = std::make_unique<OpenPrinter>(key.Name(), PrinterName(key),
+                                             (access & kAdministerRights) != 0);
+    });
     if (code != ERROR_SUCCESS) return Succeeded(code);
-    *printer =
-        OpenHandle(std::make_unique<OpenPrinter>(spelling, (access & kAdministerRights) != 0));
+    *printer = OpenHandle(std::move(open));
     return *printer != nullptr ? TRUE : FALSE;
 }
 
@@ -170,7 +173,7 @@ BOOL GetPrinterW(HANDLE printer, DWORD level, LPBYTE buffer, DWORD size, LPDWORD
     if (level != 2) return Fail(ERROR_INVALID_LEVEL);
     Printers printers;
     const LSTATUS code =
-        ReadPrinterKey(open->Name(), [&](const RegKey& key) { AddPrinter(key, printers); });
+        ReadPrinterKey(open->Key(), [&](const RegKey& key) { AddPrinter(key, printers); });
     return Succeeded(code) ? printers.Deliver(buffer, size, needed, nullptr) : FALSE;
 }
 

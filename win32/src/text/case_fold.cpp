@@ -13,8 +13,10 @@ char16_t FoldFileNameUnit(char16_t unit) {
     }
     static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
     if (unicode == nullptr) return unit;
+    // Only letters that are each other's form: dotless i and long s are no I and no S here.
     const wint_t upper = towupper_l(unit, unicode);
-    return upper <= 0xFFFF ? static_cast<char16_t>(upper) : unit;
+    return upper <= 0xFFFF && towlower_l(upper, unicode) == unit ? static_cast<char16_t>(upper)
+                                                                 : unit;
 }
 
 bool SameFileName(std::u16string_view a, std::u16string_view b) {
