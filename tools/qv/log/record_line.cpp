@@ -1,5 +1,6 @@
 #include "log/record_line.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -51,6 +52,21 @@ void AddNumber(std::string& out, const char* before, std::int64_t number) {
     const auto done = std::to_chars(std::begin(text), std::end(text), number);
     out += before;
     out.append(text, done.ptr);
+}
+
+// A text of JSON, or null. Most texts hold nothing to escape.
+void AddQuoted(std::string& out, const char* before, const std::string& text, bool known = true) {
+    const auto is_plain = [](char c) {
+        return static_cast<unsigned char>(c) >= 0x20 && c != '"' && c != '\\';
+    };
+    out += before;
+    if (!known) {
+        out += "null";
+    } else if (std::all_of(text.begin(), text.end(), is_plain)) {
+        out.append(1, '"').append(text).append(1, '"');
+    } else {
+        out += Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+    }
 }
 
 // What UnicodeString::TrimRight leaves.
@@ -128,19 +144,22 @@ void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record) {
     const bool label = block || record.dataLabel.Length() > 0;
     const std::string_view time = time_.Of(TimeOf(record));
     const std::int64_t session = SessionOf(record);
-    Json object = {{"schema", kJsonSchema}};
-    object["time"] = time.empty() ? Json() : Json(time);
-    object["level"] = LevelName(record.level);
-    object["pid"] = record.processId;
-    object["tid"] = record.threadId;
-    object["session"] = session < 0 ? Json() : Json(session);
-    object["source"] = Text(record.source);
-    object["line"] = record.line;
-    object["text"] = Text(record.text);
-    object["label"] = label ? Text(record.dataLabel) : Json();
-    object["data"] = block ? Json(Hex(record)) : Json();
-    out += object.dump(-1, ' ', false, Json::error_handler_t::replace);
-    out += '\n';
+    AddNumber(out, R"({"schema":)", kJsonSchema);
+    AddQuoted(out, R"(,"time":)", std::string(time), !time.empty());
+    AddQuoted(out, R"(,"level":)", LevelName(record.level));
+    AddNumber(out, R"(,"pid":)", record.processId);
+    AddNumber(out, R"(,"tid":)", record.threadId);
+    if (session < 0) {
+        out += R"(,"session":null)";
+    } else {
+        AddNumber(out, R"(,"session":)", session);
+    }
+    AddQuoted(out, R"(,"source":)", ToUtf8(record.source));
+    AddNumber(out, R"(,"line":)", record.line);
+    AddQuoted(out, R"(,"text":)", ToUtf8(record.text));
+    AddQuoted(out, R"(,"label":)", ToUtf8(record.dataLabel), label);
+    AddQuoted(out, R"(,"data":)", Hex(record), block);
+    out += "}\n";
 }
 
 void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record) {
