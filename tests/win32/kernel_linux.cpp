@@ -1,7 +1,5 @@
 // What only the Linux host states: message texts, debugger output, some conversions.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <windows.h>
 
 #include <cstdarg>
@@ -44,15 +42,6 @@ TEST(KernelOfThisHost, DebuggerOutputGoesToTheNamedFile) {
     std::ostringstream text;
     text << std::ifstream(file).rdbuf();
     EXPECT_EQ(text.str(), "one \xC3\xA9\ntwo\r\n");
-}
-
-TEST(KernelOfThisHost, AForkedChildHasAThreadIdOfItsOwn) {
-    ASSERT_EQ(GetCurrentThreadId(), static_cast<DWORD>(gettid()));
-    const pid_t child = fork();
-    if (child == 0) _exit(GetCurrentThreadId() == static_cast<DWORD>(gettid()) ? 0 : 1);
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
 }
 
 TEST(KernelOfThisHost, ConversionsThatEachHostHasItsOwnOf) {

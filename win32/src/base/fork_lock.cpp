@@ -44,15 +44,25 @@ bool IsOwn(const Known& known) {
     return known.owner != nullptr && known.owner->load() == pthread_self();
 }
 
-// Takes all locks that are free. Returns one that is not, or null.
-ForkLock* TakeFree(KnownLocks& all) {
-    ForkLock* missing = nullptr;
-    for (auto& [lock, known] : all.locks) {
-        if (known.taken || IsOwn(known)) continue;
-        known.taken = lock->try_lock();
-        if (!known.taken) missing = lock;
+// A busy lock is free for short moments only: many tries in a row look for one.
+bool TakeSoon(ForkLock& lock) {
+    constexpr int kTriesInARow = 100;
+    for (int i = 0; i < kTriesInARow; ++i) {
+        if (lock.try_lock()) return true;
+        sched_yield();
     }
-    return missing;
+    return false;
+}
+
+// Takes all locks that can be had; false when one is missing.
+bool Take(KnownLocks& all) {
+    bool complete = true;
+    for (auto& [lock, known] : all.locks) {
+        if (IsOwn(known)) continue;
+        known.taken = TakeSoon(*lock);
+        complete = complete && known.taken;
+    }
+    return complete;
 }
 
 void Release(KnownLocks& all) {
@@ -60,21 +70,6 @@ void Release(KnownLocks& all) {
         if (known.taken) lock->unlock();
         known.taken = false;
     }
-}
-
-// Waits for one lock while no other is held, so that its holder can take others. A busy lock is
-// free for short moments only: many tries in a row look for one.
-bool TakeBy(ForkLock& lock, Clock::time_point deadline) {
-    constexpr int kTriesInARow = 100;
-    constexpr timespec kPause = {0, 20'000};
-    while (Clock::now() < deadline) {
-        for (int i = 0; i < kTriesInARow; ++i) {
-            if (lock.try_lock()) return true;
-            sched_yield();
-        }
-        nanosleep(&kPause, nullptr);
-    }
-    return false;
 }
 
 }  // namespace
@@ -100,15 +95,18 @@ void ForgetLock(ForkLock& lock) {
     all.locks.erase(&lock);
 }
 
+// Between two rounds nothing is held: the holder of a missing lock may need another one, or use one
+// for the first time.
 void TakeAllLocks() {
+    constexpr timespec kPause = {0, 20'000};
     const auto deadline = Clock::now() + std::chrono::seconds(1);
     KnownLocks& all = All();
-    all.mutex.lock();
-    std::erase_if(all.locks, [](const auto& entry) { return !IsThere(entry.first); });
-    while (ForkLock* const missing = TakeFree(all)) {
-        if (Clock::now() >= deadline) return;
+    for (;; nanosleep(&kPause, nullptr)) {
+        all.mutex.lock();
+        std::erase_if(all.locks, [](const auto& entry) { return !IsThere(entry.first); });
+        if (Take(all) || Clock::now() >= deadline) return;
         Release(all);
-        all.locks[missing].taken = TakeBy(*missing, deadline);
+        all.mutex.unlock();
     }
 }
 
