@@ -5,7 +5,7 @@ set(CPACK_PACKAGE_CONTACT "Halvorn <vantrel@halvorn.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Shared runtime library of the Vantrel fax printer")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_SOURCE_DIR}/build/packages)
-set(CPACK_COMPONENTS_ALL library development tool)
+set(CPACK_COMPONENTS_ALL library development tool documentation)
 set(CPACK_VERBATIM_VARIABLES ON)
 
 if(WIN32)
@@ -21,24 +21,33 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  # qv_debian(COMPONENT PACKAGE SECTION DEPENDS SYNOPSIS TEXT)
+  macro(qv_debian component package section depends synopsis text)
+    set(CPACK_DEBIAN_${component}_PACKAGE_NAME ${package})
+    set(CPACK_DEBIAN_${component}_PACKAGE_SECTION ${section})
+    set(CPACK_DEBIAN_${component}_PACKAGE_DEPENDS "${depends}")
+    set(CPACK_DEBIAN_${component}_DESCRIPTION "${synopsis}\n ${text}")
+  endmacro()
   set(library libqv-rtl${PROJECT_VERSION_MAJOR})
-  set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library})
-  set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+  set(same_version "${library} (= ${PROJECT_VERSION})")
+  qv_debian(LIBRARY ${library} libs "" "runtime library of the Vantrel fax printer"
+    "Strings, lists, XML, the log that all processes share and the settings of the\n printer driver, with the layer that stands for Windows on this host.")
+  qv_debian(DEVELOPMENT libqv-rtl-dev libdevel "${same_version}" "runtime library of the Vantrel fax printer - development files"
+    "Headers, what CMake, pkg-config and debuggers need, the XML schemas, and the\n modules for C# and PowerShell.")
+  qv_debian(TOOL qv utils "${same_version}" "command-line tool of the Vantrel fax printer"
+    "Shows, changes, compares and checks printers and their settings, takes changes\n back, and reads the log that all processes share.")
+  qv_debian(PYTHON python3-qv-rtl python "${library} (>= ${PROJECT_VERSION}), python3" "runtime library of the Vantrel fax printer - Python module"
+    "Text commands and XML requests for Python.")
+  qv_debian(DOCUMENTATION qv-rtl-doc doc "" "runtime library of the Vantrel fax printer - documentation"
+    "The pages for module developers, tool authors, administrators and support\n engineers, and examples in each language.")
+  foreach(component PYTHON DOCUMENTATION)
+    set(CPACK_DEBIAN_${component}_PACKAGE_ARCHITECTURE all)
+    set(CPACK_DEBIAN_${component}_DEBUGINFO_PACKAGE OFF)
+    set(CPACK_DEBIAN_${component}_PACKAGE_SHLIBDEPS OFF)
+  endforeach()
   set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-  set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "Shared runtime library of the Vantrel fax printer
- Strings, lists, XML, the shared log and the settings of the printer driver, with its host layer.")
-
-  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqv-rtl-dev)
-  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-  set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
-  set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers of the Vantrel runtime library
- Also what CMake, pkg-config and debuggers need.")
-
-  set(CPACK_DEBIAN_TOOL_PACKAGE_NAME qv)
-  set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
-  set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
-  set(CPACK_COMPONENT_TOOL_DESCRIPTION "Command line tool of the Vantrel fax printer
- Printers and their settings, XML requests and the shared log.")
+  set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/package/ldconfig_trigger.cmake)
 endif()
 include(cmake/package_texts.cmake)
 include(CPack)

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr std::string_view kLookingVerbs[] = {"bundle", "completion", "doctor", "log", "man"};
+constexpr std::string_view kLookingVerbs[] = {"bundle", "completion", "doctor",
+                                              "help",   "log",        "man"};
 constexpr std::string_view kLookingOptions[] = {"--help", "--help-all", "--version", "-h"};
 
 template <std::size_t N>

@@ -1,9 +1,11 @@
-// qv completion, qv man: what other programs need to know of the command line.
+// qv completion, qv man, qv help: what other programs need to know of the command line.
 #include <map>
 #include <memory>
 
 #include "base/commands.h"
 #include "base/console.h"
+#include "base/files.h"
+#include "base/suggestion.h"
 #include "completion/writers.h"
 
 namespace qv {
@@ -26,6 +28,53 @@ std::vector<std::string> ShellNames() {
     return names;
 }
 
+// The page of the command that the words name; the whole manual without any.
+std::string Page(const CLI::App& app, const std::vector<std::string>& words,
+                 decltype(&ManPage) write) {
+    const Tree tree = CommandTree(app);
+    const std::string topic = Joined(words, " ");
+    std::string page = write(tree, topic.empty() ? app.get_name() : app.get_name() + " " + topic);
+    if (!page.empty()) return page;
+    std::vector<std::string> known;
+    for (auto entry = tree.begin() + 1; entry != tree.end(); ++entry)
+        known.push_back(entry->path.substr(app.get_name().size() + 1));
+    throw Failure("no page on '" + topic + "'" + Suggestion(topic, known), ExitCode::kWrongUsage);
+}
+
+// Writes the page of everything, and one for each command below the program.
+void WritePages(const CLI::App& app, const std::string& folder) {
+    const Tree tree = CommandTree(app);
+    std::vector<std::string> paths = {tree.front().path};
+    for (const std::string& name : tree.front().commands)
+        paths.push_back(tree.front().path + " " + name);
+    for (const std::string& path : paths)
+        WriteAll(folder + "/" + PageName(path) + ".1", ManPage(tree, path));
+}
+
+void AddManual(CLI::App& app) {
+    auto folder = std::make_shared<std::string>();
+    auto as_text = std::make_shared<bool>(false);
+    auto words = std::make_shared<std::vector<std::string>>();
+    CLI::App* man = app.add_subcommand(
+        "man", "Write the manual page of qv, or of one command: `qv man log | man -l -`");
+    man->add_flag("--text", *as_text, "As plain text, where there is no `man`");
+    man->add_option("--write", *folder, "Into this folder, a page for each command")
+        ->type_name("FOLDER");
+    man->add_option("COMMAND", *words, "The command's words");
+    man->callback([&app, folder, as_text, words] {
+        if (!folder->empty()) return WritePages(app, *folder);
+        Print(Page(app, *words, *as_text ? PlainPage : ManPage));
+    });
+}
+
+void AddHelp(CLI::App& app) {
+    auto words = std::make_shared<std::vector<std::string>>();
+    CLI::App* help = app.add_subcommand("help", "Show the manual page of a command");
+    help->add_option("TOPIC", *words, "The command's words; without them, what commands there are");
+    help->callback(
+        [&app, words] { Print(words->empty() ? app.help() : Page(app, *words, PlainPage)); });
+}
+
 }  // namespace
 
 void AddCompletionCommands(CLI::App& app) {
@@ -42,10 +91,8 @@ void AddCompletionCommands(CLI::App& app) {
         ->check(CLI::IsMember(ShellNames()));
     completion->callback([&app, shell] { Print(Shells().at(*shell)(CommandTree(app))); });
 
-    auto as_text = std::make_shared<bool>(false);
-    CLI::App* man = app.add_subcommand("man", "Write the manual page of qv: `qv man | man -l -`");
-    man->add_flag("--text", *as_text, "As plain text, where there is no `man`");
-    man->callback([&app, as_text] { Print((*as_text ? PlainPage : ManPage)(CommandTree(app))); });
+    AddManual(app);
+    AddHelp(app);
 }
 
 }  // namespace qv

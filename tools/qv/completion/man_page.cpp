@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "base/console.h"
 #include "completion/writers.h"
 #include "qv_rtl_version.h"
@@ -79,24 +81,39 @@ constexpr const char* kEnvironment =
     ".TP\n\\fBQV_HOST_ROOT\\fR\nThe folder that stands in for a Windows machine; not used on "
     "Windows.\n";
 
+std::string Section(const CommandEntry& command) {
+    std::string text = ".SS " + Plain(command.path) + "\n" + Synopsis(command);
+    text += ".PP\n" + Sentence(Plain(command.description)) + OptionParagraphs(command);
+    return command.footer.empty() ? text : text + ".PP\n" + AsItStands(command.footer);
+}
+
 }  // namespace
 
-std::string ManPage(const Tree& tree) {
-    const CommandEntry& program = tree.front();
-    std::string text = ".TH " + Upper(program.name) + R"( 1 "" ")" + program.name +
+std::string PageName(std::string path) {
+    std::replace(path.begin(), path.end(), ' ', '-');
+    return path;
+}
+
+std::string ManPage(const Tree& tree, const std::string& path) {
+    const auto place = std::find_if(tree.begin(), tree.end(), [&path](const CommandEntry& entry) {
+        return entry.path == path;
+    });
+    if (place == tree.end()) return "";
+    const CommandEntry& subject = *place;
+    const std::string page = PageName(path);
+    std::string text = ".TH " + Upper(page) + R"( 1 "" ")" + tree.front().name +
                        " " QV_RTL_VERSION_TEXT "\" \"User Commands\"\n";
-    text += ".SH NAME\n" + program.name + " \\- " + Plain(program.description) + "\n";
-    text += ".SH SYNOPSIS\n" + Synopsis(program);
-    text += ".SH OPTIONS\n" + OptionParagraphs(program);
-    text += ".SH COMMANDS\n";
-    for (std::size_t i = 1; i < tree.size(); ++i) {
-        const CommandEntry& command = tree[i];
-        text += ".SS " + Plain(command.path) + "\n" + Synopsis(command);
-        text += ".PP\n" + Sentence(Plain(command.description)) + OptionParagraphs(command);
-        if (!command.footer.empty()) text += ".PP\n" + AsItStands(command.footer);
-    }
-    text += ".SH EXIT STATUS\n" + AsItStands(program.footer);
-    return text + kEnvironment;
+    text += ".SH NAME\n" + Plain(page) + " \\- " + Plain(subject.description) + "\n";
+    text += ".SH SYNOPSIS\n" + Synopsis(subject);
+    text += ".SH OPTIONS\n" + OptionParagraphs(subject);
+    const bool whole = place == tree.begin();
+    if (!whole && !subject.footer.empty()) text += ".SH NOTES\n" + AsItStands(subject.footer);
+    std::string commands;
+    for (auto command = place + 1; command != tree.end(); ++command)
+        if (whole || command->path.starts_with(path + " ")) commands += Section(*command);
+    if (!commands.empty()) text += ".SH COMMANDS\n" + commands;
+    text += ".SH EXIT STATUS\n" + AsItStands(tree.front().footer) + kEnvironment;
+    return whole ? text : text + ".SH SEE ALSO\n\\fB" + tree.front().name + "\\fR(1)\n";
 }
 
 }  // namespace qv

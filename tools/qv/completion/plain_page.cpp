@@ -35,8 +35,8 @@ constexpr std::size_t kTextMargin = 4, kTermMargin = 4, kDescriptionMargin = 8;
 
 }  // namespace
 
-std::string PlainPage(const Tree& tree) {
-    std::istringstream page(ManPage(tree));
+std::string PlainPage(const Tree& tree, const std::string& path) {
+    std::istringstream page(ManPage(tree, path));
     std::string text;
     std::string line;
     std::size_t margin = kTextMargin;
@@ -56,7 +56,7 @@ std::string PlainPage(const Tree& tree) {
             text += std::string(margin, ' ') + Unescaped(line) + "\n";
         }
     }
-    return text.substr(1);
+    return text.empty() ? text : text.substr(1);
 }
 
 }  // namespace qv

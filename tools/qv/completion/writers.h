@@ -7,10 +7,13 @@ namespace qv {
 
 using Tree = std::vector<CommandEntry>;
 
-// The manual page as roff source, for section 1.
-std::string ManPage(const Tree& tree);
+// The manual page of a command and those below it as roff source, for section 1; the path of the
+// program itself gives the page of everything. Empty when there is no such command.
+std::string ManPage(const Tree& tree, const std::string& path);
+// The name of that page: "qv-log" for "qv log".
+std::string PageName(std::string path);
 // The same text, laid out already.
-std::string PlainPage(const Tree& tree);
+std::string PlainPage(const Tree& tree, const std::string& path);
 
 // Completion scripts. Names of printers come from `qv printers` at the time of completion.
 std::string BashCompletion(const Tree& tree);

@@ -1,0 +1,16 @@
+# What comes beside the library and the tool: the bindings, the schemas, the pages and the examples.
+set(QV_SHARE_FOLDER ${CMAKE_INSTALL_DATADIR}/qv_rtl)
+install(FILES bindings/csharp/QvRtl.cs DESTINATION ${QV_SHARE_FOLDER}/csharp COMPONENT development)
+install(FILES bindings/powershell/QvRtl.psm1 DESTINATION ${QV_SHARE_FOLDER}/powershell COMPONENT development)
+install(DIRECTORY docs/schema/ DESTINATION ${QV_SHARE_FOLDER}/schema COMPONENT development FILES_MATCHING PATTERN "*.xsd")
+if(WIN32)
+  install(FILES bindings/python/qv_rtl.py DESTINATION ${QV_SHARE_FOLDER}/python COMPONENT development)
+  set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv_rtl)
+else()
+  # Where Debian's Python looks by itself.
+  install(FILES bindings/python/qv_rtl.py DESTINATION lib/python3/dist-packages COMPONENT python)
+  set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv-rtl-doc)
+endif()
+install(FILES README.md SECURITY.md DESTINATION ${QV_PAGES} COMPONENT documentation)
+install(DIRECTORY docs/ DESTINATION ${QV_PAGES}/docs COMPONENT documentation)
+install(DIRECTORY examples samples DESTINATION ${QV_PAGES} COMPONENT documentation PATTERN CMakeLists.txt EXCLUDE)
