@@ -23,6 +23,7 @@ Texts Split(const UnicodeString& parameters) {
     const UnicodeString line = UnicodeString(TEXT("program ")) + parameters;
     int count = 0;
     LPWSTR* const arguments = CommandLineToArgvW(line.t_str(), &count);
+    EXPECT_EQ(Text(arguments[0]), TEXT("program"));
     Texts texts(arguments + 1, arguments + count);
     LocalFree(arguments);
     return texts;

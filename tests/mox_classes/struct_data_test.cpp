@@ -26,6 +26,7 @@ class Pairs : public TW32StructData<Pair> {
 
 TEST(StructData, ThreeStates) {
     Pairs holder;
+    holder.Unique();
     EXPECT_TRUE(holder.IsEmpty() && holder.IsSuccess());
     EXPECT_EQ(holder.Count() + holder.Size(), 0);
     EXPECT_EQ(holder.GetErrorCode(), 0u);

@@ -213,12 +213,10 @@ TEST(Strhlpr, WorksOnReferences) {
 
 namespace {
 
-// Units up to the first 0, compared one by one.
+// Units up to the first 0.
 int PlainOrder(const UnicodeString& a, const UnicodeString& b) {
-    const WCHAR* p = a.t_str();
-    const WCHAR* q = b.t_str();
-    while (*p == *q && *p != 0) ++p, ++q;
-    return *p < *q ? -1 : *p > *q ? 1 : 0;
+    const int order = std::basic_string<WCHAR>(a.t_str()).compare(b.t_str());
+    return order < 0 ? -1 : order > 0;
 }
 
 int PlainPos(const UnicodeString& text, const UnicodeString& sub) {
