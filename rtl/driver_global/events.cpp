@@ -3,7 +3,9 @@
 #include <shellapi.h>
 
 #include <limits>
+#include <utility>
 
+#include "driver_global/argv_split.h"
 #include "driver_global/program_texts.h"
 #include "mox_classes/format/template_string.h"
 #include "mox_classes/text/log_here.h"
@@ -56,21 +58,23 @@ void PostText(HWND window, UINT number, const UnicodeString& text) {
     Mox::LogHere('X', TEXT("DoXmlEvent: a text was not posted: ") + Mox::GetSysError(code, true));
 }
 
-void DeliverText(HWND window, const UnicodeString& message, const TXmlNode& action,
-                 TFillTagsInfo& info) {
-    UINT number = static_cast<UINT>(Sysutils::StrToIntDef(message, 0));
-    if (number == 0) number = RegisterWindowMessageW(message.t_str());
+UnicodeString TextToSend(const TXmlNode& action, TFillTagsInfo& info) {
+    return Filled(FirstText(Attribute(action, TEXT("param_msg")), Attribute(action, TEXT("param"))),
+                  info);
+}
+
+void DeliverText(const TEventAction& plan, const TXmlNode& action) {
+    UINT number = static_cast<UINT>(Sysutils::StrToIntDef(plan.message, 0));
+    if (number == 0) number = RegisterWindowMessageW(plan.message.t_str());
     const int timeout = Sysutils::StrToIntDef(Attribute(action, TEXT("timeout")), kDefaultTimeout);
-    const UnicodeString text = Filled(
-        FirstText(Attribute(action, TEXT("param_msg")), Attribute(action, TEXT("param"))), info);
     if (timeout < 1) {
-        PostText(window, number, text);
+        PostText(plan.window, number, plan.text);
         return;
     }
     COPYDATASTRUCT data;
     DWORD_PTR result = 0;
-    if (!MakeCopyData(number, text, data)) return;
-    SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data), SMTO_NORMAL,
+    if (!MakeCopyData(number, plan.text, data)) return;
+    SendMessageTimeoutW(plan.window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data), SMTO_NORMAL,
                         static_cast<UINT>(timeout), &result);
 }
 
@@ -83,33 +87,62 @@ bool IsBatchFile(const UnicodeString& file) {
     return extension == TEXT(".bat") || extension == TEXT(".cmd");
 }
 
-void StartProgram(const TXmlNode& action, TFillTagsInfo& info) {
-    const UnicodeString verb = FirstText(Filled(Attribute(action, TEXT("op")), info), TEXT("Open"));
-    const UnicodeString file = driver_global::FilledPath(Attribute(action, TEXT("file")), info);
-    if (file.Length() == 0) return;
-    const UnicodeString folder = driver_global::FilledPath(Attribute(action, TEXT("dir")), info);
+std::vector<UnicodeString> ArgumentsOf(const UnicodeString& parameters) {
+    const driver_global::TUnits units(parameters.t_str(),
+                                      static_cast<std::size_t>(parameters.Length()));
+    std::vector<UnicodeString> arguments;
+    for (const auto& argument :
+         driver_global::SplitArguments(units, driver_global::TQuoteRule::Program))
+        arguments.emplace_back(argument.value.c_str());
+    return arguments;
+}
+
+void PlanProgram(const TXmlNode& action, TFillTagsInfo& info, TEventAction& plan) {
+    plan.verb = FirstText(Filled(Attribute(action, TEXT("op")), info), TEXT("Open"));
+    plan.program = driver_global::FilledPath(Attribute(action, TEXT("file")), info);
+    if (plan.program.Length() == 0) return;
+    plan.folder = driver_global::FilledPath(Attribute(action, TEXT("dir")), info);
     const UnicodeString pattern =
         FirstText(Attribute(action, TEXT("param_run")), Attribute(action, TEXT("param")));
-    if (IsBatchFile(file) && driver_global::HoldsCommandUnits(pattern, info)) {
+    plan.refused = IsBatchFile(plan.program) && driver_global::HoldsCommandUnits(pattern, info);
+    if (plan.refused) return;
+    plan.parameters = driver_global::FilledParameters(pattern, info);
+    plan.arguments = ArgumentsOf(plan.parameters);
+}
+
+void StartProgram(const TEventAction& plan, const TXmlNode& action) {
+    if (plan.refused) {
         Mox::LogHere('*', Sysutils::UnicodePrintf(
                               TEXT("DoXmlEvent: '%s' is not started: a value could act as a "
                                    "command of a batch file"),
-                              file));
-        return;
+                              plan.program));
+    } else if (plan.program.Length() > 0) {
+        ShellExecuteW(nullptr, plan.verb.t_str(), plan.program.t_str(), plan.parameters.t_str(),
+                      plan.folder.t_str(),
+                      Sysutils::StrToIntDef(Attribute(action, TEXT("showcmd")), SW_SHOW));
     }
-    const UnicodeString parameters = driver_global::FilledParameters(pattern, info);
-    ShellExecuteW(nullptr, verb.t_str(), file.t_str(), parameters.t_str(), folder.t_str(),
-                  Sysutils::StrToIntDef(Attribute(action, TEXT("showcmd")), SW_SHOW));
+}
+
+TEventAction Plan(const UnicodeString& event_name, const TXmlNode& action, TFillTagsInfo& info) {
+    info.FileNameSafe = false;
+    TEventAction plan;
+    plan.window = FindTarget(Attribute(action, TEXT("win")));
+    plan.message = FirstText(Attribute(action, TEXT("msg")), event_name);
+    if (plan.message.Length() == 0) plan.window = nullptr;
+    if (plan.window != nullptr) {
+        plan.text = TextToSend(action, info);
+    } else {
+        PlanProgram(action, info, plan);
+    }
+    return plan;
 }
 
 void Fire(const UnicodeString& event_name, const TXmlNode& action, TFillTagsInfo& info) {
-    info.FileNameSafe = false;
-    const HWND window = FindTarget(Attribute(action, TEXT("win")));
-    const UnicodeString message = FirstText(Attribute(action, TEXT("msg")), event_name);
-    if (window != nullptr && message.Length() > 0) {
-        DeliverText(window, message, action, info);
+    const TEventAction plan = Plan(event_name, action, info);
+    if (plan.window != nullptr) {
+        DeliverText(plan, action);
     } else {
-        StartProgram(action, info);
+        StartProgram(plan, action);
     }
 }
 
@@ -140,6 +173,23 @@ bool DoXmlEvent(const UnicodeString& event_name, const UnicodeString& descriptio
         Fire(event_name, *events.FRoot->GetChild(i), source);
     }
     return true;
+}
+
+std::vector<TEventAction> PlanXmlEvent(const UnicodeString& event_name,
+                                       const UnicodeString& description, TFillTagsInfo* info) {
+    TXmlDoc events;
+    if (description.Length() == 0 || !events.LoadFromString(description, TEXT("events")))
+        throw UnicodeString(TEXT("the description is empty or not well-formed"));
+    TFillTagsInfo nothing;
+    TFillTagsInfo& source = info != nullptr ? *info : nothing;
+    const TKeepFileNameSafe keep(source);
+    std::vector<TEventAction> actions;
+    for (int i = 0; i < events.FRoot->ChildCount(); ++i) {
+        TEventAction action = Plan(event_name, *events.FRoot->GetChild(i), source);
+        if (action.window != nullptr || action.program.Length() > 0)
+            actions.push_back(std::move(action));
+    }
+    return actions;
 }
 
 long long SendString(HWND window, ULONG id, UnicodeString text) {

@@ -11,6 +11,7 @@
 #include "base/commands.h"
 #include "base/console.h"
 #include "base/host.h"
+#include "base/usage_error.h"
 #include "qv_rtl_version.h"
 
 namespace {
@@ -29,9 +30,6 @@ void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
     app.set_version_flag("--version", "qv " QV_RTL_VERSION_TEXT);
     app.set_help_all_flag("--help-all", "Show the help of the commands below, too");
-    app.failure_message([](const CLI::App* /*app*/, const CLI::Error& error) {
-        return std::string("qv: ") + error.what() + "\nqv: --help shows the usage\n";
-    });
     qv::AddXmlCommand(app);
     qv::AddTextCommand(app);
     qv::AddPrinterCommands(app);
@@ -61,6 +59,9 @@ ExitCode Run(std::vector<std::string> arguments) {
     // The parser takes the arguments from the end of the vector, without the program's name.
     arguments.erase(arguments.begin());
     DropNeedlessMark(arguments);
+    app.failure_message([&app, words = arguments](const CLI::App*, const CLI::Error& error) {
+        return "qv: " + qv::UsageError(app, error, words) + "\nqv: --help shows the usage\n";
+    });
     std::reverse(arguments.begin(), arguments.end());
     try {
         app.parse(std::move(arguments));

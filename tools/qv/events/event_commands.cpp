@@ -46,10 +46,27 @@ UnicodeString PrinterEvent(const std::string& printer) {
     return target;
 }
 
-void FireEvent(const std::string& source, const std::string& event, const JobOptions& options) {
+std::string ActionText(const TEventAction& action) {
+    if (action.window != nullptr)
+        return "send\t" + OneLine(action.message) + "\t" + OneLine(action.text);
+    if (action.refused) return "refuse\t" + OneLine(action.program);
+    std::string text = "start\t" + OneLine(action.program);
+    for (const UnicodeString& argument : action.arguments) text += "\n\t" + OneLine(argument);
+    return text;
+}
+
+// One argument on each line: what a program gets cannot be told from blanks and quotes.
+void ShowEvent(const UnicodeString& event, const UnicodeString& description, TFillTagsInfo& info) {
+    for (const TEventAction& action : PlanXmlEvent(event, description, &info))
+        PrintLine(ActionText(action));
+}
+
+void FireEvent(const std::string& source, const std::string& event, const JobOptions& options,
+               bool dry_run) {
     SampleJob job(options);
     UnicodeString description;
     if (!ReadDescription(source, description)) description = PrinterEvent(source);
+    if (dry_run) return ShowEvent(FromUtf8(event), description, job.Info());
     if (!DoXmlEvent(FromUtf8(event), description, &job.Info()))
         throw Failure("the description is empty or not well-formed");
 }
@@ -133,8 +150,11 @@ void AddEventCommands(CLI::App& app) {
     fire->add_option("PRINTER|FILE", *text, "A printer's name, or a file with the description")
         ->required();
     fire->add_option("EVENT", *name, "The event's name")->required();
+    auto dry_run = std::make_shared<bool>(false);
+    fire->add_flag("-n,--dry-run", *dry_run,
+                   "Show the texts that would be sent, and the programs with each argument");
     AddJobOptions(*fire, *job);
-    fire->callback([=] { FireEvent(*text, *name, *job); });
+    fire->callback([=] { FireEvent(*text, *name, *job, *dry_run); });
 
     CLI::App* listen = event->add_subcommand("listen", "Print what arrives at a window");
     listen->add_option("CLASS", *name, "The window's class and title")->required();

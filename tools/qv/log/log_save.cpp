@@ -60,7 +60,7 @@ void SaveLog(const SaveOptions& options) {
     const std::uint64_t saved = Copy(reader, filter, image);
     const std::vector<std::uint8_t>& bytes = image.Finish(kUsualLimit);
     WriteWhole(options.output, std::string(bytes.begin(), bytes.end()));
-    PrintError(std::to_string(saved) + " records saved");
+    PrintError(Counted(saved, "record") + " saved");
     FailOnSkips(reader);
 }
 

@@ -73,8 +73,9 @@ void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
         cursor.reset();
     }
     if (resumed.overwritten > 0) {
-        PrintError(std::to_string(resumed.overwritten) +
-                   " records were overwritten before they could be shown");
+        PrintError(Counted(resumed.overwritten, "record") +
+                   (resumed.overwritten == 1 ? " was overwritten before it could be shown"
+                                             : " were overwritten before they could be shown"));
     }
 }
 

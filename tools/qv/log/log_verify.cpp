@@ -30,8 +30,7 @@ void PrintText(const std::string& name, std::uint64_t records, const Mox::TLogRe
         PrintLine(file + place + ": " + OneLine(skip.reason));
     }
     const bool sound = reader.SkipCount() == 0;
-    PrintLine(file + ": " + std::to_string(records) +
-              (sound ? " records, sound" : " records can be read"));
+    PrintLine(file + ": " + Counted(records, "record") + (sound ? ", sound" : " can be read"));
 }
 
 void PrintAsJson(const std::string& name, std::uint64_t records, const Mox::TLogReader& reader) {
