@@ -5,7 +5,6 @@
 #include <time.h>
 
 #include <chrono>
-#include <memory>
 #include <mutex>
 
 #include "base/os_error.h"
@@ -68,13 +67,12 @@ std::uint32_t IndexOf(ATOM number) {
 
 // Never destroyed: a thread that ends late still uses them.
 NameTable& NameTable::Atoms() {
-    static NameTable& atoms = *std::unique_ptr<NameTable>(new NameTable("atoms.table")).release();
+    static NameTable& atoms = *new NameTable("atoms.table");
     return atoms;
 }
 
 NameTable& NameTable::Messages() {
-    static NameTable& messages =
-        *std::unique_ptr<NameTable>(new NameTable("messages.table")).release();
+    static NameTable& messages = *new NameTable("messages.table");
     return messages;
 }
 
