@@ -82,10 +82,15 @@ struct HostFacts {
     std::string library;  // file of the library that is loaded
     std::string machine;
     std::string root;  // the folder that stands in for a Windows machine; empty on Windows
-    std::string registry_damage;  // of what stands in for the registry; empty when it is whole
-    std::vector<std::string> old_registry;  // files of an earlier version, which mean nothing now
 };
 HostFacts GetHostFacts();
+
+// What stands in for the registry, read from its first to its last byte; all empty on Windows.
+struct RegistryState {
+    std::string damage;                  // empty when it is whole
+    std::vector<std::string> old_files;  // of an earlier version, which mean nothing now
+};
+RegistryState ExamineRegistryStore();
 
 // What the program changes in the registry while the object lives is one change there: all of it or
 // nothing, whatever becomes of the program, at the cost of one. Who else wants to change something

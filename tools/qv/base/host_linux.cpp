@@ -199,15 +199,19 @@ HostFacts GetHostFacts() {
     char machine[256] = {};
     if (gethostname(machine, sizeof(machine) - 1) == 0) facts.machine = machine;
     facts.root = HostRoot();
-    WCHAR damage[kMessageSize] = {};
-    if (!QvHostCheckRegistry(damage, kMessageSize))
-        facts.registry_damage = OneLine(UnicodeString(damage));
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(facts.root + "/registry", ignored))
-        if (entry.path().extension() == ".taken_over")
-            facts.old_registry.push_back(entry.path().string());
-    std::ranges::sort(facts.old_registry);
     return facts;
+}
+
+RegistryState ExamineRegistryStore() {
+    RegistryState state;
+    WCHAR damage[kMessageSize] = {};
+    if (!QvHostCheckRegistry(damage, kMessageSize)) state.damage = OneLine(UnicodeString(damage));
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(HostRoot() + "/registry", ignored))
+        if (entry.path().extension() == ".taken_over")
+            state.old_files.push_back(entry.path().string());
+    std::ranges::sort(state.old_files);
+    return state;
 }
 
 ChangeGroup::ChangeGroup() {

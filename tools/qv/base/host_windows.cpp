@@ -178,6 +178,10 @@ std::string UserDataFolder() {
     return ToUtf8(folder) + "\\Halvorn\\Vantrel\\qv";
 }
 
+RegistryState ExamineRegistryStore() {
+    return {};
+}
+
 ChangeGroup::ChangeGroup() = default;
 ChangeGroup::~ChangeGroup() = default;
 

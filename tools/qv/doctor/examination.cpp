@@ -70,9 +70,9 @@ Json ExamineLibrary(Problems& problems) {
                     {"library file", facts.library}, {"system", OneLine(GetOSInfo())},
                     {"machine", facts.machine},      {"user", OneLine(::GetUserNameW(false))}};
     if (!facts.root.empty()) section["host root"] = facts.root;
-    if (!facts.registry_damage.empty())
-        problems.push_back("the registry: " + facts.registry_damage);
-    if (!facts.old_registry.empty()) section["taken over by the registry"] = facts.old_registry;
+    const RegistryState registry = ExamineRegistryStore();
+    if (!registry.damage.empty()) problems.push_back("the registry: " + registry.damage);
+    if (!registry.old_files.empty()) section["taken over by the registry"] = registry.old_files;
     return section;
 }
 

@@ -134,7 +134,8 @@ RegDatabase::RegDatabase(const std::string& path, Kind kind) : path_(path) {
     try {
         Check(code);
         // What the file says of itself is not believed, and looking at it writes nothing: the log
-        // of changes stays beside it when a process ends.
+        // of changes stays beside it when a process ends. The log stays short, because the first
+        // process reads all of it.
         for (const int option : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW}) {
             sqlite3_db_config(db_, option, 0, nullptr);
         }
@@ -142,7 +143,7 @@ RegDatabase::RegDatabase(const std::string& path, Kind kind) : path_(path) {
         int keep = 1;
         sqlite3_file_control(db_, "main", SQLITE_FCNTL_PERSIST_WAL, &keep);
         Run("PRAGMA trusted_schema = OFF; PRAGMA cell_size_check = ON; PRAGMA synchronous = NORMAL;"
-            " PRAGMA journal_size_limit = 4194304");
+            " PRAGMA wal_autocheckpoint = 250; PRAGMA journal_size_limit = 1048576");
     } catch (...) {
         sqlite3_close(db_);
         throw;
@@ -237,6 +238,11 @@ std::span<const BYTE> RegDatabase::CommitMark() {
     return {static_cast<const BYTE*>(const_cast<const void*>(index)), kHeaderBytes};
 }
 
+off_t RegDatabase::LogBytes() const {
+    struct stat log;
+    return stat((path_ + "-wal").c_str(), &log) == 0 ? log.st_size : 0;
+}
+
 // With the lock that all changes take, the log ends where the shared index says. By name: closing a
 // second descriptor of the file would end this process's locks on it.
 void RegDatabase::TrimLog() {
@@ -248,10 +254,7 @@ void RegDatabase::TrimLog() {
         std::memcpy(&page, mark.data() + kPageSizeAt, sizeof page);
         std::memcpy(&frames, mark.data() + kFramesAt, sizeof frames);
         const off_t bytes = kLogHeaderBytes + off_t{frames} * (kFrameHeaderBytes + page);
-        struct stat log;
-        const std::string name = path_ + "-wal";
-        if (stat(name.c_str(), &log) == 0 && log.st_size > bytes)
-            std::ignore = truncate(name.c_str(), bytes);
+        if (LogBytes() > bytes) std::ignore = truncate((path_ + "-wal").c_str(), bytes);
     }
     RegQuery(this, RegSql::kRollBack).Next();
     Run("PRAGMA wal_checkpoint(TRUNCATE)");

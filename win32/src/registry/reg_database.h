@@ -5,6 +5,7 @@
 #pragma once
 
 #include <sqlite3.h>
+#include <sys/types.h>
 #include <windows.h>
 
 #include <array>
@@ -79,6 +80,8 @@ class RegDatabase {
     // Cuts off the log what a change that was taken back has left there, and brings the rest into
     // the file if that can be. Outside of transactions.
     void TrimLog();
+    // Of the log's file; 0 when there is none.
+    off_t LogBytes() const;
     // "ok", or what is wrong with the file, from reading all of it.
     std::string Examine();
 

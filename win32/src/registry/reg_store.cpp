@@ -23,6 +23,7 @@ constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
 constexpr std::size_t kMostRemembered = 4096;
 constexpr std::size_t kLongestRemembered = 1024;
+constexpr off_t kLongLog = 2 << 20;
 constexpr const char* kWriteLock = " 120 ";  // its byte in the shared index, as /proc/locks has it
 
 [[noreturn]] void ThrowReadOnly(const std::string& path) {
@@ -236,6 +237,7 @@ void RegStore::EndChanges(bool keep) {
     if (group == Group::kLost) throw std::exchange(lost_, {});
     if (group == Group::kOpen) {
         RegQuery(database_.get(), keep ? RegSql::kCommit : RegSql::kRollBack).Next();
+        if (database_->LogBytes() > kLongLog) FreeSpace();
     }
 }
 
