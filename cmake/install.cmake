@@ -25,7 +25,9 @@ endif()
 # An installed program finds the libraries beside it wherever the prefix is moved to.
 file(RELATIVE_PATH QV_LIBRARIES_FROM_TOOL /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 if(NOT WIN32)
-  set_target_properties(${QV_TARGETS} PROPERTIES INSTALL_RPATH "$ORIGIN")
+  # Already in the build, where they lie side by side too: a path that is changed later leaves empty entries, and the loader
+  # takes these for the current folder.
+  set_target_properties(${QV_TARGETS} PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
   set_target_properties(qv PROPERTIES INSTALL_RPATH "$ORIGIN/${QV_LIBRARIES_FROM_TOOL}")
 endif()
 
