@@ -4,10 +4,12 @@
 # debuggers look for it.
 function(qv_debug_file target)
   set(file $<TARGET_FILE:${target}>)
+  # Without it each tool writes the time of its run into the program.
+  set(no_time ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0)
   add_custom_command(TARGET ${target} POST_BUILD
-    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${file} ${file}.debug
-    COMMAND ${CMAKE_STRIP} ${file}
-    COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${file}.debug ${file} VERBATIM)
+    COMMAND ${no_time} ${CMAKE_OBJCOPY} --only-keep-debug ${file} ${file}.debug
+    COMMAND ${no_time} ${CMAKE_STRIP} ${file}
+    COMMAND ${no_time} ${CMAKE_OBJCOPY} --add-gnu-debuglink=${file}.debug ${file} VERBATIM)
 endfunction()
 
 # qv_import_library(TARGET HEADER): NAME.lib in the form of Microsoft's linker, with the C calls that the
