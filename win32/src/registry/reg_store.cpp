@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <fstream>
 #include <sstream>
@@ -248,7 +247,6 @@ std::string RegStore::PlaceOf(std::int64_t key, std::u16string_view name) {
 const RegValue* RegStore::Remembered(const std::string& place) const {
     if (values_.empty() || group_ == Group::kOpen) return nullptr;
     const std::span<const BYTE> mark = database_->CommitMark();
-    std::atomic_thread_fence(std::memory_order_acquire);
     if (!std::ranges::equal(mark, values_mark_)) return nullptr;
     const auto found = values_.find(place);
     return found == values_.end() ? nullptr : &found->second;
