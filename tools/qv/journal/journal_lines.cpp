@@ -116,12 +116,13 @@ class JournalReader {
     // From the last change to the first: one that was taken back itself takes nothing back.
     void MarkUndone() {
         std::unordered_set<std::string> undone;
-        for (auto change = content_.changes.rbegin(); change != content_.changes.rend(); ++change) {
-            const bool counts = change->undoes != 0 && change->state != ChangeState::kUnfinished;
-            for (TargetChange& target : change->targets) {
-                target.undone = undone.contains(KeyOf(change->number, target));
+        for (std::size_t i = content_.changes.size(); i-- > 0;) {
+            ChangeRecord& change = content_.changes[i];
+            const bool counts = change.undoes != 0 && change.state != ChangeState::kUnfinished;
+            for (TargetChange& target : change.targets) {
+                target.undone = undone.contains(KeyOf(change.number, target));
                 if (counts && target.IsMade() && !target.undone)
-                    undone.insert(KeyOf(change->undoes, target));
+                    undone.insert(KeyOf(change.undoes, target));
             }
         }
     }

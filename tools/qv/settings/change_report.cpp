@@ -134,7 +134,7 @@ void ReportChanges(const std::vector<PrinterChange>& changes, const RunResult& r
         if (options.is_many) PrintError(Summary(changes, result, options));
     }
     if (result.stopped) PrintError("stopped on request");
-    if (result.journal_failure) throw *result.journal_failure;
+    if (result.journal_failure) throw Failure(*result.journal_failure);
     if (Count(changes).failed > 0) throw Failure("");
 }
 

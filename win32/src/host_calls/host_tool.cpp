@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <exception>
 #include <optional>
 #include <system_error>
 
@@ -113,7 +114,7 @@ void WriteRoots(RegTextWriter& writer) {
 
 std::string Exported(LPCWSTR key) {
     RegTextWriter writer;
-    std::optional<Failure> failure;
+    std::exception_ptr failure;
     const LSTATUS code = ReadRegistry([&] {
         try {
             if (key != nullptr) {
@@ -121,11 +122,11 @@ std::string Exported(LPCWSTR key) {
             } else {
                 WriteRoots(writer);
             }
-        } catch (const Failure& found) {
-            failure = found;
+        } catch (...) {
+            failure = std::current_exception();
         }
     });
-    if (failure) throw *failure;
+    if (failure) std::rethrow_exception(failure);
     if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
     return writer.Take();
 }

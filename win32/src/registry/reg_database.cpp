@@ -50,6 +50,7 @@ constexpr const char* kStatements[] = {
     "SELECT name, written FROM reg_keys WHERE parent = ?1 ORDER BY folded LIMIT 1 OFFSET ?2",
     "INSERT INTO reg_keys(parent, folded, name, written) VALUES(?1, ?2, ?3, ?4)",
     "UPDATE reg_keys SET written = ?2 WHERE id = ?1",
+    // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): a macro ends the text
     "DELETE FROM reg_values WHERE key IN " QV_BELOW,
     "DELETE FROM reg_keys WHERE id <> ?2 AND id IN " QV_BELOW,
     "SELECT name, type, data FROM reg_values WHERE key = ?1 AND folded = ?2",

@@ -113,7 +113,7 @@ bool RegStore::MayWrite() const {
 
 bool RegStore::Refresh(Use use, const CallRef<void()>& fill) {
     if (is_inherited_) throw RegError{ERROR_BUSY, "a group of changes was open when it forked"};
-    if (group_ == Group::kLost && use == Use::kWrite) throw lost_;
+    if (group_ == Group::kLost && use == Use::kWrite) throw RegError{lost_.code, lost_.text};
     if (group_ == Group::kOpen) return false;
     bool made = false;
     FindPath();
