@@ -1,15 +1,19 @@
 #include "base/fork_lock.h"
 
 #include <sched.h>
-#include <sys/mman.h>
+#include <sys/uio.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <chrono>
-#include <map>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <vector>
 
 namespace host {
 namespace {
@@ -17,13 +21,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 struct Known {
+    ForkLock* lock = nullptr;
     std::atomic<pthread_t>* owner = nullptr;  // null for a lock without one
     bool taken = false;                       // by TakeAllLocks
 };
 
 struct KnownLocks {
-    std::mutex mutex;  // held from TakeAllLocks until the locks are released
-    std::map<ForkLock*, Known> locks;
+    std::mutex mutex;          // held from TakeAllLocks until the locks are released
+    std::vector<Known> locks;  // in the order of their addresses
 };
 
 // Never destroyed: locks are used until the process ends.
@@ -32,16 +37,28 @@ KnownLocks& All() {
     return all;
 }
 
-bool IsThere(const ForkLock* lock) {
-    static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    void* const start =
-        reinterpret_cast<void*>(reinterpret_cast<std::uintptr_t>(lock) & ~(page - 1));
-    unsigned char unused = 0;
-    return mincore(start, 1, &unused) == 0 && lock->IsKnown();
-}
-
 bool IsOwn(const Known& known) {
     return known.owner != nullptr && known.owner->load() == pthread_self();
+}
+
+std::vector<Known>::iterator PlaceOf(KnownLocks& all, const ForkLock* lock) {
+    return std::ranges::lower_bound(all.locks, lock, std::less<>(), &Known::lock);
+}
+
+void DropUnmapped(KnownLocks& all) {
+    std::erase_if(all.locks, [](const Known& known) { return !known.lock->IsThere(); });
+}
+
+// Locks of unloaded libraries go before the list grows, so that loading one again and again costs
+// no memory.
+void Add(KnownLocks& all, const Known& added) {
+    if (all.locks.size() == all.locks.capacity()) DropUnmapped(all);
+    const auto place = PlaceOf(all, added.lock);
+    if (place != all.locks.end() && place->lock == added.lock) {
+        *place = added;
+    } else {
+        all.locks.insert(place, added);
+    }
 }
 
 // A busy lock is free for short moments only: many tries in a row look for one.
@@ -57,17 +74,17 @@ bool TakeSoon(ForkLock& lock) {
 // Takes all locks that can be had; false when one is missing.
 bool Take(KnownLocks& all) {
     bool complete = true;
-    for (auto& [lock, known] : all.locks) {
+    for (Known& known : all.locks) {
         if (IsOwn(known)) continue;
-        known.taken = TakeSoon(*lock);
+        known.taken = TakeSoon(*known.lock);
         complete = complete && known.taken;
     }
     return complete;
 }
 
 void Release(KnownLocks& all) {
-    for (auto& [lock, known] : all.locks) {
-        if (known.taken) lock->unlock();
+    for (Known& known : all.locks) {
+        if (known.taken) known.lock->unlock();
         known.taken = false;
     }
 }
@@ -78,11 +95,20 @@ void ForkLock::MakeKnown(std::atomic<pthread_t>* owner) {
     KnownLocks& all = All();
     const std::scoped_lock lock(all.mutex);
     try {
-        all.locks[this] = {owner, false};
+        Add(all, {this, owner});
     } catch (const std::bad_alloc&) {
         return;  // the next use tries again
     }
     known_.store(kKnown, std::memory_order_release);
+}
+
+// The kernel reads, because the memory of an unloaded library may be gone, closed or another's.
+bool ForkLock::IsThere() const {
+    std::array<std::uint32_t, 2> words{};
+    iovec to{words.data(), sizeof words};
+    iovec from{const_cast<ForkLock*>(this), sizeof *this};
+    if (process_vm_readv(getpid(), &to, 1, &from, 1, 0) < 0) return errno != EFAULT;
+    return words[1] == kKnown;
 }
 
 void ForkLock::Wait() {
@@ -92,7 +118,8 @@ void ForkLock::Wait() {
 void ForgetLock(ForkLock& lock) {
     KnownLocks& all = All();
     const std::scoped_lock hold(all.mutex);
-    all.locks.erase(&lock);
+    const auto place = PlaceOf(all, &lock);
+    if (place != all.locks.end() && place->lock == &lock) all.locks.erase(place);
 }
 
 // Between two rounds nothing is held: the holder of a missing lock may need another one, or use one
@@ -103,7 +130,7 @@ void TakeAllLocks() {
     KnownLocks& all = All();
     for (;; nanosleep(&kPause, nullptr)) {
         all.mutex.lock();
-        std::erase_if(all.locks, [](const auto& entry) { return !IsThere(entry.first); });
+        DropUnmapped(all);
         if (Take(all) || Clock::now() >= deadline) return;
         Release(all);
         all.mutex.unlock();
@@ -118,10 +145,10 @@ void ReleaseAllLocks() {
 
 void ReleaseAllLocksInChild() {
     KnownLocks& all = All();
-    for (auto& [lock, known] : all.locks) {
+    for (Known& known : all.locks) {
         if (known.taken || IsOwn(known)) continue;
         if (known.owner != nullptr) known.owner->store(pthread_t{});
-        lock->Reset();
+        known.lock->Reset();
     }
     ReleaseAllLocks();
 }

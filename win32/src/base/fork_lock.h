@@ -37,8 +37,8 @@ class ForkLock {
 
     // The thread in `owner` holds the lock. When it forks, the lock stays taken in both processes.
     void MakeKnown(std::atomic<pthread_t>* owner);
-    // Whether it is a lock that MakeKnown has seen, and not other bytes.
-    bool IsKnown() const { return known_.load(std::memory_order_relaxed) == kKnown; }
+    // Whether it still is a lock that MakeKnown has seen, and not other bytes or no memory at all.
+    bool IsThere() const;
     // In the child, when its holder is gone.
     void Reset() { state_.store(kFree, std::memory_order_relaxed); }
 
@@ -49,7 +49,7 @@ class ForkLock {
     void Wait();
 
     std::atomic<std::uint32_t> state_{kFree};
-    std::atomic<std::uint32_t> known_{0};
+    std::atomic<std::uint32_t> known_{0};  // the second word, which IsThere reads
 };
 static_assert(sizeof(ForkLock) == 8);
 
