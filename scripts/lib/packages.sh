@@ -4,18 +4,18 @@ packages_for() {
     case $1 in
         native)
             echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev libmimalloc-dev libre2-dev libsqlite3-dev \
-                python3 unzip libxml2-utils mono-mcs mono-runtime
+                zlib1g-dev python3 unzip libxml2-utils mono-mcs mono-runtime
             ;;
-        clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev libsqlite3-dev ;;
-        fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev libsqlite3-dev ;;
+        clang) echo cmake ninja-build ccache clang g++ googletest libcli11-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
+        fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
         windows) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix \
-                wine wine64 llvm ;;
+                libz-mingw-w64-dev wine wine64 llvm ;;
         packages) echo binutils pkgconf gdb dpkg-dev file zip unzip g++-mingw-w64-x86-64-posix clang lld llvm lintian ;;
         bench)
             echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
                 libicu-dev libfmt-dev libspdlog-dev
             ;;
-        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev libre2-dev libsqlite3-dev ;;
+        analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev libre2-dev libsqlite3-dev zlib1g-dev ;;
         style) echo clang-format git ;;
         large) echo ansible-core ;;
         shells) echo zsh fish mandoc bsdextrautils ;;
