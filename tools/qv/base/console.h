@@ -1,4 +1,4 @@
-// What the tool writes: data to standard output, messages to standard error, both in UTF-8.
+// Output of the tool in UTF-8: data to standard output, messages to standard error.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace qv {
 
-// Writes to standard output, byte for byte; throws Failure when that fails, ClosedPipe when nobody
-// reads it.
+// Writes the bytes to standard output. Throws Failure when that fails, ClosedPipe when the reader
+// has closed the pipe.
 void Print(const std::string& text);
 void PrintLine(const std::string& text);
 void PrintError(const std::string& text);

@@ -1,4 +1,4 @@
-// How the tool ends, and the failures that lead there.
+// The exit codes of the tool, and the exceptions that lead to them.
 #pragma once
 
 #include <stdexcept>
@@ -10,12 +10,12 @@ enum class ExitCode {
     kDone = 0,
     kFailed = 1,  // the operation failed, or what was compared differs
     kWrongUsage = 2,
-    kDamaged = 3,     // damaged input was handled as far as it goes
+    kDamaged = 3,     // the input is damaged; the sound part was used
     kCannotOpen = 4,  // a file or stream cannot be opened or read
 };
 
-// What the user asked for failed: the text goes to standard error, the code is the program's. An
-// empty text ends the program without a message.
+// A command failed. The text goes to standard error, unless it is empty; the program ends with the
+// code.
 class Failure : public std::runtime_error {
   public:
     explicit Failure(const std::string& text, ExitCode code = ExitCode::kFailed)
@@ -26,7 +26,7 @@ class Failure : public std::runtime_error {
     ExitCode code_;
 };
 
-// Nobody reads standard output any more: the program ends without a message.
+// The reader of standard output has closed it. The program ends without a message.
 struct ClosedPipe {};
 
 }  // namespace qv

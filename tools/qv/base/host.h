@@ -1,4 +1,5 @@
-// What differs between the tool's hosts: host_linux.cpp and host_windows.cpp each hold all of it.
+// Everything that differs between Linux and Windows. host_linux.cpp and host_windows.cpp implement
+// it.
 #pragma once
 
 #include <windows.h>
@@ -24,11 +25,11 @@ enum class Stream { kInput, kOutput, kError };
 // Whether the stream is a terminal.
 bool IsTerminal(Stream stream);
 
-// Whether the last failed write to standard output failed because nobody reads it.
+// True when the last write to standard output failed because the reader has closed the pipe.
 bool OutputHasNoReader();
 
-// The first arguments behind the program's name, for code that runs before main. Needs no object of
-// the program and no memory. The words end with the object.
+// The first arguments behind the program's name, for code that runs before main. Needs no global
+// object and no heap. The words are valid while the object lives.
 class EarlyArguments {
   public:
     EarlyArguments();
@@ -47,7 +48,7 @@ class EarlyArguments {
     std::size_t count_ = 0;
 };
 
-// The program's arguments in UTF-8, and the streams made ready for bytes.
+// Returns the program's arguments in UTF-8, and switches the standard streams to bytes.
 std::vector<std::string> PrepareConsole(int argc, char** argv);
 
 // The command line that this process was started with, the program first; UTF-8.
@@ -71,11 +72,11 @@ DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
 // Win32 error code.
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
 
-// The processes that hold a lock at the start of the file, as "4711 (name)", as far as this user
-// may know; or where else to look.
+// The processes that hold a lock at the start of the file, as "4711 (name)", as far as the system
+// tells this user. Otherwise a text that says where to look.
 std::string LockHolders(const UnicodeString& file);
 
-// Seconds that local time is ahead of UTC at a moment, in seconds since 1970.
+// The seconds by which local time is ahead of UTC at the time `utc` (seconds since 1970).
 std::int64_t LocalOffset(std::int64_t utc);
 
 struct HostFacts {
@@ -85,34 +86,34 @@ struct HostFacts {
 };
 HostFacts GetHostFacts();
 
-// What stands in for the registry, read from its first to its last byte; all empty on Windows.
+// The state of the registry's file, which is read completely. All empty on Windows.
 struct RegistryState {
-    std::string damage;                  // empty when it is whole
-    std::vector<std::string> old_files;  // of an earlier version, which mean nothing now
+    std::string damage;                  // empty when the file is sound
+    std::vector<std::string> old_files;  // files of an earlier version that are no longer used
 };
 RegistryState ExamineRegistryStore();
 
-// What the program changes in the registry while the object lives is one change there: all of it or
-// nothing, whatever becomes of the program, at the cost of one. Who else wants to change something
-// waits meanwhile. Taken back unless it is kept. On Windows every change stands by itself.
+// Groups all registry changes while the object lives into one transaction: all of them happen or
+// none, even when the program is killed, and they cost as much as one. Other writers wait
+// meanwhile. The destructor rolls back unless Keep was called. On Windows every change is its own.
 class ChangeGroup {
   public:
     ChangeGroup();
     ~ChangeGroup();
     ChangeGroup(const ChangeGroup&) = delete;
     ChangeGroup& operator=(const ChangeGroup&) = delete;
-    // Returns the Win32 error code, 0 when it is done.
+    // Commits. Returns 0 or the Win32 error code.
     DWORD Keep();
 
   private:
     bool is_open_ = true;
 };
 
-// What the host has to say of the call on the registry that failed last; empty when it has nothing.
+// Details about the registry call that failed last, or an empty text.
 std::string HostProblem();
 
-// The folder for the user's own data of this program, which may not exist yet; UTF-8. Throws
-// Failure (kCannotOpen) when it is not known.
+// The folder for this program's data of the user, in UTF-8. It may not exist yet. Throws Failure
+// (kCannotOpen) when the folder is not known.
 std::string UserDataFolder();
 
 }  // namespace qv

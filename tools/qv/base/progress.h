@@ -1,4 +1,4 @@
-// A line on standard error that tells how far a long piece of work is.
+// A progress line on standard error for long work.
 #pragma once
 
 #include <chrono>
@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// Shows nothing during the program's first second, and nothing when standard error is no terminal.
-// The destructor removes the line. Write nothing else to the terminal while an object lives.
+// Appears after the program's first second, and only when standard error is a terminal. The
+// destructor removes the line. Nothing else may be written to the terminal while an object lives.
 class Progress {
   public:
     // "records: 12000", or with a total "printers set: 12 of 50".

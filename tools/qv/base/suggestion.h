@@ -1,4 +1,4 @@
-// "Did you mean": the known word that is closest to one that is not known.
+// "Did you mean": finds the known word that is closest to an unknown one.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace qv {
 
-// The candidate that is closest to `word` by changed letters, without regard to case. Two swapped
-// neighbours are one change. The first of equally close candidates; empty when none is close.
+// The candidate with the fewest changed letters, compared without regard to case; the first of
+// several. Two swapped letters count as one change. Empty when no candidate is close.
 std::string Closest(const std::string& word, const std::vector<std::string>& candidates);
 
-// "; did you mean 'dmCopies'?", or nothing.
+// "; did you mean 'dmCopies'?", or an empty text.
 std::string Suggestion(const std::string& word, const std::vector<std::string>& candidates);
 
 }  // namespace qv

@@ -1,4 +1,4 @@
-// Rows with a name for each column: aligned below a head for people, apart by tabs for programs.
+// A table with named columns: aligned with a head for people, separated by tabs for programs.
 #pragma once
 
 #include <string>
@@ -21,8 +21,8 @@ class Table {
 
     // As many cells as the head has, each one line without control characters.
     void Add(std::vector<std::string> row) { rows_.push_back(std::move(row)); }
-    // On standard output. With `is_table`, and on a terminal, aligned and with the head; else the
-    // rows alone with tabs between their cells.
+    // Prints to standard output. On a terminal, or with `is_table`, the columns are aligned below a
+    // head. Otherwise there are only rows, with tabs between the cells.
     void Print(bool is_table) const;
 
   private:

@@ -1,4 +1,4 @@
-// What to say of a command line that the parser does not take.
+// The message for a command line that the parser refuses.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -7,8 +7,8 @@
 
 namespace qv {
 
-// The message for `error`, the parser's, with the word that is unknown and the closest known one
-// where one is unknown. `words` is the command line without the program.
+// Turns the parser's `error` into a message. When a word is unknown, the message names it and the
+// closest known word. `words` is the command line without the program.
 std::string UsageError(const CLI::App& app, const CLI::Error& error,
                        const std::vector<std::string>& words);
 

@@ -18,11 +18,11 @@ UnicodeString FromUtf8(const std::string& text);
 std::string ToUtf8(const UnicodeString& text);
 void AddUtf8(std::string& out, Units text);
 
-// The text on one line. What a terminal acts on and what turns the direction of writing is escaped:
-// \t, \n, \r, \xNN, \uNNNN.
+// The text on one line. Control characters and marks of writing direction are escaped as \t, \n,
+// \r, \xNN and \uNNNN, so that a text cannot control the terminal.
 std::string OneLine(const UnicodeString& text);
 void AddOneLine(std::string& out, Units text);
-// The same for a text of several lines, whose line feeds and tabs stay.
+// The same for a text of several lines: line feeds and tabs stay.
 std::string Lines(const UnicodeString& text);
 
 }  // namespace qv

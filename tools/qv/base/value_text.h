@@ -1,5 +1,5 @@
-// A value on one line of a text file. It stands there as it is, or quoted with escapes when it
-// could not be read back otherwise.
+// A value on one line of a text file. It is quoted, with escapes, only when it could not be read
+// back without quotes.
 #pragma once
 
 #include <optional>
@@ -12,8 +12,8 @@ namespace qv {
 // characters: bare, or quoted with \" \\ \t \n \r and \uXXXX.
 std::string ToValueText(const UnicodeString& value);
 
-// Reads either form, blanks around it left out. Nothing when quotes or escapes are wrong or the
-// bytes are not UTF-8.
+// Reads either form and ignores blanks around it. Returns nullopt for wrong quotes, wrong escapes
+// or bytes that are not UTF-8.
 std::optional<UnicodeString> FromValueText(const std::string& text);
 
 // `text` without the blanks and control characters around it.

@@ -1,5 +1,5 @@
-// A command's changes as the journal keeps them: who, when, with what, and each value before and
-// after.
+// A change as the journal keeps it: the user, the time, the command, and each value before and
+// after it.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace qv {
 
-// Nothing stands for a value that is missing: a setting of the product may be.
+// nullopt stands for a value that does not exist. Settings of the product may be missing.
 struct ValueChange {
     std::string field;
     std::optional<UnicodeString> before, after;
@@ -19,13 +19,13 @@ struct ValueChange {
     bool operator==(const ValueChange&) const = default;
 };
 
-// What happened to one printer, or to the product's own settings in the registry.
+// The changes of one printer, or of the product's own settings in the registry.
 struct TargetChange {
     UnicodeString printer;
     bool is_global = false;  // the product's settings; `printer` is empty then
     std::vector<ValueChange> fields;
-    std::string failure;  // why nothing was changed
-    bool undone = false;  // worked out from the changes behind it
+    std::string failure;  // why nothing was changed, or empty
+    bool undone = false;  // a later change took it back
 
     bool operator==(const TargetChange&) const = default;
     bool IsMade() const { return failure.empty(); }
@@ -33,22 +33,22 @@ struct TargetChange {
 };
 
 enum class ChangeState {
-    kUnfinished,  // the command runs still, or was ended in the middle
+    kUnfinished,  // the command still runs, or was killed
     kDone,
-    kStopped,  // by the user, between two printers
+    kStopped,  // the user stopped it between two printers
 };
 
 struct ChangeRecord {
     std::uint64_t number = 0;  // grows from change to change
     std::string time;          // ISO 8601, UTC
-    std::string user, host;    // empty where they are not known
+    std::string user, host;    // empty when not known
     std::uint64_t process = 0;
     std::vector<std::string> command;
     std::uint64_t undoes = 0;  // the number of the change that this one takes back, or 0
     ChangeState state = ChangeState::kUnfinished;
     std::vector<TargetChange> targets;
 
-    // Whether something of it can be taken back.
+    // True when at least one target can be undone.
     bool CanBeUndone() const;
 };
 

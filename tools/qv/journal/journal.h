@@ -1,4 +1,4 @@
-// The user's journal of changes: who changed what, and what can be taken back.
+// The user's journal: a file that says who changed what, so that it can be undone.
 #pragma once
 
 #include "journal/journal_lines.h"
@@ -12,30 +12,30 @@ namespace qv {
 
 // How long a command waits while another program changes settings.
 struct JournalWait {
-    std::string seconds;  // empty: the usual time; "true": no end; else a number
+    std::string seconds;  // empty: the usual time; "true": without limit; else a number
 };
 // --wait[=SECONDS]
 void AddWaitOption(CLI::App& command, JournalWait& wait);
 
-// The journal's file as it is now, without waiting for a program that changes settings. Journals of
-// qv 1.0.0 count when there is no newer one. Throws Failure: kDamaged for a file that is no
-// journal, kCannotOpen for one that cannot be read.
+// Reads the journal as it is now. Does not wait for a program that changes settings. Falls back to
+// the journal of qv 1.0.0 when there is no newer one. Throws Failure: kDamaged for a file that is
+// not a journal, kCannotOpen for a file that cannot be read.
 JournalContent LoadJournal();
 
-// The journal held by this program until the object goes: of two programs none changes what the
-// other has read. Lines are only ever added, whole, and are on the disk when a call returns. Every
-// call throws Failure (kCannotOpen, or kDamaged for a file that is no journal), and leaves the file
-// as it was then. One thread at a time.
+// Locks the journal while the object lives, so that only one program at a time reads settings and
+// changes them. Only whole lines are added; they are on the disk when a call returns. Every call
+// throws Failure (kCannotOpen, or kDamaged for a file that is not a journal) and then leaves the
+// file unchanged. One thread at a time.
 class Journal {
   public:
     explicit Journal(const JournalWait& wait);
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
 
-    // Gives the change the next number, the time, the user, the host and the command that runs, and
-    // adds it with its targets. Returns the number.
+    // Adds a change with its targets, the next number, the time, the user, the host and this
+    // program's command line. Returns the number.
     std::uint64_t Begin(std::vector<TargetChange> targets, std::uint64_t undoes = 0);
-    // Adds what became of targets otherwise than they were added, and the end.
+    // Adds the targets whose result differs from what Begin added, and the end of the change.
     void End(std::uint64_t change, const std::vector<TargetChange>& differing, ChangeState state);
 
   private:

@@ -5,7 +5,7 @@
 
 namespace qv {
 
-// Throws an exception of any kind when the bytes are no such journal.
+// Throws some exception when the bytes are not such a journal.
 std::vector<ChangeRecord> ReadOldJournal(const std::string& bytes);
 
 }  // namespace qv

@@ -1,4 +1,4 @@
-// Changes of the journal as the tool lists them.
+// Prints changes of the journal.
 #pragma once
 
 #include "base/json_output.h"
@@ -6,7 +6,7 @@
 
 namespace qv {
 
-// A line that says who, when and with what, then a line for each value.
+// Prints one line with the user, the time and the command, then a line for each value.
 void PrintRecord(const ChangeRecord& change);
 Json RecordJson(const ChangeRecord& change);
 

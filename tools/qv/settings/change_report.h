@@ -1,4 +1,4 @@
-// What a command that changes settings says about it.
+// The output of a command that changes settings.
 #pragma once
 
 #include <cstdint>
@@ -16,21 +16,21 @@ struct ReportOptions {
     bool dry_run = false;
     bool json = false;
     bool quiet = false;
-    bool only_changes = false;  // lines for what changes, not for all that was asked for
-    bool is_many = false;       // printers that were not named one by one: a summary counts them
+    bool only_changes = false;  // no lines for fields that keep their value
+    bool is_many = false;       // an option chose the printers: print a summary
 };
 void AddReportOptions(CLI::App& command, ReportOptions& options);
 
-// How the changes were stored.
+// The result of storing changes.
 struct RunResult {
-    std::uint64_t change = 0;  // its number in the journal; 0 when it is not there
+    std::uint64_t change = 0;  // its number in the journal; 0 when the journal does not have it
     bool stopped = false;
-    std::vector<ValueChange> globals;        // the product's own settings that an undo sets back
-    std::optional<Failure> journal_failure;  // its end could not be written down
+    std::vector<ValueChange> globals;        // own settings of the product that an undo set back
+    std::optional<Failure> journal_failure;  // the end of the change could not be recorded
 };
 
-// "PRINTER: FIELD: OLD -> NEW" lines, or JSON, on standard output; notes, failures and the summary
-// on standard error. Throws a Failure without text when a printer failed.
+// Prints "PRINTER: FIELD: OLD -> NEW" lines or JSON to standard output, and notes, failures and the
+// summary to standard error. Throws a Failure without text when a printer failed.
 void ReportChanges(const std::vector<PrinterChange>& changes, const RunResult& result,
                    const ReportOptions& options);
 

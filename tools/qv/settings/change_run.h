@@ -1,4 +1,5 @@
-// How a command that changes settings runs: in the journal first, then printer by printer.
+// Runs a command that changes settings. It writes the changes to the journal, then stores them,
+// one printer after the other.
 #pragma once
 
 #include <functional>
@@ -19,17 +20,17 @@ void AddRunOptions(CLI::App& command, RunOptions& options);
 // What a printer is to be given.
 using AssignmentsFor = std::function<std::vector<Assignment>(const Printer&)>;
 
-// Works out the changes of every printer chosen, keeps them in the journal, stores and reports
-// them. The journal is held from the first printer on, so that of two programs none writes back
-// what it read before the other's change. Nothing is stored when the journal cannot be written.
-// Throws a Failure without text when a printer failed.
+// Works out the changes of every chosen printer, writes them to the journal, stores and reports
+// them. The journal is locked from the first read on: no other program can change the settings
+// between the read and the write. Stores nothing when the journal cannot be written. Throws a
+// Failure without text when a printer failed.
 void RunChanges(const PrinterChoice& choice, const AssignmentsFor& assignments,
                 const RunOptions& options);
 
-// Stores the changes that are to be stored, and goes on with the next printer when one fails. They
-// stand in the journal, if there is one, before the first is stored: a program that ends in the
-// middle leaves nothing that cannot be taken back. Whoever asks the program to stop is obeyed
-// between two printers. `fields` then say what the drivers made of each.
+// Stores the changes. When one printer fails, the next one follows. The journal, if there is one,
+// gets all changes before the first is stored, so that a killed program leaves nothing that cannot
+// be undone. A request to stop (Ctrl+C) takes effect between two printers. Afterwards `fields` hold
+// the values that the drivers stored.
 RunResult MakeChanges(std::vector<PrinterChange>& changes, Journal* journal,
                       std::uint64_t undoes = 0);
 

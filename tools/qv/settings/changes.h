@@ -1,4 +1,4 @@
-// Changes of printers' settings: worked out first, then stored printer by printer.
+// The changes of one printer's settings: first planned, then stored.
 #pragma once
 
 #include "settings/printer_settings.h"
@@ -6,27 +6,28 @@
 
 namespace qv {
 
-// What happens to one printer. With a failure nothing of it is stored.
+// The planned changes of one printer. When `failure` has a text, nothing is stored.
 struct PrinterChange {
     UnicodeString printer;
-    std::vector<FieldChange> fields;  // those asked for, and what else changes with them
-    std::string note;                 // for the user, beside the change
+    std::vector<FieldChange> fields;  // the fields asked for, and others that change with them
+    std::string note;                 // shown to the user beside the change
     std::string failure;
     std::optional<SettingsBlock> before, after;
-    bool must_store = false;      // although no field changes: the user has no settings yet
-    bool is_not_reached = false;  // the user stopped the command before it; a failure as well
+    bool must_store = false;      // store even without a change: the user has no settings yet
+    bool is_not_reached = false;  // the command was stopped before this printer; a failure too
 
     bool IsToStore() const;
 };
 
-// Never throws for what is wrong with the printer; that is the change's failure.
+// Does not throw when something is wrong with the printer: `failure` says it.
 PrinterChange PlanChange(const Printer& printer, const std::vector<Assignment>& assignments,
                          bool force);
 
-// Stores it. `fields` then say what the driver made of it; a failure is the change's own.
+// Stores the change. Afterwards `fields` hold the values that the driver stored, or `failure` says
+// what went wrong.
 void StoreChange(PrinterChange& change);
 
-// A value in a line of text: as in the text form, the empty text as "".
+// A value as it stands in a line of text; an empty value is shown as "".
 std::string Shown(const UnicodeString& value);
 
 }  // namespace qv

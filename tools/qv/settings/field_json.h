@@ -6,8 +6,8 @@
 
 namespace qv {
 
-// What `text`, which was read from the field, is in JSON: true or false, a number, the name of a
-// value, an array of numbers, or a text.
+// Turns the text of a field into JSON: true or false, a number, the name of a value, an array of
+// numbers, or a text.
 Json FieldJson(const Field& field, const UnicodeString& text);
 
 }  // namespace qv

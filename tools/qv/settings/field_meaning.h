@@ -1,12 +1,12 @@
-// What the values of the fields mean: which are of no use, and which are not in force.
+// Finds values that make no sense, and values that another setting overrides.
 #pragma once
 
 #include "settings/settings_block.h"
 
 namespace qv {
 
-// Why the field's value means nothing, or nothing will come of it; empty when all is well. The
-// block has the field.
+// Says why the value of the field makes no sense or has no effect; empty when it is fine. The block
+// must have the field.
 std::string MeaningFault(const SettingsBlock& block, const Field& field);
 
 }  // namespace qv

@@ -1,12 +1,12 @@
-// What a field takes. The library sets what it can of a text and is silent about the rest; whoever
-// changes settings with the tool hears of everything that would be lost.
+// Checks a value before it is set. The library sets the part of a text that fits and does not
+// report the rest; the tool refuses a value that would lose something.
 #pragma once
 
 #include "settings/fields.h"
 
 namespace qv {
 
-// Why the field cannot take the whole of `text` as it stands; empty when it can.
+// Says why the field cannot hold all of `text`; empty when it can.
 std::string ValueFault(const Field& field, const UnicodeString& text);
 
 }  // namespace qv

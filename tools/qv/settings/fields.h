@@ -1,5 +1,4 @@
-// The settings by name, as the tool shows and takes them: the library's field table with each
-// stored value once.
+// The names of the settings. This is the library's field table, with each stored value once.
 #pragma once
 
 #include <vector>
@@ -11,27 +10,27 @@ namespace qv {
 
 using Field = driver_devmode::TFieldInfo;
 
-// Every named field of the block in layout order, then the strings of its pool. The wrapper's
-// DeviceName and FormName are other names of dmDeviceName and dmFormName.
+// Every named field of the block in layout order, then the strings of its pool. DeviceName and
+// FormName are left out: they are second names of dmDeviceName and dmFormName.
 const std::vector<const Field*>& AllFields();
 
 // The field of that exact name, or null.
 const Field* FindField(const UnicodeString& name);
 
-// The name under which a wrapper's field is set and read: dmDeviceName and dmFormName last under
-// the wrapper's names only.
+// The name that sets and reads the field in a wrapper. The wrapper keeps dmDeviceName and
+// dmFormName under its own names, DeviceName and FormName.
 driver_devmode::TFieldName NameToSet(const Field& field);
 
 std::string NameOf(const Field& field);
 
-// The field whose name is closest, as a hint behind an unknown name: "; did you mean 'dmCopies'?",
-// or nothing.
+// A hint for an unknown name, with the closest field: "; did you mean 'dmCopies'?". Empty when no
+// name is close.
 std::string Hint(const UnicodeString& unknown);
 // The field of that name; throws Failure when there is none.
 const Field& RequireField(const std::string& name);
 
 bool IsPublic(const Field& field);
-// What says where the other fields lie: a block with other values is another block.
+// True for sizes and versions, which say where the other fields lie. They cannot be set.
 bool IsLayout(const Field& field);
 
 }  // namespace qv

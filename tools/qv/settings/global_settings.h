@@ -1,4 +1,4 @@
-// The product's own settings in the registry, which hold for the machine.
+// The product's own settings in the registry. They hold for the whole machine.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,9 @@
 
 namespace qv {
 
-// Nothing for a value that is missing or cannot be read.
+// Returns nullopt for a value that is missing or cannot be read.
 std::optional<UnicodeString> ReadGlobal(const UnicodeString& name);
-// Nothing takes the value away. Throws Failure.
+// Deletes the value when it is nullopt. Throws Failure.
 void WriteGlobal(const UnicodeString& name, const std::optional<UnicodeString>& value);
 
 }  // namespace qv

@@ -1,4 +1,4 @@
-// Which printers a command works on: one by name, those of a pattern or a list, or all.
+// The printers that a command works on: one by name, the matches of a pattern, a list, or all.
 #pragma once
 
 #include "settings/printer_settings.h"
@@ -24,16 +24,16 @@ void AddChoiceOptions(CLI::App& command, PrinterChoice& choice);
 // --force, of commands that change settings.
 void AddForceOption(CLI::App& command, PrinterChoice& choice);
 
-// Of the words of a command that takes [PRINTER] WORD...: the first names the printer when nothing
-// else chooses printers. Throws a usage error when it is missing.
+// For commands that take [PRINTER] WORD...: removes the first word, which names the printer, unless
+// an option chooses printers. Throws a usage error when the printer is missing.
 void TakePrinter(PrinterChoice& choice, std::vector<std::string>& words);
 
 enum class Purpose { kLook, kChange };
 
-// The printers chosen, in the spooler's order, those of a list in its order. Printers of a foreign
-// driver are left out by --all and --match, with a message when printers are to be changed; one
-// that is named and is to be changed is refused. With `force` they are taken. Throws Failure when a
-// name is no printer's, or none is left.
+// The chosen printers in the spooler's order; those of a list in the order of the list. --all and
+// --match leave out printers of another driver, and say so when printers are to be changed. A
+// command that changes settings refuses such a printer when it is named. `force` accepts them all.
+// Throws Failure when no printer has a given name, or none is left.
 std::vector<Printer> ChoosePrinters(const PrinterChoice& choice, Purpose purpose);
 
 // `*` stands for any characters, `?` for one; letters in either case.

@@ -5,7 +5,7 @@
 
 namespace qv {
 
-// Said with every output, so that nobody takes the settings for the printer's or for everybody's.
+// Every output names this scope, because a printer has other defaults for other users.
 constexpr const char* kScope = "current user";
 void PrintScope();
 
@@ -14,35 +14,36 @@ struct Printer {
     UnicodeString driver;
     UnicodeString port;
 
-    // Whether the product's driver serves it.
+    // True when the product's driver serves the printer.
     bool IsProduct() const;
 };
 
-// The printers that are installed. Throws Failure when the spooler does not tell.
+// The installed printers. Throws Failure when the spooler does not answer.
 std::vector<Printer> InstalledPrinters();
 // The printer of that name; throws Failure when there is none.
 Printer FindPrinter(const UnicodeString& name);
 
-// The user's block as it is stored, or nothing when there is none. Throws Failure.
+// The user's block as it is stored, or nullopt when there is none. Throws Failure.
 std::optional<SettingsBlock> ReadUserSettings(const UnicodeString& printer);
-// The same; throws Failure also when there is none.
+// The same, but throws Failure when there is none.
 SettingsBlock RequireUserSettings(const UnicodeString& printer);
 
-// What a change starts from.
+// The settings that a change starts from.
 struct StartingSettings {
     SettingsBlock block;
-    std::string note;      // when that is not what the user has
-    bool is_users = true;  // false when the user has none, or none of use
+    std::string note;      // says where the block comes from when it is not the user's
+    bool is_users = true;  // false when the user has no settings that can be used
 };
 
-// The user's settings, else the printer's own, else the product's defaults. Throws Failure when
-// the user's are damaged or not the driver's, unless `force` lets them be replaced.
+// The user's settings, or the printer's own, or the product's defaults: the first that exist.
+// Throws Failure when the user's settings are damaged or belong to another driver; with `force`
+// they are replaced.
 StartingSettings ReadStart(const Printer& printer, bool force);
 
-// Hands the block to the driver and stores what it makes of it; returns that. Throws Failure.
+// Lets the driver check the block, stores the driver's result and returns it. Throws Failure.
 SettingsBlock StoreUserSettings(const UnicodeString& printer, const SettingsBlock& block);
 
-// "[1801]The printer name is invalid." of a Win32 code.
+// The text of a Win32 error code: "[1801]The printer name is invalid."
 std::string SystemText(DWORD code);
 
 }  // namespace qv

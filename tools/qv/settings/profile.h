@@ -1,4 +1,5 @@
-// Settings as text that printers are to have: what `qv export` wrote, whole or cut down.
+// A profile: settings as text that printers should have. `qv export` writes one; lines may be left
+// out.
 #pragma once
 
 #include "settings/printer_settings.h"
@@ -6,12 +7,12 @@
 
 namespace qv {
 
-// Reads all of the file, `-` for standard input. Throws Failure: kDamaged when it is no such text,
-// else with every bad line.
+// Reads the file, standard input for `-`. Throws Failure: kDamaged when it is not a profile, else
+// a list of all bad lines.
 SettingsText ReadProfile(const std::string& file);
 
-// What the printer is to be given. The device name is the printer's own: only the printer that the
-// text was written for gets it.
+// The assignments for one printer. Only the printer that the profile was written for gets its
+// device name.
 std::vector<Assignment> ForPrinter(const SettingsText& profile, const Printer& printer);
 
 }  // namespace qv

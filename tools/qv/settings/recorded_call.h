@@ -1,5 +1,5 @@
-// Calls of the library that change settings by themselves: what they changed is found by looking
-// before and behind, and stands in the journal.
+// Records library calls that change settings themselves. The settings are read before and after the
+// call, and the differences go to the journal.
 #pragma once
 
 #include <functional>
@@ -20,14 +20,14 @@ struct CallTargets {
     std::vector<UnicodeString> printers, globals;
 };
 
-// Makes the call. When it may change something, the journal names the command and the targets
-// before, and the values behind. What the call throws passes, with the journal complete. Throws
-// Failure as well when the journal cannot be used; the call is not made then.
+// Makes the call. When there are targets, the journal gets the command and the targets before the
+// call, and the changed values after it. An exception of the call goes on to the caller when the
+// journal is complete. When the journal cannot be used, throws Failure and does not make the call.
 void RecordCall(const CallTargets& targets, const RecordOptions& options,
                 const std::function<void()>& call);
 
-// The same with a journal that is held already. Returns the values of the product's settings that
-// were changed.
+// The same with a journal that the caller has locked. Returns the changed values of the product's
+// own settings.
 std::vector<ValueChange> RecordCall(const CallTargets& targets, Journal& journal,
                                     std::uint64_t undoes, const std::function<void()>& call);
 

@@ -12,9 +12,9 @@
 
 namespace qv {
 
-// Owns a copy of the bytes with room for a whole block of the product behind them, so that a block
-// that is too short can be looked at. Of a block that is not the product's only the public fields
-// that its own size covers are there. One thread at a time.
+// Owns a copy of the bytes. The copy has room for a whole block of the product, so that a block
+// that is too short can be read. A block of another driver has only the public fields that lie
+// within its own size. One thread at a time.
 class SettingsBlock {
   public:
     // The product's defaults.
@@ -24,20 +24,20 @@ class SettingsBlock {
     SettingsBlock& operator=(SettingsBlock&&) = default;
     SettingsBlock Copy() const;
 
-    // A valid block of the product, the 4400 bytes whole.
+    // True for a complete, valid block of the product (4400 bytes).
     bool IsProduct() const { return wrapper_ != nullptr; }
-    // Bytes that were given.
+    // The number of bytes that were given.
     int Size() const { return size_; }
     QV_DEVMODE& Block() const { return *reinterpret_cast<QV_DEVMODE*>(memory_.get()); }
-    // The bytes behind a field of the block; the field must not be one of the pool's strings.
+    // The bytes of a field. The field must not be one of the strings in the pool.
     std::span<const std::uint8_t> BytesOf(const Field& field) const;
 
     bool Has(const Field& field) const;
-    // The text of a field that is there, cut to what the field can be given.
+    // The text of a field that the block has, cut to the longest text that can be set.
     UnicodeString Get(const Field& field) const;
-    // Changes a field to a text that ValueFault has passed. Returns why not, or nothing.
+    // Sets a field to a text that ValueFault accepts. Returns the error, or an empty text.
     std::string Set(const Field& field, const UnicodeString& text);
-    // Writes the strings back into the block. Returns why it must not be stored, or nothing.
+    // Writes the strings back into the block. Returns why it must not be stored, or an empty text.
     std::string Finish();
 
   private:
@@ -45,11 +45,11 @@ class SettingsBlock {
 
     std::unique_ptr<std::uint8_t[]> memory_;
     int size_ = 0;
-    int public_size_ = 0;             // of a block that is not the product's
-    std::unique_ptr<TQVDM> wrapper_;  // of a block that is
+    int public_size_ = 0;             // bytes, for a block of another driver
+    std::unique_ptr<TQVDM> wrapper_;  // for a block of the product, else null
 };
 
-// A field whose text differs between two blocks, or was asked to change.
+// A field that differs between two blocks, or that the user wants to change.
 struct FieldChange {
     const Field* field;
     UnicodeString before, after;
@@ -57,7 +57,7 @@ struct FieldChange {
     bool IsChange() const { return before != after; }
 };
 
-// The fields of both blocks that differ.
+// The fields that both blocks have and that differ.
 std::vector<FieldChange> Differences(const SettingsBlock& before, const SettingsBlock& after);
 
 }  // namespace qv

@@ -1,5 +1,4 @@
-// Settings to look at, wherever they are: a printer's, a block in a file, or the text form in a
-// file.
+// Settings to read: of a printer, of a block in a file, or of the text form in a file.
 #pragma once
 
 #include <algorithm>
@@ -15,11 +14,11 @@ struct SettingsSource {
 
     Kind kind;
     std::string name;
-    SettingsBlock block;                  // of a text: the defaults, changed as it says
-    std::vector<Assignment> assignments;  // of a text
-    std::vector<LineFault> faults;        // of a text
-    std::vector<std::string> damage;      // what is damaged; the rest can be looked at
-    bool is_foreign = false;              // a whole block of another driver
+    SettingsBlock block;                  // for a text: the defaults with its assignments
+    std::vector<Assignment> assignments;  // for a text
+    std::vector<LineFault> faults;        // for a text
+    std::vector<std::string> damage;      // the damaged parts; the rest can be read
+    bool is_foreign = false;              // a complete block of another driver
 
     bool Has(const Field& field) const;
     int LineOf(const Field& field) const;
@@ -27,7 +26,7 @@ struct SettingsSource {
     Json Description() const;
 };
 
-// A file that exists, `-` for standard input, or a printer. Throws Failure.
+// Opens a file that exists, standard input for `-`, or else a printer. Throws Failure.
 SettingsSource OpenSource(const std::string& name);
 
 // The user's settings of the printer. Throws Failure.

@@ -1,5 +1,5 @@
-// Settings as text: what `qv export` writes and `qv apply` reads. UTF-8, a head of comments, then a
-// line NAME=VALUE per field in the order of AllFields().
+// The text form of settings, which `qv export` writes and `qv apply` reads. It is UTF-8: a head of
+// comments, then a line NAME=VALUE for each field in the order of AllFields().
 #pragma once
 
 #include <vector>
@@ -8,14 +8,14 @@
 
 namespace qv {
 
-// A field and the text that it is to have, which ValueFault has passed.
+// A field and its new text. ValueFault accepts the text.
 struct Assignment {
     const Field* field;
     UnicodeString text;
-    int line = 0;  // in the file; 0 when it was not read from one
+    int line = 0;  // line number in the file; 0 without a file
 };
 
-// A line that is not an assignment, and why.
+// A line that is not an assignment, and the reason.
 struct LineFault {
     int line;
     std::string field;  // empty when the line has no name
@@ -23,14 +23,14 @@ struct LineFault {
 };
 
 struct SettingsText {
-    UnicodeString printer;  // of the head; empty when it names none
+    UnicodeString printer;  // named in the head, or empty
     std::vector<Assignment> assignments;
     std::vector<LineFault> faults;
-    bool is_damaged = false;  // some bytes are not UTF-8, or some line is no line of this form
+    bool is_damaged = false;  // the bytes are not UTF-8, or a line does not have this form
 };
 
-// Reads to the end whatever the lines hold. Line ends are LF or CR LF; blank lines and comments
-// count as lines.
+// Reads to the end, also behind bad lines. Lines end with LF or CR LF. Blank lines and comments are
+// counted in line numbers.
 SettingsText ParseSettings(const std::string& bytes);
 
 struct SettingsHead {
@@ -39,10 +39,10 @@ struct SettingsHead {
 
 std::string FormatSettings(const SettingsHead& head, const SettingsBlock& block);
 
-// Whether `bytes` are this text rather than a block, which has zero bytes.
+// True for this text form. A block has zero bytes, a text has none.
 bool IsSettingsText(const std::string& bytes);
 
-// "line 7: " in front of a message, or nothing for line 0.
+// "line 7: " for the beginning of a message; empty for line 0.
 std::string LinePrefix(int line);
 
 }  // namespace qv
