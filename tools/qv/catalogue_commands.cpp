@@ -1,4 +1,4 @@
-// qv papers, qv resolutions: what the product's resource file offers.
+// qv papers, qv resolutions: list the papers and resolutions of the product's resource file.
 #include <charconv>
 #include <memory>
 

@@ -1,5 +1,6 @@
-// Which commands only look. The library asks while it is loaded (driver_global/startup.h). That is
-// before main and before any object of this program exists, so that nothing here may need one.
+// The commands that only look. The library asks for this while it is loaded
+// (driver_global/startup.h): before main, and before any global object of this program exists. Code
+// here must not use such objects.
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -20,8 +21,8 @@ bool Holds(const std::string_view (&words)[N], std::string_view word) {
 
 }  // namespace
 
-// These commands may show the log in force. They write no line into it and mend nothing, so that
-// what happened before can still be seen.
+// These commands may show the log in force. They must not write into it or repair it, so that it
+// still shows what happened before.
 extern "C" QV_PROGRAM_EXPORT int QVLooksOnly() {
     qv::EarlyArguments arguments;
     const auto words = arguments.Words();

@@ -43,8 +43,9 @@ void AddCommands(CLI::App& app) {
     app.footer(kExitCodes);
 }
 
-// The parser gives words behind "--" to the command only while words are missing. When none of them
-// looks like an option, the mark is dropped. `qv command` takes all words as they are.
+// The parser passes words behind "--" to the command only while required words are missing. So the
+// "--" is dropped when no word behind it looks like an option. `qv command` takes all words as they
+// are.
 void DropNeedlessMark(std::vector<std::string>& arguments) {
     const auto is_option = [](const std::string& word) { return word.starts_with('-'); };
     const auto verb = std::find_if_not(arguments.begin(), arguments.end(), is_option);

@@ -1,4 +1,4 @@
-// qv command: the text command call, as a script makes it.
+// qv command: makes the library's text command call.
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,7 +20,7 @@ std::string Item(const std::string& text) {
     return quoted + "\"";
 }
 
-// What the words may change: setdevmode PrinterName NAME ...
+// The settings that the command may change: setdevmode PrinterName NAME ...
 CallTargets TargetsOf(const std::vector<std::string>& items) {
     const bool is_change = FromUtf8(items.front()).Trim().CompareIC(TEXT("setdevmode")) == 0;
     if (!is_change || items.size() < 3) return {};
@@ -30,7 +30,8 @@ CallTargets TargetsOf(const std::vector<std::string>& items) {
 void CallTextCommand(const std::vector<std::string>& items) {
     std::string line;
     for (const std::string& item : items) line += (line.empty() ? "" : "\t") + Item(item);
-    // The call is made once, since it may change settings; a result longer than this is cut.
+    // The call cannot be repeated with more room, since it may change settings. A longer result is
+    // cut.
     constexpr int kCapacity = 1 << 20;
     std::vector<WCHAR> buffer(kCapacity + 1);
     const int status = DoCommandW(FromUtf8(line).t_str(), buffer.data(), kCapacity);
@@ -49,7 +50,7 @@ void AddTextCommand(CLI::App& app) {
     command->footer(
         "Words: getdevmode, setdevmode, getorloprinters. Example:\n"
         "  qv command setdevmode PrinterName \"Vantrel Fax\" Mode 1");
-    // Values may look like options: everything from the word on is taken as it stands.
+    // Values may look like options, so all words are taken as they are.
     command->prefix_command();
     auto record = std::make_shared<RecordOptions>();
     AddRecordOptions(*command, *record);

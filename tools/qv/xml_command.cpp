@@ -1,4 +1,4 @@
-// qv xml: the XML request call on files or on the standard streams.
+// qv xml: makes the library's XML request call on files or the standard streams.
 #include <limits>
 #include <memory>
 
@@ -24,8 +24,8 @@ struct XmlOptions {
     RecordOptions record;
 };
 
-// The file that takes the response: it is made before the request is carried out, so that nothing
-// is when the response has no place. Null for standard output.
+// The file for the response; null for standard output. It is opened before the request runs: a
+// request whose response cannot be stored must change nothing.
 std::unique_ptr<TFileStream> MakeResponse(const std::string& name) {
     if (name == kStandardStream) return nullptr;
     try {
@@ -47,8 +47,8 @@ void WriteResponse(TFileStream* file, const TMemoryStream& response, int size) {
     Print(text);
 }
 
-// Throws the texts of the response's error elements, if it has any. An error at a position of the
-// request means that the request itself is damaged.
+// Throws the texts of the response's error elements, if there are any. An error with a position
+// means that the request is damaged.
 void FailOnErrors(const std::string& request, const TMemoryStream& bytes, int size) {
     TXmlDoc response;
     response.Parse(bytes.GetMemory(), size);
@@ -85,7 +85,7 @@ void AddTargets(const TXmlNode& change, CallTargets& targets) {
     }
 }
 
-// What the request may change. One that cannot be parsed changes nothing.
+// The settings that the request may change. A request that cannot be parsed changes nothing.
 CallTargets TargetsOf(const std::string& bytes) {
     CallTargets targets;
     TXmlDoc request;
@@ -110,7 +110,7 @@ void RunXml(const XmlOptions& options) {
     const std::string bytes = ReadAll(options.request);
     if (bytes.size() > std::numeric_limits<int>::max())
         throw Failure("the request is too long", ExitCode::kCannotOpen);
-    // Held while the response is made, so that a response in its place does not overwrite it.
+    // Stays open until the end, so that the response cannot overwrite the request.
     std::unique_ptr<TFileStream> held;
     if (options.request != kStandardStream)
         held = std::make_unique<TFileStream>(FromUtf8(options.request), TFileStream::kRead);

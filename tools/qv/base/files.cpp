@@ -28,7 +28,7 @@ std::string ReadStandardInput() {
                   ExitCode::kCannotOpen);
 }
 
-// `shown` is the name that the user knows the file by.
+// `shown` is the file's name in messages.
 void WriteFileNamed(const std::string& name, const std::string& bytes, const std::string& shown) {
     if (bytes.size() > std::numeric_limits<int>::max())
         throw Failure("'" + shown + "' would be too long");

@@ -1,5 +1,5 @@
-// Also qv host: the state that this host keeps in place of Windows: where it lies, and its registry
-// as text.
+// The Linux side of the tool, and `qv host`: where the files lie that stand in for Windows, and its
+// registry as text.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <qv_host.h>
@@ -41,7 +41,7 @@ std::atomic<bool>& StopIsRequested() {
     return is_requested;
 }
 
-// A signal that is ignored, as SIGHUP below nohup, stays so.
+// A signal that is ignored (SIGHUP under nohup) stays ignored.
 void SetHandlers(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
@@ -66,7 +66,7 @@ std::string FirstLine(const std::filesystem::path& file) {
     return line;
 }
 
-// As the system shows locks: "lock: 1: OFDLCK ADVISORY WRITE -1 fe:01:4711 0 95".
+// Reads a line such as "lock: 1: OFDLCK ADVISORY WRITE -1 fe:01:4711 0 95".
 bool HasLock(const std::filesystem::path& descriptor, ino_t file) {
     const std::string inode = ":" + std::to_string(file) + " 0 ";
     std::ifstream stream(descriptor);
@@ -131,7 +131,7 @@ bool OutputHasNoReader() {
 }
 
 std::vector<std::string> PrepareConsole(int argc, char** argv) {
-    // A closed pipe is an error of the write, so that what the program has begun is ended properly.
+    // A closed pipe makes the write fail instead of killing the program in the middle of its work.
     std::signal(SIGPIPE, SIG_IGN);
     // The host has said why.
     if (HostRoot().empty()) throw Failure("", ExitCode::kCannotOpen);
@@ -233,7 +233,7 @@ std::string HostProblem() {
     return length < kMessageSize ? OneLine(UnicodeString(problem)) : "";
 }
 
-// Beside the registry that the changes are in: another host root is another machine.
+// The journal lies beside the registry that it describes: another host root is another machine.
 std::string UserDataFolder() {
     const std::string root = HostRoot();
     if (root.empty()) throw Failure("the host root is not known", ExitCode::kCannotOpen);

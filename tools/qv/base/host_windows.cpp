@@ -33,18 +33,18 @@ std::atomic<bool>& StopIsRequested() {
     return is_requested;
 }
 
-// The second request passes to the system, which ends the program.
+// The first request is only noted. The second one goes to the system, which ends the program.
 BOOL WINAPI OnStop(DWORD /*kind*/) {
     return StopIsRequested().exchange(true) ? FALSE : TRUE;
 }
 
-// UTF-8 and colours for the time of this program: the console is that of others as well, who find
-// it as it was.
+// Switches the console to UTF-8 and colours. Other programs share the console, so the destructor
+// restores it.
 class ConsoleForm {
   public:
     ConsoleForm() {
         SetConsoleOutputCP(CP_UTF8);
-        // Colours are escape sequences, which older consoles act on only when they are asked to.
+        // Older consoles understand colours only in this mode.
         if (has_mode_) SetConsoleMode(output_, mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
     }
     ~ConsoleForm() {
@@ -76,7 +76,7 @@ std::int64_t ToSeconds(const FILETIME& time) {
 
 }  // namespace
 
-// Quotes are dropped and backslashes kept: enough for words that need neither.
+// Drops quotes and keeps backslashes. The words that are compared contain neither.
 EarlyArguments::EarlyArguments() {
     std::size_t size = 0, begin = 0;
     bool quoted = false, is_program = true;
@@ -142,8 +142,8 @@ DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
                                                                             : GetLastError();
 }
 
-// With the rules of the moment itself, not those of today.
-// The system names no holder of a lock.
+// Uses the daylight-saving rules of that moment, not those of today.
+// The system does not tell who holds a lock.
 std::string LockHolders(const UnicodeString&) {
     return "one of the processes that the Resource Monitor shows for this file";
 }

@@ -7,7 +7,7 @@ namespace qv {
 
 namespace {
 
-// Far above every name; keeps the work small whatever is typed.
+// Far above every name; limits the work for long input.
 constexpr std::size_t kLongestWord = 100;
 
 std::string Lower(std::string text) {
@@ -15,7 +15,7 @@ std::string Lower(std::string text) {
     return text;
 }
 
-// Changes of a letter, and swaps of neighbours, from one word to the other.
+// The number of changed letters and swapped neighbours between two words.
 std::size_t Distance(const std::string& a, const std::string& b) {
     std::vector<std::size_t> two_back, back, row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;

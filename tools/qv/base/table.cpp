@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kGap = 2;
 
-// Characters of a UTF-8 text: its bytes but for those that go on with a character.
+// The number of characters of a UTF-8 text: all bytes that begin one.
 std::size_t WidthOf(const std::string& text) {
     return static_cast<std::size_t>(std::ranges::count_if(
         text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));

@@ -21,7 +21,7 @@ std::vector<std::string> NamesOf(const std::vector<const CLI::App*>& commands) {
     return names;
 }
 
-// "--all", "-n": how each option of the command is written.
+// The options of the command as they are typed: "--all", "-n".
 std::vector<std::string> OptionsOf(const CLI::App& app) {
     std::vector<std::string> names;
     for (const CLI::Option* option : app.get_options()) {
@@ -39,12 +39,12 @@ bool IsOption(const std::string& word) {
     return word.starts_with('-') && word != "-" && word != "--";
 }
 
-// Follows the words down the commands as far as they are known.
+// Walks through the commands that the words name and finds the first unknown word.
 class Follower {
   public:
     explicit Follower(const CLI::App& app) : app_(&app) {}
 
-    // Returns what is wrong with the word; empty when nothing is.
+    // Returns the error of the word, or an empty text.
     std::string Follow(const std::string& word) {
         if (IsOption(word)) return FollowOption(word);
         const auto commands = CommandsOf(*app_);

@@ -10,15 +10,15 @@ namespace qv {
 
 namespace {
 
-// Units that a terminal acts on or that change how a line reads: controls, line separators and the
-// marks that turn the direction of writing.
+// Units that a terminal acts on, or that change how a line reads: control characters, line
+// separators and marks of writing direction.
 bool IsHarmful(unsigned unit) {
     return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || unit == 0x061C || unit == 0x200E ||
            unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) ||
            (unit >= 0x2066 && unit <= 0x2069);
 }
 
-// ASCII that is no control.
+// Printable ASCII.
 bool IsPlain(unsigned unit) {
     return unit >= 0x20 && unit < 0x7F;
 }
@@ -39,8 +39,8 @@ std::string Escaped(unsigned unit) {
     return text;
 }
 
-// Adds the plain units at the front of `text`; returns how many those are. Nearly all text is
-// plain, so that it goes by blocks, which the compiler takes as vectors.
+// Adds the plain units at the front of `text` and returns their number. Nearly all text is plain.
+// The loop works on blocks, which the compiler turns into vector instructions.
 std::size_t AddPlain(std::string& out, Units text) {
     constexpr std::size_t kBlock = 16;
     std::size_t done = 0;
@@ -59,7 +59,7 @@ std::size_t AddPlain(std::string& out, Units text) {
     return done;
 }
 
-// Adds `text` with its harmful units escaped, but for those that `kept` holds.
+// Adds `text` with its harmful units escaped. Units of `kept` stay as they are.
 void AddEscaped(std::string& out, Units text, std::string_view kept) {
     const auto is_escaped = [kept](unsigned unit) {
         return IsHarmful(unit) &&
@@ -102,7 +102,7 @@ void AddUtf8(std::string& out, Units text) {
     char bytes[3 * kMost];
     while (!text.empty()) {
         std::size_t count = std::min(text.size(), kMost);
-        // The two units of a pair stay together.
+        // Never cuts between the two units of a surrogate pair.
         if (count < text.size() && (text[count - 1] & 0xFC00) == 0xD800) --count;
         const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(count),
                                              bytes, sizeof(bytes), nullptr, nullptr);

@@ -17,15 +17,14 @@ bool IsTrail(WCHAR unit) {
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-// Units that stand for a character on their own or as the pair that begins at `i`; 0 for half a
-// pair.
+// The number of units of the character at `i`: 1, or 2 for a surrogate pair; 0 for half a pair.
 int UnitsOfCharacter(const UnicodeString& text, int i) {
     const WCHAR unit = text.t_str()[i];
     if (!IsLead(unit) && !IsTrail(unit)) return 1;
     return IsLead(unit) && i + 1 < text.Length() && IsTrail(text.t_str()[i + 1]) ? 2 : 0;
 }
 
-// A printable character as itself, else an escape.
+// Adds a printable character as it is, any other as an escape.
 std::string Escaped(const UnicodeString& text, int i, int units) {
     if (units > 0) {
         const UnicodeString character = text.SubString(i + 1, units);
@@ -50,7 +49,7 @@ std::optional<UnicodeString> StrictUtf8(const std::string& text) {
     return FromUtf8(text);
 }
 
-// The unit that the escape at `at` stands for, which moves behind it.
+// Reads the escape at `at` and moves `at` behind it.
 std::optional<WCHAR> ReadEscape(const std::string& text, std::size_t& at) {
     const char kind = at < text.size() ? text[at++] : '\0';
     switch (kind) {

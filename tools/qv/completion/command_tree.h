@@ -8,9 +8,8 @@
 
 namespace qv {
 
-// What may stand where a value is expected. The names of the value and of its option say so: one
-// called FILE, OUT.zip or --output-file is a file, one called PRINTER a printer, "FILE|PRINTER"
-// both.
+// The kind of value that an argument takes. It follows from the names of the value and the option:
+// FILE, OUT.zip and --output-file mean a file, PRINTER a printer, "FILE|PRINTER" both.
 struct ValueKind {
     std::vector<std::string> choices;
     bool file = false;

@@ -1,4 +1,4 @@
-// qv completion, qv man, qv help: what other programs need to know of the command line.
+// qv completion, qv man, qv help: describe the command line to shells, manuals and people.
 #include <map>
 #include <memory>
 

@@ -1,4 +1,4 @@
-// The texts that are made of the command line.
+// Writers of manual pages and completion scripts.
 #pragma once
 
 #include "completion/command_tree.h"

@@ -1,4 +1,4 @@
-// qv event fire, qv event listen, qv tags: events of a made-up job, and what they send.
+// qv event fire, qv event listen, qv tags: fire an event of a sample job, and show what it sends.
 #include <windows.h>
 
 #include <winspool.h>
@@ -22,7 +22,7 @@ namespace qv {
 
 namespace {
 
-// Nothing when the file cannot be read.
+// Returns nullopt when the file cannot be read.
 bool ReadDescription(const std::string& name, UnicodeString& text) {
     const UnicodeString wide = FromUtf8(name);
     if (!Sysutils::FileExists(wide)) return false;
@@ -55,7 +55,7 @@ std::string ActionText(const TEventAction& action) {
     return text;
 }
 
-// One argument on each line: what a program gets cannot be told from blanks and quotes.
+// One argument a line: a joined command line would not show where an argument ends.
 void ShowEvent(const UnicodeString& event, const UnicodeString& description, TFillTagsInfo& info) {
     for (const TEventAction& action : PlanXmlEvent(event, description, &info))
         PrintLine(ActionText(action));

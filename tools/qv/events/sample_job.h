@@ -1,4 +1,4 @@
-// A print job that the command line describes, for trying out events, tags and job records.
+// A sample print job, described by command-line options, to try out events, tags and job records.
 #pragma once
 
 #include <windows.h>

@@ -24,8 +24,8 @@ using Seconds = std::chrono::seconds;
 
 constexpr Seconds kUsualWait(10);
 constexpr DWORD kLockPauseMilliseconds = 20;
-constexpr const char* kForever = "true";   // what the parser makes of --wait without a number
-constexpr std::int64_t kTailSize = 65536;  // bytes that are looked at first for the newest change
+constexpr const char* kForever = "true";   // the parser's value for --wait without a number
+constexpr std::int64_t kTailSize = 65536;  // bytes that are first searched for the newest change
 constexpr std::size_t kLongestHead = 4096;
 constexpr std::size_t kLongestCommand = 4000;  // bytes of it that are kept
 
@@ -43,7 +43,7 @@ std::string OldJournalName() {
     return FileInFolder("settings_journal.json");
 }
 
-// A file that a crash of the system left empty is none.
+// An empty file counts as missing: a crash of the system can leave one.
 bool Exists(const std::string& name) {
     std::error_code error;
     const auto size = std::filesystem::file_size(PathOf(name), error);
@@ -83,7 +83,7 @@ std::string CurrentTime() {
     return text;
 }
 
-// The command that runs, its program without the folder. A very long one is cut.
+// This program's command line, without the folder of the program. A very long one is cut.
 std::vector<std::string> ThisCommand() {
     std::vector<std::string> words = CommandWords();
     if (!words.empty()) words.front() = "qv";
@@ -101,7 +101,7 @@ std::vector<std::string> ThisCommand() {
     return words;
 }
 
-// Nothing for no end.
+// Returns nullopt for no limit.
 std::optional<Seconds> TimeToWait(const JournalWait& wait) {
     if (wait.seconds.empty()) return kUsualWait;
     if (wait.seconds == kForever) return {};
@@ -113,7 +113,8 @@ std::optional<Seconds> TimeToWait(const JournalWait& wait) {
     return Seconds(seconds);
 }
 
-// Nobody else opens the file meanwhile.
+// Opens the lock file, which no other program can open then. Waits for at most `patience`, or
+// without limit. Throws Failure.
 System::TFileHandle Lock(const std::optional<Seconds>& patience) {
     std::error_code error;
     std::filesystem::create_directories(PathOf(UserDataFolder()), error);
@@ -131,7 +132,7 @@ System::TFileHandle Lock(const std::optional<Seconds>& patience) {
     }
 }
 
-// A journal with the changes of the old one, or with none.
+// The bytes of a new journal, with the changes of the old format if there are any.
 std::string FirstLines() {
     std::string lines = HeadLine();
     if (!Exists(OldJournalName())) return lines;
@@ -149,7 +150,7 @@ std::string FirstLines() {
     return lines;
 }
 
-// The newest change that whole lines name, or nothing. The first may begin in the middle of one.
+// The newest change in the complete lines, or nullopt. The bytes may begin in the middle of a line.
 std::optional<std::uint64_t> NewestIn(std::string_view lines) {
     while (!lines.empty()) {
         lines.remove_suffix(1);
@@ -183,7 +184,7 @@ Journal::Journal(const JournalWait& wait) : lock_(Lock(TimeToWait(wait))) {
     }
 }
 
-// Finds the newest change from the end, so that the time for it does not grow with the file.
+// Searches from the end, so that the time does not grow with the file.
 void Journal::Open() {
     if (!Exists(JournalName())) WriteWhole(JournalName(), FirstLines());
     file_ = System::TFileHandle(CreateFileW(FromUtf8(JournalName()).t_str(),
@@ -205,7 +206,7 @@ void Journal::Open() {
         const auto newest = NewestIn(std::string_view(bytes).substr(0, end));
         if (!newest && length < size) continue;
         last_ = newest.value_or(0);
-        // What a killed program left behind the last whole line was not acted upon.
+        // A killed program may have left half a line. Nothing was changed because of it.
         if (end < bytes.size())
             stream.SetSize(size - static_cast<std::int64_t>(bytes.size() - end));
         return;
@@ -223,7 +224,7 @@ void Journal::Append(const std::string& lines) {
         try {
             stream.SetSize(size);
         } catch (const UnicodeString&) {
-            // The next program that opens the journal takes the unfinished line away.
+            // The next program that opens the journal removes the unfinished line.
         }
         CannotUse(text);
     }

@@ -26,7 +26,7 @@ const char* NameOf(ChangeState state) {
     return state == ChangeState::kStopped ? "stopped" : "done";
 }
 
-// What stands in a line is not believed. Each function below throws for what it does not take.
+// A line may hold anything. Each function below throws for a value that it does not accept.
 std::uint64_t ReadNumber(const Json& value) {
     const auto number = value.get<std::uint64_t>();
     if (!value.is_number_unsigned() || number == 0 || number > kLargestNumber)
@@ -67,7 +67,7 @@ ChangeRecord ReadBegin(std::uint64_t number, const Json& begin) {
     return change;
 }
 
-// The name of a target within the journal.
+// The key of a target within the journal.
 std::string KeyOf(std::uint64_t change, const TargetChange& target) {
     return std::to_string(change) + (target.is_global ? "|" : ":" + ToUtf8(target.printer));
 }
@@ -113,7 +113,7 @@ class JournalReader {
         content_.changes.push_back(std::move(change));
     }
 
-    // From the last change to the first: one that was taken back itself takes nothing back.
+    // From the last change to the first: a change that was undone undoes nothing itself.
     void MarkUndone() {
         std::unordered_set<std::string> undone;
         for (std::size_t i = content_.changes.size(); i-- > 0;) {

@@ -1,4 +1,4 @@
-// qv apply: what `qv export` wrote, set on a printer or on many.
+// qv apply: sets the settings of a profile on one printer or on many.
 #include <CLI/CLI.hpp>
 #include <memory>
 

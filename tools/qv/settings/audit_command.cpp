@@ -35,7 +35,7 @@ bool IsOlder(const ChangeRecord& change, LogTime since) {
     return since != 0 && ParseTime(change.time, since, time) && time < since;
 }
 
-// Leaves of the change what is asked for; false when that is nothing.
+// Removes from the change what was not asked for. Returns false when nothing is left.
 bool Narrow(ChangeRecord& change, const AuditOptions& options, LogTime since) {
     if (!Fits(FromUtf8(change.user), options.user) || IsOlder(change, since)) return false;
     if (options.printer.empty() && options.field.empty()) return true;

@@ -40,7 +40,7 @@ std::string ValueText(const std::optional<UnicodeString>& value) {
     return value ? Shown(*value) : "(none)";
 }
 
-// As the field's value where the field is known.
+// A known field gives its own type of value, an unknown one a text.
 Json ValueJson(const std::string& field, const std::optional<UnicodeString>& value) {
     if (!value) return {};
     const Field* const known = FindField(FromUtf8(field));

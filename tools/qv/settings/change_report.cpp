@@ -71,7 +71,7 @@ void PrintGlobals(const std::vector<ValueChange>& values) {
     }
 }
 
-// On standard error, ahead of the lines.
+// Prints to standard error, before the lines of the changes.
 void PrintNotes(const std::vector<PrinterChange>& changes) {
     std::map<std::string, std::vector<const PrinterChange*>> notes;
     for (const PrinterChange& change : changes)

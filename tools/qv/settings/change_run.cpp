@@ -22,7 +22,8 @@ TargetChange TargetOf(const PrinterChange& change) {
     return target;
 }
 
-// Those that the journal is to know of. What an undo finds as it is to be is taken back as well.
+// The changes that the journal records. An undo also records printers that already have the old
+// values.
 std::vector<PrinterChange*> ToMake(std::vector<PrinterChange>& changes, bool is_undo) {
     std::vector<PrinterChange*> chosen;
     for (PrinterChange& change : changes)
@@ -30,7 +31,7 @@ std::vector<PrinterChange*> ToMake(std::vector<PrinterChange>& changes, bool is_
     return chosen;
 }
 
-// A group that cannot be kept has stored nothing of what went well.
+// When the group cannot be committed, nothing was stored: every change that went well fails too.
 void Keep(ChangeGroup& group, const std::vector<PrinterChange*>& changes) {
     const DWORD code = group.Keep();
     for (PrinterChange* change : changes) {
@@ -39,7 +40,7 @@ void Keep(ChangeGroup& group, const std::vector<PrinterChange*>& changes) {
     }
 }
 
-// The only loop that stores, all of it as one change. Returns whether it came to its end.
+// Stores all changes as one group. Returns false when the user stopped it.
 bool StoreEach(const std::vector<PrinterChange*>& changes, const StopRequest& stop) {
     Progress progress("printers set", changes.size());
     ChangeGroup group;

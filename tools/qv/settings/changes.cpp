@@ -12,7 +12,7 @@ bool IsAsked(const Field& field, const std::vector<const Field*>& asked) {
     return std::ranges::find(asked, &field) != asked.end();
 }
 
-// The fields that differ and those of `asked`, in the order of the table.
+// The fields that differ, and those of `asked`, in table order.
 std::vector<FieldChange> Compare(const SettingsBlock& before, const SettingsBlock& after,
                                  const std::vector<const Field*>& asked) {
     std::vector<FieldChange> fields;
@@ -77,7 +77,7 @@ PrinterChange PlanChange(const Printer& printer, const std::vector<Assignment>& 
     return change;
 }
 
-// The driver has the last word: what it stored is what is reported and can be undone.
+// The driver may adjust the values. Its result is what is reported and can be undone.
 void StoreChange(PrinterChange& change) {
     try {
         const SettingsBlock stored = StoreUserSettings(change.printer, *change.after);

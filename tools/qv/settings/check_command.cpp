@@ -1,4 +1,4 @@
-// qv check: which printers do not have the settings of a profile.
+// qv check: finds the printers that do not have the settings of a profile.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
@@ -47,7 +47,7 @@ std::string DeviationLines(const PrinterChange& change) {
     return lines;
 }
 
-// What is found, printed when all printers have been looked at.
+// Collects the findings; they are printed after the last printer.
 struct Deviations {
     Json list = Json::array();
     std::string lines;
@@ -66,7 +66,7 @@ struct Deviations {
     }
 };
 
-// A printer conforms when `qv apply` would write nothing.
+// A printer conforms when `qv apply` would change nothing.
 void Check(const CheckOptions& options) {
     if (options.choice.IsMany() != options.choice.name.empty())
         throw CLI::ValidationError("PRINTER", "either it or --all, --match or --names");

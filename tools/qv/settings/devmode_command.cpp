@@ -15,7 +15,7 @@ void PrintBlock(const SettingsSource& source, const std::vector<std::string>& co
                 bool as_json) {
     if (!as_json) {
         if (source.kind == SettingsSource::Kind::kPrinter) PrintScope();
-        // The whole block, though it may be another driver's or too short: its bytes are looked at.
+        // Any block is shown, also a short one or one of another driver.
         return PrintLine(ToUtf8(TQVDM(&source.block.Block()).ToString(TEXT("\n"), 0)));
     }
     Json fields = Json::object();

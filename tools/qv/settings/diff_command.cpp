@@ -1,4 +1,4 @@
-// qv diff: two settings field by field.
+// qv diff: compares two settings field by field.
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -21,7 +21,7 @@ struct DiffOptions {
 
 struct Difference {
     const Field* field;
-    std::optional<UnicodeString> a, b;  // nothing where a side lacks the field
+    std::optional<UnicodeString> a, b;  // nullopt when this side does not have the field
 };
 
 std::optional<UnicodeString> ValueIn(const SettingsSource& source, const Field& field) {
@@ -64,7 +64,7 @@ std::string DifferenceLines(const std::string& prefix, const std::vector<Differe
     return lines;
 }
 
-// What cannot be compared is said; the rest is compared all the same.
+// Reports damage that keeps fields from being compared. The other fields are still compared.
 std::vector<std::string> DamageOf(const SettingsSource& source) {
     const std::string name = "'" + source.name + "': ";
     std::vector<std::string> texts;
@@ -74,7 +74,7 @@ std::vector<std::string> DamageOf(const SettingsSource& source) {
     return texts;
 }
 
-// What a comparison with one or many printers ends with.
+// The result of comparing with one or many printers.
 struct Outcome {
     std::vector<std::string> damage, errors;
     bool differ = false;
@@ -112,7 +112,7 @@ void DiffTwo(const DiffOptions& options) {
     outcome.Report();
 }
 
-// Each printer of the choice is a B.
+// Compares A with each chosen printer.
 void DiffMany(const DiffOptions& options) {
     const SettingsSource a = OpenSource(options.a);
     Json list = Json::array();

@@ -1,4 +1,4 @@
-// qv export: a printer's settings as text.
+// qv export: writes a printer's settings as text.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
@@ -24,7 +24,7 @@ std::string FormatLook(const PrinterLook& look) {
     return FormatSettings(head, *look.block);
 }
 
-// The printer's name as that of a file on every host: what some host does not take is %XX.
+// The printer's name as a file name that every host accepts. Other characters become %XX.
 std::string FileNameOf(const Printer& printer) {
     std::string name;
     for (const char c : ToUtf8(printer.name)) {

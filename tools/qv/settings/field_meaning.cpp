@@ -10,7 +10,7 @@ using driver_devmode::FieldKind;
 
 namespace {
 
-// From here on the values of the public fields are a driver's own.
+// A driver defines the values from here on for itself.
 constexpr long long kDriversOwn = 256;
 
 // 48 and 49 are reserved among the paper sizes.
@@ -61,7 +61,7 @@ std::string OwnRuleFault(const std::string& name, const std::vector<long long>& 
         DWORD known = 0;
         for (const Field* field : AllFields()) known |= field->Bit;
         const auto unknown = static_cast<DWORD>(elements[0]) & ~known;
-        // Bits of fields that printers do not use have no names here: position, pixels and others.
+        // Position, pixels and other fields that printers do not use have no names here.
         constexpr DWORD kOther = 0x207E00A0;
         return (unknown & ~kOther) == 0 ? "" : "a bit is set that stands for no field";
     }
@@ -75,8 +75,7 @@ std::string TerminatorFault(const SettingsBlock& block, const Field& field) {
     return "the text has no end inside the field";
 }
 
-// Values that a block carries without meaning to set them: what a fresh one has, and the
-// resolution that the driver derives for itself.
+// Values that nobody set: those of a fresh block, and the resolution, which the driver computes.
 bool IsUnset(const SettingsBlock& block, const Field& field) {
     QV_DEVMODE validated;
     validated.exFax = block.IsProduct() ? block.Block().exFax : validated.exFax;
@@ -89,7 +88,7 @@ bool IsUnset(const SettingsBlock& block, const Field& field) {
            std::equal(bytes.begin(), bytes.end(), derived + field.Offset);
 }
 
-// Whether dmFields says nothing of a public field that it could speak of.
+// True for a public field whose bit in dmFields is clear.
 bool LacksBit(const SettingsBlock& block, const Field& field) {
     return field.Bit != 0 && (block.Block().dmFields & field.Bit) == 0;
 }

@@ -16,7 +16,7 @@ std::string Values(int count) {
 
 std::string ValueFault(const Field& field, const UnicodeString& text) {
     TQVDM scratch;
-    // Whether the texts have room together depends on the block that they go into.
+    // Whether the texts fit into the pool together depends on the block.
     scratch.Directory = scratch.FileName = scratch.Target = UnicodeString();
     switch (driver_devmode::CheckField(scratch, NameToSet(field), text)) {
         case TFieldCheck::Taken:

@@ -1,4 +1,4 @@
-// qv get: the current user's settings of one printer or of many.
+// qv get: shows the current user's settings of one printer or of many.
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -21,7 +21,7 @@ struct GetOptions {
 
 using Fields = std::vector<const Field*>;
 
-// All names that are wrong are told at once.
+// Reports all unknown names in one message.
 Fields FieldsNamed(const std::vector<std::string>& names) {
     Fields fields;
     std::string faults;
@@ -36,8 +36,8 @@ Fields FieldsNamed(const std::vector<std::string>& names) {
     return fields;
 }
 
-// The fields asked for that the block has; when none is asked for those that are for users: not
-// what describes the block itself, unless that is all there is.
+// The requested fields that the block has. Without a request: all fields but those that describe
+// the block itself, or these when there are no others.
 Fields ToShow(const SettingsBlock& block, const Fields& asked) {
     Fields fields;
     for (const Field* field : asked.empty() ? AllFields() : asked) {
@@ -77,8 +77,8 @@ void PrintOne(const PrinterLook& look, const Fields& asked, const GetOptions& op
     PrintScope();
 }
 
-// A column for each field that was asked for, "-" where a printer lacks it; else a row for each
-// field.
+// With requested fields: one column for each, "-" where a printer does not have it. Otherwise one
+// row for each field.
 class Collector {
   public:
     explicit Collector(const Fields& asked) : asked_(asked), table_(Head(asked)) {}

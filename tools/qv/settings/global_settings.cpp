@@ -12,7 +12,7 @@ namespace qv {
 std::optional<UnicodeString> ReadGlobal(const UnicodeString& name) {
     const System::TKeyHandle key(Mox::RegOpenToRead(HKEY_LOCAL_MACHINE, kProductKey));
     if (!key) return {};
-    // Only of a value that is missing are two defaults two texts.
+    // A missing value returns the default. Two different defaults tell it from a stored text.
     UnicodeString value = Mox::RegReadString(key.Get(), name, TEXT("0"));
     if (value != Mox::RegReadString(key.Get(), name, TEXT("1"))) return {};
     return value;

@@ -1,4 +1,4 @@
-// qv job: flattened job records as bytes.
+// qv job: reads and writes flattened job records.
 #include <CLI/CLI.hpp>
 #include <memory>
 

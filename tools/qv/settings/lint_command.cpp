@@ -1,4 +1,4 @@
-// qv lint: what is wrong with settings.
+// qv lint: finds errors in settings.
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -14,8 +14,8 @@ namespace qv {
 namespace {
 
 struct Finding {
-    int line;           // of a text form; 0 otherwise
-    std::string field;  // empty for the whole
+    int line;           // in a text form; 0 otherwise
+    std::string field;  // empty when it concerns the whole block
     std::string text;
 };
 
@@ -48,7 +48,7 @@ Json FindingsJson(const std::vector<Finding>& findings) {
     return list;
 }
 
-// What is found in one source after the other, and how the command ends by it.
+// Collects the findings of all sources and ends the command accordingly.
 class Linter {
   public:
     explicit Linter(bool is_many) : is_many_(is_many) {}
@@ -64,7 +64,7 @@ class Linter {
         found_ = found_ || !findings.empty();
     }
 
-    // The printer cannot be looked at.
+    // The printer's settings cannot be read.
     void Take(const Printer& printer, const Failure& failure) {
         list_.push_back({{"source", {{"printer", Text(printer.name)}}}, {"error", failure.what()}});
         errors_.emplace_back(failure.what());

@@ -28,7 +28,7 @@ void RefuseForeign(const Printer& printer, const PrinterChoice& choice, Purpose 
                   "', which is not the product's; --force changes its public fields");
 }
 
-// One message, however many printers there are.
+// Prints one message for all of them.
 void SayLeftOut(const std::vector<Printer>& printers) {
     if (printers.empty()) return;
     const Printer& first = printers.front();
@@ -56,7 +56,7 @@ std::vector<UnicodeString> ReadNames(const std::string& file) {
     return names;
 }
 
-// Each printer once. All names that are none are told at once.
+// Returns each printer once. Reports all unknown names in one message.
 std::vector<Printer> ChooseByList(const PrinterChoice& choice, Purpose purpose) {
     std::map<std::string, Printer> installed;
     for (Printer& printer : InstalledPrinters())
@@ -126,7 +126,7 @@ std::vector<Printer> ChoosePrinters(const PrinterChoice& choice, Purpose purpose
 bool Matches(const UnicodeString& name, const UnicodeString& pattern) {
     const WCHAR* n = name.t_str();
     const WCHAR* p = pattern.t_str();
-    // Where to go on when what follows the last star does not fit.
+    // Where to try again when the text behind the last star does not match.
     const WCHAR* star = nullptr;
     const WCHAR* star_end = nullptr;
     while (*n != 0) {

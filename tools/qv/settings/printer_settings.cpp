@@ -23,7 +23,7 @@ Printer MakePrinter(const PRINTER_INFO_2W& record) {
     return {record.pPrinterName, record.pDriverName, record.pPortName};
 }
 
-// Of a printer of the product: whether its block can be changed as it stands.
+// For a printer of the product: true when its block can be changed as it is.
 bool IsUsable(const SettingsBlock& block) {
     return block.IsProduct() && ProductDamage(block).empty();
 }

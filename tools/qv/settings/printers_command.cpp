@@ -1,4 +1,4 @@
-// qv printers: the installed printers.
+// qv printers: lists the installed printers.
 #include <CLI/CLI.hpp>
 #include <memory>
 
@@ -18,7 +18,7 @@ struct PrintersOptions {
 };
 
 void ListPrinters(PrintersOptions& options) {
-    // Without a choice, and by a pattern, those of other drivers count as well.
+    // Without a choice, or with a pattern, printers of other drivers are listed too.
     options.choice.force = !options.choice.all;
     std::vector<Printer> printers = options.choice.IsMany()
                                         ? ChoosePrinters(options.choice, Purpose::kLook)

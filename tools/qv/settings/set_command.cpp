@@ -1,4 +1,4 @@
-// qv set: changes of the current user's settings by name.
+// qv set: changes the current user's settings by name.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
@@ -36,7 +36,7 @@ std::string FaultOf(const Words& word, const Field* field, const std::vector<Ass
     return ValueFault(*field, word.value);
 }
 
-// All that is wrong is said at once; nothing is changed then.
+// Reports all errors in one message; then nothing is changed.
 std::vector<Assignment> ParseAssignments(const std::vector<std::string>& texts) {
     std::vector<Words> words;
     words.reserve(texts.size());

@@ -33,7 +33,8 @@ SettingsSource FromText(const std::string& name, const std::string& bytes) {
     return source;
 }
 
-// A block that claims to be the product's has to be one; another driver's needs only its bytes.
+// A block with the product's mark must be complete and valid. A block of another driver only needs
+// all its bytes.
 void FindDamage(SettingsSource& source, bool is_product) {
     source.damage = SizeDamage(source.block);
     source.is_foreign = source.damage.empty() && !is_product && !source.block.IsProduct();
@@ -45,7 +46,7 @@ SettingsSource FromFile(const std::string& name) {
     if (IsSettingsText(bytes)) return FromText(name, bytes);
     const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
     SettingsSource source = MakeSource(Kind::kBlock, name, SettingsBlock({data, bytes.size()}));
-    // Nothing says whose block it is but the block.
+    // Only the block itself says which driver it belongs to.
     FindDamage(source, source.block.Size() == QV_DEVMODE::Size());
     return source;
 }

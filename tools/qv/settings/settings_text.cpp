@@ -12,7 +12,7 @@ namespace {
 
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";
 const std::string kPrinterHead = "printer:";
-// Far above every value; keeps the reader's work in proportion to the file.
+// Far above every name. Keeps the reader's time in proportion to the file.
 constexpr std::size_t kLongestLine = 65536;
 
 class TextReader {

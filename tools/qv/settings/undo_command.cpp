@@ -1,4 +1,4 @@
-// qv undo: takes back a change of the journal.
+// qv undo: undoes a change of the journal.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
@@ -22,12 +22,13 @@ struct UndoOptions {
     bool force = false;
 };
 
-// Whether it is undone in its turn. A change that took another back is so by its number only.
+// True for a change that undo may choose by itself. A change that undid another one must be named
+// by its number.
 bool IsNext(const ChangeRecord& change) {
     return change.undoes == 0 && change.CanBeUndone();
 }
 
-// The change that undo takes back first stands first.
+// Lists the changes in the order in which undo takes them.
 void List(const UndoOptions& options) {
     JournalContent journal = LoadJournal();
     std::erase_if(journal.changes, [](const ChangeRecord& c) { return !IsNext(c); });
@@ -41,7 +42,7 @@ void List(const UndoOptions& options) {
     for (const ChangeRecord& change : journal.changes) PrintRecord(change);
 }
 
-// The change of that number; without one the newest that took nothing back itself.
+// The change with that number. Without a number: the newest change that did not undo another one.
 ChangeRecord ToTakeBack(const UndoOptions& options) {
     JournalContent journal = LoadJournal();
     if (journal.bad_lines != 0 && !options.force) {
@@ -62,7 +63,8 @@ ChangeRecord ToTakeBack(const UndoOptions& options) {
     return std::move(*found);
 }
 
-// Why the field is not as the change left it; a field that is back already is no reason.
+// Says why the field cannot be undone: it has changed since. A field that already has its old value
+// is fine.
 std::string ChangedSince(const SettingsBlock& now, const FieldChange& change) {
     if (!now.Has(*change.field)) return NameOf(*change.field) + " is gone";
     const UnicodeString value = now.Get(*change.field);
@@ -71,7 +73,7 @@ std::string ChangedSince(const SettingsBlock& now, const FieldChange& change) {
            " as the change left it; --force restores it all the same";
 }
 
-// What stands in the journal is not believed. Throws Failure.
+// Checks the values of the journal before they are used. Throws Failure.
 FieldChange CheckedField(const ValueChange& value) {
     const FieldChange change = {&RequireField(value.field), value.before.value_or(UnicodeString()),
                                 value.after.value_or(UnicodeString())};
@@ -100,8 +102,8 @@ PrinterChange PlanUndo(const TargetChange& target, bool force) {
     return change;
 }
 
-// The product's own settings that are to be set back, `after` being what they are now. Throws
-// Failure when one has changed since.
+// The product's own settings that undo sets back; `after` is the present value. Throws Failure when
+// one has changed since.
 std::vector<ValueChange> PlanGlobals(const ChangeRecord& change, bool force) {
     std::vector<ValueChange> values;
     for (const TargetChange& target : change.targets)
