@@ -3,11 +3,12 @@ files=$QV_HOST_ROOT/files
 writer=$(cd "$programs/../tests" && pwd)/log_writer
 mkdir -p "$files"
 
-# make_log FILE: five records of three processes, byte by byte as the format has them.
+# make_log FILE [SECONDS]: five records of three processes, byte by byte as the format has them, 1 to 5.5 seconds
+# behind a time since 1970.
 make_log() {
-    python3 - "$1" <<'END'
-import calendar, struct, sys
-base = (calendar.timegm((2026, 1, 31, 0, 0, 0)) + 11644473600) * 10**7
+    python3 - "$1" "${2:-1769817600}" <<'END'
+import struct, sys
+base = (int(sys.argv[2]) + 11644473600) * 10**7
 def string(text):
     data = text.encode()
     return bytes([0x11, len(data)]) + data if data else b"\0"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace qv {
@@ -13,5 +14,9 @@ inline constexpr const char* kLevelWords =
 // The level that one letter or word stands for, in capitals or not; nothing for any other. '>', the
 // log itself, has the word "log": records of it can be looked for, but nobody else writes them.
 std::optional<char> LevelOf(std::string_view word);
+
+// The levels of an option's value: words apart by commas, or letters side by side ("X*"). Throws
+// Failure (kWrongUsage) for what is no level.
+std::string LevelsOf(const char* option, const std::string& list);
 
 }  // namespace qv

@@ -3,18 +3,22 @@
 #include <algorithm>
 
 #include "base/console.h"
+#include "log/level_words.h"
+#include "log/time_words.h"
 
 namespace qv {
 
 namespace {
 
-std::optional<LogTime> Moment(const char* option, const std::string& text) {
-    if (text.empty()) return std::nullopt;
-    LogTime time = 0;
-    if (ParseTime(text, Now(), time)) return time;
-    throw Failure(std::string(option) + ": '" + text +
-                      "' is no time such as 2026-01-31, 2026-01-31T09:00:00 or 10m (ago)",
-                  ExitCode::kWrongUsage);
+std::optional<LogTime> Moment(const char* option, const std::optional<std::string>& text) {
+    if (!text) return std::nullopt;
+    return TimeOption(option, *text);
+}
+
+std::string Levels(const std::vector<std::string>& lists) {
+    std::string levels;
+    for (const std::string& list : lists) levels += LevelsOf("--level", list);
+    return levels;
 }
 
 template <class T>
@@ -25,15 +29,18 @@ bool IsWanted(const std::vector<T>& wanted, const T& value) {
 }  // namespace
 
 void AddFilterOptions(CLI::App& command, LogFilterOptions& options) {
-    command.add_option("--level", options.levels,
-                       "Levels, a letter each: X error, * warning, i information, blank trace");
-    command.add_option("--pid", options.processes, "Processes")->delimiter(',');
-    command.add_option("--thread", options.threads, "Threads")->delimiter(',');
-    command.add_option("--session", options.sessions, "Sessions; -1: not known")->delimiter(',');
-    command.add_option("--source", options.sources, "Source modules")->delimiter(',');
-    command.add_option("--since", options.since,
-                       "From this time on: 2026-01-31, 2026-01-31T09:00:00 (local; UTC with Z), or "
-                       "how long ago: 90s, 10m, 2h, 1d");
+    // Several values stand apart by commas, or behind several options: the next word may be a file.
+    const auto add_list = [&command](const char* name, auto& values, const char* text) {
+        return command.add_option(name, values, text)->allow_extra_args(false);
+    };
+    add_list("--level", options.levels,
+             "These levels alone: words (error, warning, information, trace, log) apart by commas, "
+             "or letters (X, *, i, a blank, >) side by side");
+    add_list("--pid", options.processes, "Processes")->delimiter(',');
+    add_list("--thread", options.threads, "Threads")->delimiter(',');
+    add_list("--session", options.sessions, "Sessions; -1: not known")->delimiter(',');
+    add_list("--source", options.sources, "Source modules")->delimiter(',');
+    command.add_option("--since", options.since, std::string("From this time on: ") + kTimeWords);
     command.add_option("--until", options.until, "Up to this time, in the same forms");
     command.add_option("--grep", options.grep, "Texts in which this regular expression is found");
     command.add_flag("-i,--ignore-case", options.ignore_case, "--grep takes A for a");
@@ -42,6 +49,7 @@ void AddFilterOptions(CLI::App& command, LogFilterOptions& options) {
 
 LogFilter::LogFilter(const LogFilterOptions& options)
     : options_(options),
+      levels_(Levels(options.levels)),
       since_(Moment("--since", options.since)),
       until_(Moment("--until", options.until)) {
     for (std::string& source : options_.sources) source = ToUtf8(FromUtf8(source).LowerCase());
@@ -55,9 +63,9 @@ bool LogFilter::Passes(const Mox::TLogMsg& record) const {
 }
 
 bool LogFilter::IsFromWanted(const Mox::TLogMsg& record) const {
-    const bool level = options_.levels.empty() ||
-                       (record.level > 0 && record.level < 0x80 &&
-                        options_.levels.find(static_cast<char>(record.level)) != std::string::npos);
+    const bool level =
+        levels_.empty() || (record.level > 0 && record.level < 0x80 &&
+                            levels_.find(static_cast<char>(record.level)) != std::string::npos);
     return level && IsWanted(options_.processes, std::uint32_t{record.processId}) &&
            IsWanted(options_.threads, std::uint32_t{record.threadId}) &&
            IsWanted(options_.sessions, SessionOf(record)) &&

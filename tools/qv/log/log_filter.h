@@ -15,7 +15,9 @@ namespace qv {
 
 // As the command line gives them; what is empty lets everything pass.
 struct LogFilterOptions {
-    std::string levels, since, until, grep;
+    std::vector<std::string> levels;
+    std::optional<std::string> since, until;
+    std::string grep;
     std::vector<std::uint32_t> processes, threads;
     std::vector<std::int64_t> sessions;
     std::vector<std::string> sources;
@@ -27,7 +29,7 @@ void AddFilterOptions(CLI::App& command, LogFilterOptions& options);
 
 class LogFilter {
   public:
-    // Throws Failure (kWrongUsage) for a time or a pattern that cannot be understood.
+    // Throws Failure (kWrongUsage) for a level, a time or a pattern that cannot be understood.
     explicit LogFilter(const LogFilterOptions& options);
 
     bool Passes(const Mox::TLogMsg& record) const;
@@ -40,6 +42,7 @@ class LogFilter {
     bool IsFromWanted(const Mox::TLogMsg& record) const;
 
     LogFilterOptions options_;
+    std::string levels_;
     std::optional<LogTime> since_, until_;
     std::optional<TextPattern> pattern_;
 };

@@ -1,4 +1,4 @@
-// Points in time as a person writes and reads them.
+// Points in time, and how they are shown.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,13 @@ namespace qv {
 // UTC, in 100 ns units since 1601, as the log file has it.
 using LogTime = std::uint64_t;
 
+inline constexpr std::int64_t kTicksPerSecond = 10'000'000;
+inline constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;  // seconds
+inline constexpr std::int64_t kLastSecond = 253'402'300'799;     // of the year 9999, since 1970
+
 LogTime Now();
+// Seconds since 1970.
+std::int64_t UnixSeconds(LogTime time);
 
 // "2026-01-31T09:00:00.123", or in UTC "2026-01-31T08:00:00.1234567Z", of one time after the other:
 // those of one second share most of it. Empty for what is behind the year 9999.
@@ -32,10 +38,5 @@ class TimeText {
 // One of them.
 std::string LocalText(LogTime time);
 std::string UtcText(LogTime time);
-
-// "2026-01-31", "2026-01-31T09:00", "2026-01-31 09:00:00.1234567", local unless "Z" or an offset
-// such as "+01:00" follows; or how long before `now`: "90s", "10m", "2h", "1d12h", "2w". False for
-// anything else.
-bool ParseTime(const std::string& text, LogTime now, LogTime& time);
 
 }  // namespace qv

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "journal/journal.h"
-#include "log/log_time.h"
+#include "log/time_words.h"
 #include "settings/change_list.h"
 #include "settings/printer_choice.h"
 #include "settings/settings_commands.h"
@@ -20,13 +20,6 @@ struct AuditOptions {
 
 bool Fits(const UnicodeString& text, const std::string& pattern) {
     return pattern.empty() || Matches(text, FromUtf8(pattern));
-}
-
-LogTime SinceTime(const std::string& text) {
-    LogTime time = 0;
-    if (!text.empty() && !ParseTime(text, Now(), time))
-        throw CLI::ValidationError("--since", "'" + text + "' is no time");
-    return time;
 }
 
 // A time that cannot be read is never too old.
@@ -52,7 +45,7 @@ bool Narrow(ChangeRecord& change, const AuditOptions& options, LogTime since) {
 }
 
 void Audit(const AuditOptions& options) {
-    const LogTime since = SinceTime(options.since);
+    const LogTime since = options.since.empty() ? 0 : TimeOption("--since", options.since);
     JournalContent journal = LoadJournal();
     std::erase_if(journal.changes,
                   [&](ChangeRecord& change) { return !Narrow(change, options, since); });
