@@ -1,10 +1,12 @@
 #include "base/files.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <limits>
 
 #include "base/host.h"
 #include "mox_classes/containers/streams.h"
+#include "mox_classes/memory/handles.h"
 #include "mox_classes/text/sys_error.h"
 
 namespace qv {
@@ -28,17 +30,53 @@ std::string ReadStandardInput() {
                   ExitCode::kCannotOpen);
 }
 
-// `shown` is the file's name in messages.
-void WriteFileNamed(const std::string& name, const std::string& bytes, const std::string& shown) {
-    if (bytes.size() > std::numeric_limits<int>::max())
-        throw Failure("'" + shown + "' would be too long");
-    try {
-        Classes::TFileStream file(FromUtf8(name), kReplace);
-        file.WriteBuffer(bytes.data(), static_cast<int>(bytes.size()));
-    } catch (const UnicodeString& message) {
-        CannotOpen(shown, message);
-    }
+[[noreturn]] void RefuseFile(const std::string& name) {
+    throw Failure("'" + OneLine(FromUtf8(name)) + "' exists; --force replaces it");
 }
+
+int SizeOf(const std::string& name, const std::string& bytes) {
+    if (bytes.size() > std::numeric_limits<int>::max())
+        throw Failure("'" + name + "' would be too long");
+    return static_cast<int>(bytes.size());
+}
+
+// A file beside another one, for what is to take its place. Gone with the object until it has.
+class Replacement {
+  public:
+    // Throws the platform's message.
+    explicit Replacement(const UnicodeString& name) : name_(name) {
+        const std::string added = ".new-" + std::to_string(GetCurrentProcessId()) + "-";
+        for (int i = 0; !file_; ++i) {
+            fresh_ = name + FromUtf8(added + std::to_string(i));
+            file_ = System::TFileHandle(CreateFileW(fresh_.t_str(), GENERIC_WRITE, 0, nullptr,
+                                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+            const DWORD code = GetLastError();
+            if (!file_ && code != ERROR_FILE_EXISTS) throw Mox::GetSysError(code, true);
+        }
+    }
+    ~Replacement() {
+        if (fresh_.IsEmpty()) return;
+        file_ = System::TFileHandle();
+        DeleteFileW(fresh_.t_str());
+    }
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    void Write(const std::string& bytes, int size) {
+        Classes::THandleStream(file_.Get()).WriteBuffer(bytes.data(), size);
+    }
+    // Returns 0 or the Win32 error code.
+    DWORD TakePlace(bool replace) {
+        file_ = System::TFileHandle();
+        const DWORD code = MoveInPlace(fresh_, name_, replace);
+        if (code == NO_ERROR) fresh_ = UnicodeString();
+        return code;
+    }
+
+  private:
+    UnicodeString name_, fresh_;
+    System::TFileHandle file_;
+};
 
 }  // namespace
 
@@ -59,23 +97,42 @@ std::string ReadAll(const std::string& name) {
 
 void WriteAll(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
-    WriteFileNamed(name, bytes, name);
+    const int size = SizeOf(name, bytes);
+    try {
+        Classes::TFileStream(FromUtf8(name), kReplace).WriteBuffer(bytes.data(), size);
+    } catch (const UnicodeString& message) {
+        CannotOpen(name, message);
+    }
 }
 
 void WriteWhole(const std::string& name, const std::string& bytes) {
-    if (name == kStandardStream) return Print(bytes);
-    const std::string fresh = name + ".new-" + std::to_string(GetCurrentProcessId());
-    const UnicodeString source = FromUtf8(fresh);
+    WriteOutput({name, true}, bytes);
+}
+
+void AddForceOption(CLI::App& command, Output& output) {
+    command.add_flag("--force", output.force, "Replace an output file that exists");
+}
+
+void RefuseExisting(const Output& output) {
+    if (output.force || output.name == kStandardStream) return;
+    if (FindFile(FromUtf8(output.name)).kind == FileKind::kFile) RefuseFile(output.name);
+}
+
+void WriteOutput(const Output& output, const std::string& bytes) {
+    RefuseExisting(output);
+    const FilePlace place = FindFile(FromUtf8(output.name));
+    if (output.name == kStandardStream || place.kind == FileKind::kOther)
+        return WriteAll(output.name, bytes);
+    const int size = SizeOf(output.name, bytes);
     try {
-        WriteFileNamed(fresh, bytes, name);
-    } catch (const Failure&) {
-        DeleteFileW(source.t_str());
-        throw;
+        Replacement fresh(place.name);
+        fresh.Write(bytes, size);
+        const DWORD code = fresh.TakePlace(output.force);
+        if (code == ERROR_FILE_EXISTS || code == ERROR_ALREADY_EXISTS) RefuseFile(output.name);
+        if (code != NO_ERROR) throw Mox::GetSysError(code, true);
+    } catch (const UnicodeString& message) {
+        CannotOpen(output.name, message);
     }
-    const DWORD code = MoveInPlace(source, FromUtf8(name));
-    if (code == NO_ERROR) return;
-    DeleteFileW(source.t_str());
-    CannotOpen(name, Mox::GetSysError(code, true));
 }
 
 }  // namespace qv

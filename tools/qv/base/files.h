@@ -5,6 +5,10 @@
 
 #include "base/console.h"
 
+namespace CLI {
+class App;
+}
+
 namespace qv {
 
 // Stands for standard input or standard output where a file is expected.
@@ -17,7 +21,20 @@ std::string ReadAll(const std::string& name);
 void WriteAll(const std::string& name, const std::string& bytes);
 
 // The same for a file that must be whole at every moment: the old content stays until the new one
-// stands complete beside it and takes its place.
+// stands complete beside it and takes its place. Links are followed; a device or a pipe is written
+// to as it is.
 void WriteWhole(const std::string& name, const std::string& bytes);
+
+// A file that a command makes, as its command line names it.
+struct Output {
+    std::string name;
+    bool force = false;  // a file that exists is replaced
+};
+// --force.
+void AddForceOption(CLI::App& command, Output& output);
+// Throws Failure for a file that exists and is not to be replaced: to be called before long work.
+void RefuseExisting(const Output& output);
+// As WriteWhole. A file that somebody made since then is refused as well.
+void WriteOutput(const Output& output, const std::string& bytes);
 
 }  // namespace qv

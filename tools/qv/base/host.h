@@ -68,9 +68,16 @@ class StopRequest {
 // Writes the open file through to the disk. Returns 0 or the Win32 error code.
 DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
 
-// Renames the file `from` to `to` in one step and replaces a file of that name. Returns 0 or the
-// Win32 error code.
-DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to);
+enum class FileKind { kNone, kFile, kOther };  // the others: devices, pipes, folders
+struct FilePlace {
+    FileKind kind = FileKind::kNone;
+    UnicodeString name;  // of a file: without the links that led to it
+};
+FilePlace FindFile(const UnicodeString& name);
+
+// Renames the file `from` to `to` in one step. A file of that name is replaced, or refused with
+// ERROR_FILE_EXISTS or ERROR_ALREADY_EXISTS. Returns 0 or the Win32 error code.
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace);
 
 // The processes that hold a lock at the start of the file, as "4711 (name)", as far as the system
 // tells this user. Otherwise a text that says where to look.

@@ -165,8 +165,28 @@ DWORD FlushToDisk(const UnicodeString& name, HANDLE /*file*/) {
     return done ? DWORD{NO_ERROR} : DWORD{ERROR_WRITE_FAULT};
 }
 
-DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
-    if (std::rename(HostPath(from).c_str(), HostPath(to).c_str()) == 0) return NO_ERROR;
+FilePlace FindFile(const UnicodeString& name) {
+    const std::filesystem::path path = HostPath(name);
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!std::filesystem::exists(status)) return {FileKind::kNone, name};
+    if (!std::filesystem::is_regular_file(status)) return {FileKind::kOther, name};
+    if (!std::filesystem::is_symlink(path, error)) return {FileKind::kFile, name};
+    const std::filesystem::path target = std::filesystem::canonical(path, error);
+    return {FileKind::kFile, error ? name : FromUtf8(target)};
+}
+
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace) {
+    const std::string source = HostPath(from);
+    const std::string target = HostPath(to);
+    const unsigned flags = replace ? 0 : RENAME_NOREPLACE;
+    if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), flags) == 0) return NO_ERROR;
+    // Some file systems know links, but not the flag.
+    if (errno == EINVAL && link(source.c_str(), target.c_str()) == 0) {
+        unlink(source.c_str());
+        return NO_ERROR;
+    }
+    if (errno == EEXIST) return ERROR_FILE_EXISTS;
     return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ERROR_ACCESS_DENIED;
 }
 

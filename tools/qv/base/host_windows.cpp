@@ -11,6 +11,7 @@
 #include "base/commands.h"
 #include "base/console.h"
 #include "base/host.h"
+#include "mox_classes/memory/handles.h"
 #include "mox_classes/text/sysutils_platform.h"
 
 namespace qv {
@@ -137,9 +138,20 @@ DWORD FlushToDisk(const UnicodeString& /*name*/, HANDLE file) {
     return FlushFileBuffers(file) ? DWORD{NO_ERROR} : GetLastError();
 }
 
-DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to) {
-    return MoveFileExW(from.t_str(), to.t_str(), MOVEFILE_REPLACE_EXISTING) ? DWORD{NO_ERROR}
-                                                                            : GetLastError();
+FilePlace FindFile(const UnicodeString& name) {
+    const DWORD attributes = GetFileAttributesW(name.t_str());
+    const System::TFileHandle file(CreateFileW(name.t_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                               nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                                               nullptr));
+    if (file && GetFileType(file.Get()) != FILE_TYPE_DISK) return {FileKind::kOther, name};
+    if (attributes == INVALID_FILE_ATTRIBUTES) return {FileKind::kNone, name};
+    const bool is_folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return {is_folder ? FileKind::kOther : FileKind::kFile, name};
+}
+
+DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace) {
+    const DWORD flags = replace ? MOVEFILE_REPLACE_EXISTING : 0;
+    return MoveFileExW(from.t_str(), to.t_str(), flags) ? DWORD{NO_ERROR} : GetLastError();
 }
 
 // Uses the daylight-saving rules of that moment, not those of today.

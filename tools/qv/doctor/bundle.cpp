@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "base/files.h"
 #include "base/host.h"
 #include "base/progress.h"
 #include "doctor/examination.h"
@@ -216,6 +215,7 @@ void AddFiles(ZipWriter& zip, const Contents& contents) {
 }  // namespace
 
 void WriteBundle(const BundleOptions& options) {
+    RefuseExisting(options.output);
     Contents contents;
     Gather(contents);
     std::optional<Redaction> redaction;
@@ -228,7 +228,7 @@ void WriteBundle(const BundleOptions& options) {
     zip.Add("README.txt", Readme(contents, names));
     AddFiles(zip, contents);
     AddLog(zip, contents, names);
-    WriteAll(options.output, zip.Finish());
+    WriteOutput(options.output, zip.Finish());
 }
 
 }  // namespace qv

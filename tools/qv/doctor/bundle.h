@@ -1,12 +1,12 @@
 // qv bundle: what support needs to know of this machine, in one archive.
 #pragma once
 
-#include <string>
+#include "base/files.h"
 
 namespace qv {
 
 struct BundleOptions {
-    std::string output;
+    Output output;
     bool redact = false;
 };
 

@@ -32,7 +32,9 @@ void AddDoctorCommands(CLI::App& app) {
     auto options = std::make_shared<BundleOptions>();
     CLI::App* bundle = app.add_subcommand(
         "bundle", "Put log, settings and the doctor's findings into one ZIP archive");
-    bundle->add_option("OUT.zip", options->output, "The archive; - is standard output")->required();
+    bundle->add_option("OUT.zip", options->output.name, "The archive; - is standard output")
+        ->required();
+    AddForceOption(*bundle, options->output);
     bundle->add_flag("--redact", options->redact,
                      "Replace the names of users, machines and documents by placeholders, and "
                      "leave out what cannot be rewritten");

@@ -1,9 +1,10 @@
 #include "doctor/zip_writer.h"
 
 #include <windows.h>
+#include <zlib.h>
 
-#include <array>
 #include <limits>
+#include <new>
 
 #include "base/exit_code.h"
 
@@ -16,8 +17,9 @@ constexpr std::uint32_t kCentralSignature = 0x02014B50;
 constexpr std::uint32_t kEndSignature = 0x06054B50;
 constexpr std::uint16_t kVersionNeeded = 20;
 constexpr std::uint16_t kUtf8Names = 1 << 11;
-constexpr std::uint16_t kStored = 0;
+constexpr std::uint16_t kDeflated = 8;
 constexpr std::size_t kMostEntries = 0xFFFF;
+constexpr std::size_t kMostBytes = std::numeric_limits<std::int32_t>::max();
 
 void Put(std::string& bytes, std::uint32_t value, int count) {
     for (int i = 0; i < count; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
@@ -42,53 +44,68 @@ std::uint32_t DosTime() {
            std::uint32_t{t.wHour} << 11 | std::uint32_t{t.wMinute} << 5 | t.wSecond / 2u;
 }
 
-// What the local and the central header have in common.
-void PutDescription(std::string& bytes, std::uint32_t crc, std::uint32_t size,
-                    const std::string& name) {
-    Put16(bytes, kVersionNeeded);
-    Put16(bytes, kUtf8Names);
-    Put16(bytes, kStored);
-    Put32(bytes, DosTime());
-    Put32(bytes, crc);
-    Put32(bytes, size);
-    Put32(bytes, size);
-    Put16(bytes, static_cast<std::uint32_t>(name.size()));
-    Put16(bytes, 0);  // extra fields
-}
-
 [[noreturn]] void TooLarge() {
     throw Failure("the archive would be too large");
 }
 
-}  // namespace
-
-std::uint32_t Crc32(std::string_view bytes) {
-    static const std::array<std::uint32_t, 256> table = [] {
-        std::array<std::uint32_t, 256> rows{};
-        for (std::uint32_t i = 0; i < rows.size(); ++i) {
-            std::uint32_t row = i;
-            for (int bit = 0; bit < 8; ++bit) row = (row >> 1) ^ ((row & 1) * 0xEDB88320u);
-            rows[i] = row;
-        }
-        return rows;
-    }();
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (const char c : bytes) crc = table[(crc ^ static_cast<unsigned char>(c)) & 0xFF] ^ crc >> 8;
-    return ~crc;
+// zlib's streams read through a pointer to bytes that may change, and change none.
+Bytef* Input(std::string_view bytes) {
+    return const_cast<Bytef*>(reinterpret_cast<const Bytef*>(bytes.data()));
 }
 
+// The bytes as a raw deflate stream.
+std::string Deflated(std::string_view bytes) {
+    constexpr int kRawWindow = -15;
+    constexpr int kUsualMemory = 8;
+    // One call takes all of it, since there is room for the longest result.
+    std::string packed(deflateBound(nullptr, static_cast<uLong>(bytes.size())), '\0');
+    z_stream stream{};
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kRawWindow, kUsualMemory,
+                     Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::bad_alloc();
+    stream.next_in = Input(bytes);
+    stream.avail_in = static_cast<uInt>(bytes.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    const int result = deflate(&stream, Z_FINISH);
+    deflateEnd(&stream);
+    if (result != Z_STREAM_END) throw Failure("the archive cannot be compressed");
+    packed.resize(stream.total_out);
+    return packed;
+}
+
+}  // namespace
+
 void ZipWriter::Add(const std::string& name, std::string_view bytes) {
-    constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
-    if (name.size() > 0xFFFF || bytes.size() > kMost - bytes_.size() ||
-        entries_.size() == kMostEntries)
+    if (name.size() > 0xFFFF || bytes.size() > kMostBytes || entries_.size() == kMostEntries)
         TooLarge();
-    const Entry entry{name, Crc32(bytes), static_cast<std::uint32_t>(bytes.size()),
-                      static_cast<std::uint32_t>(bytes_.size())};
+    const std::string packed = Deflated(bytes);
+    if (packed.size() > kMostBytes - bytes_.size()) TooLarge();
+    const Entry entry{
+        name,
+        static_cast<std::uint32_t>(crc32_z(0, Input(bytes), bytes.size())),
+        static_cast<std::uint32_t>(packed.size()),
+        static_cast<std::uint32_t>(bytes.size()),
+        static_cast<std::uint32_t>(bytes_.size()),
+    };
     Put32(bytes_, kLocalSignature);
-    PutDescription(bytes_, entry.crc, entry.size, name);
+    PutDescription(entry);
     bytes_ += name;
-    bytes_ += bytes;
+    bytes_ += packed;
     entries_.push_back(entry);
+}
+
+// What the local and the central header have in common.
+void ZipWriter::PutDescription(const Entry& entry) {
+    Put16(bytes_, kVersionNeeded);
+    Put16(bytes_, kUtf8Names);
+    Put16(bytes_, kDeflated);
+    Put32(bytes_, DosTime());
+    Put32(bytes_, entry.crc);
+    Put32(bytes_, entry.packed_size);
+    Put32(bytes_, entry.size);
+    Put16(bytes_, static_cast<std::uint32_t>(entry.name.size()));
+    Put16(bytes_, 0);  // extra fields
 }
 
 std::string ZipWriter::Finish() {
@@ -96,7 +113,7 @@ std::string ZipWriter::Finish() {
     for (const Entry& entry : entries_) {
         Put32(bytes_, kCentralSignature);
         Put16(bytes_, kVersionNeeded);  // made by
-        PutDescription(bytes_, entry.crc, entry.size, entry.name);
+        PutDescription(entry);
         Put16(bytes_, 0);  // comment
         Put16(bytes_, 0);  // disk
         Put16(bytes_, 0);  // internal attributes
@@ -104,7 +121,7 @@ std::string ZipWriter::Finish() {
         Put32(bytes_, entry.offset);
         bytes_ += entry.name;
     }
-    if (bytes_.size() > std::numeric_limits<std::int32_t>::max()) TooLarge();
+    if (bytes_.size() > kMostBytes) TooLarge();
     const auto size = static_cast<std::uint32_t>(bytes_.size() - start);
     Put32(bytes_, kEndSignature);
     Put16(bytes_, 0);  // this disk

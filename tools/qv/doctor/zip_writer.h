@@ -1,4 +1,4 @@
-// A ZIP archive of stored files, made in memory: the small part of the format that every reader
+// A ZIP archive of compressed files, made in memory: the small part of the format that every reader
 // takes.
 #pragma once
 
@@ -8,9 +8,6 @@
 #include <vector>
 
 namespace qv {
-
-// CRC-32 as ZIP has it.
-std::uint32_t Crc32(std::string_view bytes);
 
 class ZipWriter {
   public:
@@ -22,8 +19,10 @@ class ZipWriter {
   private:
     struct Entry {
         std::string name;
-        std::uint32_t crc, size, offset;
+        std::uint32_t crc, packed_size, size, offset;
     };
+    void PutDescription(const Entry& entry);
+
     std::string bytes_;
     std::vector<Entry> entries_;
 };

@@ -84,10 +84,11 @@ void AddReport(CLI::App& log, const char* name, const char* help,
 void AddSave(CLI::App& log) {
     auto options = std::make_shared<SaveOptions>();
     CLI::App* save = log.add_subcommand("save", "Save the records as a log file of their own");
-    save->add_option("OUT", options->output, "The new log file; - is standard output")->required();
+    save->add_option("OUT", options->output.name, "The new log file; - is standard output")
+        ->required();
     save->add_option("FILE", options->file, kFileHelp);
     AddFilterOptions(*save, options->filter);
-    save->add_flag("--force", options->force, "Replace an output file that exists");
+    AddForceOption(*save, options->output);
     save->callback([options] { SaveLog(*options); });
 }
 

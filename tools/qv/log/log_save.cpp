@@ -14,12 +14,6 @@ namespace {
 // What a log that the product makes has room for.
 constexpr DWORD kUsualLimit = 0x500000;
 
-void RefuseExisting(const SaveOptions& options) {
-    if (options.force || options.output == kStandardStream) return;
-    if (GetFileAttributesW(FromUtf8(options.output).t_str()) == INVALID_FILE_ATTRIBUTES) return;
-    throw Failure("'" + OneLine(FromUtf8(options.output)) + "' exists; --force replaces it");
-}
-
 // How many of the records that pass are in front of the newest that are wanted.
 std::uint64_t CountToDrop(Mox::TLogReader& reader, const LogFilter& filter) {
     if (!filter.Last()) return 0;
@@ -53,13 +47,13 @@ std::uint64_t Copy(Mox::TLogReader& reader, const LogFilter& filter, Mox::TLogIm
 void SaveLog(const SaveOptions& options) {
     const LogFilter filter(options.filter);
     const std::string name = LogName(options.file);
-    RefuseExisting(options);
+    RefuseExisting(options.output);
     Mox::TLogReader reader;
     OpenLog(reader, name);
     Mox::TLogImage image;
     const std::uint64_t saved = Copy(reader, filter, image);
     const std::vector<std::uint8_t>& bytes = image.Finish(kUsualLimit);
-    WriteWhole(options.output, std::string(bytes.begin(), bytes.end()));
+    WriteOutput(options.output, std::string(bytes.begin(), bytes.end()));
     PrintError(Counted(saved, "record") + " saved");
     FailOnSkips(reader);
 }

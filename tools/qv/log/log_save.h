@@ -3,14 +3,15 @@
 
 #include <string>
 
+#include "base/files.h"
 #include "log/log_filter.h"
 
 namespace qv {
 
 struct SaveOptions {
-    std::string output, file;
+    Output output;
+    std::string file;
     LogFilterOptions filter;
-    bool force = false;  // an output file that exists is replaced
 };
 
 // Throws Failure, kDamaged when everything that can be read has been saved.

@@ -17,6 +17,7 @@ namespace {
 struct ExportOptions {
     PrinterChoice choice;
     std::vector<std::string> words;
+    Output output;  // of one printer the file, of many the folder
 };
 
 std::string FormatLook(const PrinterLook& look) {
@@ -41,23 +42,29 @@ std::string FileNameOf(const Printer& printer) {
     return name + ".txt";
 }
 
-std::string TakeTarget(ExportOptions& options) {
+void TakeTarget(ExportOptions& options) {
     TakePrinter(options.choice, options.words);
     const bool is_many = options.choice.IsMany();
     if (options.words.size() > 1 || (is_many && options.words.empty()))
         throw CLI::ValidationError(is_many ? "FOLDER" : "FILE", "one is needed");
-    return options.words.empty() ? kStandardStream : options.words.front();
+    options.output.name = options.words.empty() ? kStandardStream : options.words.front();
 }
 
 void Export(ExportOptions& options) {
-    const std::string target = TakeTarget(options);
+    TakeTarget(options);
     const bool is_many = options.choice.IsMany();
     LookFaults faults;
+    std::vector<std::pair<Output, std::string>> files;
     LookAtPrinters(options.choice, [&](const PrinterLook& look) {
         faults.Add(look, is_many);
         if (!look.block) return;
-        WriteAll(is_many ? target + "/" + FileNameOf(look.printer) : target, FormatLook(look));
+        Output file = options.output;
+        if (is_many) file.name += "/" + FileNameOf(look.printer);
+        RefuseExisting(file);
+        files.emplace_back(std::move(file), FormatLook(look));
     });
+    // None is written when one is refused.
+    for (const auto& [file, text] : files) WriteOutput(file, text);
     PrintScope();
     faults.Report();
 }
@@ -74,6 +81,7 @@ void AddExportCommand(CLI::App& app) {
     command->add_option("FILE", options->words, "The printer and the file, or the folder for many")
         ->type_name("[PRINTER] [FILE|FOLDER]");
     AddChoiceOptions(*command, options->choice);
+    AddForceOption(*command, options->output);
     command->callback([options] { Export(*options); });
 }
 
