@@ -5,15 +5,12 @@
 
 /* A text is zero-terminated UTF-16: one QV_WCHAR is one code unit. */
 #if defined(_WIN32)
-#include <stddef.h>
-typedef wchar_t QV_WCHAR;
 #define QV_C_API __declspec(dllimport)
 #else
-#include <uchar.h>
-typedef char16_t QV_WCHAR;
 #define QV_C_API
 #endif
 
+#include "qv_rtl_main/log_record_c.h"
 #include "qv_rtl_version.h"
 
 #ifdef __cplusplus
@@ -40,6 +37,12 @@ QV_C_API int SetQVDefaultSetting(const QV_WCHAR* printerName, unsigned char dial
                                  const QV_WCHAR* saveFileName, const QV_WCHAR* program,
                                  const QV_WCHAR* programParameters, const QV_WCHAR* messageName,
                                  const QV_WCHAR* messageWindowClass, const QV_WCHAR* messageFormat);
+
+/* The shared log: qv_rtl_main/log_calls.h. */
+QV_C_API int QVWriteLog(int level, const QV_WCHAR* source, int line, const QV_WCHAR* text);
+QV_C_API int QVOpenLog(const QV_WCHAR* file, int onlyNew, QVLog** log);
+QV_C_API int QVReadLog(QVLog* log, QVLogRecord* record);
+QV_C_API void QVCloseLog(QVLog* log);
 
 /* Tags of the string byte encoding: mox_classes/format/string_encoding.h. */
 QV_C_API int SetDefaultStringTags(const unsigned char tags[8]);

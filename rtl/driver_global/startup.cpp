@@ -1,5 +1,6 @@
 #include "driver_global/startup.h"
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -62,10 +63,12 @@ bool ProgramOnlyLooks() {
     return looks_only != nullptr && looks_only() != 0;
 }
 
-void InstallRecorder(const UnicodeString& log_file) {
-    if (log_file == kLogFileOff || ProgramOnlyLooks()) return;
+DWORD InstallRecorder(const UnicodeString& log_file) {
+    if (log_file == kLogFileOff) return ERROR_NOT_READY;
     auto recorder = std::make_unique<Mox::TLogRecorder>();
-    if (recorder->Open(log_file, kLogFileLimit)) ExchangeRecorder(std::move(recorder));
+    if (!recorder->Open(log_file, kLogFileLimit)) return recorder->OpenError();
+    ExchangeRecorder(std::move(recorder));
+    return NO_ERROR;
 }
 
 void Identify(const UnicodeString& module_name) {
@@ -101,7 +104,7 @@ void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFil
         TakeAvailableFields();
     });
     AsFarAsPossible([&] {
-        if (log_file) InstallRecorder(*log_file);
+        if (log_file && !ProgramOnlyLooks()) InstallRecorder(*log_file);
     });
     AsFarAsPossible([&] { Identify(moduleName); });
 }
@@ -119,4 +122,9 @@ void QVInitDriver(const UnicodeString& moduleName, const UnicodeString& resource
 
 void QVUninitDriver(const UnicodeString& moduleName) {
     QVUninitApp(moduleName);
+}
+
+DWORD InstallLogRecorder() {
+    const bool is_installed = std::atomic_ref(Mox::GetLogger()->recorder).load() != nullptr;
+    return is_installed ? DWORD{NO_ERROR} : InstallRecorder(GetPrinterLogFile());
 }

@@ -25,3 +25,8 @@ QV_API void QVUninitApp(const UnicodeString& moduleName);
 QV_API void QVInitDriver(const UnicodeString& moduleName, const UnicodeString& resourceFile,
                          const UnicodeString& language);
 QV_API void QVUninitDriver(const UnicodeString& moduleName);
+
+// Installs the log file recorder as the start of a unit does, unless one is installed; also in a
+// program that only looks. Returns a Win32 error code, NO_ERROR when one is installed,
+// ERROR_NOT_READY when the log is switched off.
+QV_API DWORD InstallLogRecorder();

@@ -87,6 +87,7 @@ bool TLogFileRing::Open(const UnicodeString& fileName, DWORD sizeLimit) {
     FILETIME now{};
     GetSystemTimeAsFileTime(&now);
     named_at_ = Number(now);
+    outcome_ = IsOpen() ? NO_ERROR : code;
     if (IsOpen()) return true;
     Report(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, fileName,
            GetSysError(code, true));
@@ -107,15 +108,22 @@ void TLogFileRing::Close() {
 
 bool TLogFileRing::Append(TLogMsg& message, TLogRecordBytes& record, log_file::TReportTexts texts) {
     texts_ = texts;
+    outcome_ = NO_ERROR;
     FollowName(message);
     const THeaderLock lock(*this);
-    if (!lock.Held() || !ReadHeader()) return false;
+    if (!lock.Held() || !ReadHeader()) return GiveUp(ERROR_READ_FAULT);
     try {
-        if (NeedsCheck() && !Check()) return false;
-        return PlaceAll(message, record);
+        if (NeedsCheck() && !Check()) return GiveUp(ERROR_INVALID_DATA);
+        return PlaceAll(message, record) || GiveUp(ERROR_WRITE_FAULT);
     } catch (const TUnreadable&) {
-        return false;
+        return GiveUp(ERROR_READ_FAULT);
     }
+}
+
+// The first trouble of an append is the one to tell. Returns false.
+bool TLogFileRing::GiveUp(DWORD code) {
+    if (outcome_ == NO_ERROR) outcome_ = code;
+    return false;
 }
 
 // Once a second by the clock of the messages, which may be set back.
@@ -128,6 +136,7 @@ QV_APPEND_STEP void TLogFileRing::FollowName(const TLogMsg& message) {
     const HANDLE fresh = OpenLog(name_);
     if (fresh != INVALID_HANDLE_VALUE) return Use(fresh);
     const DWORD code = GetLastError();
+    GiveUp(code);  // the record goes into a file that nobody finds
     Report(__builtin_LINE(), texts_, log_file::kOpenFailed, name_, GetSysError(code, true));
 }
 
@@ -157,7 +166,7 @@ QV_APPEND_STEP bool TLogFileRing::PlaceAll(TLogMsg& message, TLogRecordBytes& re
 }
 
 QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
-    if (!IsOpen()) return false;
+    if (!IsOpen()) return GiveUp(ERROR_INVALID_HANDLE);
     TPatience patience;
     while (!LockFile(file_, 0, 0, kHeaderSize, 0)) {
         const DWORD code = GetLastError();
@@ -165,7 +174,7 @@ QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
             (leaving_.load() && left_to_wait_ <= TDuration::zero())) {
             Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("LockFile"), Shown(file_),
                    0, kHeaderSize, GetSysError(code, true));
-            return false;
+            return GiveUp(code);
         }
         // By the clock: on a busy machine even letting others run takes its time.
         const auto began = std::chrono::steady_clock::now();
@@ -333,7 +342,10 @@ QV_APPEND_STEP DWORD TLogFileRing::Write(DWORD offset, const void* bytes, DWORD 
     OVERLAPPED at{};
     at.Offset = offset;
     DWORD done = 0;
-    if (WriteFile(file_, bytes, size, &done, &at)) return done;
+    if (WriteFile(file_, bytes, size, &done, &at)) {
+        if (done != size) GiveUp(ERROR_DISK_FULL);
+        return done;
+    }
     ReportTransfer(TEXT("::WriteFile"), offset, size, __builtin_LINE());
     return 0;
 }
@@ -345,6 +357,7 @@ DWORD TLogFileRing::WriteReported(DWORD offset, const void* bytes, DWORD size) {
 // A device without positions refuses the transfer's offset: its report names the step that failed.
 void TLogFileRing::ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line) {
     const DWORD code = GetLastError();
+    GiveUp(code);
     const UnicodeString error = GetSysError(code, true);
     if (code == ERROR_INVALID_FUNCTION) {
         Report(line, texts_, log_file::kSeekFailed, TEXT("::SetFilePointer"), Shown(file_), offset,

@@ -40,6 +40,12 @@ class TLogFileRing {
     // appended.
     bool Append(TLogMsg& message, TLogRecordBytes& record, log_file::TReportTexts texts);
 
+    // What the last Open or Append ended with, a Win32 error code: NO_ERROR when the file is open,
+    // or when the record is in it.
+    DWORD Outcome() const { return outcome_; }
+    // For who wants to know about an append that may never get here.
+    void ForgetOutcome() { outcome_ = ERROR_WRITE_FAULT; }
+
     // Who takes the ring out of use must not depend on a process that keeps the lock: after
     // LeaveSoon, which any thread may call, all appends together wait half a second, and then fail
     // when they find the lock taken. Stay ends that.
@@ -59,6 +65,7 @@ class TLogFileRing {
     // The ring was mended while room was made, and the header with it.
     struct TMended {};
 
+    bool GiveUp(DWORD code);
     void FollowName(const TLogMsg& message);
     bool IsElsewhere() const;
     void Use(HANDLE file);
@@ -99,6 +106,7 @@ class TLogFileRing {
     std::optional<TLogFileHeader> refused_{};  // the beginning of a file that is no log
     UnicodeString notice_;                     // of a repair; is to be logged
     bool notice_due_ = false;                  // also when that costs old records
+    DWORD outcome_ = NO_ERROR;
     HANDLE file_ = INVALID_HANDLE_VALUE;
     DWORD limit_ = 0xFFFFFFFF;
     std::uint64_t counter_after_unlock_ = 0;

@@ -195,6 +195,16 @@ void ClearLogRecorder(TLogRecorder* recorder) {
     Store<TLogRecorder*>(logger.recorder, nullptr);
 }
 
+DWORD LogSurely(int level, const UnicodeString& source, int line, const UnicodeString& text) {
+    TLogger& logger = *GetLogger();
+    const TLoggerLock lock;
+    TLogRecorder* const recorder = logger.recorder;
+    if (recorder == nullptr) return ERROR_NOT_READY;
+    recorder->ring_.ForgetOutcome();
+    logger.Log(level, source, line, text, UnicodeString(), nullptr, 0);
+    return recorder->ring_.Outcome();
+}
+
 void LogRecorderProc(void* context, TLogMsg* message, TLogRecorder* recorder, bool* owned) {
     *owned = false;
     if (std::atomic_ref(GetLogger()->refCount).load() < 1) {

@@ -25,10 +25,14 @@ class QV_API TLogRecorder {
     // it is given.
     bool Open(UnicodeString fileName, DWORD sizeLimit);
     bool IsOpen() const { return ring_.IsOpen(); }
+    // Why the last Open failed, a Win32 error code; NO_ERROR when it did not.
+    DWORD OpenError() const { return ring_.IsOpen() ? NO_ERROR : ring_.Outcome(); }
 
   private:
     friend class TLiveRecorders;
     friend QV_API void SetLogRecorder(TLogRecorder* recorder);
+    friend QV_API DWORD LogSurely(int level, const UnicodeString& source, int line,
+                                  const UnicodeString& text);
     friend class TThreadWriter;
 
     TLogFileRing ring_;
@@ -45,6 +49,11 @@ void LeaveLogSoon();
 // Takes `recorder` out, after LeaveLogSoon, and puts the callback of before back; nothing when
 // another one is installed.
 QV_API void ClearLogRecorder(TLogRecorder* recorder);
+// Logs a text as TLogger::Log does, and tells what became of it, a Win32 error code: NO_ERROR when
+// it is in the file, ERROR_NOT_READY without a recorder, ERROR_INVALID_DATA for a file that is no
+// log, ERROR_WRITE_FAULT when it did not get to the file, as in a callback of the logger, where it
+// has to wait. Any thread. Waits for the file's lock as long as another process holds it.
+QV_API DWORD LogSurely(int level, const UnicodeString& source, int line, const UnicodeString& text);
 // The record callback. Takes the message, writes and frees it; one that is logged while its thread
 // is already writing waits in the thread's queue.
 QV_API void LogRecorderProc(void* context, TLogMsg* message, TLogRecorder* recorder, bool* owned);

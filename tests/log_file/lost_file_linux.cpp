@@ -21,7 +21,8 @@ TEST_F(LostFile, WhatHasNoRoomIsLostAndCounted) {
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit small{size, before.rlim_max};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    Log(std::string(100, 'x'));
+    EXPECT_EQ(Mox::LogSurely('i', TEXT("tests"), 1, Widen(std::string(100, 'x'))),
+              DWORD{ERROR_DISK_FULL});
     setrlimit(RLIMIT_FSIZE, &before);
     Mox::TLogReader reader;
     ASSERT_TRUE(reader.Open(Name().c_str()));

@@ -5,10 +5,12 @@
 #include "base/commands.h"
 #include "base/console.h"
 #include "base/host.h"
+#include "log/level_words.h"
 #include "log/log_save.h"
 #include "log/log_show.h"
 #include "log/log_stat.h"
 #include "log/log_verify.h"
+#include "log/log_write.h"
 
 namespace qv {
 
@@ -92,6 +94,19 @@ void AddSave(CLI::App& log) {
     save->callback([options] { SaveLog(*options); });
 }
 
+void AddWrite(CLI::App& log) {
+    auto options = std::make_shared<WriteOptions>();
+    CLI::App* write = log.add_subcommand("write", "Write lines of your own into the log in force");
+    write->footer(
+        "The words are one line, joined by blanks; without them each line of standard input is a\n"
+        "record. A text that may begin with - stands behind --.");
+    write->add_option("TEXT", options->words, "The line; - is standard input, as without it");
+    write->add_option("--level", options->level, kLevelWords)->capture_default_str();
+    write->add_option("--source", options->source, "The module that the records name")
+        ->capture_default_str();
+    write->callback([options] { WriteLog(*options); });
+}
+
 }  // namespace
 
 void AddLogCommands(CLI::App& app) {
@@ -101,6 +116,7 @@ void AddLogCommands(CLI::App& app) {
     AddReport(*log, "stat", "Count the records and draw the ring", ShowLogStat);
     AddReport(*log, "verify", "Check the log, also while others write it", VerifyLog);
     AddSave(*log);
+    AddWrite(*log);
 }
 
 }  // namespace qv

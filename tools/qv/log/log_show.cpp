@@ -39,7 +39,7 @@ std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) 
     const std::size_t most = only_last ? filter_.Last().value_or(SIZE_MAX) : SIZE_MAX;
     while (const Mox::TLogMsg* record = reader.Next()) {
         if (progress) progress->Add();
-        if (keeps_place_) seen = CursorAt(reader, *record);
+        if (keeps_place_) seen = Mox::CursorAt(reader, *record);
         if (!filter_.Passes(*record)) continue;
         if (most == SIZE_MAX) {
             lines_.Add(pending_, *record);
@@ -67,7 +67,7 @@ void LogView::Flush() {
 
 void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
     if (!cursor) return;
-    const Resumed resumed = Resume(reader, *cursor);
+    const Mox::TLogResumed resumed = Mox::Resume(reader, *cursor);
     if (resumed.made_anew) {
         PrintError("the log was made anew; showing it from its start");
         cursor.reset();

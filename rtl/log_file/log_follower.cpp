@@ -1,0 +1,74 @@
+#include "log_file/log_follower.h"
+
+#include <utility>
+
+#include "log_file/log_format.h"
+#include "mox_classes/memory/handles.h"
+
+namespace Mox {
+
+namespace {
+
+System::TFileHandle OpenShared(const UnicodeString& name) {
+    constexpr DWORD kAny = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    return System::TFileHandle(CreateFileW(name.t_str(), GENERIC_READ, kAny, nullptr, OPEN_EXISTING,
+                                           FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// Read without the lock: only whether the bytes change matters. Empty while there is no file.
+std::string HeaderBytes(const UnicodeString& name) {
+    const System::TFileHandle file = OpenShared(name);
+    std::string bytes(kHeaderSize, '\0');
+    DWORD done = 0;
+    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderSize, &done, nullptr)) done = 0;
+    bytes.resize(done);
+    return bytes;
+}
+
+}  // namespace
+
+DWORD TLogFollower::Open(const UnicodeString& fileName, TStart start) {
+    if (!OpenShared(fileName)) return GetLastError();
+    name_ = fileName;
+    header_.clear();
+    behind_.reset();
+    coming_ = TLogResumed();
+    if (!Copy() && reader_.Error().Length() > 0) return ERROR_INVALID_DATA;
+    if (start == TStart::New) GoToEnd();
+    return NO_ERROR;
+}
+
+// The newest record tells whether the log is another one later.
+void TLogFollower::GoToEnd() {
+    if (reader_.Header().version != 0) reader_.Seek(reader_.Header().counter);
+    while (NextOfCopy() != nullptr) {
+    }
+}
+
+const TLogMsg* TLogFollower::Next() {
+    const TLogMsg* record = NextOfCopy();
+    if (record == nullptr && Copy()) record = NextOfCopy();
+    return record;
+}
+
+const TLogMsg* TLogFollower::NextOfCopy() {
+    const TLogMsg* const record = reader_.Next();
+    if (record == nullptr) return nullptr;
+    news_ = std::exchange(coming_, TLogResumed());
+    behind_ = CursorAt(reader_, *record);
+    return record;
+}
+
+// Copies the log again when it has changed, and goes on in the copy behind the last record.
+bool TLogFollower::Copy() {
+    const std::string header = HeaderBytes(name_);
+    if (header.empty() || header == header_) return false;
+    header_ = header;
+    if (!reader_.Open(name_) && !reader_.StartWithoutHeader()) return false;
+    if (!behind_) return true;
+    coming_ = Resume(reader_, *behind_);
+    if (coming_.made_anew) behind_.reset();
+    return true;
+}
+
+}  // namespace Mox
