@@ -72,8 +72,8 @@ TEST_F(Damaged, TheReaderSaysSoAndTheWriterGoesOnWithinTheLimit) {
         Fill();
         Break(row.damage);
         const ReadBack damaged = Read();
-        EXPECT_FALSE(damaged.skips.empty() && damaged.error.empty() && Header().count > 0)
-            << row.what;
+        EXPECT_TRUE(!damaged.skips.empty() || damaged.texts.empty()) << row.what;
+        EXPECT_TRUE(!damaged.skips.empty() || !damaged.error.empty()) << row.what;
         EXPECT_LT(damaged.texts.size(), 20u) << row.what;
         Record(kLimit);
         for (int i = 100; i < 140; ++i) {

@@ -95,7 +95,9 @@ TEST_F(Toolkit, ValuesOfAnotherTypeAreLogged) {
 }
 
 TEST_F(Toolkit, WhatIsMissingIsNoError) {
+    SetLastError(NO_ERROR);
     EXPECT_EQ(Mox::RegOpenToRead(HKEY_CURRENT_USER, kKey), nullptr);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(Mox::RegOpenToRead(HKEY_CURRENT_USER, UnicodeString()), nullptr);
     EXPECT_EQ(Mox::RegOpenToWrite(HKEY_CURRENT_USER, UnicodeString()), nullptr);
     EXPECT_TRUE(Mox::ReadRegistry(HKEY_CURRENT_USER, kKey, TEXT("v")).IsEmpty());
