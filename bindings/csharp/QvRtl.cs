@@ -1,7 +1,10 @@
-// The command interfaces of qv_rtl.dll for .NET: text commands and XML requests.
+// The command interfaces of qv_rtl.dll for .NET, text commands and XML requests, and the shared log.
 //
 //     foreach (string printer in QvRtl.Printers())
 //         Console.WriteLine(printer + ": " + QvRtl.Settings(printer)["Mode"]);
+//     QvRtl.WriteLog("the nightly job begins", QvLogLevel.Information, "nightly_job");
+//     foreach (QvLogRecord record in QvRtl.FollowLog())
+//         Console.WriteLine(record.Time + " " + record.Level + " " + record.Text);
 //
 // All settings are those that the current user has for a printer. The library is found as every DLL
 // is: beside the program or in a folder of PATH. Any thread may call. Compiles from C# 5 on, for
@@ -11,6 +14,7 @@ using System.Collections.Generic;
 using System.IO;
 using System.Runtime.InteropServices;
 using System.Text;
+using System.Threading;
 using System.Xml;
 
 /// <summary>The library could not do what was asked.</summary>
@@ -41,10 +45,50 @@ public class QvRequestException : QvRtlException
     public XmlDocument Response { get; private set; }
 }
 
+/// <summary>The log cannot be written or read: the system's code.</summary>
+public class QvLogException : QvRtlException
+{
+    public QvLogException(string action, int status)
+        : base("The log cannot be " + action + ": system error " + status)
+    {
+        Status = status;
+    }
+
+    public int Status { get; private set; }
+}
+
+/// <summary>The letter that the log has for a level. Log is the log itself.</summary>
+public enum QvLogLevel { Error = 'X', Warning = '*', Information = 'i', Trace = ' ', Log = '>' }
+
+/// <summary>A record of the log.</summary>
+public sealed class QvLogRecord
+{
+    /// <summary>UTC; null when the record has none that is possible.</summary>
+    public DateTime? Time { get; internal set; }
+    public QvLogLevel Level { get; internal set; }
+    public long Process { get; internal set; }
+    public long Thread { get; internal set; }
+    /// <summary>Null when it is not known.</summary>
+    public long? Session { get; internal set; }
+    public string Source { get; internal set; }
+    public int Line { get; internal set; }
+    public string Text { get; internal set; }
+    /// <summary>What Data is.</summary>
+    public string Label { get; internal set; }
+    public byte[] Data { get; internal set; }
+    /// <summary>Records in front of it that were overwritten before they could be read.</summary>
+    public ulong Missed { get; internal set; }
+    /// <summary>The log was deleted or replaced in front of it.</summary>
+    public bool MadeAnew { get; internal set; }
+}
+
 public static class QvRtl
 {
     // Units of text that the first call of a command has room for.
     private const int FirstLength = 4096;
+    // Milliseconds between two looks at a log that is followed.
+    private const int Pause = 100;
+    private const int InvalidParameter = 87;
 
     /// <summary>Makes a text command call of a word, keywords and values.</summary>
     public static string Command(params string[] items)
@@ -145,6 +189,86 @@ public static class QvRtl
         return previous;
     }
 
+    /// <summary>Puts a line into the log in force, as line <paramref name="line"/> of a source: 0
+    /// where there are no lines. A text of more than 32,000 characters is cut, which stands at its
+    /// end.</summary>
+    public static void WriteLog(string text, QvLogLevel level = QvLogLevel.Information,
+                                string source = "dotnet", int line = 0)
+    {
+        int status = QVWriteLog((int)level, Text(source), line, Text(text));
+        if (status == InvalidParameter)
+            throw new ArgumentException("Such a level or source cannot be: " + level + ", " + source);
+        if (status != 0) throw new QvLogException("written", status);
+    }
+
+    /// <summary>The records of a log that others write, each once, by default those that come from
+    /// now on to the log in force. Waits for more until no record has come for the time of
+    /// <paramref name="timeout"/>, or until the token is cancelled; without both for ever. To be
+    /// enumerated once.</summary>
+    public static IEnumerable<QvLogRecord> FollowLog(
+        string file = null, bool onlyNew = true, TimeSpan? timeout = null,
+        CancellationToken token = default(CancellationToken))
+    {
+        LogHandle log;
+        int status = QVOpenLog(Text(file ?? ""), onlyNew ? 1 : 0, out log);
+        if (status != 0) throw new QvLogException("opened", status);
+        return Follow(log, timeout, token);
+    }
+
+    private static IEnumerable<QvLogRecord> Follow(LogHandle log, TimeSpan? timeout,
+                                                   CancellationToken token)
+    {
+        using (log)
+        {
+            var waited = System.Diagnostics.Stopwatch.StartNew();
+            while (!token.IsCancellationRequested)
+            {
+                LogRecord record;
+                int status = QVReadLog(log, out record);
+                if (status < 0) throw new QvLogException("read", -status);
+                if (status == 1)
+                {
+                    yield return Shown(record);
+                    waited.Restart();
+                }
+                else if (timeout != null && waited.Elapsed >= timeout)
+                {
+                    yield break;
+                }
+                else
+                {
+                    token.WaitHandle.WaitOne(Pause);
+                }
+            }
+        }
+    }
+
+    // What it points to is the log's own until the next call.
+    private static QvLogRecord Shown(LogRecord record)
+    {
+        var shown = new QvLogRecord();
+        try
+        {
+            shown.Time = DateTime.FromFileTimeUtc((long)record.time);
+        }
+        catch (ArgumentOutOfRangeException)
+        {
+        }
+        shown.Level = (QvLogLevel)record.level;
+        shown.Process = record.processId;
+        shown.Thread = record.threadId;
+        if (record.sessionId != uint.MaxValue) shown.Session = record.sessionId;
+        shown.Source = Marshal.PtrToStringUni(record.source, record.sourceLength);
+        shown.Line = record.line;
+        shown.Text = Marshal.PtrToStringUni(record.text, record.textLength);
+        shown.Label = Marshal.PtrToStringUni(record.label, record.labelLength);
+        shown.Data = new byte[record.dataSize];
+        if (record.dataSize > 0) Marshal.Copy(record.data, shown.Data, 0, record.dataSize);
+        shown.Missed = record.missed;
+        shown.MadeAnew = record.madeAnew != 0;
+        return shown;
+    }
+
     private static XmlDocument Checked(XmlDocument response)
     {
         XmlNodeList errors = response.SelectNodes("/response/message/error");
@@ -208,4 +332,56 @@ public static class QvRtl
         string printerName, byte dialogMode, byte runEnabled, byte useSerial, byte useDocumentName,
         string saveDirectory, string saveFileName, string program, string programParameters,
         string messageName, string messageWindowClass, string messageFormat);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int QVWriteLog(int level, string source, int line, string text);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int QVOpenLog(string file, int onlyNew, out LogHandle log);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern int QVReadLog(LogHandle log, out LogRecord record);
+
+    [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+               CallingConvention = CallingConvention.Cdecl)]
+    private static extern void QVCloseLog(IntPtr log);
+
+    // Closes the log at the latest when nobody can reach it any more.
+    private sealed class LogHandle : SafeHandle
+    {
+        public LogHandle() : base(IntPtr.Zero, true) { }
+
+        public override bool IsInvalid { get { return handle == IntPtr.Zero; } }
+
+        protected override bool ReleaseHandle()
+        {
+            QVCloseLog(handle);
+            return true;
+        }
+    }
+
+    // QVLogRecord of log_record_c.h.
+    [StructLayout(LayoutKind.Sequential)]
+    private struct LogRecord
+    {
+        public ulong time;
+        public ulong missed;
+        public IntPtr source;
+        public IntPtr text;
+        public IntPtr label;
+        public IntPtr data;
+        public int sourceLength;
+        public int textLength;
+        public int labelLength;
+        public int dataSize;
+        public int level;
+        public int line;
+        public uint processId;
+        public uint threadId;
+        public uint sessionId;
+        public int madeAnew;
+    }
 }

@@ -1,7 +1,10 @@
-# The command interfaces of qv_rtl.dll for PowerShell: text commands and XML requests.
+# The command interfaces of qv_rtl.dll for PowerShell, text commands and XML requests, and the shared
+# log.
 #
 #     Import-Module .\QvRtl.psm1
 #     Get-QvPrinter | ForEach-Object { Get-QvSetting $_ }
+#     Write-QvLog 'the nightly job begins' -Source nightly_job
+#     Watch-QvLog | Where-Object Level -eq Error
 #
 # All settings are those that the current user has for a printer. The library is found in a folder of
 # $env:Path; set that before the first call. For Windows PowerShell 5.1 and PowerShell 7, 64-bit.
@@ -10,7 +13,12 @@ Set-StrictMode -Version 2.0
 # Units of text that the first call of a command has room for.
 $FirstLength = 4096
 
-$Native = Add-Type -Namespace QvRtlModule -Name Native -PassThru -MemberDefinition @'
+# Milliseconds between two looks at a log that is followed.
+$Pause = 100
+
+$Levels = @{ Error = 'X'; Warning = '*'; Information = 'i'; Trace = ' '; Log = '>' }
+
+$Types = Add-Type -Namespace QvRtlModule -Name Native -PassThru -MemberDefinition @'
 [DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
            CallingConvention = CallingConvention.Cdecl)]
 public static extern int DoCommandW(string command, [Out] char[] buffer, int length);
@@ -25,7 +33,47 @@ public static extern int SetQVDefaultSetting(
     string printerName, byte dialogMode, byte runEnabled, byte useSerial, byte useDocumentName,
     string saveDirectory, string saveFileName, string program, string programParameters,
     string messageName, string messageWindowClass, string messageFormat);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int QVWriteLog(int level, string source, int line, string text);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int QVOpenLog(string file, int onlyNew, out IntPtr log);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern int QVReadLog(IntPtr log, out LogRecord record);
+
+[DllImport("qv_rtl", CharSet = CharSet.Unicode, ExactSpelling = true,
+           CallingConvention = CallingConvention.Cdecl)]
+public static extern void QVCloseLog(IntPtr log);
+
+// QVLogRecord of log_record_c.h.
+[StructLayout(LayoutKind.Sequential)]
+public struct LogRecord
+{
+    public ulong time;
+    public ulong missed;
+    public IntPtr source;
+    public IntPtr text;
+    public IntPtr label;
+    public IntPtr data;
+    public int sourceLength;
+    public int textLength;
+    public int labelLength;
+    public int dataSize;
+    public int level;
+    public int line;
+    public uint processId;
+    public uint threadId;
+    public uint sessionId;
+    public int madeAnew;
+}
 '@
+$Native = $Types | Where-Object { $_.Name -eq 'Native' }
+$LogRecord = $Types | Where-Object { $_.Name -eq 'LogRecord' }
 
 function Test-QvText([string]$Text) {
     if ($Text.IndexOf([char]0) -ge 0) { throw 'The text holds a zero character' }
@@ -159,5 +207,81 @@ function Set-QvField {
     $previous
 }
 
+# Puts lines into the log in force. The text of more than 32,000 characters is cut, which stands at its
+# end. A failure is an exception with the system's code in Data['Status'].
+function Write-QvLog {
+    [CmdletBinding()]
+    param([Parameter(Mandatory, ValueFromPipeline)][AllowEmptyString()][string]$Text,
+          [ValidateSet('Error', 'Warning', 'Information', 'Trace')][string]$Level = 'Information',
+          [string]$Source = 'powershell', [int]$Line = 0)
+    process {
+        $status = $Native::QVWriteLog([char]$Levels[$Level], (Test-QvText $Source), $Line,
+                                      (Test-QvText $Text))
+        if ($status -ne 0) { throw (New-QvLogFailure 'written' $status) }
+    }
+}
+
+# The records of a log that others write, each once: of the log in force or of a file, those that come
+# from now on, or with -All those that it holds too. Goes on until it is stopped, or until no record has
+# come for -Timeout seconds. Missed counts the records in front of one that were overwritten before they
+# could be read; MadeAnew says that the log was deleted or replaced there.
+function Watch-QvLog {
+    [CmdletBinding()]
+    param([string]$Path = '', [switch]$All, [double]$Timeout = [double]::PositiveInfinity)
+    $log = [IntPtr]::Zero
+    $status = $Native::QVOpenLog((Test-QvText $Path), [int](-not $All), [ref]$log)
+    if ($status -ne 0) { throw (New-QvLogFailure 'opened' $status) }
+    try {
+        $record = [Activator]::CreateInstance($LogRecord)
+        $waited = [Diagnostics.Stopwatch]::StartNew()
+        while ($true) {
+            $status = $Native::QVReadLog($log, [ref]$record)
+            if ($status -lt 0) { throw (New-QvLogFailure 'read' (-$status)) }
+            if ($status -eq 1) {
+                ConvertFrom-QvRecord $record
+                $waited.Restart()
+            } elseif ($waited.Elapsed.TotalSeconds -ge $Timeout) {
+                break
+            } else {
+                Start-Sleep -Milliseconds $Pause
+            }
+        }
+    } finally {
+        $Native::QVCloseLog($log)
+    }
+}
+
+function New-QvLogFailure([string]$Action, [int]$Status) {
+    $failure = New-Object InvalidOperationException "The log cannot be ${Action}: system error $Status"
+    $failure.Data['Status'] = $Status
+    $failure
+}
+
+function ConvertFrom-QvRecord($Record) {
+    $text = { param($units, $length) [Runtime.InteropServices.Marshal]::PtrToStringUni($units, $length) }
+    $letter = [string][char]($Record.level -band 0xFFFF)
+    $level = $Levels.Keys | Where-Object { $Levels[$_] -ceq $letter }
+    $time = $null
+    try { $time = [DateTime]::FromFileTimeUtc($Record.time) } catch { $time = $null }
+    $data = New-Object byte[] $Record.dataSize
+    if ($data.Length -gt 0) {
+        [Runtime.InteropServices.Marshal]::Copy($Record.data, $data, 0, $data.Length)
+    }
+    [PSCustomObject]@{
+        Time = $time
+        Level = if ($level) { $level } else { $letter }
+        Process = $Record.processId
+        Thread = $Record.threadId
+        Session = if ($Record.sessionId -ne [uint32]::MaxValue) { $Record.sessionId }
+        Source = & $text $Record.source $Record.sourceLength
+        Line = $Record.line
+        Text = & $text $Record.text $Record.textLength
+        Label = & $text $Record.label $Record.labelLength
+        Data = $data
+        Missed = $Record.missed
+        MadeAnew = $Record.madeAnew -ne 0
+    }
+}
+
 Export-ModuleMember -Function Invoke-QvCommand, Get-QvPrinter, Get-QvSetting, Set-QvSetting,
-    Set-QvDefault, Invoke-QvRequest, Set-QvField
+    Set-QvDefault, Invoke-QvRequest, Set-QvField, Write-QvLog, Watch-QvLog

@@ -1,4 +1,4 @@
-"""The command interfaces of qv_rtl: text commands and XML requests.
+"""The command interfaces of qv_rtl, text commands and XML requests, and the shared log.
 
     from qv_rtl import QvRtl
 
@@ -6,21 +6,34 @@
     for printer in qv.printers():
         print(printer, qv.settings(printer)["Mode"])
     before = qv.update_printer("Vantrel Fax", {"dmCopies": 2})
+    qv.write_log("the nightly job begins", source="nightly_job")
+    for record in qv.follow_log():
+        print(record.time, record.level, record.text)
 
 All settings are those that the current user has for a printer. Texts are any Python text, those
 outside the Basic Multilingual Plane included; they cross as UTF-16. Objects may be used by several
-threads at once.
+threads at once, a Log by one.
 """
 import ctypes
+import datetime
 import os
 import sys
 import tempfile
+import time
+import typing
 import xml.etree.ElementTree as ElementTree
 
-__all__ = ["Change", "CommandError", "QvRtl", "QvRtlError", "RequestError", "Response"]
+__all__ = ["Change", "CommandError", "Log", "LogError", "LogRecord", "QvRtl", "QvRtlError",
+           "RequestError", "Response"]
 
 # Units of text that the first call of a command has room for.
 _FIRST_LENGTH = 4096
+
+# Seconds between two looks at a log that is followed.
+_PAUSE = 0.1
+
+_LEVELS = {"error": "X", "warning": "*", "information": "i", "trace": " ", "log": ">"}
+_WORDS = {letter: word for word, letter in _LEVELS.items()}
 
 
 class QvRtlError(Exception):
@@ -46,6 +59,14 @@ class RequestError(QvRtlError):
         super().__init__("; ".join(response.errors))
         self.status = int(response.root.find("message/error").get("W32Code", "0"))
         self.response = response
+
+
+class LogError(QvRtlError):
+    """The log cannot be written or read; `status` is the system's code."""
+
+    def __init__(self, action, status):
+        super().__init__(f"The log cannot be {action}: system error {status}")
+        self.status = status
 
 
 class Response:
@@ -80,6 +101,69 @@ class Change:
     def __init__(self, previous, skipped):
         self.previous = previous
         self.skipped = skipped
+
+
+class LogRecord(typing.NamedTuple):
+    """A record of the log."""
+
+    time: datetime.datetime  # UTC; None when the record has none that is possible
+    level: str  # error, warning, information, trace, log (the log itself), or another letter
+    process: int
+    thread: int
+    session: int  # None when it is not known
+    source: str
+    line: int
+    text: str
+    label: str  # what `data` is
+    data: bytes
+    missed: int  # records in front of it that were overwritten before they could be read
+    made_anew: bool  # the log was deleted or replaced in front of it
+
+
+class Log:
+    """The records of a log that others write, each once, as an iterator.
+
+    It waits for records that come later, until no record has come for `timeout` seconds; without a
+    timeout for ever. It closes itself at its end, with `close` and as a context manager.
+    """
+
+    def __init__(self, library, file, only_new, timeout):
+        self._library, self._timeout, self._log = library, timeout, ctypes.c_void_p()
+        status = library.QVOpenLog(_utf16(os.fspath(file or "")), only_new, self._log)
+        if status != 0:
+            raise LogError("opened", status)
+
+    def __iter__(self):
+        return self
+
+    def __next__(self):
+        began = time.monotonic()
+        record = _Record()
+        while self._log:
+            status = self._library.QVReadLog(self._log, record)
+            if status == 1:
+                return _log_record(record)
+            if status < 0:
+                raise LogError("read", -status)
+            if self._timeout is not None and time.monotonic() - began >= self._timeout:
+                break
+            time.sleep(_PAUSE)
+        self.close()
+        raise StopIteration
+
+    def close(self):
+        if self._log:
+            self._library.QVCloseLog(self._log)
+        self._log = None
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *failure):
+        self.close()
+
+    def __del__(self):
+        self.close()
 
 
 def library_names(platform=sys.platform):
@@ -193,6 +277,69 @@ class QvRtl:
         return Change(previous, [name for name in values if name not in previous])
 
 
+    def write_log(self, text, level="information", source="python", line=0):
+        """Puts a line into the log in force: `level` is error, warning, information or trace.
+
+        A text of more than 32,000 units of UTF-16 is cut, which stands at its end.
+        """
+        letter = ord(_LEVELS.get(level, level if len(level) == 1 else "?"))
+        status = self._library.QVWriteLog(letter, _utf16(source), line, _utf16(text))
+        if status == 87:  # ERROR_INVALID_PARAMETER
+            raise ValueError(f"a level {level!r} or a source {source!r} cannot be")
+        if status != 0:
+            raise LogError("written", status)
+
+    def follow_log(self, file=None, *, only_new=True, timeout=None):
+        """A Log of the records of a file, or of the log in force, that come from now on.
+
+        Without `only_new` it begins with the oldest record: list(qv.follow_log(only_new=False,
+        timeout=0)) is what the log holds now.
+        """
+        return Log(self._library, file, only_new, timeout)
+
+
+class _Record(ctypes.Structure):
+    """QVLogRecord of log_record_c.h."""
+
+    _fields_ = [
+        ("time", ctypes.c_ulonglong),
+        ("missed", ctypes.c_ulonglong),
+        ("source", ctypes.c_void_p),
+        ("text", ctypes.c_void_p),
+        ("label", ctypes.c_void_p),
+        ("data", ctypes.c_void_p),
+        ("sourceLength", ctypes.c_int),
+        ("textLength", ctypes.c_int),
+        ("labelLength", ctypes.c_int),
+        ("dataSize", ctypes.c_int),
+        ("level", ctypes.c_int),
+        ("line", ctypes.c_int),
+        ("processId", ctypes.c_uint),
+        ("threadId", ctypes.c_uint),
+        ("sessionId", ctypes.c_uint),
+        ("madeAnew", ctypes.c_int),
+    ]
+
+
+def _log_record(record):
+    def text(units, length):
+        return ctypes.string_at(units, length * 2).decode("utf-16-le", "surrogatepass")
+
+    try:
+        moment = (datetime.datetime(1601, 1, 1, tzinfo=datetime.timezone.utc)
+                  + datetime.timedelta(microseconds=record.time // 10))
+    except OverflowError:
+        moment = None
+    letter = chr(record.level) if 0 <= record.level < 0x110000 else "?"
+    return LogRecord(
+        moment, _WORDS.get(letter, letter), record.processId, record.threadId,
+        None if record.sessionId == 0xFFFFFFFF else record.sessionId,
+        text(record.source, record.sourceLength), record.line,
+        text(record.text, record.textLength), text(record.label, record.labelLength),
+        ctypes.string_at(record.data, record.dataSize) if record.dataSize else b"",
+        record.missed, record.madeAnew != 0)
+
+
 def _load(names):
     for name in names:
         try:
@@ -205,11 +352,19 @@ def _load(names):
 def _declare(library):
     """The calls' types as qv_rtl_c.h has them; a text is a buffer of UTF-16."""
     text, number, byte = ctypes.c_char_p, ctypes.c_int, ctypes.c_ubyte
+    log, log_place = ctypes.c_void_p, ctypes.POINTER(ctypes.c_void_p)
+    record = ctypes.POINTER(_Record)
     library.DoCommandW.argtypes = [text, text, number]
     library.DoXMLW.argtypes = [text, text]
     library.SetQVDefaultSetting.argtypes = [text, byte, byte, byte, byte] + [text] * 7
-    for call in (library.DoCommandW, library.DoXMLW, library.SetQVDefaultSetting):
+    library.QVWriteLog.argtypes = [number, text, number, text]
+    library.QVOpenLog.argtypes = [text, number, log_place]
+    library.QVReadLog.argtypes = [log, record]
+    library.QVCloseLog.argtypes = [log]
+    for call in (library.DoCommandW, library.DoXMLW, library.SetQVDefaultSetting,
+                 library.QVWriteLog, library.QVOpenLog, library.QVReadLog):
         call.restype = number
+    library.QVCloseLog.restype = None
 
 
 def _utf16(text):

@@ -1,6 +1,7 @@
 // Every call of QvRtl.cs, one line printed for each: csharp_calls.exe PRINTER
 using System;
 using System.Collections.Generic;
+using System.Threading;
 
 public static class CSharpCalls
 {
@@ -31,7 +32,45 @@ public static class CSharpCalls
                  ? "set" : "refused");
         Show(QvRtl.SetDefaults(Fancy, true, false, true, false, Fancy, "a.tif", "", "", "", "", "")
                  ? "set" : "refused");
+        Log();
         return 0;
+    }
+
+    private static void Log()
+    {
+        TimeSpan soon = TimeSpan.FromSeconds(1);
+        var log = QvRtl.FollowLog(null, true, soon);
+        QvRtl.WriteLog(Fancy, QvLogLevel.Warning, "a_test", 7);
+        foreach (QvLogRecord r in log)
+        {
+            long self = System.Diagnostics.Process.GetCurrentProcess().Id;
+            bool now = DateTime.UtcNow - r.Time < TimeSpan.FromMinutes(1);
+            Show(now + " " + r.Level + " " + (r.Process == self) + " " + r.Session + " " + r.Source + " " +
+                 r.Line + " " + (r.Text == Fancy) + " " + r.Label.Length + r.Data.Length + r.Missed + r.MadeAnew);
+            if (r.Line < 8) QvRtl.WriteLog("", QvLogLevel.Error, "a_test", 8);
+        }
+        var stop = new CancellationTokenSource();
+        stop.Cancel();
+        foreach (QvLogRecord r in QvRtl.FollowLog(null, false, null, stop.Token)) Show(r.Text);
+        foreach (string file in new[] { "/no/such.log", "/etc/passwd" })
+        {
+            try
+            {
+                QvRtl.FollowLog(file);
+            }
+            catch (QvLogException failure)
+            {
+                Show(failure.Message);
+            }
+        }
+        try
+        {
+            QvRtl.WriteLog("text", QvLogLevel.Log);
+        }
+        catch (ArgumentException failure)
+        {
+            Show(failure.Message);
+        }
     }
 
     private static string[] Unknown(int count)

@@ -2,8 +2,10 @@
 
     qv_rtl_test.py LIBRARY     with QV_HOST_ROOT set
 """
+import datetime
 import os
 import sys
+import threading
 import unittest
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..")
@@ -109,6 +111,39 @@ class Requests(unittest.TestCase):
         self.assertIn("The request ends before its root element is closed", response.errors[0])
         response = self.qv.request("<query><driver><name>none</name></driver></query>")
         self.assertEqual(response.check().warnings, ["No printer driver was found"])
+
+
+class Logs(unittest.TestCase):
+    def setUp(self):
+        self.qv = qv_rtl.QvRtl(LIBRARY)
+
+    def test_lines_are_written_and_followed(self):
+        with self.qv.follow_log(timeout=0) as log:
+            self.qv.write_log(FANCY, "warning", "a_test", 7)
+            self.qv.write_log("", "X")
+            records = list(log)
+        self.assertEqual([record[1:3] + record[4:] for record in records],
+                         [("warning", os.getpid(), 1, "a_test", 7, FANCY, "", b"", 0, False),
+                          ("error", os.getpid(), 1, "python", 0, "", "", b"", 0, False)])
+        age = datetime.datetime.now(datetime.timezone.utc) - records[0].time
+        self.assertLess(abs(age.total_seconds()), 60)
+        self.assertEqual(list(self.qv.follow_log(only_new=False, timeout=0))[-2:], records)
+        self.assertEqual(list(log), [])
+
+    def test_what_others_write_comes_in_time(self):
+        writer = threading.Timer(0.3, self.qv.write_log, ["later"])
+        writer.start()
+        self.assertEqual([record.text for record in self.qv.follow_log(timeout=1)], ["later"])
+        writer.join()
+
+    def test_troubles_have_a_code(self):
+        for level, source in (("fatal", "a"), ("log", "a"), ("error", "a b")):
+            with self.assertRaises(ValueError):
+                self.qv.write_log("text", level, source)
+        for file, status in (("/no/such.log", 3), (__file__, 13)):
+            with self.assertRaises(qv_rtl.LogError) as caught:
+                self.qv.follow_log(file)
+            self.assertEqual(caught.exception.status, status)
 
 
 if __name__ == "__main__":
