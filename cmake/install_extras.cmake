@@ -7,6 +7,7 @@ if(WIN32)
   install(FILES bindings/python/qv_rtl.py DESTINATION ${QV_SHARE_FOLDER}/python COMPONENT development)
   set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv_rtl)
 else()
+  install(DIRECTORY share/lnav DESTINATION ${QV_SHARE_FOLDER} COMPONENT tool)
   # Where Debian's Python looks by itself.
   install(FILES bindings/python/qv_rtl.py DESTINATION lib/python3/dist-packages COMPONENT python)
   set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv-rtl-doc)
