@@ -16,7 +16,8 @@ namespace qv {
 
 namespace {
 
-constexpr const char* kFileHelp = "The log file; - is standard input; without it the log in force";
+constexpr const char* kFileHelp =
+    "The log file, or an archive with one; - is standard input; without it the log in force";
 
 struct ShowArguments {
     ShowOptions options;
@@ -50,11 +51,14 @@ void AddShow(CLI::App& log) {
     CLI::App* show = log.add_subcommand("show", "Show the records, the oldest first");
     show->footer(
         "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
+        "Several logs are merged by time; the name of the log stands behind the time.\n"
         "Levels: X error, * warning, i information, blank trace, > the log itself.\n"
         "An expression of --grep: . [a-z] [^a-z] \\d \\w \\s \\D \\W \\S ^ $ \\b ( ) | * + ? "
         "{2,5}.\n"
         "Damage costs the records that it hit: each gap is named, and the exit code is 3.");
-    show->add_option("FILE", options.file, kFileHelp);
+    show->add_option("FILE", options.files,
+                     "Log files, and ZIP archives with logs in them; - is standard input; without "
+                     "any the log in force");
     AddFilterOptions(*show, options.filter);
     CLI::Option* json = show->add_flag("--json", arguments->json, "An object a line");
     show->add_flag("--csv", arguments->csv, "Comma-separated, with a header line")->excludes(json);

@@ -16,7 +16,10 @@ constexpr DWORD kPause = 100;  // milliseconds
 class Follower {
   public:
     Follower(const ShowOptions& options, LogView& view, std::optional<LogCursor> shown)
-        : options_(options), view_(view), name_(FromUtf8(LogName(options.file))), shown_(shown) {}
+        : options_(options),
+          view_(view),
+          name_(FromUtf8(LogName(options.files.empty() ? "" : options.files[0]))),
+          shown_(shown) {}
 
     void Look() {
         const std::string header = HeaderBytes(name_);
@@ -24,7 +27,7 @@ class Follower {
         Mox::TLogReader reader;
         if (reader.Open(name_) || reader.StartWithoutHeader()) {
             ResumeAloud(reader, shown_);
-            Take(view_.Show(reader, false));
+            Take(ShowRest(reader, view_));
             for (const Mox::TLogSkip& skip : Skips(reader)) Say(SkipText(skip));
         } else {
             Say(OneLine(reader.Error().Trim()));

@@ -12,17 +12,12 @@ namespace {
 constexpr int kAttempts = 5;
 constexpr unsigned short kSharedRead = 0x40;  // of a file stream
 
-bool Open(Mox::TLogReader& reader, const std::string& name) {
-    if (name == kStandardStream) {
-        const std::string bytes = ReadAll(name);
-        return reader.Assign(bytes.data(), bytes.size());
-    }
-    bool open = false;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        open = reader.Open(FromUtf8(name));
-        if (reader.Copy() != Mox::TLogCopy::Changed) break;
-    }
-    return open;
+// Takes what can be read when the reader has refused the log.
+void StartAnyway(Mox::TLogReader& reader, const std::string& name) {
+    const UnicodeString error = reader.Error();
+    if (reader.StartWithoutHeader()) return;
+    throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(error.Trim()),
+                  ExitCode::kCannotOpen);
 }
 
 }  // namespace
@@ -40,11 +35,17 @@ std::string LogName(const std::string& file) {
 }
 
 void OpenLog(Mox::TLogReader& reader, const std::string& name) {
-    if (Open(reader, name)) return;
-    const UnicodeString error = reader.Error();
-    if (reader.StartWithoutHeader()) return;
-    throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(error.Trim()),
-                  ExitCode::kCannotOpen);
+    if (name == kStandardStream) return TakeLog(reader, name, ReadAll(name));
+    bool open = false;
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        open = reader.Open(FromUtf8(name));
+        if (reader.Copy() != Mox::TLogCopy::Changed) break;
+    }
+    if (!open) StartAnyway(reader, name);
+}
+
+void TakeLog(Mox::TLogReader& reader, const std::string& name, const std::string& bytes) {
+    if (!reader.Assign(bytes.data(), bytes.size())) StartAnyway(reader, name);
 }
 
 std::string HeaderBytes(const UnicodeString& name) {

@@ -17,6 +17,8 @@ std::string LogName(const std::string& file);
 // Opens the log; one whose header is damaged starts with what else can be read. Throws Failure
 // (kCannotOpen) when the file cannot be read or holds no log.
 void OpenLog(Mox::TLogReader& reader, const std::string& name);
+// The same for bytes that were read already.
+void TakeLog(Mox::TLogReader& reader, const std::string& name, const std::string& bytes);
 
 // The header's bytes without its lock: only whether they change matters. Empty while there is no
 // file.

@@ -4,7 +4,7 @@
 
 #include "base/files.h"
 #include "base/progress.h"
-#include "log/log_input.h"
+#include "log/log_sources.h"
 #include "log_file/log_image.h"
 
 namespace qv {
@@ -46,16 +46,14 @@ std::uint64_t Copy(Mox::TLogReader& reader, const LogFilter& filter, Mox::TLogIm
 
 void SaveLog(const SaveOptions& options) {
     const LogFilter filter(options.filter);
-    const std::string name = LogName(options.file);
     RefuseExisting(options.output);
-    Mox::TLogReader reader;
-    OpenLog(reader, name);
+    const LogSource log = OpenOneLog(options.file);
     Mox::TLogImage image;
-    const std::uint64_t saved = Copy(reader, filter, image);
+    const std::uint64_t saved = Copy(*log.reader, filter, image);
     const std::vector<std::uint8_t>& bytes = image.Finish(kUsualLimit);
     WriteOutput(options.output, std::string(bytes.begin(), bytes.end()));
     PrintError(Counted(saved, "record") + " saved");
-    FailOnSkips(reader);
+    FailOnDamage(log);
 }
 
 }  // namespace qv

@@ -1,12 +1,15 @@
 #include "log/log_show.h"
 
-#include <cstdint>
+#include <algorithm>
+#include <utility>
 
 #include "base/console.h"
 #include "base/files.h"
 #include "base/host.h"
 #include "base/progress.h"
 #include "log/log_input.h"
+#include "log/log_merge.h"
+#include "log/log_sources.h"
 
 namespace qv {
 
@@ -14,46 +17,104 @@ namespace {
 
 constexpr std::size_t kMostPending = 1 << 16;
 
+bool GoesOn(const ShowOptions& options) {
+    return options.follow || !options.cursor_file.empty();
+}
+
+[[noreturn]] void RefuseToGoOn(const std::string& with) {
+    throw Failure("--follow and --cursor-file need one log file, not " + with,
+                  ExitCode::kWrongUsage);
+}
+
 void CheckOptions(const ShowOptions& options) {
-    if (options.file != kStandardStream) return;
-    if (options.follow || !options.cursor_file.empty()) {
-        throw Failure("--follow and --cursor-file need a file, not standard input",
-                      ExitCode::kWrongUsage);
+    const auto inputs = std::ranges::count(options.files, kStandardStream);
+    if (inputs > 1) throw Failure("standard input (-) can be read once", ExitCode::kWrongUsage);
+    if (!GoesOn(options)) return;
+    if (options.files.size() > 1) RefuseToGoOn("several");
+    if (inputs > 0) RefuseToGoOn("standard input");
+}
+
+// In a column: how many characters the text has.
+int Width(const std::string& text) {
+    return static_cast<int>(std::ranges::count_if(text, [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+// The names of the logs as the style shows them: of text in columns of one width.
+std::vector<std::string> ShownNames(const std::vector<LogSource>& logs, LogStyle::Shape shape) {
+    std::vector<std::string> names;
+    int widest = 0;
+    for (const LogSource& log : logs) {
+        names.push_back(shape == LogStyle::Shape::kText ? OneLine(FromUtf8(log.name)) : log.name);
+        widest = std::max(widest, Width(names.back()));
     }
+    if (shape != LogStyle::Shape::kText) return names;
+    for (std::string& name : names)
+        name.append(static_cast<std::size_t>(widest - Width(name)), ' ');
+    return names;
+}
+
+// What is there, of all logs together.
+void ShowOnce(const ShowOptions& options, const LogFilter& filter) {
+    LogSources sources = OpenLogs(options.files);
+    LogStyle style = options.style;
+    style.names_log = sources.logs.size() > 1;
+    const std::vector<std::string> names = ShownNames(sources.logs, style.shape);
+    LogView view(filter, style);
+    LogMerge merge(sources.logs);
+    // On a terminal the lines themselves tell how far it is.
+    std::optional<Progress> progress;
+    if (!IsTerminal(Stream::kOutput)) progress.emplace("records");
+    while (const Mox::TLogMsg* record = merge.Next()) {
+        if (progress) progress->Add();
+        view.Show(*record, names[merge.Log()]);
+    }
+    progress.reset();
+    view.ShowNewest();
+    view.Flush();
+    FailOnDamage(sources);
+}
+
+// What is behind the cursor, and what comes later.
+void ShowAndGoOn(const ShowOptions& options, const LogFilter& filter) {
+    const std::string name = LogName(options.files.empty() ? "" : options.files[0]);
+    if (IsArchive(name)) RefuseToGoOn("an archive");
+    LogView view(filter, options.style);
+    std::optional<LogCursor> shown;
+    if (!options.cursor_file.empty()) shown = LoadCursor(options.cursor_file);
+    LogSource log{name, false, std::make_unique<Mox::TLogReader>()};
+    OpenLog(*log.reader, name);
+    ResumeAloud(*log.reader, shown);
+    const std::optional<LogCursor> seen = ShowRest(*log.reader, view);
+    view.ShowNewest();
+    view.Flush();
+    if (seen && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
+    if (!options.follow) return FailOnDamage(log);
+    for (const Mox::TLogSkip& skip : Skips(*log.reader)) PrintError(SkipText(skip));
+    FollowLog(options, view, seen ? seen : shown);
 }
 
 }  // namespace
 
-LogView::LogView(const ShowOptions& options)
-    : filter_(options.filter),
-      lines_(options.style),
-      keeps_place_(options.follow || !options.cursor_file.empty()),
-      pending_(LogHead(options.style)) {}
+LogView::LogView(const LogFilter& filter, const LogStyle& style)
+    : filter_(filter), lines_(style), most_(filter.Last()), pending_(LogHead(style)) {}
 
-std::optional<LogCursor> LogView::Show(Mox::TLogReader& reader, bool only_last) {
-    // On a terminal the lines themselves tell how far it is; following has no end.
-    std::optional<Progress> progress;
-    if (only_last && !IsTerminal(Stream::kOutput)) progress.emplace("records");
-    std::optional<LogCursor> seen;
-    std::deque<std::string> newest;
-    const std::size_t most = only_last ? filter_.Last().value_or(SIZE_MAX) : SIZE_MAX;
-    while (const Mox::TLogMsg* record = reader.Next()) {
-        if (progress) progress->Add();
-        if (keeps_place_) seen = Mox::CursorAt(reader, *record);
-        if (!filter_.Passes(*record)) continue;
-        if (most == SIZE_MAX) {
-            lines_.Add(pending_, *record);
-            FlushMuch();
-            continue;
-        }
-        lines_.Add(newest.emplace_back(), *record);
-        if (newest.size() > most) newest.pop_front();
+void LogView::Show(const Mox::TLogMsg& record, const std::string& log) {
+    if (!filter_.Passes(record)) return;
+    if (!most_) {
+        lines_.Add(pending_, record, log);
+        return FlushMuch();
     }
-    for (const std::string& line : newest) {
+    lines_.Add(newest_.emplace_back(), record, log);
+    if (newest_.size() > *most_) newest_.pop_front();
+}
+
+void LogView::ShowNewest() {
+    for (const std::string& line : newest_) {
         pending_ += line;
         FlushMuch();
     }
-    return seen;
+    newest_.clear();
+    most_.reset();
 }
 
 void LogView::FlushMuch() {
@@ -79,21 +140,19 @@ void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
     }
 }
 
+std::optional<LogCursor> ShowRest(Mox::TLogReader& reader, LogView& view) {
+    std::optional<LogCursor> seen;
+    while (const Mox::TLogMsg* record = reader.Next()) {
+        seen = Mox::CursorAt(reader, *record);
+        view.Show(*record);
+    }
+    return seen;
+}
+
 void ShowLog(const ShowOptions& options) {
     CheckOptions(options);
-    LogView view(options);
-    const std::string name = LogName(options.file);
-    std::optional<LogCursor> shown;
-    if (!options.cursor_file.empty()) shown = LoadCursor(options.cursor_file);
-    Mox::TLogReader reader;
-    OpenLog(reader, name);
-    ResumeAloud(reader, shown);
-    const std::optional<LogCursor> seen = view.Show(reader, true);
-    view.Flush();
-    if (seen && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
-    if (!options.follow) return FailOnSkips(reader);
-    for (const Mox::TLogSkip& skip : Skips(reader)) PrintError(SkipText(skip));
-    FollowLog(options, view, seen ? seen : shown);
+    const LogFilter filter(options.filter);
+    GoesOn(options) ? ShowAndGoOn(options, filter) : ShowOnce(options, filter);
 }
 
 }  // namespace qv

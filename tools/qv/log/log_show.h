@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "log/log_cursor.h"
 #include "log/log_filter.h"
@@ -13,34 +15,43 @@
 namespace qv {
 
 struct ShowOptions {
-    std::string file, cursor_file;
+    std::vector<std::string> files;  // none: the log in force
+    std::string cursor_file;
     LogFilterOptions filter;
     LogStyle style;
     bool follow = false;
 };
 
-// Throws Failure, kDamaged when everything that can be read has been shown.
+// The records of several logs are shown together, in the order of their times. Throws Failure,
+// kDamaged when everything that can be read has been shown.
 void ShowLog(const ShowOptions& options);
 
-// Shows records that pass the filter. What is shown is collected: Flush brings it out.
+// Shows the records that pass the filter. What is shown is collected: Flush brings it out.
 class LogView {
   public:
-    explicit LogView(const ShowOptions& options);
+    // The filter must stay as long as the view.
+    LogView(const LogFilter& filter, const LogStyle& style);
 
-    // Shows the rest of the reader's records; returns the place of the last one, if there was any
-    // and the options need it. With `only_last` the filter's number of newest ones holds.
-    std::optional<LogCursor> Show(Mox::TLogReader& reader, bool only_last);
+    // Shows the record when it passes. `log` as for LogLines. When only the newest records are
+    // wanted, they are held back until ShowNewest.
+    void Show(const Mox::TLogMsg& record, const std::string& log = "");
+    // Ends the part of which only the newest records are wanted.
+    void ShowNewest();
     void Flush();
     const LogFilter& Filter() const { return filter_; }
 
   private:
     void FlushMuch();
 
-    LogFilter filter_;
+    const LogFilter& filter_;
     LogLines lines_;
-    bool keeps_place_;
+    std::optional<std::size_t> most_;
+    std::deque<std::string> newest_;
     std::string pending_;
 };
+
+// Shows the rest of the reader's records; returns the place of the last one, if there was any.
+std::optional<LogCursor> ShowRest(Mox::TLogReader& reader, LogView& view);
 
 // Shows what is new until the filter's end time, or for ever. `shown` is the last record that has
 // been shown.

@@ -7,6 +7,7 @@
 #include "base/progress.h"
 #include "log/log_filter.h"
 #include "log/log_input.h"
+#include "log/log_sources.h"
 #include "log/record_line.h"
 #include "log/ring_picture.h"
 
@@ -142,12 +143,10 @@ void PrintAsJson(const std::string& name, const LogStat& stat) {
 }  // namespace
 
 void ShowLogStat(const std::string& file, bool json) {
-    const std::string name = LogName(file);
-    Mox::TLogReader reader;
-    OpenLog(reader, name);
-    const LogStat stat = Collect(reader);
-    json ? PrintAsJson(name, stat) : PrintText(name, stat);
-    FailOnSkips(reader);
+    const LogSource log = OpenOneLog(file);
+    const LogStat stat = Collect(*log.reader);
+    json ? PrintAsJson(log.name, stat) : PrintText(log.name, stat);
+    FailOnDamage(log);
 }
 
 }  // namespace qv

@@ -3,6 +3,7 @@
 #include "base/json_output.h"
 #include "base/progress.h"
 #include "log/log_input.h"
+#include "log/log_sources.h"
 
 namespace qv {
 
@@ -21,37 +22,39 @@ void RefuseMixedCopy(const Mox::TLogReader& reader) {
     throw Failure("the log changed each time while it was read; try again");
 }
 
-void PrintText(const std::string& name, std::uint64_t records, const Mox::TLogReader& reader) {
-    const std::string file = OneLine(FromUtf8(name));
-    for (const Mox::TLogSkip& skip : Skips(reader)) {
+bool IsSound(const LogSource& log) {
+    return !log.is_torn && log.reader->SkipCount() == 0;
+}
+
+void PrintText(const LogSource& log, std::uint64_t records) {
+    const std::string file = OneLine(FromUtf8(log.name));
+    for (const Mox::TLogSkip& skip : Skips(*log.reader)) {
         const std::string place = IsPlace(skip) ? ": offset " + std::to_string(skip.offset) + ", " +
                                                       std::to_string(skip.size) + " bytes"
                                                 : std::string();
         PrintLine(file + place + ": " + OneLine(skip.reason));
     }
-    const bool sound = reader.SkipCount() == 0;
-    PrintLine(file + ": " + Counted(records, "record") + (sound ? ", sound" : " can be read"));
+    PrintLine(file + ": " + Counted(records, "record") +
+              (IsSound(log) ? ", sound" : " can be read"));
 }
 
-void PrintAsJson(const std::string& name, std::uint64_t records, const Mox::TLogReader& reader) {
+void PrintAsJson(const LogSource& log, std::uint64_t records) {
     Json body;
-    body["file"] = name;
-    body["sound"] = reader.SkipCount() == 0;
+    body["file"] = log.name;
+    body["sound"] = IsSound(log);
     body["records"] = records;
-    body["damage"] = DamageList(Skips(reader));
+    body["damage"] = DamageList(Skips(*log.reader));
     PrintJson(body);
 }
 
 }  // namespace
 
 void VerifyLog(const std::string& file, bool json) {
-    const std::string name = LogName(file);
-    Mox::TLogReader reader;
-    OpenLog(reader, name);
-    const std::uint64_t records = CountRecords(reader);
-    RefuseMixedCopy(reader);
-    json ? PrintAsJson(name, records, reader) : PrintText(name, records, reader);
-    if (reader.SkipCount() > 0) throw Failure("", ExitCode::kDamaged);
+    const LogSource log = OpenOneLog(file);
+    const std::uint64_t records = CountRecords(*log.reader);
+    RefuseMixedCopy(*log.reader);
+    json ? PrintAsJson(log, records) : PrintText(log, records);
+    if (!IsSound(log)) throw Failure("", ExitCode::kDamaged);
 }
 
 }  // namespace qv

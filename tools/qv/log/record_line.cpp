@@ -87,31 +87,32 @@ std::string CsvField(const std::string& text) {
 }  // namespace
 
 std::string LogHead(const LogStyle& style) {
-    return style.shape == LogStyle::Shape::kCsv
-               ? "time,level,pid,tid,session,source,line,text,label,data\r\n"
-               : std::string();
+    if (style.shape != LogStyle::Shape::kCsv) return "";
+    return std::string("time,level,pid,tid,session,source,line,text,label,data") +
+           (style.names_log ? ",log\r\n" : "\r\n");
 }
 
 LogLines::LogLines(const LogStyle& style)
     : style_(style), time_(style.utc || style.shape != LogStyle::Shape::kText) {}
 
-void LogLines::Add(std::string& out, const Mox::TLogMsg& record) {
+void LogLines::Add(std::string& out, const Mox::TLogMsg& record, const std::string& log) {
     switch (style_.shape) {
         case LogStyle::Shape::kJson:
-            return AddJson(out, record);
+            return AddJson(out, record, log);
         case LogStyle::Shape::kCsv:
-            return AddCsv(out, record);
+            return AddCsv(out, record, log);
         default:
-            return AddText(out, record);
+            return AddText(out, record, log);
     }
 }
 
-// "2026-01-31T09:00:00.000 X P12 T34 S1 [source,56] text (label: hex)"
-void LogLines::AddText(std::string& out, const Mox::TLogMsg& record) {
+// "2026-01-31T09:00:00.000 A.log X P12 T34 S1 [source,56] text (label: hex)"
+void LogLines::AddText(std::string& out, const Mox::TLogMsg& record, const std::string& log) {
     const char* const colour = style_.colour ? Colour(record.level) : nullptr;
     if (colour != nullptr) out += colour;
     const std::string_view time = time_.Of(TimeOf(record));
     out += time.empty() ? "(no time)" : time;
+    if (style_.names_log) out.append(1, ' ').append(log);
     out += ' ';
     out += LevelName(record.level);
     AddNumber(out, " P", record.processId);
@@ -139,7 +140,7 @@ void LogLines::AddBlock(std::string& out, const Mox::TLogMsg& record) const {
     out += ')';
 }
 
-void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record) {
+void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record, const std::string& log) {
     const bool block = BlockSize(record) > 0;
     const bool label = block || record.dataLabel.Length() > 0;
     const std::string_view time = time_.Of(TimeOf(record));
@@ -159,10 +160,11 @@ void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record) {
     AddQuoted(out, R"(,"text":)", ToUtf8(record.text));
     AddQuoted(out, R"(,"label":)", ToUtf8(record.dataLabel), label);
     AddQuoted(out, R"(,"data":)", Hex(record), block);
+    if (style_.names_log) AddQuoted(out, R"(,"log":)", log);
     out += "}\n";
 }
 
-void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record) {
+void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record, const std::string& log) {
     const std::int64_t session = SessionOf(record);
     out += time_.Of(TimeOf(record));
     out += "," + CsvField(LevelName(record.level)) + "," + std::to_string(record.processId) + "," +
@@ -170,7 +172,9 @@ void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record) {
            (session < 0 ? std::string() : std::to_string(session)) + "," +
            CsvField(ToUtf8(record.source)) + "," + std::to_string(record.line) + "," +
            CsvField(ToUtf8(record.text)) + "," + CsvField(ToUtf8(record.dataLabel)) + "," +
-           Hex(record) + "\r\n";
+           Hex(record);
+    if (style_.names_log) out += "," + CsvField(log);
+    out += "\r\n";
 }
 
 std::string LevelName(int level) {

@@ -17,6 +17,9 @@ struct LogStyle {
     bool colour = false;  // by level, with the escape sequences of terminals
     bool raw = false;     // control characters as they are
     bool utc = false;
+    // Each record names its log: in a column of the text behind the time, as the key "log" of JSON,
+    // as the last column of CSV.
+    bool names_log = false;
 };
 
 // What stands in front of all records; empty for most shapes.
@@ -27,15 +30,16 @@ class LogLines {
   public:
     explicit LogLines(const LogStyle& style);
 
-    // With its line end, behind what `out` holds.
-    void Add(std::string& out, const Mox::TLogMsg& record);
+    // With its line end, behind what `out` holds. `log` is the name of the record's log, of text as
+    // it is to be shown; without a use unless the style has it.
+    void Add(std::string& out, const Mox::TLogMsg& record, const std::string& log = "");
 
   private:
-    void AddText(std::string& out, const Mox::TLogMsg& record);
+    void AddText(std::string& out, const Mox::TLogMsg& record, const std::string& log);
     void AddShown(std::string& out, Units text) const;
     void AddBlock(std::string& out, const Mox::TLogMsg& record) const;
-    void AddJson(std::string& out, const Mox::TLogMsg& record);
-    void AddCsv(std::string& out, const Mox::TLogMsg& record);
+    void AddJson(std::string& out, const Mox::TLogMsg& record, const std::string& log);
+    void AddCsv(std::string& out, const Mox::TLogMsg& record, const std::string& log);
 
     LogStyle style_;
     TimeText time_;

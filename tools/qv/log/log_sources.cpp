@@ -1,0 +1,117 @@
+#include "log/log_sources.h"
+
+#include <algorithm>
+
+#include "base/files.h"
+#include "base/zip_reader.h"
+#include "log/log_input.h"
+#include "mox_classes/containers/streams.h"
+
+namespace qv {
+
+namespace {
+
+std::string Quoted(const std::string& name) {
+    return "'" + OneLine(FromUtf8(name)) + "'";
+}
+
+// Says what cannot be read. The worst code is the highest one.
+void Tell(LogSources& sources, const std::string& text, ExitCode code) {
+    PrintError(text);
+    sources.worst = std::max(sources.worst, code);
+}
+
+void AddEntry(LogSources& sources, const std::string& name, const ZipReader::Entry& entry) {
+    const ZipReader::Content content = ZipReader::Read(entry);
+    const bool is_torn = !content.fault.empty();
+    if (is_torn) Tell(sources, Quoted(name) + ": " + content.fault, ExitCode::kDamaged);
+    if (content.bytes.empty()) return;
+    auto reader = std::make_unique<Mox::TLogReader>();
+    if (reader->Assign(content.bytes.data(), content.bytes.size()) || reader->StartWithoutHeader())
+        sources.logs.push_back({name, is_torn, std::move(reader)});
+}
+
+void AddArchive(LogSources& sources, const std::string& name, const std::string& bytes) {
+    const std::size_t before = sources.logs.size();
+    try {
+        const ZipReader archive(bytes);
+        for (const ZipReader::Entry& entry : archive.Entries())
+            AddEntry(sources, name + ":" + ToUtf8(FromUtf8(entry.name)), entry);
+    } catch (const Failure& failure) {
+        throw Failure(Quoted(name) + ": " + failure.what(), failure.Code());
+    }
+    if (sources.logs.size() == before)
+        throw Failure(Quoted(name) + ": the archive holds no log", ExitCode::kCannotOpen);
+}
+
+void AddFile(LogSources& sources, const std::string& name) {
+    const bool is_input = name == kStandardStream;
+    const std::string bytes = is_input || IsArchive(name) ? ReadAll(name) : std::string();
+    if (ZipReader::IsZip(bytes)) return AddArchive(sources, name, bytes);
+    auto reader = std::make_unique<Mox::TLogReader>();
+    is_input ? TakeLog(*reader, name, bytes) : OpenLog(*reader, name);
+    sources.logs.push_back({name, false, std::move(reader)});
+}
+
+// Whether anything of the log was left out. Says what, each line beginning with `who`.
+bool TellSkips(const LogSource& log, const std::string& who) {
+    for (const Mox::TLogSkip& skip : Skips(*log.reader)) PrintError(who + SkipText(skip));
+    return log.is_torn || log.reader->SkipCount() > 0;
+}
+
+}  // namespace
+
+LogSources OpenLogs(const std::vector<std::string>& files) {
+    LogSources sources;
+    if (files.size() <= 1) {
+        AddFile(sources, LogName(files.empty() ? std::string() : files[0]));
+        return sources;
+    }
+    for (const std::string& file : files) {
+        try {
+            AddFile(sources, LogName(file));
+        } catch (const Failure& failure) {
+            Tell(sources, failure.what(), failure.Code());
+        }
+    }
+    if (sources.logs.empty()) throw Failure("", ExitCode::kCannotOpen);
+    return sources;
+}
+
+LogSource OpenOneLog(const std::string& file) {
+    LogSources sources = OpenLogs({file});
+    if (sources.logs.size() == 1) return std::move(sources.logs[0]);
+    throw Failure(Quoted(file) + " holds " + std::to_string(sources.logs.size()) +
+                      " logs; this command takes one, `qv log show` takes all",
+                  ExitCode::kWrongUsage);
+}
+
+bool IsArchive(const std::string& name) {
+    constexpr unsigned short kSharedRead = 0x40;
+    constexpr int kSignature = 4;
+    if (name == kStandardStream) return false;
+    try {
+        char head[kSignature];
+        const int size = Classes::TFileStream(FromUtf8(name), kSharedRead).Read(head, kSignature);
+        return ZipReader::IsZip({head, static_cast<std::size_t>(size)});
+    } catch (const UnicodeString&) {
+        return false;
+    }
+}
+
+void FailOnDamage(const LogSources& sources) {
+    ExitCode worst = sources.worst;
+    for (const LogSource& log : sources.logs) {
+        const std::string who =
+            sources.logs.size() > 1 ? OneLine(FromUtf8(log.name)) + ": " : std::string();
+        if (TellSkips(log, who)) worst = std::max(worst, ExitCode::kDamaged);
+    }
+    if (worst != ExitCode::kDone) throw Failure("", worst);
+}
+
+void FailOnDamage(const LogSource& log) {
+    FailOnSkips(*log.reader);
+    if (log.is_torn) throw Failure("", ExitCode::kDamaged);
+}
+
+}  // namespace qv
