@@ -278,6 +278,35 @@ TEST_F(RegFiles, KeysLieInOrderAndNotTooDeep) {
               ERROR_NO_UNICODE_TRANSLATION);
 }
 
+// The key is gone and there anew, under the same path.
+TEST_F(RegFiles, WhatAnotherProcessChangedIsReadAnew) {
+    const std::string key = "[HKEY_CURRENT_USER\\A\\B]\n";
+    ASSERT_EQ(Import(kHead + key + "\"v\"=hex:00\n"), "");
+    const pid_t writer = fork();
+    for (int i = 1; writer == 0; ++i) {
+        raise(SIGSTOP);
+        const std::string value = "\"v\"=hex:0" + std::to_string(i) + "\n";
+        Import(kHead + "[-HKEY_CURRENT_USER\\A]\n" + (i == 2 ? "" : key + value));
+    }
+    for (const int expected : {0, 1, 255, 3}) {
+        int status = 0;
+        waitpid(writer, &status, WUNTRACED);
+        for (int time = 0; time < 2; ++time) {
+            HKEY open = nullptr;
+            BYTE byte = 255;
+            DWORD size = 1;
+            const LSTATUS code = RegOpenKeyExW(HKEY_CURRENT_USER, u"a\\b", 0, KEY_READ, &open);
+            EXPECT_EQ(code, expected == 255 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS);
+            RegQueryValueExW(open, u"V", nullptr, nullptr, &byte, &size);
+            EXPECT_EQ(byte, expected);
+            RegCloseKey(open);
+        }
+        kill(writer, SIGCONT);
+    }
+    kill(writer, SIGKILL);
+    waitpid(writer, nullptr, 0);
+}
+
 TEST_F(RegFiles, ProcessesDoNotLoseEachOthersValues) {
     for (int process = 0; process < 2; ++process) {
         if (fork() != 0) continue;

@@ -50,17 +50,19 @@ class Registry : public testing::Test {
     static LSTATUS Query(HKEY key, LPCWSTR name) {
         return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
     }
+    LSTATUS NameAt(bool keys, DWORD i, WCHAR* name, DWORD size) {
+        return keys ? RegEnumKeyExW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr)
+                    : RegEnumValueW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr);
+    }
     // The names of the keys below, or of the values, with a blank behind each.
     Text Names(bool keys) {
         Text names;
         WCHAR name[30];
-        for (DWORD i = 0, size = 30;; ++i, size = 30) {
-            const LSTATUS code =
-                (keys ? RegEnumKeyExW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr)
-                      : RegEnumValueW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr));
+        for (DWORD i = 0;; ++i) {
+            const LSTATUS code = NameAt(keys, i, name, 30);
             EXPECT_TRUE(code == ERROR_SUCCESS || code == ERROR_NO_MORE_ITEMS);
             if (code != ERROR_SUCCESS) return names;
-            names += Text(name, size) + TEXT(" ");
+            names += Text(name) + TEXT(" ");
         }
     }
 
@@ -216,6 +218,30 @@ TEST_F(Registry, ADeletedKeyStaysDeletedForItsHandles) {
     EXPECT_EQ(Query(key_, TEXT("v")), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Names(true), TEXT(""));
     EXPECT_EQ(Set(key_, TEXT("v"), {1}), ERROR_SUCCESS);
+}
+
+TEST_F(Registry, AnIndexNamesItsKeyAndItsValueAlsoWhenOthersComeAndGo) {
+    for (const WCHAR* name : {TEXT("b"), TEXT("d"), TEXT("f"), TEXT("h")}) {
+        RegCloseKey(Create(key_, name));
+        Set(key_, name, {1});
+    }
+    const struct {
+        const WCHAR* removed;
+        DWORD index;
+        const WCHAR* expected;
+    } steps[] = {{nullptr, 0, TEXT("b")},   {nullptr, 1, TEXT("d")}, {nullptr, 1, TEXT("d")},
+                 {nullptr, 3, TEXT("h")},   {nullptr, 2, TEXT("f")}, {TEXT("b"), 2, TEXT("h")},
+                 {TEXT("f"), 1, TEXT("h")}, {nullptr, 2, nullptr},   {nullptr, 0, TEXT("d")}};
+    for (const auto& step : steps) {
+        if (step.removed != nullptr) RegDeleteTreeW(key_, step.removed);
+        if (step.removed != nullptr) RegDeleteValueW(key_, step.removed);
+        for (const bool keys : {false, true}) {
+            WCHAR name[3] = {};
+            const LSTATUS code = NameAt(keys, step.index, name, 3);
+            EXPECT_EQ(code, step.expected != nullptr ? ERROR_SUCCESS : ERROR_NO_MORE_ITEMS);
+            EXPECT_EQ(Text(name), step.expected != nullptr ? step.expected : TEXT(""));
+        }
+    }
 }
 
 TEST_F(Registry, ThreadsDoNotLoseEachOthersValues) {

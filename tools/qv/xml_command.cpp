@@ -1,6 +1,7 @@
 // qv xml: makes the library's XML request call on files or the standard streams.
 #include <limits>
 #include <memory>
+#include <string_view>
 
 #include "base/commands.h"
 #include "base/files.h"
@@ -47,9 +48,16 @@ void WriteResponse(TFileStream* file, const TMemoryStream& response, int size) {
     Print(text);
 }
 
+// Whether a response may have messages. One in UTF-16 may.
+bool MayHaveMessages(std::string_view response) {
+    return !response.starts_with("<?xml") || response.find("<message") != response.npos;
+}
+
 // Throws the texts of the response's error elements, if there are any. An error with a position
 // means that the request is damaged.
 void FailOnErrors(const std::string& request, const TMemoryStream& bytes, int size) {
+    const auto* const text_begin = static_cast<const char*>(bytes.GetMemory());
+    if (!MayHaveMessages({text_begin, static_cast<std::size_t>(size)})) return;
     TXmlDoc response;
     response.Parse(bytes.GetMemory(), size);
     const TXmlNode* messages = response.FRoot->FindChild(TEXT("message"), kCodePageUtf8);

@@ -95,6 +95,8 @@ LSTATUS OnStore(RegStore::Use use, const CallRef<LSTATUS(RegStore&)>& run) {
             if (!is_full && !is_busy) return Note(error);
         } catch (const std::bad_alloc&) {
             return ERROR_NOT_ENOUGH_MEMORY;
+        } catch (const RegStale&) {
+            continue;
         } catch (const std::exception&) {
             return ERROR_GEN_FAILURE;
         }
@@ -132,28 +134,15 @@ LSTATUS InChange(RegStore& store, const CallRef<LSTATUS()>& run) {
 
 LSTATUS ReadKey(HKEY handle, REGSAM needed, const KeyUser& read) {
     return OnKey(handle, needed, RegStore::Use::kRead, [&](RegStore& store, const Target& target) {
-        const RegSnapshot snapshot(store, target.Id());
+        const RegSnapshot snapshot(store, target.Id(), RegSnapshot::Asks::kLate);
         return read(target.Context());
     });
-}
-
-LSTATUS ReadValue(HKEY handle, std::u16string_view name, const ValueReader& read) {
-    return OnKey(handle, KEY_QUERY_VALUE, RegStore::Use::kRead,
-                 [&](RegStore& store, const Target& target) -> LSTATUS {
-                     const std::string place = RegStore::PlaceOf(target.Id(), name);
-                     if (const RegValue* known = store.Remembered(place)) return read(*known);
-                     const RegSnapshot snapshot(store, target.Id());
-                     const auto value = RegKey(target.Id()).FindValue(name);
-                     if (!value) return ERROR_FILE_NOT_FOUND;
-                     store.Remember(place, *value);
-                     return read(*value);
-                 });
 }
 
 LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyUser& change) {
     return OnKey(handle, needed, RegStore::Use::kWrite, [&](RegStore& store, const Target& target) {
         return InChange(store, [&] {
-            const RegSnapshot snapshot(store, target.Id());
+            if (!RegKey(target.Id()).Exists()) throw RegError{ERROR_KEY_DELETED, {}};
             return change(target.Context());
         });
     });
@@ -161,7 +150,7 @@ LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyUser& change) {
 
 LSTATUS ReadRegistry(const CallRef<void()>& read) {
     return OnStore(RegStore::Use::kRead, [&](RegStore& store) -> LSTATUS {
-        const RegSnapshot snapshot(store, 1);
+        const RegSnapshot snapshot(store, 1, RegSnapshot::Asks::kAtOnce);
         read();
         return ERROR_SUCCESS;
     });

@@ -11,6 +11,7 @@
 #include "base/call_ref.h"
 #include "base/handles.h"
 #include "registry/reg_keys.h"
+#include "registry/reg_store.h"
 #include "text/host_text.h"
 
 namespace host {
@@ -38,15 +39,13 @@ struct KeyContext {
 };
 
 using KeyUser = CallRef<LSTATUS(const KeyContext&)>;
-using ValueReader = CallRef<LSTATUS(const RegValue&)>;
 
 // ERROR_INVALID_HANDLE, ERROR_ACCESS_DENIED when the handle lacks one of the `needed` rights,
 // ERROR_KEY_DELETED, or the code of the store or of the function. Nothing is thrown. A lock of
 // another process is waited for, five seconds at most; then the code is ERROR_BUSY.
+// What was read before and nobody has changed is not read again. The function may run again as long
+// as it has had no answer from RegKey::Keys, KeyAt and ValueAt, which are always read.
 LSTATUS ReadKey(HKEY handle, REGSAM needed, const KeyUser& read);
-// The same for one value, which is read from the store only when it has changed;
-// ERROR_FILE_NOT_FOUND when there is none.
-LSTATUS ReadValue(HKEY handle, std::u16string_view name, const ValueReader& read);
 // The same in a transaction, which is kept when the function returns ERROR_SUCCESS.
 LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyUser& change);
 

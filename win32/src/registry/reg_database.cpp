@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,7 +24,7 @@ constexpr DWORD kHeaderBytes = 48;   // of the shared index: the part that a com
 constexpr int kIndexBytes = 0x8000;  // of the shared index's first piece
 
 // Of the same header, and of the log itself, as the file format of SQLite has them.
-constexpr std::size_t kPageSizeAt = 14, kFramesAt = 16;
+constexpr std::size_t kFramesAt = 16;
 constexpr off_t kLogHeaderBytes = 32, kFrameHeaderBytes = 24;
 
 // Names as they are compared, upper-case, are the unique keys; texts keep the spelling. A number
@@ -47,7 +48,8 @@ constexpr const char* kStatements[] = {
     "SELECT 1 FROM reg_keys WHERE id = ?1",
     "SELECT id, name FROM reg_keys WHERE parent = ?1 AND folded = ?2",
     "SELECT id, name FROM reg_keys WHERE parent = ?1 ORDER BY folded",
-    "SELECT name, written FROM reg_keys WHERE parent = ?1 ORDER BY folded LIMIT 1 OFFSET ?2",
+    "SELECT name, written FROM reg_keys WHERE parent = ?1 AND folded >= ?2 ORDER BY folded"
+    " LIMIT 1 OFFSET ?3",
     "INSERT INTO reg_keys(parent, folded, name, written) VALUES(?1, ?2, ?3, ?4)",
     "UPDATE reg_keys SET written = ?2 WHERE id = ?1",
     // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): a macro ends the text
@@ -55,7 +57,8 @@ constexpr const char* kStatements[] = {
     "DELETE FROM reg_keys WHERE id <> ?2 AND id IN " QV_BELOW,
     "SELECT name, type, data FROM reg_values WHERE key = ?1 AND folded = ?2",
     "SELECT name, type, data FROM reg_values WHERE key = ?1 ORDER BY id",
-    "SELECT name, type, data FROM reg_values WHERE key = ?1 ORDER BY id LIMIT 1 OFFSET ?2",
+    "SELECT name, type, data, id FROM reg_values WHERE key = ?1 AND id >= ?2 ORDER BY id"
+    " LIMIT 1 OFFSET ?3",
     "INSERT INTO reg_values(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
     " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"
     " WHERE type <> excluded.type OR data <> excluded.data",
@@ -244,17 +247,19 @@ off_t RegDatabase::LogBytes() const {
     return stat((path_ + "-wal").c_str(), &log) == 0 ? log.st_size : 0;
 }
 
-// With the lock that all changes take, the log ends where the shared index says. By name: closing a
-// second descriptor of the file would end this process's locks on it.
+// With the lock that all changes take, the log ends where the shared index says, in its header and
+// in the copy behind it. By name: closing a second descriptor of the file would end this process's
+// locks on it.
 void RegDatabase::TrimLog() {
+    const off_t frame = kFrameHeaderBytes + Number("PRAGMA page_size");
     RegQuery(this, RegSql::kBegin).Next();
     const std::span<const BYTE> mark = CommitMark();
-    if (!mark.empty()) {
-        std::uint16_t page = 0;
+    const off_t held = std::max(off_t{0}, LogBytes() - kLogHeaderBytes) / frame;
+    if (!mark.empty() &&
+        std::ranges::equal(mark, std::span(mark.data() + mark.size(), mark.size()))) {
         std::uint32_t frames = 0;
-        std::memcpy(&page, mark.data() + kPageSizeAt, sizeof page);
         std::memcpy(&frames, mark.data() + kFramesAt, sizeof frames);
-        const off_t bytes = kLogHeaderBytes + off_t{frames} * (kFrameHeaderBytes + page);
+        const off_t bytes = kLogHeaderBytes + std::min<off_t>(frames, held) * frame;
         if (LogBytes() > bytes) std::ignore = truncate((path_ + "-wal").c_str(), bytes);
     }
     RegQuery(this, RegSql::kRollBack).Next();

@@ -87,9 +87,9 @@ void WriteRegKey(const RegKey& key, const std::u16string& path, RegTextWriter& w
     std::vector<Level> levels;
     const auto write = [&](const RegKey& one) {
         std::vector<RegKey> below = one.Keys();
-        const std::vector<RegValue> values = one.Values();
-        if (!values.empty() || below.empty()) writer.Key(here);
-        for (const RegValue& value : values) writer.Value(value.name, value.type, value.data);
+        const std::shared_ptr<const RegValues> values = one.Values();
+        if (!values->empty() || below.empty()) writer.Key(here);
+        for (const RegValue& value : *values) writer.Value(value.name, value.type, value.data);
         levels.push_back({std::move(below), 0, here.size()});
     };
     write(key);

@@ -1,11 +1,33 @@
 #include "registry/reg_keys.h"
 
+#include <algorithm>
+
+#include "registry/reg_store.h"
+#include "text/case_fold.h"
+
 namespace host {
 
 namespace {
 
+constexpr std::size_t kManyValues = 64;  // are not searched one after the other
+
+// May make an end of what is remembered: the memory is looked for again behind it.
 RegQuery Query(RegSql which) {
-    return RegQuery(RegStore::Get().Database(), which);
+    return RegQuery(RegStore::Get().ForQuery(), which);
+}
+
+RegMemory* Memory() {
+    return RegStore::Get().Memory();
+}
+
+std::optional<RegKey> KeyOf(const std::optional<RegKeyEntry>& entry) {
+    return entry ? std::optional(RegKey(entry->id, entry->name)) : std::nullopt;
+}
+
+void Remember(RegMemory& memory, std::int64_t parent, const std::string& folded,
+              const std::optional<RegKey>& key) {
+    memory.AddKey(parent, folded,
+                  key ? std::optional(RegKeyEntry{key->Id(), key->Name()}) : std::nullopt);
 }
 
 RegValue ValueOf(const RegQuery& row) {
@@ -14,10 +36,44 @@ RegValue ValueOf(const RegQuery& row) {
         std::u16string(row.Text(0)), static_cast<DWORD>(row.Number(1)), {data.begin(), data.end()}};
 }
 
+std::optional<RegValue> ValueIn(const RegValues& values, std::u16string_view name) {
+    const auto found = std::ranges::find_if(
+        values, [name](const RegValue& value) { return SameFileName(value.name, name); });
+    return found == values.end() ? std::nullopt : std::optional(*found);
+}
+
+// From where a statement goes on to the item `index`, and how many it leaves out on its way.
+template <class Place>
+struct Way {
+    Place from{};
+    DWORD skipped = 0;
+};
+
+template <class Place>
+Way<Place> WayTo(DWORD index, const RegCursor<Place> RegMemory::OfKey::*cursor, std::int64_t key) {
+    RegMemory* const memory = Memory();
+    const RegMemory::OfKey* const known = memory == nullptr ? nullptr : memory->Find(key);
+    if (known == nullptr || (known->*cursor).index > index) return {{}, index};
+    return {(known->*cursor).place, index - (known->*cursor).index};
+}
+
+template <class Place>
+void Stay(DWORD index, const Place& place, RegCursor<Place> RegMemory::OfKey::*cursor,
+          std::int64_t key) {
+    if (RegMemory* const memory = Memory()) memory->Add(key).*cursor = {index, place};
+}
+
 std::int64_t Now() {
     FILETIME now;
     GetSystemTimeAsFileTime(&now);
     return static_cast<std::int64_t>(now.dwHighDateTime) << 32 | now.dwLowDateTime;
+}
+
+// With an odd number of bytes, so that it is no name's.
+std::string FoldedPath(std::span<const std::u16string> path) {
+    std::u16string whole;
+    for (const std::u16string& name : path) (whole += name) += u'\\';
+    return FoldedName(whole) + '\\';
 }
 
 // All that a key holds, and the keys but the one that is spared.
@@ -32,25 +88,43 @@ bool Changed() {
 
 }  // namespace
 
+bool RegKey::Exists() const {
+    return id_ <= std::int64_t{kRegRoots} || Query(RegSql::kHoldKey).Give(id_).Next();
+}
+
 std::vector<RegKey> RegKey::Keys() const {
     std::vector<RegKey> keys;
     RegQuery list = Query(RegSql::kListKeys);
-    for (list.Give(id_); list.Next();) keys.emplace_back(list.Number(0), list.Text(1));
+    RegMemory* const memory = Memory();
+    for (list.Give(id_); list.Next();) {
+        keys.emplace_back(list.Number(0), list.Text(1));
+        if (memory != nullptr) Remember(*memory, id_, FoldedName(list.Text(1)), keys.back());
+    }
     return keys;
 }
 
 std::optional<RegKey> RegKey::FindKey(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
+    if (const RegMemory* const memory = Memory()) {
+        if (const auto known = memory->FindKey(id_, folded)) return KeyOf(*known);
+    }
+    std::optional<RegKey> key;
     RegQuery find = Query(RegSql::kFindKey);
-    if (!find.Give(id_).Give(folded).Next()) return std::nullopt;
-    return RegKey(find.Number(0), find.Text(1));
+    if (find.Give(id_).Give(folded).Next()) key.emplace(find.Number(0), find.Text(1));
+    if (RegMemory* const memory = Memory()) Remember(*memory, id_, folded, key);
+    return key;
 }
 
 std::optional<RegKey> RegKey::FindPath(std::span<const std::u16string> path) const {
+    const std::string folded = FoldedPath(path);
+    if (const RegMemory* const memory = Memory()) {
+        if (const auto known = memory->FindKey(id_, folded)) return KeyOf(*known);
+    }
     std::optional<RegKey> key = *this;
     for (const std::u16string& name : path) {
         if (key) key = key->FindKey(name);
     }
+    if (RegMemory* const memory = Memory()) Remember(*memory, id_, folded, key);
     return key;
 }
 
@@ -88,18 +162,33 @@ void RegKey::Touch() const {
     Query(RegSql::kTouchKey).Give(id_).Give(Now()).Next();
 }
 
-std::vector<RegValue> RegKey::Values() const {
-    std::vector<RegValue> values;
+std::shared_ptr<const RegValues> RegKey::Values() const {
+    if (RegMemory* const memory = Memory()) {
+        const auto* const known = memory->Find(id_);
+        if (known != nullptr && known->values != nullptr) return known->values;
+    }
+    const auto values = std::make_shared<RegValues>();
     RegQuery list = Query(RegSql::kListValues);
-    for (list.Give(id_); list.Next();) values.push_back(ValueOf(list));
+    for (list.Give(id_); list.Next();) values->push_back(ValueOf(list));
+    RegMemory* const memory = Memory();
+    if (memory != nullptr && id_ >= 0) memory->AddValues(id_, values);
     return values;
 }
 
 std::optional<RegValue> RegKey::FindValue(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
+    if (RegMemory* const memory = Memory()) {
+        if (auto known = memory->FindValue(id_, folded)) return *known;
+        const auto* const key = memory->Find(id_);
+        if (key != nullptr && key->values != nullptr && key->values->size() < kManyValues) {
+            return ValueIn(*key->values, name);
+        }
+    }
+    std::optional<RegValue> value;
     RegQuery find = Query(RegSql::kFindValue);
-    if (!find.Give(id_).Give(folded).Next()) return std::nullopt;
-    return ValueOf(find);
+    if (find.Give(id_).Give(folded).Next()) value = ValueOf(find);
+    if (RegMemory* const memory = Memory()) memory->AddValue(id_, folded, value);
+    return value;
 }
 
 void RegKey::SetValue(std::u16string_view name, DWORD type, std::span<const BYTE> data) const {
@@ -117,16 +206,20 @@ bool RegKey::RemoveValue(std::u16string_view name) const {
 }
 
 std::optional<RegKey> RegKey::KeyAt(DWORD index, FILETIME& written) const {
+    const auto way = WayTo(index, &RegMemory::OfKey::key_at, id_);
     RegQuery at = Query(RegSql::kKeyAt);
-    if (!at.Give(id_).Give(index).Next()) return std::nullopt;
+    if (!at.Give(id_).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
+    Stay(index, FoldedName(at.Text(0)), &RegMemory::OfKey::key_at, id_);
     const std::int64_t ticks = at.Number(1);
     written = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
     return RegKey(0, at.Text(0));
 }
 
 std::optional<RegValue> RegKey::ValueAt(DWORD index) const {
+    const auto way = WayTo(index, &RegMemory::OfKey::value_at, id_);
     RegQuery at = Query(RegSql::kValueAt);
-    if (!at.Give(id_).Give(index).Next()) return std::nullopt;
+    if (!at.Give(id_).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
+    Stay(index, at.Number(3), &RegMemory::OfKey::value_at, id_);
     return ValueOf(at);
 }
 

@@ -3,11 +3,18 @@
 // failures throw RegError.
 #pragma once
 
+#include <windows.h>
+
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "registry/reg_memory.h"
 #include "registry/reg_names.h"
-#include "registry/reg_store.h"
 
 namespace host {
 
@@ -20,7 +27,8 @@ class RegKey {
     std::int64_t Id() const { return id_; }
     const std::u16string& Name() const { return name_; }
 
-    bool IsEmpty() const { return Keys().empty() && Values().empty(); }
+    bool Exists() const;
+    bool IsEmpty() const { return Keys().empty() && Values()->empty(); }
     // Subkeys in the order of their folded names.
     std::vector<RegKey> Keys() const;
     std::optional<RegKey> FindKey(std::u16string_view name) const;
@@ -31,8 +39,8 @@ class RegKey {
     // Takes all keys and values away.
     void Clear() const;
 
-    // Values in the order they were made in.
-    std::vector<RegValue> Values() const;
+    // Values in the order they were made in. Never null.
+    std::shared_ptr<const RegValues> Values() const;
     std::optional<RegValue> FindValue(std::u16string_view name) const;
     void SetValue(std::u16string_view name, DWORD type, std::span<const BYTE> data) const;
     // False when there is none.

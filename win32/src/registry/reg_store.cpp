@@ -20,8 +20,6 @@ namespace {
 
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
-constexpr std::size_t kMostRemembered = 4096;
-constexpr std::size_t kLongestRemembered = 1024;
 constexpr off_t kLongLog = 2 << 20;
 constexpr const char* kWriteLock = " 120 ";  // its byte in the shared index, as /proc/locks has it
 
@@ -82,8 +80,7 @@ void RegStore::FindPath() {
 }
 
 void RegStore::Close() {
-    values_.clear();
-    values_mark_.clear();
+    memory_.Begin({});
     database_.reset();
     file_ = {};
     is_frozen_ = false;
@@ -232,7 +229,6 @@ void RegStore::LoseGroup(const RegError& error) {
 
 void RegStore::EndChanges(bool keep) {
     const Group group = std::exchange(group_, Group::kNone);
-    values_.clear();
     if (group == Group::kLost) throw std::exchange(lost_, {});
     if (group == Group::kOpen) {
         RegQuery(database_.get(), keep ? RegSql::kCommit : RegSql::kRollBack).Next();
@@ -240,39 +236,45 @@ void RegStore::EndChanges(bool keep) {
     }
 }
 
-std::string RegStore::PlaceOf(std::int64_t key, std::u16string_view name) {
-    return std::to_string(key) + ' ' + FoldedName(name);
+// A user who may not write may have no part in the shared memory, and so no mark.
+std::span<const BYTE> RegStore::Mark() {
+    return database_ != nullptr && may_write_ ? database_->CommitMark() : std::span<const BYTE>();
 }
 
-const RegValue* RegStore::Remembered(const std::string& place) const {
-    if (values_.empty() || group_ == Group::kOpen) return nullptr;
-    const std::span<const BYTE> mark = database_->CommitMark();
-    if (!std::ranges::equal(mark, values_mark_)) return nullptr;
-    const auto found = values_.find(place);
-    return found == values_.end() ? nullptr : &found->second;
+RegDatabase* RegStore::ForQuery() {
+    if (snapshot_ != nullptr && !snapshot_->hold_) snapshot_->Hold();
+    return database_.get();
 }
 
-// Before a snapshot begins: what is read in it is as new as this mark, or newer. A user who may not
-// write may have no part in the shared memory.
-void RegStore::NoteMark() {
-    const std::span<const BYTE> mark =
-        database_ != nullptr && may_write_ ? database_->CommitMark() : std::span<const BYTE>();
-    if (std::ranges::equal(mark, values_mark_)) return;
-    values_.clear();
-    values_mark_.assign(mark.begin(), mark.end());
+RegMemory* RegStore::Memory() {
+    if (snapshot_ == nullptr || !memory_.IsOn() || group_ == Group::kOpen) return nullptr;
+    snapshot_->has_used_memory_ |= !snapshot_->hold_;
+    return &memory_;
 }
 
-void RegStore::Remember(const std::string& place, const RegValue& value) {
-    if (values_mark_.empty() || group_ == Group::kOpen) return;
-    if (value.data.size() > kLongestRemembered) return;
-    if (values_.size() >= kMostRemembered) values_.clear();
-    values_.insert_or_assign(place, value);
+// What is read under a mark is as new as the mark, or newer.
+RegSnapshot::RegSnapshot(RegStore& store, std::int64_t key, Asks asks) : store_(store), key_(key) {
+    const std::span<const BYTE> mark = store.Mark();
+    if (!store.memory_.IsOf(mark)) store.memory_.Begin(mark);
+    const bool is_known = store.group_ != RegStore::Group::kOpen && store.memory_.Find(key);
+    if (asks == Asks::kAtOnce || !is_known) Hold();
+    store.snapshot_ = this;
 }
 
-RegSnapshot::RegSnapshot(RegStore& store, std::int64_t key)
-    : hold_((store.NoteMark(), store.Database()), RegSql::kHoldKey) {
-    const bool is_root = key <= std::int64_t{kRegRoots};
-    if (!hold_.Give(key).Next() && !is_root) throw RegError{ERROR_KEY_DELETED, {}};
+RegSnapshot::~RegSnapshot() {
+    store_.snapshot_ = nullptr;
+}
+
+void RegSnapshot::Hold() {
+    hold_.emplace(store_.Database(), RegSql::kHoldKey);
+    const bool is_root = key_ <= std::int64_t{kRegRoots};
+    if (!hold_->Give(key_).Next() && !is_root) throw RegError{ERROR_KEY_DELETED, {}};
+    if (!store_.memory_.IsOf(store_.Mark())) {
+        store_.memory_.Begin({});
+        if (has_used_memory_) throw RegStale{};
+    } else if (store_.memory_.IsOn()) {
+        store_.memory_.Add(key_);
+    }
 }
 
 RegChange::RegChange(RegStore& store) : database_(*store.Database()), is_part_(store.InGroup()) {

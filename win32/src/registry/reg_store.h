@@ -14,20 +14,15 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <unordered_map>
-#include <vector>
 
 #include "base/call_ref.h"
 #include "registry/reg_database.h"
+#include "registry/reg_memory.h"
 #include "root/host_root.h"
 
 namespace host {
 
-struct RegValue {
-    std::u16string name;
-    DWORD type;
-    std::vector<BYTE> data;
-};
+class RegSnapshot;
 
 class RegStore {
   public:
@@ -64,11 +59,10 @@ class RegStore {
     bool InLostGroup() const { return group_ == Group::kLost; }
     void LoseGroup(const RegError& error);
 
-    // A value that was read before and that nobody has changed since; null when it must be read.
-    const RegValue* Remembered(const std::string& place) const;
-    // With a snapshot open.
-    void Remember(const std::string& place, const RegValue& value);
-    static std::string PlaceOf(std::int64_t key, std::u16string_view name);
+    // The database, for a query: within the snapshot that is open, if any.
+    RegDatabase* ForQuery();
+    // What may stand for a query in the snapshot that is open; null outside of one and in changes.
+    RegMemory* Memory();
 
   private:
     friend class RegSnapshot;
@@ -84,7 +78,7 @@ class RegStore {
     bool IsOpen(const struct stat& now) const;
     bool HasTextFiles() const;
     std::string Folder() const { return path_.substr(0, path_.rfind('/')); }
-    void NoteMark();
+    std::span<const BYTE> Mark();
 
     std::mutex mutex_;
     HostRootKey host_root_;
@@ -96,17 +90,32 @@ class RegStore {
     Group group_ = Group::kNone;
     RegError lost_{};
     bool is_inherited_ = false;  // the parent was in the middle of a group when it forked
-    std::unordered_map<std::string, RegValue> values_;  // as of values_mark_
-    std::vector<BYTE> values_mark_;
+    RegMemory memory_;
+    RegSnapshot* snapshot_ = nullptr;  // that is open
 };
 
-// The registry at one moment, while it lives. Throws ERROR_KEY_DELETED when the key is gone.
+// What was remembered is no longer what the store holds: the read has to begin again.
+struct RegStale {};
+
+// The registry at one moment, while it lives. Throws ERROR_KEY_DELETED when the key is gone. The
+// database is asked only for what is not remembered; where the two may be of different moments
+// RegStale is thrown, with the first query only, and never when it is to be asked at once.
 class RegSnapshot {
   public:
-    RegSnapshot(RegStore& store, std::int64_t key);
+    enum class Asks { kLate, kAtOnce };
+    RegSnapshot(RegStore& store, std::int64_t key, Asks asks);
+    RegSnapshot(const RegSnapshot&) = delete;
+    RegSnapshot& operator=(const RegSnapshot&) = delete;
+    ~RegSnapshot();
 
   private:
-    RegQuery hold_;
+    friend class RegStore;
+    void Hold();
+
+    RegStore& store_;
+    const std::int64_t key_;
+    bool has_used_memory_ = false;
+    std::optional<RegQuery> hold_;
 };
 
 // One transaction, or a part of the group that is open. The end takes it back unless it was kept.

@@ -9,6 +9,7 @@
 
 #include "base/unique_fd.h"
 #include "registry/reg_entries.h"
+#include "registry/reg_store.h"
 
 namespace host {
 

@@ -36,8 +36,10 @@ LSTATUS RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type,
                          LPDWORD bytes) {
     if (reserved != nullptr || (data != nullptr && bytes == nullptr))
         return ERROR_INVALID_PARAMETER;
-    return ReadValue(key, ViewOf(name),
-                     [&](const RegValue& value) { return HandOut(value, type, data, bytes); });
+    return ReadKey(key, KEY_QUERY_VALUE, [&](const KeyContext& on) -> LSTATUS {
+        const std::optional<RegValue> value = on.key.FindValue(ViewOf(name));
+        return value ? HandOut(*value, type, data, bytes) : LSTATUS{ERROR_FILE_NOT_FOUND};
+    });
 }
 
 LSTATUS RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,

@@ -69,8 +69,8 @@ const RegPath& UserBlocksPath() {
 
 const RegValue* PrintValues::Find(std::u16string_view name, DWORD type) const {
     const auto found = std::ranges::find_if(
-        values_, [name](const RegValue& value) { return SameFileName(value.name, name); });
-    return found != values_.end() && found->type == type ? &*found : nullptr;
+        *values_, [name](const RegValue& value) { return SameFileName(value.name, name); });
+    return found != values_->end() && found->type == type ? &*found : nullptr;
 }
 
 LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read) {
@@ -138,11 +138,10 @@ std::vector<BYTE> BlockOf(const RegValue* value) {
     return {value->data.begin(), value->data.begin() + static_cast<std::ptrdiff_t>(size)};
 }
 
-LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block) {
-    return ReadPrintKey(HKEY_CURRENT_USER, UserBlocksPath(), [&](const RegKey& blocks) {
-        const std::optional<RegValue> value = blocks.FindValue(printer);
-        block = BlockOf(value ? &*value : nullptr);
-    });
+std::vector<BYTE> UserBlock(std::u16string_view printer) {
+    const auto blocks = RegKey(FindRoot(HKEY_CURRENT_USER)).FindPath(UserBlocksPath());
+    const std::optional<RegValue> value = blocks ? blocks->FindValue(printer) : std::nullopt;
+    return BlockOf(value ? &*value : nullptr);
 }
 
 std::size_t BlockSize(const DEVMODEW* block) {

@@ -39,7 +39,7 @@ class PrintValues {
     const RegValue* Find(std::u16string_view name, DWORD type) const;
 
   private:
-    std::vector<RegValue> values_;
+    std::shared_ptr<const RegValues> values_;
 };
 
 // A REG_SZ or REG_EXPAND_SZ value up to its first zero character; else empty.
@@ -54,8 +54,8 @@ DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallba
 std::vector<BYTE> BlockOf(const RegValue* value);
 std::vector<BYTE> BlockValue(const PrintValues& key, std::u16string_view name);
 
-// A user's settings block of a printer, checked as above.
-LSTATUS ReadUserBlock(std::u16string_view printer, std::vector<BYTE>& block);
+// The user's settings block of a printer, checked as above. While a key is read.
+std::vector<BYTE> UserBlock(std::u16string_view printer);
 
 // The size that a settings block's header gives, extra part included; 0 when its public part is too
 // short to have one.

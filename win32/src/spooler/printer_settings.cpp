@@ -18,10 +18,10 @@ LONG Refuse(DWORD code) {
 // The block that the printer starts from: the user's, else the printer's own. It may be empty.
 LSTATUS StartingBlock(const OpenPrinter& printer, std::vector<BYTE>& block) {
     std::vector<BYTE> of_printer;
-    LSTATUS code = ReadPrinterKey(printer.Key(), [&](const RegKey& key) {
+    const LSTATUS code = ReadPrinterKey(printer.Key(), [&](const RegKey& key) {
         of_printer = BlockValue(PrintValues(key), u"Default DevMode");
+        block = UserBlock(printer.Name());
     });
-    if (code == ERROR_SUCCESS) code = ReadUserBlock(printer.Name(), block);
     if (block.empty()) block = std::move(of_printer);
     return code;
 }

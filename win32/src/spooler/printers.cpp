@@ -66,8 +66,8 @@ void AddPrinter(const RegKey& key, Printers& printers) {
 // A user without a block of this printer gets none, even when the printer has a default.
 BOOL GetUserBlock(const OpenPrinter& printer, LPBYTE buffer, DWORD size, LPDWORD needed) {
     std::vector<BYTE> block;
-    LSTATUS code = ReadPrinterKey(printer.Key(), [](const RegKey&) {});
-    if (code == ERROR_SUCCESS) code = ReadUserBlock(printer.Name(), block);
+    const LSTATUS code =
+        ReadPrinterKey(printer.Key(), [&](const RegKey&) { block = UserBlock(printer.Name()); });
     if (code != ERROR_SUCCESS) return Succeeded(code);
     RecordBuffer<PRINTER_INFO_9W> records;
     records.Add();
