@@ -32,6 +32,20 @@ open(sys.argv[1], "wb").write(header + ring)
 END
 }
 
+# set_back FILE: its second and third record are from an hour before.
+set_back() {
+    python3 - "$1" <<'END'
+import struct, sys
+image, at = bytearray(open(sys.argv[1], "rb").read()), 96
+for number in range(1, 4):
+    time = at + 6
+    if number > 1:
+        struct.pack_into("<Q", image, time, struct.unpack_from("<Q", image, time)[0] - 3600 * 10**7)
+    at, = struct.unpack_from("<I", image, at)
+open(sys.argv[1], "wb").write(image)
+END
+}
+
 # flip FILE OFFSET...: turns the bytes at the offsets over.
 flip() {
     python3 - "$@" <<'END'

@@ -21,7 +21,7 @@ constexpr const char* kFileHelp =
 
 struct ShowArguments {
     ShowOptions options;
-    std::string colour = "auto";
+    std::string colour = "auto", output = "text";
     bool json = false, csv = false;
 };
 
@@ -37,11 +37,18 @@ bool IsColoured(const std::string& when) {
            Environment("TERM") != "dumb";
 }
 
+LogStyle::Shape ShapeOf(const ShowArguments& arguments) {
+    if (arguments.json || arguments.output == "json") return LogStyle::Shape::kJson;
+    if (arguments.csv || arguments.output == "csv") return LogStyle::Shape::kCsv;
+    return arguments.output == "export" ? LogStyle::Shape::kExport : LogStyle::Shape::kText;
+}
+
 void Show(const ShowArguments& arguments) {
     ShowOptions options = arguments.options;
     options.style.colour = IsColoured(arguments.colour);
-    if (arguments.json) options.style.shape = LogStyle::Shape::kJson;
-    if (arguments.csv) options.style.shape = LogStyle::Shape::kCsv;
+    options.style.shape = ShapeOf(arguments);
+    // A file may come from any machine.
+    if (options.files.empty()) options.style.host = GetHostFacts().machine;
     ShowLog(options);
 }
 
@@ -60,8 +67,16 @@ void AddShow(CLI::App& log) {
                      "Log files, and ZIP archives with logs in them; - is standard input; without "
                      "any the log in force");
     AddFilterOptions(*show, options.filter);
-    CLI::Option* json = show->add_flag("--json", arguments->json, "An object a line");
-    show->add_flag("--csv", arguments->csv, "Comma-separated, with a header line")->excludes(json);
+    CLI::Option* output =
+        show->add_option("-o,--output", arguments->output,
+                         "text; json: an object a line; csv: with a header line; export: entries "
+                         "for systemd-journal-remote")
+            ->check(CLI::IsMember({"text", "json", "csv", "export"}));
+    CLI::Option* json =
+        show->add_flag("--json", arguments->json, "Short for --output json")->excludes(output);
+    show->add_flag("--csv", arguments->csv, "Short for --output csv")
+        ->excludes(json)
+        ->excludes(output);
     show->add_flag("--utc", options.style.utc, "UTC in the lines of text, to 100 ns");
     show->add_flag("--raw", options.style.raw, "Control characters as they are");
     show->add_option(

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <iterator>
 
 #include "base/json_output.h"
+#include "log/journal_entry.h"
 #include "log/log_filter.h"
 #include "mox_log/logger.h"
 
@@ -29,22 +29,6 @@ const char* Colour(int level) {
         default:
             return nullptr;
     }
-}
-
-std::size_t BlockSize(const Mox::TLogMsg& record) {
-    const auto size = std::int64_t{record.dataSize};
-    return static_cast<std::size_t>(record.data == nullptr ? 0 : size < 0 ? -size : size);
-}
-
-std::string Hex(const Mox::TLogMsg& record) {
-    constexpr const char* kDigits = "0123456789ABCDEF";
-    const auto* bytes = static_cast<const unsigned char*>(record.data);
-    std::string hex;
-    for (std::size_t i = 0; i < BlockSize(record); ++i) {
-        hex += kDigits[bytes[i] >> 4];
-        hex += kDigits[bytes[i] & 0x0F];
-    }
-    return hex;
 }
 
 void AddNumber(std::string& out, const char* before, std::int64_t number) {
@@ -101,6 +85,8 @@ void LogLines::Add(std::string& out, const Mox::TLogMsg& record, const std::stri
             return AddJson(out, record, log);
         case LogStyle::Shape::kCsv:
             return AddCsv(out, record, log);
+        case LogStyle::Shape::kExport:
+            return AddJournalEntry(out, record, style_.host, style_.names_log ? log : "");
         default:
             return AddText(out, record, log);
     }
@@ -159,7 +145,7 @@ void LogLines::AddJson(std::string& out, const Mox::TLogMsg& record, const std::
     AddNumber(out, R"(,"line":)", record.line);
     AddQuoted(out, R"(,"text":)", ToUtf8(record.text));
     AddQuoted(out, R"(,"label":)", ToUtf8(record.dataLabel), label);
-    AddQuoted(out, R"(,"data":)", Hex(record), block);
+    AddQuoted(out, R"(,"data":)", BlockHex(record), block);
     if (style_.names_log) AddQuoted(out, R"(,"log":)", log);
     out += "}\n";
 }
@@ -172,16 +158,9 @@ void LogLines::AddCsv(std::string& out, const Mox::TLogMsg& record, const std::s
            (session < 0 ? std::string() : std::to_string(session)) + "," +
            CsvField(ToUtf8(record.source)) + "," + std::to_string(record.line) + "," +
            CsvField(ToUtf8(record.text)) + "," + CsvField(ToUtf8(record.dataLabel)) + "," +
-           Hex(record);
+           BlockHex(record);
     if (style_.names_log) out += "," + CsvField(log);
     out += "\r\n";
-}
-
-std::string LevelName(int level) {
-    if (level >= 0x20 && level < 0x7F) return std::string(1, static_cast<char>(level));
-    char text[16];
-    std::snprintf(text, sizeof(text), "0x%X", static_cast<unsigned>(level));
-    return text;
 }
 
 }  // namespace qv

@@ -1,16 +1,17 @@
-// A record as a line of text, JSON or CSV.
+// A record as a line of text, JSON or CSV, or as an entry for a journal.
 #pragma once
 
 #include <string>
 
 #include "base/utf8_text.h"
 #include "log/log_time.h"
+#include "log/record_parts.h"
 #include "mox_log/log_message.h"
 
 namespace qv {
 
 struct LogStyle {
-    enum class Shape { kText, kJson, kCsv };
+    enum class Shape { kText, kJson, kCsv, kExport };
 
     Shape shape = Shape::kText;
     // Of the text only:
@@ -18,8 +19,9 @@ struct LogStyle {
     bool raw = false;     // control characters as they are
     bool utc = false;
     // Each record names its log: in a column of the text behind the time, as the key "log" of JSON,
-    // as the last column of CSV.
+    // as the last column of CSV, as a field of an entry.
     bool names_log = false;
+    std::string host = "";  // of an entry: the machine that wrote the records, where it is known
 };
 
 // What stands in front of all records; empty for most shapes.
@@ -44,8 +46,5 @@ class LogLines {
     LogStyle style_;
     TimeText time_;
 };
-
-// The level's character, or its number in hexadecimal when it is none that can be shown.
-std::string LevelName(int level);
 
 }  // namespace qv
