@@ -89,6 +89,9 @@ TEST(Tokens, ListTheirGroups) {
     DWORD needed = 0;
     EXPECT_EQ(ErrorUnless(GetTokenInformation(token, TokenGroups, nullptr, 0, &needed)), 122u);
     std::vector<SID_AND_ATTRIBUTES> buffer(needed / sizeof(SID_AND_ATTRIBUTES) + 1);
+    const DWORD few = needed - 1;
+    EXPECT_EQ(ErrorUnless(GetTokenInformation(token, TokenGroups, buffer.data(), few, &needed)),
+              122u);
     ASSERT_TRUE(GetTokenInformation(token, TokenGroups, buffer.data(), needed, &needed));
     const auto* list = reinterpret_cast<const TOKEN_GROUPS*>(buffer.data());
     const PSID everyone = NewSid(1, 1, 0);
