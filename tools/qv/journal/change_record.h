@@ -50,6 +50,10 @@ struct ChangeRecord {
 
     // True when at least one target can be undone.
     bool CanBeUndone() const;
+    // True when the values of the target are not known. Commands that let the library change
+    // settings write the values down at their end only.
+    bool IsUnknown(const TargetChange& target) const;
+    bool HasUnknown() const;
 };
 
 }  // namespace qv

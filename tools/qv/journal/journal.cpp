@@ -11,6 +11,7 @@
 
 #include "base/files.h"
 #include "base/host.h"
+#include "journal/journal_cut.h"
 #include "journal/old_journal.h"
 #include "mox_classes/containers/streams.h"
 #include "mox_classes/text/sys_error.h"
@@ -187,6 +188,7 @@ Journal::Journal(const JournalWait& wait) : lock_(Lock(TimeToWait(wait))) {
 // Searches from the end, so that the time does not grow with the file.
 void Journal::Open() {
     if (!Exists(JournalName())) WriteWhole(JournalName(), FirstLines());
+    CutJournal(JournalName());
     file_ = System::TFileHandle(CreateFileW(FromUtf8(JournalName()).t_str(),
                                             GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                             OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -138,6 +138,16 @@ bool ChangeRecord::CanBeUndone() const {
     return std::ranges::any_of(targets, [](const TargetChange& t) { return t.CanBeUndone(); });
 }
 
+bool ChangeRecord::IsUnknown(const TargetChange& target) const {
+    const bool has_plan = undoes != 0 && !target.is_global;
+    return state == ChangeState::kUnfinished && !has_plan && target.IsMade() &&
+           target.fields.empty();
+}
+
+bool ChangeRecord::HasUnknown() const {
+    return std::ranges::any_of(targets, [this](const TargetChange& t) { return IsUnknown(t); });
+}
+
 std::string HeadLine() {
     return Line({{"journal", kName}, {"schema", kVersion}});
 }
@@ -188,6 +198,14 @@ std::optional<std::uint64_t> ChangeOfLine(std::string_view line) {
         return ReadNumber(Json::parse(line).at("change"));
     } catch (const std::exception&) {
         return {};
+    }
+}
+
+bool IsBeginLine(std::string_view line) {
+    try {
+        return Json::parse(line).contains("begin");
+    } catch (const std::exception&) {
+        return false;
     }
 }
 

@@ -24,6 +24,8 @@ JournalHead ExamineHead(std::string_view bytes);
 
 // The number of the line's change, or nullopt when it is not a line of a journal.
 std::optional<std::uint64_t> ChangeOfLine(std::string_view line);
+// True for a line with which a change begins.
+bool IsBeginLine(std::string_view line);
 
 struct JournalContent {
     std::vector<ChangeRecord> changes;  // the oldest first

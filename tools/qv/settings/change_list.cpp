@@ -54,7 +54,7 @@ std::string Verb(const std::vector<std::string>& command) {
     return verb == command.end() ? "" : *verb;
 }
 
-Json TargetJson(const TargetChange& target) {
+Json TargetJson(const ChangeRecord& change, const TargetChange& target) {
     Json fields = Json::array();
     for (const ValueChange& f : target.fields) {
         fields.push_back({{"name", f.field},
@@ -65,6 +65,7 @@ Json TargetJson(const TargetChange& target) {
                    {"fields", fields}};
     if (!target.IsMade()) object["error"] = target.failure;
     if (target.undone) object["undone"] = true;
+    if (change.IsUnknown(target)) object["unknown"] = true;
     return object;
 }
 
@@ -92,6 +93,8 @@ void PrintRecord(const ChangeRecord& change) {
             PrintLine(name + "not changed: " + PlainText(target.failure));
             continue;
         }
+        if (change.IsUnknown(target))
+            PrintLine(name + "what changed is not known: the command did not come to its end");
         for (const ValueChange& f : target.fields) {
             PrintLine(name + PlainText(f.field) + ": " + ValueText(f.before) + " -> " +
                       ValueText(f.after) + (target.undone ? " (taken back)" : ""));
@@ -101,7 +104,8 @@ void PrintRecord(const ChangeRecord& change) {
 
 Json RecordJson(const ChangeRecord& change) {
     Json printers = Json::array();
-    for (const TargetChange& target : change.targets) printers.push_back(TargetJson(target));
+    for (const TargetChange& target : change.targets)
+        printers.push_back(TargetJson(change, target));
     Json object = {{"change", change.number},     {"time", change.time},
                    {"user", change.user},         {"host", change.host},
                    {"process", change.process},   {"command", Verb(change.command)},

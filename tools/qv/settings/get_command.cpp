@@ -139,9 +139,8 @@ void AddGetCommand(CLI::App& app) {
     CLI::App* get =
         app.add_subcommand("get", "Show the current user's settings of one printer or of many");
     get->footer(
-        "The first word is the printer's name unless --all, --match or --names choose printers; "
-        "the "
-        "others\nare fields. Examples:\n"
+        "The first word is the printer's name unless --all, --match or --names choose\n"
+        "printers; the others are fields. Examples:\n"
         "  qv get \"Vantrel Fax\" dmCopies exOut.FileName\n"
         "  qv get --all --table dmCopies exOut.FileName");
     get->add_option("FIELD", options->words, "The printer, and the fields; all when none is named")

@@ -12,9 +12,9 @@ namespace qv {
 namespace {
 
 // The user's settings, else those that a change would start from. Nothing when there are none.
-std::optional<SettingsBlock> Snapshot(const UnicodeString& printer) {
+std::optional<SettingsBlock> Snapshot(const Printer& printer) {
     try {
-        return ReadStart(FindPrinter(printer), true).block.Copy();
+        return ReadStart(printer, true).block.Copy();
     } catch (const Failure&) {
         return {};
     }
@@ -33,7 +33,7 @@ class Before {
         std::vector<TargetChange> targets;
         for (std::size_t i = 0; i < printers_.size(); ++i) {
             TargetChange target;
-            target.printer = printers_[i];
+            target.printer = printers_[i].name;
             target.fields = PrinterChanges(i);
             targets.push_back(std::move(target));
         }
@@ -44,15 +44,14 @@ class Before {
   private:
     // By the name that the system knows, each once.
     void AddPrinter(const UnicodeString& name) {
-        UnicodeString known = name;
         try {
-            known = FindPrinter(name).name;
+            Printer found = FindPrinter(name);
+            if (std::ranges::find(printers_, found.name, &Printer::name) != printers_.end()) return;
+            blocks_.push_back(Snapshot(found));
+            printers_.push_back(std::move(found));
         } catch (const Failure&) {
             return;
         }
-        if (std::ranges::find(printers_, known) != printers_.end()) return;
-        printers_.push_back(known);
-        blocks_.push_back(Snapshot(known));
     }
 
     std::vector<ValueChange> PrinterChanges(std::size_t i) const {
@@ -75,8 +74,9 @@ class Before {
         return target;
     }
 
-    std::vector<UnicodeString> printers_, globals_;
-    std::vector<std::optional<SettingsBlock>> blocks_;
+    std::vector<Printer> printers_;
+    std::vector<std::optional<SettingsBlock>> blocks_;  // one for each printer
+    std::vector<UnicodeString> globals_;
     std::vector<std::optional<UnicodeString>> values_;
 };
 

@@ -28,11 +28,22 @@ bool IsNext(const ChangeRecord& change) {
     return change.undoes == 0 && change.CanBeUndone();
 }
 
+// Names the changes behind the one of that number that undo would take back if it knew the values.
+void TellUnknown(const std::vector<ChangeRecord>& changes, std::uint64_t behind) {
+    for (const ChangeRecord& change : changes) {
+        if (change.number <= behind || !change.HasUnknown()) continue;
+        PrintError("change " + std::to_string(change.number) +
+                   " did not come to its end: what it changed is not known, and is not taken back");
+    }
+}
+
 // Lists the changes in the order in which undo takes them.
 void List(const UndoOptions& options) {
     JournalContent journal = LoadJournal();
+    std::vector<ChangeRecord> all = journal.changes;
     std::erase_if(journal.changes, [](const ChangeRecord& c) { return !IsNext(c); });
     std::ranges::reverse(journal.changes);
+    TellUnknown(all, journal.changes.empty() ? 0 : journal.changes.front().number);
     if (options.report.json) {
         Json list = Json::array();
         for (const ChangeRecord& change : journal.changes) list.push_back(RecordJson(change));
@@ -40,6 +51,23 @@ void List(const UndoOptions& options) {
     }
     PrintScope();
     for (const ChangeRecord& change : journal.changes) PrintRecord(change);
+}
+
+std::string WhyNone(const std::vector<ChangeRecord>& changes, std::uint64_t wanted) {
+    if (wanted == 0) return "no change to take back";
+    const bool is_gone = !changes.empty() && wanted < changes.front().number;
+    return "no change " + std::to_string(wanted) +
+           (is_gone ? " any more: the journal keeps the newest ones, from " +
+                          std::to_string(changes.front().number) + " on"
+                    : "");
+}
+
+std::string WhyNot(const ChangeRecord& change) {
+    const std::string number = std::to_string(change.number);
+    if (!change.HasUnknown()) return "of change " + number + " nothing is left to take back";
+    return "change " + number +
+           " did not come to its end, and what it changed is not known: `qv get` shows what there "
+           "is now, `qv set` or `qv apply FILE` sets it";
 }
 
 // The change with that number. Without a number: the newest change that did not undo another one.
@@ -55,11 +83,10 @@ ChangeRecord ToTakeBack(const UndoOptions& options) {
         return options.change != 0 ? c.number == options.change : IsNext(c);
     };
     const auto found = std::find_if(journal.changes.rbegin(), journal.changes.rend(), is_wanted);
-    const std::string number = std::to_string(options.change);
-    if (found == journal.changes.rend())
-        throw Failure(options.change == 0 ? "no change to take back" : "no change " + number);
-    if (!found->CanBeUndone())
-        throw Failure("of change " + number + " nothing is left to take back");
+    const bool is_found = found != journal.changes.rend();
+    if (options.change == 0) TellUnknown(journal.changes, is_found ? found->number : 0);
+    if (!is_found) throw Failure(WhyNone(journal.changes, options.change));
+    if (!found->CanBeUndone()) throw Failure(WhyNot(*found));
     return std::move(*found);
 }
 

@@ -1,0 +1,73 @@
+#include "journal/journal_cut.h"
+
+#include <windows.h>
+
+#include <filesystem>
+
+#include "base/files.h"
+#include "base/host.h"
+#include "journal/journal_lines.h"
+#include "mox_classes/memory/handles.h"
+
+namespace qv {
+
+namespace {
+
+constexpr std::size_t kMostBytes = 8 << 20;
+constexpr std::size_t kKeptBytes = 4 << 20;
+
+std::size_t BehindLine(std::string_view bytes, std::size_t place) {
+    const std::size_t end = bytes.find('\n', place);
+    return end == std::string_view::npos ? bytes.size() : end + 1;
+}
+
+// Where the oldest change begins that stays; 0 when none does.
+std::size_t FirstKept(std::string_view bytes) {
+    const std::size_t wanted = BehindLine(bytes, bytes.size() - kKeptBytes);
+    for (std::size_t at = wanted; at < bytes.size(); at = BehindLine(bytes, at))
+        if (IsBeginLine(bytes.substr(at, BehindLine(bytes, at) - at))) return at;
+    // One change is longer than that: the newest one, which stays as a whole.
+    for (std::size_t end = wanted; end > 0;) {
+        const std::size_t at = end < 2 ? 0 : bytes.rfind('\n', end - 2) + 1;
+        if (IsBeginLine(bytes.substr(at, end - at))) return at;
+        end = at;
+    }
+    return 0;
+}
+
+// The content with the oldest changes left out; empty when there is nothing to leave out.
+std::string Cut(std::string_view bytes) {
+    if (ExamineHead(bytes) != JournalHead::kGood || bytes.size() <= kKeptBytes) return {};
+    const std::size_t changes = BehindLine(bytes, 0);
+    const std::size_t kept = FirstKept(bytes);
+    if (kept <= changes) return {};
+    return std::string(bytes.substr(0, changes)).append(bytes.substr(kept));
+}
+
+// Whether the bytes are on the disk.
+bool WriteThrough(const UnicodeString& name, const std::string& bytes) {
+    const System::TFileHandle file(CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr,
+                                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD done = 0;
+    const auto size = static_cast<DWORD>(bytes.size());
+    return file && WriteFile(file.Get(), bytes.data(), size, &done, nullptr) && done == size &&
+           FlushToDisk(name, file.Get()) == NO_ERROR;
+}
+
+}  // namespace
+
+void CutJournal(const std::string& name) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(std::u8string(name.begin(), name.end()), error);
+    if (error || size <= kMostBytes) return;
+    const std::string kept = Cut(ReadAll(name));
+    if (kept.empty()) return;
+    const UnicodeString wide = FromUtf8(name);
+    // What a killed program left here is written over.
+    const UnicodeString fresh = wide + TEXT(".new");
+    const bool done =
+        WriteThrough(fresh, kept) && MoveInPlace(fresh, wide, /*replace=*/true) == NO_ERROR;
+    if (!done) DeleteFileW(fresh.t_str());
+}
+
+}  // namespace qv
