@@ -15,6 +15,8 @@ namespace {
 
 // Of a file that is larger, only so much is looked at.
 constexpr DWORD kMostLookedAt = 64U << 20;
+// A sound ring is read in pieces that a processor's near cache holds.
+constexpr DWORD kPieceSize = 64U << 10;
 
 bool IsSame(const TLogFileHeader& a, const TLogFileHeader& b) {
     return std::memcmp(&a, &b, sizeof(a)) == 0;
@@ -33,12 +35,50 @@ bool TLogFileRing::Check() {
     checked_ = true;
     // A ring that its maker made too small for any record is none to mend.
     if (header_.limit == limit_ && limit_ < kSmallestLimit) return false;
+    if (IsSound()) return true;
     std::vector<std::uint8_t> file = ReadWhole();
     const bool is_whole = EndsBy(file.size());
     if (!is_whole && IsPlausible(header_)) return true;
     const TLogRepair plan = PlanRepair(header_, file, limit_);
     if (plan.state == TLogState::NotOurs) return Refuse();
     if (plan.state != TLogState::Sound) Mend(plan, file);
+    return true;
+}
+
+// Whether PlanRepair would find nothing to mend, of a ring that is not empty. Every process starts
+// with this: it reads the slots once and keeps nothing.
+bool TLogFileRing::IsSound() {
+    const TLogFileHeader& h = header_;
+    const DWORD used = std::max<DWORD>(h.wrap, h.write_position);
+    if (!IsPlausible(h) || h.count == 0 || used > kMostLookedAt || EndsBy(used - 1)) return false;
+    std::vector<std::uint8_t> piece(std::min(kPieceSize, used));
+    DWORD count = 0;
+    const bool chained = h.wrap == 0 ? IsChain(h.oldest, h.write_position, piece, count)
+                                     : IsChain(h.oldest, h.wrap, piece, count) &&
+                                           IsChain(kFirstSlot, h.write_position, piece, count);
+    return chained && count == h.count && IsLimitBelieved(h, used, limit_);
+}
+
+// Whether credible slots follow each other from `from` to `end`; adds their number. `piece` is room
+// to read into.
+bool TLogFileRing::IsChain(DWORD from, DWORD end, std::vector<std::uint8_t>& piece, DWORD& count) {
+    const std::uint8_t* const bytes = piece.data();
+    DWORD piece_from = from;
+    DWORD piece_end = from;
+    DWORD found = 0;
+    while (from < end) {
+        if (end - from < kSmallestSlot) return false;
+        if (from + kSlotHeadSize > piece_end) {
+            const auto size = std::min(static_cast<DWORD>(piece.size()), end - from);
+            piece_from = from;
+            piece_end = from + ReadOrGiveUp(from, piece.data(), size);
+            if (piece_end - piece_from < kSlotHeadSize) return false;
+        }
+        from = CredibleSlotEnd(from, {bytes + (from - piece_from), kSlotHeadSize}, end);
+        if (from == 0) return false;
+        ++found;
+    }
+    count += found;
     return true;
 }
 

@@ -86,6 +86,8 @@ class TLogFileRing {
     // log_file_mend.cpp
     bool NeedsCheck() const;
     bool Check();
+    bool IsSound();
+    bool IsChain(DWORD from, DWORD end, std::vector<std::uint8_t>& piece, DWORD& count);
     bool Refuse();
     void Mend(const TLogRepair& plan, TLogBytes file);
     void CopyBeside(TLogBytes file);

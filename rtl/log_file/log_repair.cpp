@@ -36,20 +36,6 @@ bool LooksLikeHeader(const TLogFileHeader& header, TLogBytes file, std::uint32_t
     return IsPlausible(header) || (file.size() >= kHeaderSize && header.limit == limit);
 }
 
-// A ring that has wrapped reaches nearly to its limit. One high bit more than the limit that every
-// process is told is a flipped bit.
-bool IsLimitBelieved(const TLogFileHeader& header, std::uint32_t used, std::uint32_t limit) {
-    const std::uint32_t own = header.limit;
-    if (header.version != TLogFileHeader::kVersion || own < kSmallestLimit || own < used) {
-        return false;
-    }
-    if (own == limit) return true;
-    const std::uint64_t told = limit;
-    const bool one_bit = ((own ^ limit) & ((own ^ limit) - 1)) == 0;
-    if (one_bit && own / 8 > told) return false;
-    return header.wrap == 0 || own / 2 <= used;
-}
-
 // One record of exactly the size of a gap. The widths of its numbers do not depend on the text, so
 // that every size can be had.
 class TFiller {
@@ -167,6 +153,20 @@ class TMender {
 };
 
 }  // namespace
+
+// A ring that has wrapped reaches nearly to its limit. One high bit more than the limit that every
+// process is told is a flipped bit.
+bool IsLimitBelieved(const TLogFileHeader& header, std::uint32_t used, std::uint32_t limit) {
+    const std::uint32_t own = header.limit;
+    if (header.version != TLogFileHeader::kVersion || own < kSmallestLimit || own < used) {
+        return false;
+    }
+    if (own == limit) return true;
+    const std::uint64_t told = limit;
+    const bool one_bit = ((own ^ limit) & ((own ^ limit) - 1)) == 0;
+    if (one_bit && own / 8 > told) return false;
+    return header.wrap == 0 || own / 2 <= used;
+}
 
 TLogRepair PlanRepair(const TLogFileHeader& header, TLogBytes file, std::uint32_t limit) {
     TLogRepair plan;

@@ -34,6 +34,10 @@ struct TLogRepair {
     std::uint64_t lost = 0;  // bytes in gaps
 };
 
+// Whether the limit of the header can be true, in a ring whose slots reach up to `used`, for a
+// writer that was told `limit`.
+bool IsLimitBelieved(const TLogFileHeader& header, std::uint32_t used, std::uint32_t limit);
+
 // `header` is what the file says, or what the writer has made of it since; `limit` is the limit
 // that the writer was told.
 TLogRepair PlanRepair(const TLogFileHeader& header, TLogBytes file, std::uint32_t limit);

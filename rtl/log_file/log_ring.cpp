@@ -6,16 +6,6 @@ namespace Mox {
 
 namespace {
 
-bool IsNumberWidth(unsigned width) {
-    return width == 1 || width == 2 || width == 4;
-}
-
-std::uint32_t NumberAt(TLogBytes bytes, std::size_t at, unsigned width) {
-    std::uint32_t number = 0;
-    std::memcpy(&number, bytes.data() + at, width);
-    return number;
-}
-
 // Positions and count of a ring that is not empty.
 bool IsRingPlausible(const TLogFileHeader& h) {
     if (h.write_position < kFirstSlot || h.write_position > h.limit || h.oldest < kFirstSlot) {
@@ -33,21 +23,6 @@ bool IsRingPlausible(const TLogFileHeader& h) {
 }
 
 }  // namespace
-
-std::uint64_t LogRecordSize(TLogBytes bytes) {
-    if (bytes.empty() || (bytes[0] & kTagKind) != kRecordTag) return 0;
-    const unsigned width = bytes[0] & kTagWidth;
-    if (!IsNumberWidth(width) || bytes.size() < 1 + width) return 0;
-    return std::uint64_t{1} + width + kRecordFixedSize + NumberAt(bytes, 1, width);
-}
-
-std::uint32_t CredibleSlotEnd(std::uint32_t offset, TLogBytes head, std::uint32_t end) {
-    if (head.size() < kLinkSize) return 0;
-    const std::uint32_t link = NumberAt(head, 0, kLinkSize);
-    const std::uint64_t size = LogRecordSize(head.subspan(kLinkSize));
-    const bool credible = size != 0 && link == offset + kLinkSize + size && link <= end;
-    return credible ? link : 0;
-}
 
 bool IsPlausible(const TLogFileHeader& header) {
     return header.version == TLogFileHeader::kVersion && header.limit >= kSmallestLimit &&

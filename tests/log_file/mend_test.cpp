@@ -1,5 +1,6 @@
 // Files that the next writer mends, begins anew, or leaves alone.
 #include <algorithm>
+#include <functional>
 #include <random>
 
 #include "log_file/damage_model.h"
@@ -26,6 +27,28 @@ TEST_F(Mended, WhatWasNotTouchedIsShownAndKept) {
         LogImage input(2 + random() % 50);
         for (BYTE& byte : input) byte = static_cast<BYTE>(random());
         EXPECT_EQ(DamageModel(Name().c_str()).Try(input), "") << run;
+    }
+}
+
+// All slots that are left are credible, but something does not bear them out.
+TEST_F(Mended, TheFirstAppendSeesWhatTheSlotsAloneDoNotShow) {
+    const std::function<void(Mox::TLogFileHeader&, LogImage&)> rows[] = {
+        [](auto& h, auto&) { h.write_position = h.write_position + 8; },
+        [](auto& h, auto&) { h.limit = h.limit | 0x10000000; },
+        [](auto&, auto& image) { image.resize(image.size() - 5); },
+    };
+    for (const auto& row : rows) {
+        Replace({});
+        DamageModel(Name().c_str()).Append(DamageModel::Texts(150, 3));
+        LogImage image = Image();
+        Mox::TLogFileHeader header = Header();
+        row(header, image);
+        std::memcpy(image.data(), &header, sizeof(header));
+        const LogImage mended = AfterAppend(image);
+        EXPECT_EQ(NewestText(mended), "appended") << &row - rows;
+        for (const DamageModel::Entry& e : DamageModel::Walked(mended))
+            EXPECT_EQ(e.text.find('\0'), e.text.npos);
+        EXPECT_EQ(Header().limit, DWORD{DamageModel::kLimit});
     }
 }
 

@@ -52,6 +52,13 @@ constexpr DefaultVariable kDefaults[] = {
     {u"PROCESSOR_ARCHITECTURE", u"AMD64"},
 };
 
+// Spares nearly all names the way to UTF-16.
+bool BeginsOtherwise(std::string_view key, WideView name) {
+    if (key.empty() || name.empty()) return key.empty() != name.empty();
+    const auto first = static_cast<unsigned char>(key.front());
+    return first < 0x80 && FoldFileNameUnit(first) != FoldFileNameUnit(name.front());
+}
+
 // The name of the variable as the environment spells it; the exact spelling comes first. The caller
 // holds the lock.
 std::optional<std::string> ActualName(WideView name) {
@@ -60,6 +67,7 @@ std::optional<std::string> ActualName(WideView name) {
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const std::string_view line = *entry;
         const std::string_view key = line.substr(0, line.find('='));
+        if (BeginsOtherwise(key, name)) continue;
         if (SameFileName(FromUtf8(key), name)) return std::string(key);
     }
     return std::nullopt;

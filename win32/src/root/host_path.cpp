@@ -158,9 +158,16 @@ std::string Locate(const std::string& root, const std::vector<std::string>& part
     const std::string given = Join(root, parts);
     if (Exists(given)) return given;
     std::string path = root;
+    bool is_there = true;  // nothing is below a folder that is missing
     for (const std::string& part : parts) {
-        const std::string exact = Join(path, {part});
-        path = Exists(exact) ? exact : Join(path, {FindIgnoringCase(path, part)});
+        std::string exact = Join(path, {part});
+        if (!is_there || Exists(exact)) {
+            path = std::move(exact);
+            continue;
+        }
+        const std::string found = FindIgnoringCase(path, part);
+        is_there = found != part;
+        path = Join(path, {found});
     }
     return path.empty() ? "/" : path;
 }
