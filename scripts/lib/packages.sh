@@ -17,7 +17,7 @@ packages_for() {
             ;;
         analysis) echo cmake ninja-build ccache clang clang-tidy cppcheck googletest libcli11-dev nlohmann-json3-dev libre2-dev libsqlite3-dev zlib1g-dev ;;
         style) echo clang-format git ;;
-        large) echo ansible-core lnav systemd systemd-journal-remote ;;
+        large) echo ansible-core lnav systemd systemd-journal-remote chromium poppler-utils ;;
         shells) echo zsh fish mandoc bsdextrautils ;;
         *) echo "unknown purpose '$1'" >&2; return 2 ;;
     esac

@@ -10,8 +10,8 @@
 
 namespace {
 
-constexpr std::string_view kLookingVerbs[] = {"bundle", "completion", "doctor",
-                                              "help",   "log",        "man"};
+constexpr std::string_view kLookingVerbs[] = {"bundle", "completion", "doctor", "help",
+                                              "log",    "man",        "report"};
 constexpr std::string_view kLookingOptions[] = {"--help", "--help-all", "--version", "-h"};
 
 template <std::size_t N>

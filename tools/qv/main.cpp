@@ -38,6 +38,7 @@ void AddCommands(CLI::App& app) {
     qv::AddLogCommands(app);
     qv::AddEventCommands(app);
     qv::AddDoctorCommands(app);
+    qv::AddReportCommands(app);
     qv::AddHostCommands(app);
     qv::AddCompletionCommands(app);
     app.footer(kExitCodes);

@@ -13,6 +13,7 @@ void AddBlockCommands(CLI::App& app);
 void AddLogCommands(CLI::App& app);
 void AddEventCommands(CLI::App& app);
 void AddDoctorCommands(CLI::App& app);
+void AddReportCommands(CLI::App& app);
 // Describes the commands that were added before it, for shells and manuals. Add it last.
 void AddCompletionCommands(CLI::App& app);
 // Commands that only this host has. None on Windows.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/json_output.h"
+#include "settings/printer_settings.h"
 
 namespace qv {
 
@@ -25,5 +26,12 @@ Json ExamineResource(Problems& problems);
 // Each value that is in force, and the key that it comes from or that it is a default.
 Json ExamineRegistry();
 Json ExaminePrinters(Problems& problems);
+
+// Whether the user's settings of a printer are of use.
+struct SettingsFinding {
+    const char* state;
+    std::vector<std::string> reasons;
+};
+SettingsFinding JudgeSettings(const Printer& printer, const std::optional<SettingsBlock>& block);
 
 }  // namespace qv

@@ -3,33 +3,30 @@
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
 #include "settings/block_damage.h"
-#include "settings/printer_settings.h"
 
 namespace qv {
 
 namespace {
 
-struct Finding {
-    const char* state;
-    std::vector<std::string> reasons;
-};
-
-Finding Look(const Printer& printer) {
+SettingsFinding Look(const Printer& printer) {
     try {
-        const std::optional<SettingsBlock> block = ReadUserSettings(printer.name);
-        if (!block) return {"none", {}};
-        std::vector<std::string> reasons = SizeDamage(*block);
-        if (!reasons.empty()) return {"damaged", reasons};
-        if (!printer.IsProduct()) return {"of another driver", {}};
-        reasons = ProductDamage(*block);
-        if (!reasons.empty()) return {"damaged", reasons};
-        return {"valid", {}};
+        return JudgeSettings(printer, ReadUserSettings(printer.name));
     } catch (const Failure& failure) {
         return {"cannot be read", {failure.what()}};
     }
 }
 
 }  // namespace
+
+SettingsFinding JudgeSettings(const Printer& printer, const std::optional<SettingsBlock>& block) {
+    if (!block) return {"none", {}};
+    std::vector<std::string> reasons = SizeDamage(*block);
+    if (!reasons.empty()) return {"damaged", reasons};
+    if (!printer.IsProduct()) return {"of another driver", {}};
+    reasons = ProductDamage(*block);
+    if (!reasons.empty()) return {"damaged", reasons};
+    return {"valid", {}};
+}
 
 Json ExaminePrinters(Problems& problems) {
     Json section = Json::array();
@@ -39,7 +36,7 @@ Json ExaminePrinters(Problems& problems) {
         Progress progress("printers examined", printers.size());
         for (const Printer& printer : printers) {
             progress.Add();
-            const Finding finding = Look(printer);
+            const SettingsFinding finding = Look(printer);
             const std::string name = OneLine(printer.name);
             any = any || printer.IsProduct();
             section.push_back({{"name", name},

@@ -1,4 +1,4 @@
-#include "doctor/redaction.h"
+#include "report/redaction.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "doctor/zip_writer.h"
+#include "report/zip_writer.h"
 
 #include <windows.h>
 #include <zlib.h>

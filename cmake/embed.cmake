@@ -1,0 +1,40 @@
+# Writes a C++ source with files as texts:  cmake -DOUT=x.cpp -DHEADER=x.h "-DTEXTS=kName=a.js,b.js;..." -P embed.cmake
+# kName is all its files, one behind the other, with their SHA-256 in Base64.
+
+# The bits of a hexadecimal number of 64 digits, six at a time.
+function(qv_base64 out hex)
+  set(letters ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/)
+  set(text "")
+  string(APPEND hex 00)
+  foreach(at RANGE 0 63 3)
+    string(SUBSTRING ${hex} ${at} 3 digits)
+    foreach(shift 6 0)
+      math(EXPR place "(0x${digits} >> ${shift}) & 63")
+      string(SUBSTRING ${letters} ${place} 1 letter)
+      string(APPEND text ${letter})
+    endforeach()
+  endforeach()
+  string(REGEX REPLACE "A$" "=" text ${text})
+  set(${out} ${text} PARENT_SCOPE)
+endfunction()
+
+set(source "#include \"${HEADER}\"\n\nnamespace qv {\n\n")
+foreach(text IN LISTS TEXTS)
+  string(REGEX MATCH "^([A-Za-z0-9]+)=(.*)$" matched "${text}")
+  set(name ${CMAKE_MATCH_1})
+  string(REPLACE "," ";" files "${CMAKE_MATCH_2}")
+  set(whole ${OUT}.${name})
+  file(WRITE ${whole} "")
+  foreach(file IN LISTS files)
+    file(READ ${file} bytes)
+    file(APPEND ${whole} "${bytes}")
+  endforeach()
+  file(READ ${whole} hex HEX)
+  file(SHA256 ${whole} hash)
+  qv_base64(hash ${hash})
+  string(REGEX REPLACE "(..)" "'\\\\x\\1'," array "${hex}")
+  string(APPEND source
+    "static constexpr char ${name}Bytes[] = {${array}};\n"
+    "const EmbeddedText ${name} = {{${name}Bytes, sizeof(${name}Bytes)}, \"${hash}\"};\n\n")
+endforeach()
+file(WRITE ${OUT} "${source}}  // namespace qv\n")
