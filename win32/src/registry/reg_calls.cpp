@@ -158,10 +158,12 @@ LSTATUS ReadRegistry(const CallRef<void()>& read) {
 
 LSTATUS ChangeRegistry(const CallRef<void()>& change) {
     return OnStore(RegStore::Use::kWrite, [&](RegStore& store) {
-        return InChange(store, [&]() -> LSTATUS {
+        const LSTATUS code = InChange(store, [&]() -> LSTATUS {
             change();
             return ERROR_SUCCESS;
         });
+        store.KeepLogShort();
+        return code;
     });
 }
 

@@ -20,7 +20,7 @@ namespace {
 
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
-constexpr off_t kLongLog = 2 << 20;
+constexpr off_t kLongLog = 256 << 10;
 constexpr const char* kWriteLock = " 120 ";  // its byte in the shared index, as /proc/locks has it
 
 [[noreturn]] void ThrowReadOnly(const std::string& path) {
@@ -232,8 +232,12 @@ void RegStore::EndChanges(bool keep) {
     if (group == Group::kLost) throw std::exchange(lost_, {});
     if (group == Group::kOpen) {
         RegQuery(database_.get(), keep ? RegSql::kCommit : RegSql::kRollBack).Next();
-        if (database_->LogBytes() > kLongLog) FreeSpace();
+        KeepLogShort();
     }
+}
+
+void RegStore::KeepLogShort() {
+    if (database_ != nullptr && database_->LogBytes() > kLongLog) FreeSpace();
 }
 
 // A user who may not write may have no part in the shared memory, and so no mark.

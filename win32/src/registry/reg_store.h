@@ -50,6 +50,9 @@ class RegStore {
     // silence.
     void FreeSpace();
 
+    // After a large change: whoever is the first to open the store reads the whole log of changes.
+    void KeepLogShort();
+
     // Many changes as one: from Begin on, what this process changes becomes one transaction, which
     // End keeps or takes back. One thread; not nested. A group that is lost fails from then on, and
     // at its end, with the error given.

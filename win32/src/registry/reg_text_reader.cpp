@@ -16,7 +16,8 @@ constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
 // The reader works on the file's own units, bytes of UTF-8 or units of UTF-16, and converts names
-// and texts alone: most of a large file is hexadecimal digits. (58 MB of settings blocks: see
+// and texts alone: most of a large file is hexadecimal digits. To widen a file of 27 MB first would
+// take a quarter more time and 55 MB.
 template <class Unit>
 using View = std::basic_string_view<Unit>;
 
