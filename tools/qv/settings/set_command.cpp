@@ -73,9 +73,8 @@ void AddSetCommand(CLI::App& app) {
     CLI::App* set =
         app.add_subcommand("set", "Change the current user's settings of one printer or of many");
     set->footer(
-        "The first word is the printer's name unless --all, --match or --names choose printers. "
-        "Keywords\n"
-        "are the names that `qv get` shows. Examples:\n"
+        "The first word is the printer's name unless --all, --match or --names choose\n"
+        "printers. Keywords are the names that `qv get` shows. Examples:\n"
         "  qv set \"Vantrel Fax\" dmCopies=2 exOut.UseSerial=False\n"
         "  qv set --match \"vantrel*\" --dry-run dmCopies=2");
     set->add_option("KEYWORD=VALUE", options->words, "The printer, and what to change")
