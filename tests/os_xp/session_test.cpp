@@ -33,6 +33,9 @@ TEST(UserName, IsTheSystemsWithoutItsTerminator) {
     WCHAR name[256];
     DWORD size = 256;
     ASSERT_TRUE(GetUserNameW(name, &size));
+    DWORD few = size - 1;
+    ASSERT_FALSE(GetUserNameW(name, &few));
+    EXPECT_EQ(few, size);
     const UnicodeString user = GetUserNameW(false);
     EXPECT_EQ(user, UnicodeString(static_cast<const WCHAR*>(name)));
     EXPECT_EQ(user.Length(), static_cast<int>(size) - 1);
