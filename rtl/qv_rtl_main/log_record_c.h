@@ -2,6 +2,8 @@
 #ifndef QV_RTL_MAIN_LOG_RECORD_C_H
 #define QV_RTL_MAIN_LOG_RECORD_C_H
 
+/* NOLINTBEGIN(modernize-use-using): C has typedef only. */
+
 #if defined(_WIN32)
 #include <stddef.h>
 typedef wchar_t QV_WCHAR;
@@ -33,5 +35,6 @@ typedef struct QVLogRecord {
 
 /* A log that is being read. */
 typedef struct QVLog QVLog;
+/* NOLINTEND(modernize-use-using) */
 
 #endif
