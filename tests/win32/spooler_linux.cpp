@@ -1,9 +1,12 @@
 // The spooler over the registry's keys: records, buffers, refusals.
 #include <gtest/gtest.h>
 #include <qv_host.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <windows.h>
 #include <winspool.h>
 
+#include <csignal>
 #include <cstring>
 #include <span>
 #include <sstream>
@@ -221,6 +224,38 @@ TEST_F(Spooler, TheUsersBlockIsKeptWhole) {
         StoreUserBlock(longer);
         EXPECT_EQ(UserBlock(), Bytes());
     }
+}
+
+// A printer and its user's block come and go in one change: a read sees both or none of them, also
+// when it remembers the printer and has to look for the block. The other block is in its place.
+TEST_F(Spooler, AReadIsOfOneMoment) {
+    constexpr WCHAR kBlocks[] = u"Printers\\DevModePerUser";
+    const Bytes block = Block(220, 4180);
+    const HANDLE other = Open(u"plain one");
+    test::TestKey(HKEY_CURRENT_USER, kBlocks).Set(u"Fax", block).Set(u"plain one", block);
+    const pid_t changer = fork();
+    for (bool there = false; changer == 0; there = !there) {
+        QvHostBeginChanges();
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (kPrinters + u"Fax").c_str());
+        RegDeleteTreeW(HKEY_CURRENT_USER, kBlocks);
+        test::TestKey blocks(HKEY_CURRENT_USER, kBlocks);
+        blocks.Set(u"plain one", block);
+        if (there) blocks.Set(u"Fax", block);
+        if (there) test::TestKey(HKEY_LOCAL_MACHINE, kPrinters + u"Fax");
+        QvHostEndChanges(TRUE);
+    }
+    Bytes buffer(5000);
+    PRINTER_INFO_9W record{};
+    for (int i = 0; i < 30000 && !HasFailure(); ++i) {
+        DWORD needed = 0;
+        GetPrinterW(other, 9, buffer.data(), 5000, &needed);
+        if (!GetPrinterW(fax_, 9, buffer.data(), 5000, &needed)) continue;
+        std::memcpy(&record, buffer.data(), sizeof record);
+        EXPECT_NE(record.pDevMode, nullptr);
+    }
+    kill(changer, SIGKILL);
+    waitpid(changer, nullptr, 0);
+    EXPECT_TRUE(ClosePrinter(other));
 }
 
 TEST_F(Spooler, ChangesNeedTheRightAndAKnownDriver) {
