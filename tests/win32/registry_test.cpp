@@ -4,6 +4,7 @@
 
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "support/fresh_host_root.h"
@@ -100,6 +101,29 @@ TEST_F(Registry, KeysCompareWithoutCaseKeepTheirSpellingAndLieInOrder) {
     EXPECT_EQ(RegEnumKeyExW(key_, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
               ERROR_SUCCESS);
     EXPECT_EQ(size, 2u);
+}
+
+TEST_F(Registry, EachChangeOfAKeyIsItsLastWrite) {
+    const HKEY below = Create(key_, TEXT("below"));
+    ULONGLONG last = 0;
+    const auto is_later = [&] {
+        FILETIME written{};
+        WCHAR name[30];
+        DWORD size = 30;
+        RegEnumKeyExW(key_, 0, name, &size, nullptr, nullptr, nullptr, &written);
+        Sleep(20);
+        const ULONGLONG time = ULONGLONG{written.dwHighDateTime} << 32U | written.dwLowDateTime;
+        return std::exchange(last, time) < time;
+    };
+    EXPECT_TRUE(is_later());
+    EXPECT_FALSE(is_later());
+    Set(below, TEXT("v"), {1});
+    EXPECT_TRUE(is_later());
+    RegDeleteValueW(below, TEXT("v"));
+    EXPECT_TRUE(is_later());
+    RegCloseKey(Create(below, TEXT("child")));
+    EXPECT_TRUE(is_later());
+    RegCloseKey(below);
 }
 
 TEST_F(Registry, MissingKeysAndBadArgumentsHaveTheirCodes) {
