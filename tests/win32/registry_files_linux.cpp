@@ -220,7 +220,6 @@ TEST_F(RegFiles, AChangeThatDoesNotFitLeavesNothingBehind) {
     ASSERT_EQ(Set(HKEY_USERS, u"a"), ERROR_SUCCESS);
     const pid_t child = fork();
     if (child == 0) {
-        std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit = {100000, 100000};
         setrlimit(RLIMIT_FSIZE, &limit);
         const std::vector<BYTE> large(200000), small(50000);

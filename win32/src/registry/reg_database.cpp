@@ -12,6 +12,7 @@
 #include <tuple>
 
 #include "base/os_error.h"
+#include "base/size_signal.h"
 #include "registry/reg_names.h"
 
 namespace host {
@@ -126,6 +127,7 @@ void ThrowErrno(const std::string& path) {
 }
 
 RegDatabase::RegDatabase(const std::string& path, Kind kind) : path_(path) {
+    SizeSignal::Hold();
     const int flags = SQLITE_OPEN_NOMUTEX;
     int code = SQLITE_OK;
     if (kind == Kind::kFrozen) {
