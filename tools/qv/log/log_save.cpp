@@ -1,7 +1,5 @@
 #include "log/log_save.h"
 
-#include <windows.h>
-
 #include "base/files.h"
 #include "base/progress.h"
 #include "log/log_sources.h"
@@ -10,9 +8,6 @@
 namespace qv {
 
 namespace {
-
-// What a log that the product makes has room for.
-constexpr DWORD kUsualLimit = 0x500000;
 
 // How many of the records that pass are in front of the newest that are wanted.
 std::uint64_t CountToDrop(Mox::TLogReader& reader, const LogFilter& filter) {

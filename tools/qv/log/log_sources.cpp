@@ -1,5 +1,7 @@
 #include "log/log_sources.h"
 
+#include <windows.h>
+
 #include <algorithm>
 
 #include "base/files.h"
@@ -31,23 +33,39 @@ void AddEntry(LogSources& sources, const std::string& name, const ZipReader::Ent
         sources.logs.push_back({name, is_torn, std::move(reader)});
 }
 
-void AddArchive(LogSources& sources, const std::string& name, const std::string& bytes) {
+// `wanted` names one entry, or the archive as a whole.
+void AddArchive(LogSources& sources, const std::string& name, const std::string& bytes,
+                const std::string& wanted) {
     const std::size_t before = sources.logs.size();
     try {
         const ZipReader archive(bytes);
-        for (const ZipReader::Entry& entry : archive.Entries())
-            AddEntry(sources, name + ":" + ToUtf8(FromUtf8(entry.name)), entry);
+        for (const ZipReader::Entry& entry : archive.Entries()) {
+            const std::string entry_name = name + ":" + ToUtf8(FromUtf8(entry.name));
+            if (wanted == name || wanted == entry_name) AddEntry(sources, entry_name, entry);
+        }
     } catch (const Failure& failure) {
         throw Failure(Quoted(name) + ": " + failure.what(), failure.Code());
     }
-    if (sources.logs.size() == before)
-        throw Failure(Quoted(name) + ": the archive holds no log", ExitCode::kCannotOpen);
+    if (sources.logs.size() == before) {
+        throw Failure(Quoted(wanted) + (wanted == name ? ": the archive holds no log"
+                                                       : ": the archive holds no such log"),
+                      ExitCode::kCannotOpen);
+    }
+}
+
+// Of "C.zip:log.raw" the archive; of the name of a file that exists, and of any other, the name.
+std::string ArchiveOf(const std::string& name) {
+    if (GetFileAttributesW(FromUtf8(name).t_str()) != INVALID_FILE_ATTRIBUTES) return name;
+    for (std::size_t at = name.find(':'); at != std::string::npos; at = name.find(':', at + 1))
+        if (IsArchive(name.substr(0, at))) return name.substr(0, at);
+    return name;
 }
 
 void AddFile(LogSources& sources, const std::string& name) {
     const bool is_input = name == kStandardStream;
-    const std::string bytes = is_input || IsArchive(name) ? ReadAll(name) : std::string();
-    if (ZipReader::IsZip(bytes)) return AddArchive(sources, name, bytes);
+    const std::string archive = is_input ? name : ArchiveOf(name);
+    const std::string bytes = is_input || IsArchive(archive) ? ReadAll(archive) : std::string();
+    if (ZipReader::IsZip(bytes)) return AddArchive(sources, archive, bytes, name);
     auto reader = std::make_unique<Mox::TLogReader>();
     is_input ? TakeLog(*reader, name, bytes) : OpenLog(*reader, name);
     sources.logs.push_back({name, false, std::move(reader)});
@@ -81,9 +99,10 @@ LogSources OpenLogs(const std::vector<std::string>& files) {
 LogSource OpenOneLog(const std::string& file) {
     LogSources sources = OpenLogs({file});
     if (sources.logs.size() == 1) return std::move(sources.logs[0]);
-    throw Failure(Quoted(file) + " holds " + std::to_string(sources.logs.size()) +
-                      " logs; this command takes one, `qv log show` takes all",
-                  ExitCode::kWrongUsage);
+    std::string names;
+    for (const LogSource& log : sources.logs)
+        names += (names.empty() ? "" : ", ") + Quoted(log.name);
+    throw Failure("this command takes one log: " + names, ExitCode::kWrongUsage);
 }
 
 bool IsArchive(const std::string& name) {

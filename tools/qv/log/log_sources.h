@@ -22,11 +22,12 @@ struct LogSources {
     ExitCode worst = ExitCode::kDone;  // of what could not be read
 };
 
-// Opens the files; without one the log in force. Says on standard error what cannot be read, and
-// goes on with the rest. Throws Failure (kCannotOpen) when there is no log at all.
+// Opens the files; without one the log in force. "C.zip:log.raw" is one entry of an archive. Says
+// on standard error what cannot be read, and goes on with the rest. Throws Failure (kCannotOpen)
+// when there is no log at all.
 LogSources OpenLogs(const std::vector<std::string>& files);
 
-// For commands that take one log: throws Failure for an archive of several.
+// For commands that take one log: throws Failure for an archive of several, with their names.
 LogSource OpenOneLog(const std::string& file);
 
 // Whether a file of this name is an archive; false for standard input.

@@ -5,7 +5,9 @@
 
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
+#include "log/log_save.h"
 #include "log/record_line.h"
+#include "log_file/log_image.h"
 #include "report/contents.h"
 #include "report/report_page.h"
 #include "report/zip_writer.h"
@@ -36,10 +38,10 @@ std::string Readme(const Contents& contents, const Redaction* redaction) {
         "report.html               all of it as one page for a browser: open it first\n"
         "doctor.txt, doctor.json   versions, paths, registry values, printers, and what is wrong\n"
         "log.txt, log.jsonl        the records of the shared log, as text and as JSON lines, UTC\n"
+        "log.raw                   the log as a file: `qv log show` reads it out of the archive\n"
         "settings/                 the current user's settings of each printer, as text\n";
     if (redaction == nullptr) {
         text +=
-            "log.raw                   the log file as it lay there\n"
             "settings/*.bin            the settings blocks, byte for byte\n\n"
             "Names of users, machines and documents are in it. `qv bundle --redact` replaces "
             "them.\n";
@@ -48,7 +50,7 @@ std::string Readme(const Contents& contents, const Redaction* redaction) {
                 " users, " + std::to_string(redaction->Count(Kind::kMachine)) + " machines and " +
                 std::to_string(redaction->Count(Kind::kDocument)) +
                 " documents are replaced, each by the\nsame placeholder everywhere (user-1, "
-                "machine-1, document-1). The log file itself, the data\nblocks of its records "
+                "machine-1, document-1), in log.raw too. The data\nblocks of its records "
                 "and the settings blocks are left out, since names in them cannot be\nreplaced. "
                 "A name that stands nowhere as one is not recognised: look before you pass it "
                 "on.\n";
@@ -76,15 +78,20 @@ void AddLog(ZipWriter& zip, Contents& contents, const Redaction* redaction) {
     std::string lines;
     LogLines plain({.utc = true});
     LogLines json({.shape = LogStyle::Shape::kJson});
+    Mox::TLogImage redacted;
     contents.ForEachRecord([&](const Mox::TLogMsg& record, std::size_t) {
-        const Mox::TLogMsg shown = redaction == nullptr ? record : Redacted(record, *redaction);
+        Mox::TLogMsg shown = redaction == nullptr ? record : Redacted(record, *redaction);
+        if (redaction != nullptr && !redacted.Append(shown))
+            throw Failure("the log is too large for an archive");
         plain.Add(text, shown);
         json.Add(lines, shown);
     });
     zip.Add("log.txt", text);
     zip.Add("log.jsonl", lines);
-    if (redaction == nullptr && !contents.logs.logs.empty())
-        zip.Add("log.raw", ReadAll(ToUtf8(GetPrinterLogFile())));
+    if (contents.logs.logs.empty()) return;
+    if (redaction == nullptr) return zip.Add("log.raw", ReadAll(ToUtf8(GetPrinterLogFile())));
+    const std::vector<std::uint8_t>& bytes = redacted.Finish(kUsualLimit);
+    zip.Add("log.raw", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 void AddSettings(ZipWriter& zip, const Contents& contents) {
