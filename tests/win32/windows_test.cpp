@@ -141,7 +141,10 @@ TEST_F(Windows, BroadcastsAndMegabytesReachOtherProcessesWhole) {
         0);
     std::basic_string<WCHAR> text(900000, 'x');
     COPYDATASTRUCT data{9, static_cast<DWORD>((text.size() + 1) * sizeof(WCHAR)), text.data()};
-    EXPECT_EQ(SendMessageW(listener.Window(), WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)), 7);
+    EXPECT_NE(SendMessageTimeoutW(listener.Window(), WM_COPYDATA, 0,
+                                  reinterpret_cast<LPARAM>(&data), SMTO_NORMAL, 20000, &result),
+              0);
+    EXPECT_EQ(result, 7u);
     const std::vector<std::string> lines = listener.Lines(3);
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[1], "change Fax 1");
