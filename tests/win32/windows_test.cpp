@@ -190,7 +190,8 @@ TEST(Programs, ParametersAreSplitByTheRules) {
         INT_PTR number;
     } cases[] = {{"qv_no_such_program", SE_ERR_FNF},
                  {folder.Name("missing.exe"), SE_ERR_FNF},
-                 {folder.Name("x.qvnotype"), SE_ERR_NOASSOC}};
+                 {folder.Name("x.qvnotype"), SE_ERR_NOASSOC},
+                 {'"' + folder.Name("x.qvnotype") + '"', SE_ERR_NOASSOC}};
     for (const auto& c : cases) {
         EXPECT_EQ(
             reinterpret_cast<INT_PTR>(ShellExecuteW(
