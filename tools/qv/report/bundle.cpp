@@ -106,10 +106,10 @@ void AddSettings(ZipWriter& zip, const Contents& contents) {
         zip.Add("settings/none.txt", contents.printer_problem + "\n");
 }
 
-void AddHealth(ZipWriter& zip, const Contents& contents) {
+void AddHealth(ZipWriter& zip, const Json& examination) {
     Json document = {{"schema", kJsonSchema}};
-    document.update(contents.examination);
-    zip.Add("doctor.txt", ExaminationText(contents.examination));
+    document.update(examination);
+    zip.Add("doctor.txt", ExaminationText(examination));
     zip.Add("doctor.json", document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
@@ -128,7 +128,7 @@ void WriteBundle(const BundleOptions& options) {
     ZipWriter zip;
     zip.Add("README.txt", Readme(contents, names));
     zip.Add("report.html", ReportPage(contents, names, LogFilterOptions()));
-    AddHealth(zip, contents);
+    AddHealth(zip, *contents.examination);
     AddSettings(zip, contents);
     AddLog(zip, contents, names);
     WriteOutput(options.output, zip.Finish());

@@ -16,13 +16,11 @@ namespace {
 
 using Kind = Redaction::Kind;
 
-Json DifferencesFrom(const SettingsBlock& defaults, const SettingsBlock& block) {
-    Json list = Json::array();
+std::vector<Differing> DifferencesFrom(const SettingsBlock& defaults, const SettingsBlock& block) {
+    std::vector<Differing> list;
     for (const FieldChange& change : Differences(defaults, block)) {
         if (!change.field->Listed) continue;
-        list.push_back({{"name", NameOf(*change.field)},
-                        {"value", Shown(change.after)},
-                        {"default", Shown(change.before)}});
+        list.push_back({NameOf(*change.field), Shown(change.after), Shown(change.before)});
     }
     return list;
 }
@@ -111,8 +109,10 @@ Redaction LearnFrom(Contents& contents) {
     const std::string machine = GetHostFacts().machine;
     redaction.AddName(Kind::kMachine, machine);
     redaction.AddName(Kind::kMachine, machine.substr(0, machine.find('.')));
-    ForEachText(contents.examination,
-                [&](const Json& text) { redaction.Learn(text.get_ref<const std::string&>()); });
+    if (contents.examination) {
+        ForEachText(*contents.examination,
+                    [&](const Json& text) { redaction.Learn(text.get_ref<const std::string&>()); });
+    }
     for (const PrinterContents& printer : contents.printers) redaction.Learn(printer.text);
     for (const LogSource& log : contents.logs.logs) redaction.Learn(log.name);
     contents.ForEachRecord(
@@ -122,13 +122,17 @@ Redaction LearnFrom(Contents& contents) {
 
 void Redact(Contents& contents, const Redaction& redaction) {
     const auto redact = [&](std::string& text) { text = redaction.Apply(text); };
-    Redact(contents.examination, redaction);
+    if (contents.examination) Redact(*contents.examination, redaction);
     for (PrinterContents& printer : contents.printers) {
         for (std::string* text : {&printer.name, &printer.driver, &printer.port, &printer.text})
             redact(*text);
         for (std::string& reason : printer.reasons) redact(reason);
         printer.block.clear();
-        Redact(printer.differences, redaction);
+        if (!printer.differences) continue;
+        for (Differing& differing : *printer.differences) {
+            redact(differing.value);
+            redact(differing.usual);
+        }
     }
     redact(contents.printer_problem);
     for (LogSource& log : contents.logs.logs) redact(log.name);

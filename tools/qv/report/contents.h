@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "base/json_output.h"
@@ -13,17 +14,26 @@
 
 namespace qv {
 
+// A field of the settings with another value than the default.
+struct Differing {
+    std::string name, value, usual;
+
+    bool operator<(const Differing& other) const {
+        return std::tie(name, value, usual) < std::tie(other.name, other.value, other.usual);
+    }
+};
+
 struct PrinterContents {
     std::string name, driver, port;
     std::string state;                 // of the user's settings
     std::vector<std::string> reasons;  // of a state that is not good
     std::string text;                  // the settings as text, or why there is none
     std::string block;                 // empty when there is none
-    Json differences;  // from the defaults: [{"name", "value", "default"}]; null: not compared
+    std::optional<std::vector<Differing>> differences;  // from the defaults, if compared
 };
 
 struct Contents {
-    Json examination;  // null when only a log is looked at
+    std::optional<Json> examination;  // none when only logs are looked at
     std::vector<PrinterContents> printers;
     std::string printer_problem;            // why they are not known
     LogSources logs;                        // one, but for the page of logs alone

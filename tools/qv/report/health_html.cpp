@@ -1,5 +1,7 @@
 #include "report/health_html.h"
 
+#include <algorithm>
+#include <functional>
 #include <map>
 
 #include "report/html.h"
@@ -53,8 +55,7 @@ std::string StateText(const PrinterContents& printer) {
 }
 
 std::string DifferText(const PrinterContents& printer) {
-    return printer.differences.is_null() ? std::string("-")
-                                         : std::to_string(printer.differences.size());
+    return printer.differences ? std::to_string(printer.differences->size()) : std::string("-");
 }
 
 std::string PrinterTable(const std::vector<PrinterContents>& printers) {
@@ -68,30 +69,41 @@ std::string PrinterTable(const std::vector<PrinterContents>& printers) {
     return Folded(Counted(printers.size(), "printer"), ToHtml(table), true);
 }
 
-std::string Names(const std::vector<const PrinterContents*>& printers) {
+using Group = std::vector<const PrinterContents*>;
+
+std::string Names(const Group& printers) {
     std::string names;
     for (const PrinterContents* printer : printers)
         names += (names.empty() ? "" : ", ") + printer->name;
     return names;
 }
 
-// Printers with the same differences stand together: in a fleet nearly all are alike.
-std::string DifferencesHtml(const std::vector<PrinterContents>& printers) {
-    std::map<Json, std::vector<const PrinterContents*>> alike;
+// Printers with the same differences, the largest group first: in a fleet nearly all are alike.
+std::vector<Group> AlikePrinters(const std::vector<PrinterContents>& printers) {
+    std::map<std::vector<Differing>, Group> alike;
     for (const PrinterContents& printer : printers)
-        if (!printer.differences.empty()) alike[printer.differences].push_back(&printer);
+        if (printer.differences && !printer.differences->empty())
+            alike[*printer.differences].push_back(&printer);
+    std::vector<Group> groups;
+    groups.reserve(alike.size());
+    for (auto& [differences, group] : alike) groups.push_back(std::move(group));
+    std::ranges::stable_sort(groups, std::ranges::greater(), &Group::size);
+    return groups;
+}
+
+std::string DifferencesHtml(const std::vector<PrinterContents>& printers) {
+    const std::vector<Group> groups = AlikePrinters(printers);
     std::string html;
-    for (const auto& [differences, group] : alike) {
+    for (const Group& group : groups) {
         HtmlTable table{"What differs from the defaults", {"Setting", "Value", "Default"}, {}};
-        for (const Json& row : differences) {
-            table.rows.push_back(
-                {TextOf(row, "name"), TextOf(row, "value"), TextOf(row, "default")});
-        }
+        for (const Differing& differing : *group[0]->differences)
+            table.rows.push_back({differing.name, differing.value, differing.usual});
         const std::string who =
             group.size() == 1 ? group[0]->name : Counted(group.size(), "printer");
-        const std::string names = group.size() == 1 ? "" : Element("p", Names(group));
-        html += Folded(who + ": " + Counted(differences.size(), "setting") + " other than default",
-                       names + ToHtml(table), alike.size() <= kMostOpen);
+        const std::string names =
+            group.size() == 1 ? "" : Folded("Their names", Element("p", Names(group)), false);
+        html += Folded(who + ": " + Counted(table.rows.size(), "setting") + " other than default",
+                       names + ToHtml(table), groups.size() <= kMostOpen);
     }
     return "<div class=\"differences\">\n" + html + "</div>\n";
 }

@@ -32,8 +32,12 @@ std::string Element(const std::string& tag, const std::string& text) {
 }
 
 std::string ToHtml(const HtmlTable& table) {
-    std::string html =
-        "<div class=\"scroll\"><table><caption>" + Html(table.caption) + "</caption><thead><tr>";
+    // What scrolls can be reached with the keyboard.
+    constexpr std::size_t kMostInSight = 12;
+    std::string html = "<div class=\"scroll\"";
+    if (table.rows.size() > kMostInSight)
+        html += R"( tabindex="0" role="region" aria-label=")" + Html(table.caption) + "\"";
+    html += "><table><caption>" + Html(table.caption) + "</caption><thead><tr>";
     for (const std::string& head : table.heads) html += "<th scope=\"col\">" + Html(head) + "</th>";
     html += "</tr></thead><tbody>\n";
     for (const auto& row : table.rows) {

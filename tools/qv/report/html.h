@@ -15,8 +15,7 @@ std::string Html(const std::string& text);
 // <tag>text</tag>
 std::string Element(const std::string& tag, const std::string& text);
 
-// A table of texts; of a row the first is its head. Columns scroll sideways where they have no
-// room.
+// A table of texts; of a row the first is its head. It scrolls where it has no room.
 struct HtmlTable {
     std::string caption;
     std::vector<std::string> heads;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "log/log_time.h"
-#include "log/record_line.h"
+#include "log/record_parts.h"
 #include "qv_rtl_version.h"
 #include "report/health_html.h"
 #include "report/html.h"
@@ -59,11 +59,9 @@ std::string LogFacts(const Contents& contents, const LogColumns& columns) {
     std::string names;
     for (const LogSource& log : contents.logs.logs) names += (names.empty() ? "" : ", ") + log.name;
     std::string html = "<dl class=\"facts\">\n" + Fact("File", names);
-    if (columns.Count() == columns.Total()) {
-        html += Fact("Records", std::to_string(columns.Count()));
-    } else {
-        html += Fact("Records", std::to_string(columns.Count()) + ", chosen from " +
-                                    std::to_string(columns.Total()));
+    if (columns.Count() != columns.Total()) {
+        html += Fact("Chosen",
+                     Counted(columns.Count(), "record") + " of " + std::to_string(columns.Total()));
     }
     if (!columns.FirstTime().empty())
         html += Fact("Time", Clock(columns.FirstTime()) + " to " + Clock(columns.LastTime()));
@@ -103,7 +101,7 @@ void AddLog(Parts& parts, Contents& contents, const Redaction* redaction,
 }
 
 void AddMachine(Parts& parts, const Contents& contents) {
-    const Json& examination = contents.examination;
+    const Json& examination = *contents.examination;
     const Json& versions = examination.at("versions");
     const auto text = [&](const char* key) { return versions.at(key).get<std::string>(); };
     parts["title"] = Html("Fax printer on " + text("machine"));
@@ -124,7 +122,7 @@ std::string ReportPage(Contents& contents, const Redaction* redaction,
                        const LogFilterOptions& filter) {
     Parts parts = {
         {"title", "Log of the fax printer"}, {"facts", ""}, {"nav", ""}, {"sections", ""}};
-    if (!contents.examination.is_null()) AddMachine(parts, contents);
+    if (contents.examination) AddMachine(parts, contents);
     AddLog(parts, contents, redaction, filter);
     parts["policy"] = Policy();
     parts["style"] = kPageStyle.text;

@@ -156,8 +156,9 @@ function filterText() {
     return named.map(([name, value]) => value === null || value === "" ? "" : `; ${name}: ${value}`).join("");
 }
 
-// Paper gets what the filter shows, the newest records alone when they are many.
-const MOST_PRINTED = 1000;
+// Paper gets what the filter shows, the newest records alone when they are many, and what is folded
+// unless it is long.
+const MOST_PRINTED = 1000, MOST_UNFOLDED = 100;
 function preparePaper() {
     const places = shown.slice(-MOST_PRINTED);
     const more = shown.length > MOST_PRINTED ? `, the newest ${MOST_PRINTED.toLocaleString("en")} of them` : "";
@@ -165,6 +166,7 @@ function preparePaper() {
         element("p", {}, control("count").textContent + more + filterText()),
         element("table", {}, element("thead", {}, headRow()), element("tbody", {}, ...Array.from(places, rowOf))));
     for (const folded of document.querySelectorAll("details:not([open])")) {
+        if (folded.querySelectorAll("tr").length > MOST_UNFOLDED) continue;
         folded.open = true;
         folded.dataset.closed = "";
     }
@@ -190,7 +192,7 @@ watchControls();
 watchList();
 window.addEventListener("beforeprint", preparePaper);
 window.addEventListener("afterprint", leavePaper);
-control("log-view").hidden = false;
+control("log-view").hidden = log.logs.length === 0;
 showTime();
 refresh();
 measureRows();

@@ -71,13 +71,22 @@ function spacer(height) {
     return row;
 }
 
+// Browsers end at some height of a page. The scroll bar of a longer list stands for more than it is high.
+const HIGHEST = 8e6;
+function stretch() {
+    return Math.max(1, shown.length * rowHeight / HIGHEST);
+}
+
 function drawRows() {
-    const first = Math.max(0, Math.floor(scroller.scrollTop / rowHeight) - AROUND);
+    const top = scroller.scrollTop * stretch();
+    const first = Math.max(0, Math.floor(top / rowHeight) - AROUND);
     const inSight = Math.ceil(scroller.clientHeight / rowHeight);
     const end = Math.min(shown.length, first + inSight + 2 * AROUND);
     const made = [];
     for (let position = first; position < end; ++position) made.push(listRow(position));
-    rows.replaceChildren(spacer(first * rowHeight), ...made, spacer((shown.length - end) * rowHeight));
+    const above = Math.max(0, scroller.scrollTop - (top - first * rowHeight));
+    const below = shown.length * rowHeight / stretch() - above - made.length * rowHeight;
+    rows.replaceChildren(spacer(above), ...made, spacer(Math.max(0, below)));
     list.setAttribute("aria-rowcount", shown.length + 1);
     if (document.getElementById(`row-${active}`)) list.setAttribute("aria-activedescendant", `row-${active}`);
     else list.removeAttribute("aria-activedescendant");
@@ -91,11 +100,10 @@ function measureRows() {
 }
 
 function scrollToPosition(position) {
-    const head = list.tHead.offsetHeight;
-    const top = position * rowHeight;
-    const room = scroller.clientHeight - head - rowHeight;
-    if (top < scroller.scrollTop) scroller.scrollTop = top;
-    else if (top > scroller.scrollTop + room) scroller.scrollTop = top - room;
+    const room = scroller.clientHeight - list.tHead.offsetHeight - rowHeight;
+    const top = position * rowHeight, at = scroller.scrollTop * stretch();
+    if (top < at) scroller.scrollTop = top / stretch();
+    else if (top > at + room) scroller.scrollTop = (top - room) / stretch();
 }
 
 // Chooses what stands at a position; none for -1.
@@ -111,7 +119,7 @@ function showList() {
     const position = active < 0 ? -1 : positionOf(active);
     drawRows();
     scroller.scrollTop = position < 0 ? shown.length * rowHeight
-        : Math.max(0, position * rowHeight - scroller.clientHeight / 2);
+        : Math.max(0, position * rowHeight - scroller.clientHeight / 2) / stretch();
     choose(position);
 }
 

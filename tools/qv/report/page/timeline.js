@@ -113,7 +113,7 @@ function drawAxis() {
     const step = STEPS.find(each => span / each <= 10) ?? span;
     const offset = offsetAt(domain[0]);
     const [start, end] = step < 1e3 ? [11, 23] : step < 6e4 ? [11, 19] : step < 864e5 ? [11, 16] : [0, 10];
-    for (let time = Math.ceil((domain[0] + offset) / step) * step - offset; time <= domain[1]; time += step) {
+    for (let time = Math.ceil((domain[0] + offset) / step) * step - offset; time <= domain[1] - span * .04; time += step) {
         const tick = element("span", {}, timeText(time, offset).slice(start, end));
         tick.style.left = `${(time - domain[0]) / span * 100}%`;
         axis.append(tick);
