@@ -37,7 +37,7 @@ function(qv_read_once target)
   endif()
   target_precompile_headers(${target} PRIVATE ${ARGN})
   if(WIN32)
-    # A precompiled header is no system header to this compiler: it then reports a copy in its own wchar.h.
-    target_compile_options(${target} PRIVATE -Wno-array-bounds)
+    # A precompiled header is no system header to this compiler: it then reports copies in its own wchar.h.
+    target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overread)
   endif()
 endfunction()
