@@ -357,6 +357,8 @@ TEST_F(RegFiles, TheRootIsTheFolderThatTheEnvironmentNames) {
     };
     EXPECT_EQ(root(), root_.Folder());
     EXPECT_EQ(QvHostRoot(buffer, 3), root_.Folder().size() + 1);
+    EXPECT_EQ(QvHostPath(u"Q:\\x", nullptr, 0), 0u);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
     setenv("QV_HOST_ROOT", "./sub/", 1);
     EXPECT_EQ(root(), std::filesystem::current_path().string() + "/sub");
     setenv("QV_HOST_ROOT", root_.Folder().c_str(), 1);
