@@ -51,6 +51,10 @@ class EarlyArguments {
 // Returns the program's arguments in UTF-8, and switches the standard streams to bytes.
 std::vector<std::string> PrepareConsole(int argc, char** argv);
 
+// The files that a name with * or ? in its last part stands for, in the order of their names; the
+// name itself when there is none, and where the shell has done that already.
+std::vector<std::string> FilesNamed(const std::string& name);
+
 // The command line that this process was started with, the program first; UTF-8.
 std::vector<std::string> CommandWords();
 

@@ -138,6 +138,10 @@ std::vector<std::string> PrepareConsole(int argc, char** argv) {
     return {argv, argv + argc};
 }
 
+std::vector<std::string> FilesNamed(const std::string& name) {
+    return {name};
+}
+
 std::vector<std::string> CommandWords() {
     std::ifstream file("/proc/self/cmdline", std::ios::binary);
     std::vector<std::string> words;

@@ -4,6 +4,7 @@
 #include <io.h>
 #include <shellapi.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <memory>
@@ -119,6 +120,22 @@ std::vector<std::string> CommandWords() {
     std::vector<std::string> arguments;
     for (int i = 0; i < count; ++i) arguments.push_back(ToUtf8(list.get()[i]));
     return arguments;
+}
+
+std::vector<std::string> FilesNamed(const std::string& name) {
+    const std::size_t slash = name.find_last_of("\\/");
+    const std::size_t last = slash == std::string::npos ? 0 : slash + 1;
+    std::vector<std::string> names;
+    WIN32_FIND_DATAW found;
+    if (name.find_first_of("*?", last) == std::string::npos) return {name};
+    const System::TSearchHandle search(FindFirstFileW(FromUtf8(name).t_str(), &found));
+    for (bool is_there = bool(search); is_there; is_there = FindNextFileW(search.Get(), &found)) {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            names.push_back(name.substr(0, last) + ToUtf8(found.cFileName));
+    }
+    if (names.empty()) return {name};
+    std::ranges::sort(names);
+    return names;
 }
 
 StopRequest::StopRequest() {

@@ -3,8 +3,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/files.h"
+#include "base/host.h"
 #include "base/zip_reader.h"
 #include "log/log_input.h"
 #include "mox_classes/containers/streams.h"
@@ -79,8 +81,11 @@ bool TellSkips(const LogSource& log, const std::string& who) {
 
 }  // namespace
 
-LogSources OpenLogs(const std::vector<std::string>& files) {
+LogSources OpenLogs(const std::vector<std::string>& names) {
     LogSources sources;
+    std::vector<std::string> files;
+    for (const std::string& name : names)
+        std::ranges::move(FilesNamed(name), std::back_inserter(files));
     if (files.size() <= 1) {
         AddFile(sources, LogName(files.empty() ? std::string() : files[0]));
         return sources;

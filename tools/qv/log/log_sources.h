@@ -25,7 +25,7 @@ struct LogSources {
 // Opens the files; without one the log in force. "C.zip:log.raw" is one entry of an archive. Says
 // on standard error what cannot be read, and goes on with the rest. Throws Failure (kCannotOpen)
 // when there is no log at all.
-LogSources OpenLogs(const std::vector<std::string>& files);
+LogSources OpenLogs(const std::vector<std::string>& names);
 
 // For commands that take one log: throws Failure for an archive of several, with their names.
 LogSource OpenOneLog(const std::string& file);
