@@ -20,16 +20,6 @@ RegMemory* Memory() {
     return RegStore::Get().Memory();
 }
 
-std::optional<RegKey> KeyOf(const std::optional<RegKeyEntry>& entry) {
-    return entry ? std::optional(RegKey(entry->id, entry->name)) : std::nullopt;
-}
-
-void Remember(RegMemory& memory, std::int64_t parent, const std::string& folded,
-              const std::optional<RegKey>& key) {
-    memory.AddKey(parent, folded,
-                  key ? std::optional(RegKeyEntry{key->Id(), key->Name()}) : std::nullopt);
-}
-
 RegValue ValueOf(const RegQuery& row) {
     const std::span<const BYTE> data = row.Bytes(2);
     return {
@@ -89,16 +79,17 @@ bool Changed() {
 }  // namespace
 
 bool RegKey::Exists() const {
-    return id_ <= std::int64_t{kRegRoots} || Query(RegSql::kHoldKey).Give(id_).Next();
+    return Id() <= std::int64_t{kRegRoots} || Query(RegSql::kHoldKey).Give(Id()).Next();
 }
 
 std::vector<RegKey> RegKey::Keys() const {
     std::vector<RegKey> keys;
     RegQuery list = Query(RegSql::kListKeys);
     RegMemory* const memory = Memory();
-    for (list.Give(id_); list.Next();) {
+    for (list.Give(Id()); list.Next();) {
         keys.emplace_back(list.Number(0), list.Text(1));
-        if (memory != nullptr) Remember(*memory, id_, FoldedName(list.Text(1)), keys.back());
+        if (memory != nullptr)
+            memory->AddKey(Id(), FoldedName(list.Text(1)), RegKeyEntry(keys.back()));
     }
     return keys;
 }
@@ -106,25 +97,27 @@ std::vector<RegKey> RegKey::Keys() const {
 std::optional<RegKey> RegKey::FindKey(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
     if (const RegMemory* const memory = Memory()) {
-        if (const auto known = memory->FindKey(id_, folded)) return KeyOf(*known);
+        if (auto known = memory->FindKey(Id(), folded)) return std::optional<RegKey>(*known);
     }
     std::optional<RegKey> key;
     RegQuery find = Query(RegSql::kFindKey);
-    if (find.Give(id_).Give(folded).Next()) key.emplace(find.Number(0), find.Text(1));
-    if (RegMemory* const memory = Memory()) Remember(*memory, id_, folded, key);
+    if (find.Give(Id()).Give(folded).Next()) key.emplace(find.Number(0), find.Text(1));
+    if (RegMemory* const memory = Memory())
+        memory->AddKey(Id(), folded, std::optional<RegKeyEntry>(key));
     return key;
 }
 
 std::optional<RegKey> RegKey::FindPath(std::span<const std::u16string> path) const {
     const std::string folded = FoldedPath(path);
     if (const RegMemory* const memory = Memory()) {
-        if (const auto known = memory->FindKey(id_, folded)) return KeyOf(*known);
+        if (auto known = memory->FindKey(Id(), folded)) return std::optional<RegKey>(*known);
     }
     std::optional<RegKey> key = *this;
     for (const std::u16string& name : path) {
         if (key) key = key->FindKey(name);
     }
-    if (RegMemory* const memory = Memory()) Remember(*memory, id_, folded, key);
+    if (RegMemory* const memory = Memory())
+        memory->AddKey(Id(), folded, std::optional<RegKeyEntry>(key));
     return key;
 }
 
@@ -139,7 +132,7 @@ RegKey RegKey::MakePath(std::span<const std::u16string> path) const {
 
 RegKey RegKey::MakeKey(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
-    Query(RegSql::kAddKey).Give(id_).Give(folded).Give(name).Give(Now()).Next();
+    Query(RegSql::kAddKey).Give(Id()).Give(folded).Give(name).Give(Now()).Next();
     const RegKey made(RegStore::Get().Database()->LastId(), name);
     Touch();
     return made;
@@ -154,72 +147,72 @@ bool RegKey::RemoveKey(std::u16string_view name) const {
 }
 
 void RegKey::Clear() const {
-    RemoveBelow(id_, id_);
+    RemoveBelow(Id(), Id());
     Touch();
 }
 
 void RegKey::Touch() const {
-    Query(RegSql::kTouchKey).Give(id_).Give(Now()).Next();
+    Query(RegSql::kTouchKey).Give(Id()).Give(Now()).Next();
 }
 
 std::shared_ptr<const RegValues> RegKey::Values() const {
     if (RegMemory* const memory = Memory()) {
-        const auto* const known = memory->Find(id_);
+        const auto* const known = memory->Find(Id());
         if (known != nullptr && known->values != nullptr) return known->values;
     }
     const auto values = std::make_shared<RegValues>();
     RegQuery list = Query(RegSql::kListValues);
-    for (list.Give(id_); list.Next();) values->push_back(ValueOf(list));
+    for (list.Give(Id()); list.Next();) values->push_back(ValueOf(list));
     RegMemory* const memory = Memory();
-    if (memory != nullptr && id_ >= 0) memory->AddValues(id_, values);
+    if (memory != nullptr && Id() >= 0) memory->AddValues(Id(), values);
     return values;
 }
 
 std::optional<RegValue> RegKey::FindValue(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
     if (RegMemory* const memory = Memory()) {
-        if (auto known = memory->FindValue(id_, folded)) return *known;
-        const auto* const key = memory->Find(id_);
+        if (auto known = memory->FindValue(Id(), folded)) return *known;
+        const auto* const key = memory->Find(Id());
         if (key != nullptr && key->values != nullptr && key->values->size() < kManyValues) {
             return ValueIn(*key->values, name);
         }
     }
     std::optional<RegValue> value;
     RegQuery find = Query(RegSql::kFindValue);
-    if (find.Give(id_).Give(folded).Next()) value = ValueOf(find);
-    if (RegMemory* const memory = Memory()) memory->AddValue(id_, folded, value);
+    if (find.Give(Id()).Give(folded).Next()) value = ValueOf(find);
+    if (RegMemory* const memory = Memory()) memory->AddValue(Id(), folded, value);
     return value;
 }
 
 void RegKey::SetValue(std::u16string_view name, DWORD type, std::span<const BYTE> data) const {
     const std::string folded = FoldedName(name);
-    Query(RegSql::kSetValue).Give(id_).Give(folded).Give(name).Give(type).Give(data).Next();
+    Query(RegSql::kSetValue).Give(Id()).Give(folded).Give(name).Give(type).Give(data).Next();
     if (Changed()) Touch();
 }
 
 bool RegKey::RemoveValue(std::u16string_view name) const {
     const std::string folded = FoldedName(name);
-    Query(RegSql::kRemoveValue).Give(id_).Give(folded).Next();
+    Query(RegSql::kRemoveValue).Give(Id()).Give(folded).Next();
     if (!Changed()) return false;
     Touch();
     return true;
 }
 
 std::optional<RegKey> RegKey::KeyAt(DWORD index, FILETIME& written) const {
-    const auto way = WayTo(index, &RegMemory::OfKey::key_at, id_);
+    const auto way = WayTo(index, &RegMemory::OfKey::key_at, Id());
     RegQuery at = Query(RegSql::kKeyAt);
-    if (!at.Give(id_).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
-    Stay(index, FoldedName(at.Text(0)), &RegMemory::OfKey::key_at, id_);
+    if (!at.Give(Id()).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
+    Stay(index, FoldedName(at.Text(0)), &RegMemory::OfKey::key_at, Id());
     const std::int64_t ticks = at.Number(1);
     written = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
     return RegKey(0, at.Text(0));
 }
 
 std::optional<RegValue> RegKey::ValueAt(DWORD index) const {
-    const auto way = WayTo(index, &RegMemory::OfKey::value_at, id_);
+    const auto way = WayTo(index, &RegMemory::OfKey::value_at, Id());
     RegQuery at = Query(RegSql::kValueAt);
-    if (!at.Give(id_).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
-    Stay(index, at.Number(3), &RegMemory::OfKey::value_at, id_);
+    if (!at.Give(Id()).Give(way.from).Give(way.skipped).Next()) return std::nullopt;
+    Stay(index, at.Number(3), &RegMemory::OfKey::value_at, Id());
     return ValueOf(at);
 }
 

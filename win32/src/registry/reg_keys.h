@@ -11,6 +11,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "registry/reg_memory.h"
@@ -20,12 +21,15 @@ namespace host {
 
 class RegKey {
   public:
-    explicit RegKey(std::int64_t id, std::u16string_view name = {}) : id_(id), name_(name) {}
+    explicit RegKey(std::int64_t id, std::u16string_view name = {})
+        : entry_{id, std::u16string(name)} {}
+    explicit RegKey(RegKeyEntry entry) : entry_(std::move(entry)) {}
+    explicit operator const RegKeyEntry&() const { return entry_; }
     // One that holds nothing.
     static RegKey None() { return RegKey(-1); }
 
-    std::int64_t Id() const { return id_; }
-    const std::u16string& Name() const { return name_; }
+    std::int64_t Id() const { return entry_.id; }
+    const std::u16string& Name() const { return entry_.name; }
 
     bool Exists() const;
     bool IsEmpty() const { return Keys().empty() && Values()->empty(); }
@@ -54,8 +58,7 @@ class RegKey {
     RegKey MakeKey(std::u16string_view name) const;
     void Touch() const;
 
-    std::int64_t id_;
-    std::u16string name_;
+    RegKeyEntry entry_;
 };
 
 }  // namespace host
