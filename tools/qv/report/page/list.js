@@ -34,7 +34,7 @@ function recordCells(number) {
         process: [String(log.processes[number])],
         thread: [String(log.threads[number])],
         source: marked(sourceText(number)),
-        text: [...marked(text), ...(blocks.has(number) ? [" ", element("span", { class: "tag" }, "data")] : [])],
+        text: [...(blocks.has(number) ? [element("span", { class: "tag" }, "data"), " "] : []), ...marked(text)],
     };
     return COLUMNS.map(([name]) => element("td", { class: `c-${name}` }, ...contents[name]));
 }
