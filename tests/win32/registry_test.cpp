@@ -51,7 +51,7 @@ class Registry : public testing::Test {
     static LSTATUS Query(HKEY key, LPCWSTR name) {
         return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr);
     }
-    LSTATUS NameAt(bool keys, DWORD i, WCHAR* name, DWORD size) {
+    LSTATUS NameAt(bool keys, DWORD i, WCHAR* name, DWORD& size) {
         return keys ? RegEnumKeyExW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr)
                     : RegEnumValueW(key_, i, name, &size, nullptr, nullptr, nullptr, nullptr);
     }
@@ -59,11 +59,11 @@ class Registry : public testing::Test {
     Text Names(bool keys) {
         Text names;
         WCHAR name[30];
-        for (DWORD i = 0;; ++i) {
-            const LSTATUS code = NameAt(keys, i, name, 30);
+        for (DWORD i = 0, size = 30;; ++i, size = 30) {
+            const LSTATUS code = NameAt(keys, i, name, size);
             EXPECT_TRUE(code == ERROR_SUCCESS || code == ERROR_NO_MORE_ITEMS);
             if (code != ERROR_SUCCESS) return names;
-            names += Text(name) + TEXT(" ");
+            names += Text(name, size) + TEXT(" ");
         }
     }
 
@@ -261,7 +261,8 @@ TEST_F(Registry, AnIndexNamesItsKeyAndItsValueAlsoWhenOthersComeAndGo) {
         if (step.removed != nullptr) RegDeleteValueW(key_, step.removed);
         for (const bool keys : {false, true}) {
             WCHAR name[3] = {};
-            const LSTATUS code = NameAt(keys, step.index, name, 3);
+            DWORD size = 3;
+            const LSTATUS code = NameAt(keys, step.index, name, size);
             EXPECT_EQ(code, step.expected != nullptr ? ERROR_SUCCESS : ERROR_NO_MORE_ITEMS);
             EXPECT_EQ(Text(name), step.expected != nullptr ? step.expected : TEXT(""));
         }
