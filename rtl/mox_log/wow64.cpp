@@ -7,19 +7,19 @@ using TSwitchRedirection = BOOL(WINAPI*)(BYTE enable);
 using TDisableRedirection = BOOL(WINAPI*)(void** old_value);
 using TRevertRedirection = BOOL(WINAPI*)(void* old_value);
 
-// Entry points that only some systems have; null where one is missing.
+// An entry point that only some systems have; null where it is missing.
+template <class Entry>
+Entry Find(const char* name) {
+    const HMODULE kernel = GetModuleHandleW(TEXT("kernel32"));
+    if (kernel == nullptr) return nullptr;
+    return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(kernel, name)));
+}
+
+// Looked for by a 32-bit process on a 64-bit system only.
 struct TWow64Entries {
-    TIsWow64Process is_process = Find<TIsWow64Process>("IsWow64Process");
     TSwitchRedirection enable = Find<TSwitchRedirection>("Wow64EnableWow64FsRedirection");
     TDisableRedirection disable = Find<TDisableRedirection>("Wow64DisableWow64FsRedirection");
     TRevertRedirection revert = Find<TRevertRedirection>("Wow64RevertWow64FsRedirection");
-
-    template <class Entry>
-    static Entry Find(const char* name) {
-        const HMODULE kernel = GetModuleHandleW(TEXT("kernel32"));
-        if (kernel == nullptr) return nullptr;
-        return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(kernel, name)));
-    }
 };
 
 const TWow64Entries& Entries() {
@@ -29,7 +29,7 @@ const TWow64Entries& Entries() {
 
 bool AskWow64() {
     BOOL wow64 = FALSE;
-    const auto ask = Entries().is_process;
+    const auto ask = Find<TIsWow64Process>("IsWow64Process");
     return ask != nullptr && ask(GetCurrentProcess(), &wow64) && wow64 != FALSE;
 }
 
