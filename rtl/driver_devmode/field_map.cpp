@@ -10,8 +10,8 @@ namespace {
 
 // A field of the public part that the block's own size does not exclude; a size of 0 stands for the
 // whole part.
-bool IsPublicField(const TFieldInfo& row, const DEVMODEW& dm) {
-    const int size = dm.dmSize == 0 ? QV_DEVMODE_EXTRA::kPublicSize : dm.dmSize;
+bool IsPublicField(const TFieldInfo& row, WORD stated_size) {
+    const int size = stated_size == 0 ? QV_DEVMODE_EXTRA::kPublicSize : stated_size;
     return row.Offset < QV_DEVMODE_EXTRA::kPublicSize && row.End() <= size;
 }
 
@@ -24,7 +24,7 @@ TField FieldOf(const TFieldInfo& row, DEVMODEW* dm) {
 void DevModeToXmlNode(DEVMODEW* dm, TXmlNode* node) {
     const bool is_new = node->ChildCount() == 0;
     for (const TFieldInfo& row : DevModeFields()) {
-        if (!IsPublicField(row, *dm)) continue;
+        if (!IsPublicField(row, dm->dmSize)) continue;
         const UnicodeString& name = StringsOf(row).name;
         const UnicodeString text = ReadField(FieldOf(row, dm));
         if (is_new) {
@@ -36,14 +36,14 @@ void DevModeToXmlNode(DEVMODEW* dm, TXmlNode* node) {
 }
 
 void XmlNodeToDevMode(TXmlNode* node, DEVMODEW* dm, TXmlNode* result) {
-    const DEVMODEW as_given = *dm;
+    const WORD size = dm->dmSize;  // a child may change it
     for (int i = 0; i < node->ChildCount(); ++i) {
         const TXmlNode& child = *node->GetChild(i);
         const UnicodeString& name = child.FName;
         const TFieldInfo* row =
             FindDevModeField({{}, {name.t_str(), static_cast<std::size_t>(name.Length())}});
         UnicodeString previous;
-        if (row == nullptr || !IsPublicField(*row, as_given)) continue;
+        if (row == nullptr || !IsPublicField(*row, size)) continue;
         if (SetField(FieldOf(*row, dm), child.FValue, result != nullptr ? &previous : nullptr) &&
             result != nullptr) {
             result->SetChild(child.FName, previous, System::kCodePageUtf8);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
 #include <string>
 #include <tuple>
 
@@ -119,17 +120,18 @@ TEST(DevModeXml, AllPublicFieldsOfAForeignBlockAreWrittenAndSet) {
 }
 
 TEST(DevModeXml, AShortBlockIsNeitherReadNorWrittenPastItsEnd) {
-    alignas(DEVMODEW) unsigned char bytes[sizeof(DEVMODEW)];
-    std::memset(bytes, 0xEE, sizeof(bytes));
-    auto* block = reinterpret_cast<DEVMODEW*>(bytes);
+    // On the heap, where the address sanitizer sees a read behind the end.
+    const auto bytes = std::make_unique<unsigned char[]>(188);
+    auto* block = reinterpret_cast<DEVMODEW*>(bytes.get());
     block->dmSize = 188;
     TXmlNode node;
     DevModeToXmlNode(block, &node);
     EXPECT_NE(node.FindChild(TEXT("dmDisplayFrequency"), kCodePageUtf8), nullptr);
     EXPECT_EQ(node.FindChild(TEXT("dmICMMethod"), kCodePageUtf8), nullptr);
     node.SetChild(TEXT("dmICMMethod"), TEXT("1"), kCodePageUtf8);
+    node.SetChild(TEXT("dmCopies"), TEXT("7"), kCodePageUtf8);
     XmlNodeToDevMode(&node, block, nullptr);
-    EXPECT_EQ(bytes[188], 0xEE);
+    EXPECT_EQ(block->dmCopies, 7);
 }
 
 }  // namespace
