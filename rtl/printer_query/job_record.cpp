@@ -115,7 +115,9 @@ TW32StructData<ADP_JOB_INFO_2W> EncodeJobInfo2(JOB_INFO_2W* job) {
     }
     std::int64_t text_bytes = 0;
     for (int i = 0; i < ADP_JOB_INFO_2W::kStrings; ++i) text_bytes += StringBytes(TextOf(*job, i));
-    const std::int64_t dm_bytes = job->pDevMode == nullptr ? 0 : DevModeBytes(job->pDevMode);
+    const std::int64_t stated = job->pDevMode == nullptr ? 0 : DevModeBytes(job->pDevMode);
+    // One that ends in front of its own sizes is none.
+    const std::int64_t dm_bytes = stated < kSizesEnd ? 0 : stated;
     constexpr std::int64_t kHeader = sizeof(ADP_JOB_INFO_2W);
     char* const buffer =
         result.Allocate(kHeader + text_bytes + (dm_bytes == 0 ? kSizesEnd : dm_bytes));

@@ -41,7 +41,8 @@ static_assert(offsetof(ADP_JOB_INFO_2W, StringOffsets) == 52);
 static_assert(offsetof(ADP_JOB_INFO_2W, DevModeOffset) == 92);
 
 // One block; the holder's size is the block's. Null strings are encoded as empty ones; a job
-// without DEVMODE gets 72 zero bytes in its place, which read as one of size 0 and decode as null.
+// without DEVMODE gets 72 zero bytes in its place, which read as one of size 0 and decode as null,
+// and so does a job whose DEVMODE states a size below 72 bytes.
 // The job's own size and its security descriptor are not carried.
 QV_API TW32StructData<ADP_JOB_INFO_2W> EncodeJobInfo2(JOB_INFO_2W* job);
 

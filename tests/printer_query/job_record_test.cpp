@@ -66,15 +66,20 @@ TEST(JobRecord, DecodingGivesBackEveryCarriedField) {
 }
 
 TEST(JobRecord, AJobWithoutDevmodeDecodesToNull) {
-    JOB_INFO_2W empty = {};
-    auto block = EncodeJobInfo2(&empty);
-    EXPECT_EQ(block[0].StringOffsets[9], 18u);
-    EXPECT_EQ(block[0].DevModeOffset, 20u);
-    EXPECT_EQ(block.Size(), 96 + 20 + 72);
-    for (auto decoded : {DecodeJobInfo2(&block[0]), DecodeJobInfo2(&block[0], block.Size())}) {
-        ASSERT_TRUE(decoded.IsSuccess());
-        EXPECT_EQ(decoded[0].pDevMode, nullptr);
-        EXPECT_EQ(Text(decoded[0].pNotifyName), Text());
+    DEVMODEW cut = {};
+    cut.dmSize = 71;
+    for (DEVMODEW* const mode : {static_cast<DEVMODEW*>(nullptr), &cut}) {
+        JOB_INFO_2W empty = {};
+        empty.pDevMode = mode;
+        auto block = EncodeJobInfo2(&empty);
+        EXPECT_EQ(block[0].StringOffsets[9], 18u);
+        EXPECT_EQ(block[0].DevModeOffset, 20u);
+        EXPECT_EQ(block.Size(), 96 + 20 + 72);
+        for (auto decoded : {DecodeJobInfo2(&block[0]), DecodeJobInfo2(&block[0], block.Size())}) {
+            ASSERT_TRUE(decoded.IsSuccess());
+            EXPECT_EQ(decoded[0].pDevMode, nullptr);
+            EXPECT_EQ(Text(decoded[0].pNotifyName), Text());
+        }
     }
     EXPECT_FALSE(EncodeJobInfo2(nullptr).IsSuccess());
     EXPECT_FALSE(DecodeJobInfo2(nullptr, 200).IsSuccess());
