@@ -14,7 +14,7 @@ using View = std::basic_string_view<WCHAR>;
 // One tag. Exactly one of the members says where its value comes from.
 struct TTag {
     const WCHAR* name;
-    const WCHAR* spec;  // the conversion of a template that names none
+    const WCHAR* spec;  // the conversion of a number in a template that names none
     LPWSTR JOB_INFO_2W::*text = nullptr;
     DWORD JOB_INFO_2W::*number = nullptr;
     UnicodeString TFillTagsInfo::*own_text = nullptr;
@@ -26,13 +26,13 @@ struct TTag {
 
 constexpr TTag Text(const WCHAR* name, LPWSTR JOB_INFO_2W::*member,
                     bool in_templates_only = false) {
-    return {name, TEXT("%s"), member, nullptr, nullptr, nullptr, in_templates_only};
+    return {name, nullptr, member, nullptr, nullptr, nullptr, in_templates_only};
 }
 constexpr TTag Number(const WCHAR* name, DWORD JOB_INFO_2W::*member) {
     return {name, TEXT("%d"), nullptr, member};
 }
 constexpr TTag OwnText(const WCHAR* name, UnicodeString TFillTagsInfo::*member) {
-    return {name, TEXT("%s"), nullptr, nullptr, member};
+    return {name, nullptr, nullptr, nullptr, member};
 }
 constexpr TTag OwnNumber(const WCHAR* name, int TFillTagsInfo::*member) {
     return {name, TEXT("%04d"), nullptr, nullptr, nullptr, member};
@@ -70,13 +70,16 @@ const TTag* FindTag(const UnicodeString& name, const TFillTagsInfo& info) {
     return tag == std::end(kTags) || (tag->NeedsJob() && info.Job == nullptr) ? nullptr : tag;
 }
 
+// A conversion of pointers would show where the text lies in memory.
+bool FormatText(const WCHAR* text, const WCHAR* spec, UnicodeString& out) {
+    if (text == nullptr) text = TEXT("");
+    return (*spec == 0 || System::FormatFits(spec, text)) &&
+           mox_format_field(out, TEXT("%s"), spec, text);
+}
+
 bool FormatTag(const TTag& tag, const WCHAR* spec, const TFillTagsInfo& info, UnicodeString& out) {
-    if (tag.text != nullptr) {
-        const WCHAR* text = info.Job->*tag.text;
-        return mox_format_field(out, tag.spec, spec, text == nullptr ? TEXT("") : text);
-    }
-    if (tag.own_text != nullptr)
-        return mox_format_field(out, tag.spec, spec, (info.*tag.own_text).t_str());
+    if (tag.text != nullptr) return FormatText(info.Job->*tag.text, spec, out);
+    if (tag.own_text != nullptr) return FormatText((info.*tag.own_text).t_str(), spec, out);
     if (tag.number != nullptr) return mox_format_field(out, tag.spec, spec, info.Job->*tag.number);
     return mox_format_field(out, tag.spec, spec, info.*tag.own_number);
 }

@@ -22,8 +22,8 @@ struct TFillTagsInfo {
 
 // Fill callback of templates; `info` is a TFillTagsInfo. Names are exact, in lower case. `spec`
 // replaces the tag's own conversion when it takes the same kind of value. Values with a quote,
-// blank or comma are put in quotes, empty ones become two quotes. False, and `out` empty, for an
-// unknown name and a conversion of another kind.
+// blank or comma are put in quotes, empty ones become two quotes. False, and `out` untouched, for
+// an unknown name and a conversion of another kind.
 QV_API bool QVFillField(const UnicodeString& name, const UnicodeString& spec, UnicodeString& out,
                         void* info);
 
