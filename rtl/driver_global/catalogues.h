@@ -79,7 +79,7 @@ class QV_API TQVPapers : public TQVSizes {
 
     // Null outside the catalogue, or when its data cannot be read.
     TQVPaperData* Get(int index);
-    TQVPaperData* GetDefault() { return Get(GetDefaultIndex()); }
+    TQVPaperData* GetDefault() { return GetDefaultIndex() < 0 ? nullptr : Get(DefaultIndex); }
     int IndexOf(short id);
     // The smallest paper that holds the page, or the largest paper when no paper holds it. Of equal
     // papers it is the first. -1 without papers.
@@ -96,7 +96,7 @@ class QV_API TQVResolutions : public TQVSizes {
     void Close() override;
 
     TQVSizeData* Get(int index);
-    TQVSizeData* GetDefault() { return Get(GetDefaultIndex()); }
+    TQVSizeData* GetDefault() { return GetDefaultIndex() < 0 ? nullptr : Get(DefaultIndex); }
     int IndexOf(int x, int y);
 
   private:

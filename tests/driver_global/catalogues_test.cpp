@@ -47,6 +47,8 @@ TEST_F(Catalogues, AnEntryThatTheListLacksClosesTheCatalogue) {
         ->FRoot->Find(TEXT("fax\\standard"), System::kCodePageUtf8)
         ->SetAttribute(TEXT("papers"), TEXT("A4,Gone"), System::kCodePageUtf8);
     ASSERT_TRUE(papers.Open(TEXT("papers"), UnicodeString(), UnicodeString()));
+    EXPECT_EQ(papers.GetDefault(), nullptr);
+    EXPECT_EQ(papers.GetCount(), 2) << "there is none, so nothing is read";
     EXPECT_EQ(papers.Get(0), nullptr);
     EXPECT_EQ(papers.GetCount(), 0);
     EXPECT_TRUE(papers.Open(TEXT("papers"), UnicodeString(), TEXT("color")));
