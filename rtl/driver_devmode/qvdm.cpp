@@ -105,7 +105,6 @@ bool TQVDM::borrow(DEVMODEW* dm, int size) {
     }
     auto* block = static_cast<QV_DEVMODE*>(dm);
     if (block != FDM) release();
-    FOwnDM = false;
     FDM = block;
     block_size_ = size;
     return Decode();

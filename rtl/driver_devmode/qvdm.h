@@ -26,8 +26,8 @@ class QV_API TQVDM {
 
     // Copies the other's block and strings over this object's own and encodes.
     void Assign(TQVDM* source);
-    // Borrows a valid block (an owned one is freed) and decodes it; keeps the current block when
-    // `dm` is not valid.
+    // Borrows a valid block (an owned one is freed, unless it is `dm` itself) and decodes it; keeps
+    // the current block when `dm` is not valid.
     bool SetDEVMODE(DEVMODEW* dm);
     // The same for a block of `size` bytes that comes from outside.
     bool SetDEVMODE(DEVMODEW* dm, int size);

@@ -91,6 +91,7 @@ TEST(Qvdm, OnlyAValidBlockIsBorrowed) {
     QV_DEVMODE* const own = settings.GetDM();
     block.exVersion = 1;
     EXPECT_FALSE(settings.SetDEVMODE(&block));
+    EXPECT_TRUE(settings.SetDEVMODE(own)) << "which it still owns";
     EXPECT_EQ(settings.GetDM(), own);
     EXPECT_TRUE(log.Has('X', TEXT("[TQVDM::SetDEVMODE()] Cannot set the DEVMODE structure: ")));
     block.exVersion = 263;
