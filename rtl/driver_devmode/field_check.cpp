@@ -28,7 +28,13 @@ bool SaysWhatItIs(const TFieldInfo& row, const UnicodeString& element) {
     return row.Values != ValueTable::None || Sysutils::TryStrToInt64(element, number);
 }
 
-TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text) {
+// Whether the sizes, the identifier and the version are still those of a block of the product.
+bool IsProduct(TQVDM& wrapper) {
+    QV_DEVMODE* const block = wrapper.GetDM();
+    return QV_DEVMODE::IsValidQV_DEVMODE(block, block->dmSize + block->dmDriverExtra);
+}
+
+TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
     Classes::TStringList items;
     Classes::TStrings& elements = items;
     elements.SetCommaText(text);
@@ -37,7 +43,11 @@ TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text) {
     for (int i = 0; i < elements.GetCount(); ++i) {
         if (!SaysWhatItIs(*field.row, elements.Get(i))) return TFieldCheck::BadValue;
     }
-    return SetField(field, text, nullptr) ? TFieldCheck::Taken : TFieldCheck::BadValue;
+    const UnicodeString before = ReadField(field);
+    if (!SetField(field, text, nullptr)) return TFieldCheck::BadValue;
+    if (IsProduct(wrapper)) return TFieldCheck::Taken;
+    SetField(field, before, nullptr);
+    return TFieldCheck::BadValue;
 }
 
 TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
@@ -52,8 +62,7 @@ TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wra
     }
     SetField(field, text, nullptr);
     if (!wrapper.Encode()) return TFieldCheck::NoRoom;
-    if (!wrapper.GetDM()->IsValid()) {
-        // A block with another identifier is not stored.
+    if (!IsProduct(wrapper)) {
         SetField(field, before, nullptr);
         return TFieldCheck::BadValue;
     }
@@ -69,7 +78,8 @@ TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wra
 TFieldCheck CheckField(TQVDM& scratch, const TFieldName& name, const UnicodeString& text) {
     const TField field = FindNamedField(scratch, name);
     if (!field) return TFieldCheck::UnknownName;
-    return field.row->IsText() ? CheckText(field, text, scratch) : CheckNumbers(field, text);
+    return field.row->IsText() ? CheckText(field, text, scratch)
+                               : CheckNumbers(field, text, scratch);
 }
 
 }  // namespace driver_devmode

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 #include "driver_devmode/field_info.h"
 
@@ -15,8 +14,6 @@ namespace driver_devmode {
 struct TField {
     const TFieldInfo* row = nullptr;
     void* data = nullptr;
-    // The least number that the field takes.
-    int least = std::numeric_limits<int>::min();
 
     explicit operator bool() const { return row != nullptr; }
 };

@@ -227,10 +227,13 @@ void TChecker::CheckField(TQVDM& scratch, TView group, const TXmlNode& leaf) {
                             TEXT(".") + leaf.FName;
     const auto say = [&](const UnicodeString& text) { Say(source_.TextOf(leaf), text); };
     switch (driver_devmode::CheckField(scratch, {group, ViewOf(leaf.FName)}, leaf.FValue)) {
-        case TFieldCheck::Taken:
-            return;
         case TFieldCheck::UnknownName:
             return SayOf(leaf, TEXT("unknown field ") + Quoted(name));
+        case TFieldCheck::Taken:
+            if (scratch.StatedSizeFits()) return;
+            scratch.GetDM()->dmSize = QV_DEVMODE_EXTRA::kPublicSize;
+            scratch.GetDM()->dmDriverExtra = QV_DEVMODE_EXTRA::kExtraSize;
+            [[fallthrough]];
         case TFieldCheck::BadValue:
             return say(Quoted(leaf.FValue) + TEXT(" is no value of ") + Quoted(name));
         case TFieldCheck::TooMany:
