@@ -2,7 +2,6 @@
 
 #include <winspool.h>
 
-#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -102,12 +101,9 @@ class TWrappers {
 void ReportSettings(const UnicodeString& name, TWrappers& wrappers, TXmlNode& printer,
                     TXmlMessages& messages) {
     TW32StructData<DEVMODEW> settings = GetGlobalDevMode(name);
-    // A block that ends before the fields that state its size cannot be read at all.
-    constexpr int kLeastBytes = offsetof(DEVMODEW, dmFields);
-    const bool cut = !settings.IsEmpty() && settings.Size() < kLeastBytes;
-    if (!settings.IsSuccess() || cut) {
+    if (!settings.IsSuccess()) {
         messages.Error(TEXT("Cannot get devmode of the printer, ") + name + TEXT("."),
-                       settings.IsSuccess() ? DWORD{ERROR_INVALID_DATA} : settings.GetErrorCode());
+                       settings.GetErrorCode());
         return;
     }
     if (settings.IsEmpty()) {
