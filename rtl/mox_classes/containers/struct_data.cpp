@@ -46,9 +46,11 @@ DWORD TW32StructDataBase::GetErrorCode() const {
 }
 
 void TW32StructDataBase::SetErrorCode(DWORD code) {
-    Clear();
-    SetBufferSize(sizeof code, kErrorCount, 0);
-    std::memcpy(FData, &code, sizeof code);
+    // Without memory what was held stays: an empty holder would count as success.
+    TW32StructDataBase failed;
+    failed.SetBufferSize(sizeof code, kErrorCount, 0);
+    std::memcpy(failed.FData, &code, sizeof code);
+    std::swap(FData, failed.FData);
 }
 
 void TW32StructDataBase::Unique() {

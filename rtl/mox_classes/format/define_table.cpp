@@ -109,8 +109,11 @@ bool FindDefineRow(const TDefineInfo* table, int& value, const UnicodeString& te
 
 }  // namespace
 
-TDefineTable::TDefineTable(std::span<const TDefineConst> rows)
-    : count_(0), rows_(std::make_unique<std::byte[]>((rows.size() + 1) * kRowSize)) {
+TDefineTable::TDefineTable(std::size_t room)
+    : rows_(std::make_unique<std::byte[]>((room + 1) * kRowSize)) {}
+
+// When a name finds no memory, the destructor releases those before it.
+TDefineTable::TDefineTable(std::span<const TDefineConst> rows) : TDefineTable(rows.size()) {
     for (const TDefineConst& row : rows) {
         TNameSlot slot;
         new (&slot.name) UnicodeString(row.Name);

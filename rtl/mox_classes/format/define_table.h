@@ -39,7 +39,9 @@ class QV_API TDefineTable {
     const TDefineInfo* Rows() const { return reinterpret_cast<const TDefineInfo*>(rows_.get()); }
 
   private:
-    std::size_t count_;  // the last row not included
+    explicit TDefineTable(std::size_t room);
+
+    std::size_t count_ = 0;  // the last row not included
     std::unique_ptr<std::byte[]> rows_;
 };
 

@@ -159,10 +159,17 @@ int TFormatFields::Find(const UnicodeString& name) const {
 }
 
 TFormatField* TFormatFields::Set(const UnicodeString& name) {
+    const int index = Find(name);
+    if (index >= 0) return fields_[static_cast<std::size_t>(index)].get();
     const UnicodeString lower = name.LowerCase();
-    const auto [position, is_new] = positions_.try_emplace(lower, Count());
-    if (is_new) fields_.push_back(std::make_unique<TFormatField>(lower));
-    return fields_[static_cast<std::size_t>(position->second)].get();
+    fields_.push_back(std::make_unique<TFormatField>(lower));
+    try {
+        positions_.emplace(lower, Count() - 1);
+    } catch (...) {
+        fields_.pop_back();
+        throw;
+    }
+    return fields_.back().get();
 }
 
 void TFormatFields::Clear() {

@@ -103,8 +103,9 @@ void UnicodeString::Resize(int units) {
         CopyUnits(fresh.data_, data_, std::min(Length(), units));
         swap(fresh);
     } else {
-        void* const block =
-            Length() == units ? rec() : TProcessHeap::Resized(rec(), BlockSize(units));
+        void* block = Length() == units ? rec() : TProcessHeap::Resized(rec(), BlockSize(units));
+        // A heap without memory may refuse the smaller block too. The string keeps the larger one.
+        if (block == nullptr && units < Length()) block = rec();
         data_ = Prepared(block, units);
     }
 }
