@@ -60,11 +60,18 @@ struct World {
     TQVDM settings;
 };
 
-// Knows the fields a (x) and number (by its conversion).
-bool FillKnown(const Text& name, const Text& spec, Text& out, void*) {
+// Knows the fields a (x) and number (by its conversion). `context`, if any, is the text that is
+// filled; it is emptied.
+bool FillKnown(const Text& name, const Text& spec, Text& out, void* context) {
+    if (context != nullptr) *static_cast<Text*>(context) = Text();
     if (name == TEXT("a")) out = TEXT("x");
     if (name == TEXT("number")) return mox_format_field(out, TEXT("%d"), spec.t_str(), 42);
     return name == TEXT("a");
+}
+
+Text OnOwn(Text text, Text (*mark_or_fill)(const Text&, TFillField, void*)) {
+    text.Unique();
+    return mark_or_fill(text, FillKnown, &text);
 }
 
 Text ReplaceName(const Text& text, Text value, bool fix, const Text& open, const Text& close) {
@@ -148,6 +155,12 @@ Text Encoded(const Text& text, System::TCodePage page) {
     ULONG needed = 0;
     EXPECT_TRUE(System::StrToBin(bytes.data(), 1000, needed, page, text));
     return HexOf(bytes.substr(0, needed));
+}
+
+Text MarkOf(const std::string& bytes) {
+    System::TCodePage page;
+    const int length = CheckBOM(&page, bytes.data(), static_cast<int>(bytes.size()));
+    return Number(page) + TEXT(" ") + Number(length);
 }
 
 Text SetTags(const Text& hex) {
@@ -256,8 +269,8 @@ const std::map<std::string, Call> kCalls = {
     {"FormatFits", CALL(YesOrNo(System::FormatFits(a[0].t_str(), 1, TEXT("a"), 2.0)))},
     {"FindFormatField", CALL(Number(FindFormatField(a[0].t_str(), a[1])))},
     {"FillFormat", CALL(FillFormat(a[0].t_str(), FillKnown, nullptr))},
-    {"TemplateString", CALL(TemplateString(a[0], FillKnown, nullptr))},
-    {"TemplateStringFormat", CALL(TemplateStringFormat(a[0], FillKnown, nullptr))},
+    {"TemplateString", CALL(OnOwn(a[0], TemplateString))},
+    {"TemplateStringFormat", CALL(OnOwn(a[0], TemplateStringFormat))},
     {"TemplateStringSafeFormat", CALL(TemplateStringSafeFormat(a[0], FillKnown, nullptr))},
     {"TemplateStringFindField", CALL(Number(TemplateStringFindField(a[0], a[1])))},
     {"ReplaceTags", CALL(ReplaceName(a[0], a[1], false, a[2], a[3]))},
@@ -278,6 +291,7 @@ const std::map<std::string, Call> kCalls = {
     {"Decoded", CALL(Decoded(a[0]))},
     {"Encoded", CALL(Encoded(a[0], static_cast<System::TCodePage>(IntOf(a[1]))))},
     {"SetTags", CALL(SetTags(a[0]))},
+    {"CheckBOM", CALL(MarkOf(BytesOf(a[0])))},
     // The host
     {"FromPage", CALL(FromPage(a[0], static_cast<UINT>(IntOf(a[1])), 0))},
     {"FromPageStrictly",

@@ -140,5 +140,5 @@ QV_API int FindFormatField(const WCHAR* text, const UnicodeString& name);
 using TFillField = bool (*)(const UnicodeString& name, const UnicodeString& spec,
                             UnicodeString& out, void* context);
 
-// `text` with every field that `fill` knows replaced.
+// `text` with every field that `fill` knows replaced. `fill` must leave `text` as it is.
 QV_API UnicodeString FillFormat(const WCHAR* text, TFillField fill, void* context);

@@ -46,17 +46,20 @@ void QuoteValues(Classes::TStrings& items) {
 }  // namespace
 
 UnicodeString TemplateString(const UnicodeString& text, TFillField fill, void* context) {
-    if (IsTemplate(text)) return text;
+    // `fill` may change the caller's string. The text that is searched stays.
+    const UnicodeString kept(text);
+    if (IsTemplate(kept)) return kept;
     TFieldSpan field;
-    for (const WCHAR* p = text.t_str(); FindField(p, field); p = field.begin + 1) {
+    for (const WCHAR* p = kept.t_str(); FindField(p, field); p = field.begin + 1) {
         UnicodeString unused;
-        if (fill(field.Name(), field.Spec(), unused, context)) return TEXT("=") + text;
+        if (fill(field.Name(), field.Spec(), unused, context)) return TEXT("=") + kept;
     }
-    return text;
+    return kept;
 }
 
 UnicodeString TemplateStringFormat(const UnicodeString& text, TFillField fill, void* context) {
-    return IsTemplate(text) ? FillFormat(text.t_str() + 1, fill, context) : text;
+    const UnicodeString kept(text);  // as above
+    return IsTemplate(kept) ? FillFormat(kept.t_str() + 1, fill, context) : kept;
 }
 
 UnicodeString TemplateStringSafeFormat(const UnicodeString& text, TFillField fill, void* context) {
