@@ -28,6 +28,10 @@ class LoudList : public TStringList {
     UnicodeString Get(int index) override { return TStringList::Get(index).UpperCase(); }
 };
 
+class FullList : public TStringList {
+    void SetCapacity(int) override {}
+};
+
 }  // namespace
 
 TEST(StringList, UnusualDelimitersNeverHang) {
@@ -166,4 +170,5 @@ TEST(StringList, ADerivedListIsAskedForItsItems) {
     EXPECT_EQ(list.GetTextStr(), TEXT("A=1\r\nB\r\n"));
     EXPECT_EQ(list.IndexOf(TEXT("B")), 1);
     EXPECT_EQ(list.IndexOfName(TEXT("A")), 0);
+    EXPECT_THROW(FullList().Add(TEXT("x")), std::bad_alloc);
 }

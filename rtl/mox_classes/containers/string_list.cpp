@@ -95,6 +95,8 @@ void TStringList::SetCapacity(int capacity) {
 
 void TStringList::Grow() {
     SetCapacity(FCapacity + (FCapacity < kSmallCapacity ? kSmallStep : kLargeStep));
+    // A derived list may refuse to grow.
+    if (FCapacity <= FCount) throw std::bad_alloc();
 }
 
 void TStringList::Insert(int index, UnicodeString s) {
