@@ -58,7 +58,19 @@ class TXmlTreeWriter {
     TXmlTreeWriter(TXmlOutputBuffer<Unit>& output, TXmlFormatter& format, const UnicodeString& unit)
         : output_(output), format_(format), unit_(unit), line_break_(format.LineBreak()) {}
 
+    // Whatever the stream throws, the formatter keeps its level.
     void Write(const TXmlNode* root) {
+        const int level = format_.GetLevel();
+        try {
+            WriteTree(root);
+        } catch (...) {
+            format_.SetLevel(level);
+            throw;
+        }
+    }
+
+  private:
+    void WriteTree(const TXmlNode* root) {
         std::vector<TOpenElement> open;
         TOpenElement element{root, 0, false};
         // The last element of `open` is the parent of the next element.
@@ -82,7 +94,6 @@ class TXmlTreeWriter {
         }
     }
 
-  private:
     // Writes the start tag and what stands on its line. True when an end tag must follow.
     bool WriteStart(TOpenElement& element) {
         const TXmlNode& node = *element.node;

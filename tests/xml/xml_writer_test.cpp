@@ -22,6 +22,10 @@ std::string Bytes(const Classes::TMemoryStream& stream, int size) {
                        static_cast<std::size_t>(size));
 }
 
+class TFullStream : public Classes::TMemoryStream {
+    int Write(const void*, int) override { throw UnicodeString("full"); }
+};
+
 std::string Saved(TXmlNode& node, const WCHAR* unit = TEXT(""), const WCHAR* line = TEXT("")) {
     TXmlFormatter format(unit, line, 0);
     return Utf8(node.SaveToString(format));
@@ -173,6 +177,11 @@ TEST(XmlWriter, ALongTextIsReadAsItWasWritten) {
         EXPECT_EQ(again.ParseResult(), size);
         EXPECT_TRUE(again.FRoot->FValue == pairs);
         EXPECT_THROW(TXmlDoc().LoadFromStream(&stream), UnicodeString);
+        doc.FRoot->FValue = UnicodeString();
+        TFullStream full;
+        TXmlFormatter format;
+        EXPECT_THROW(doc.FRoot->SaveToStream(&full, format, code_page), UnicodeString);
+        EXPECT_EQ(format.GetLevel(), 0);
     }
 }
 
