@@ -50,11 +50,13 @@ class QV_API TDefineTable {
 QV_API UnicodeString DefineToString(const TDefineInfo* table, int value, bool withPrefix);
 // Takes a name in any case, with or without the prefix, and any number. False for other texts. Of a
 // flag set what TryStringToFlags gives.
-QV_API bool TryStringToDefine(const TDefineInfo* table, int& value, const UnicodeString& text);
+[[nodiscard]] QV_API bool TryStringToDefine(const TDefineInfo* table, int& value,
+                                            const UnicodeString& text);
 // The names of all rows that `value` contains, joined with '|'; null when there is none.
 QV_API UnicodeString FlagsToString(const TDefineInfo* table, int value, bool withPrefix);
 // False at the first name that no row has; `value` then holds the flags before it.
-QV_API bool TryStringToFlags(const TDefineInfo* table, int& value, const UnicodeString& text);
+[[nodiscard]] QV_API bool TryStringToFlags(const TDefineInfo* table, int& value,
+                                           const UnicodeString& text);
 
 // False for "0", "false", "off" in any case and between blanks; true for everything else.
 QV_API bool StringToBool(const UnicodeString& text);

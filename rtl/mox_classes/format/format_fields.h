@@ -123,11 +123,11 @@ UnicodeString mox_format(const TFormatFields& fields, const WCHAR* format, const
 
 // Formats `value` by `spec`, or by `override_spec` when that is neither null nor empty; it must
 // then be of the same type. False, and `out` stays, when the types or the value do not fit.
-QV_API bool mox_format_value(UnicodeString& out, const WCHAR* spec, const WCHAR* override_spec,
-                             const TFormatValue& value);
+[[nodiscard]] QV_API bool mox_format_value(UnicodeString& out, const WCHAR* spec,
+                                           const WCHAR* override_spec, const TFormatValue& value);
 template <class T>
-bool mox_format_field(UnicodeString& out, const WCHAR* spec, const WCHAR* override_spec,
-                      const T& value) {
+[[nodiscard]] bool mox_format_field(UnicodeString& out, const WCHAR* spec,
+                                    const WCHAR* override_spec, const T& value) {
     return mox_format_value(out, spec, override_spec, TFormatValue(value));
 }
 

@@ -31,13 +31,15 @@ QV_API bool StrToBin(void* buffer, ULONG size, ULONG& needed, TCodePage& code_pa
 // Reads what StrToBin wrote; `used` is the size of the record. False, with `s` empty and `used` as
 // it was, sets the last error: 122 for a record that is cut off or has no valid length size, 13 for
 // one that cannot be text. Success sets it to 0.
-QV_API bool BinToStr(const void* buffer, ULONG size, ULONG& used, UnicodeString& s);
+[[nodiscard]] QV_API bool BinToStr(const void* buffer, ULONG size, ULONG& used, UnicodeString& s);
 
 // Packs many strings into one buffer: tags and lengths grow from `head` upwards, texts from `tail`
 // downwards. False, and nothing changes, when the space between them is too small.
-QV_API bool StringToBuffer(unsigned char*& head, unsigned char*& tail, const UnicodeString& s);
+[[nodiscard]] QV_API bool StringToBuffer(unsigned char*& head, unsigned char*& tail,
+                                         const UnicodeString& s);
 // Reads the next string, from the head and tail where packing began. False as for BinToStr, with
 // head and tail as they were.
-QV_API bool BufferToString(unsigned char*& head, unsigned char*& tail, UnicodeString& s);
+[[nodiscard]] QV_API bool BufferToString(unsigned char*& head, unsigned char*& tail,
+                                         UnicodeString& s);
 
 }  // namespace System
