@@ -81,7 +81,9 @@ UnicodeString GetPrinterPost(UnicodeString printer, UnicodeString* params) {
     UnicodeString program =
         PrinterSetting(printer, TEXT("Rasterizer"), TEXT("DefaultRasterizer"), TEXT("qv_post.exe"));
     if (!Sysutils::FileExists(program) && program.Pos(TEXT("\\")) == 0) {
-        program = Sysutils::ConfirmPathString(GetInstallPath()) + program;
+        // A bare name would be looked for in other folders by whoever starts it.
+        const UnicodeString folder = Sysutils::ConfirmPathString(GetInstallPath());
+        program = Or(folder, TEXT("\\")) + program;
     }
     if (params != nullptr) {
         *params = PrinterSetting(printer, TEXT("RasterizerParams"), TEXT("DefaultRasterizerParams"),

@@ -37,7 +37,8 @@ QV_API UnicodeString GetPrinterLocale(UnicodeString printer);
 // temporary folder.
 QV_API UnicodeString GetPrinterLogFile();
 // The program that runs after a print job; *params, when asked for, receives its command line with
-// job tags. A program that is not found by its bare name is placed in the installation folder.
+// job tags. A program that is not found by its bare name is placed in the installation folder, in
+// the root folder when the product is not installed.
 QV_API UnicodeString GetPrinterPost(UnicodeString printer, UnicodeString* params);
 // Description of the operating system for the log; the same text on every call.
 QV_API UnicodeString GetOSInfo();

@@ -34,7 +34,7 @@ TEST_F(Installation, WhatIsNotSetHasAFallback) {
     EXPECT_TRUE(GetInstallPath().IsEmpty());
     EXPECT_EQ(GetPrinterLanguage(), TEXT("en"));
     EXPECT_EQ(GetPrinterLocale(TEXT("One")), TEXT("gl"));
-    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), TEXT("qv_post.exe"));
+    EXPECT_EQ(GetPrinterPost(TEXT("One"), &params), TEXT("\\qv_post.exe"));
     EXPECT_EQ(params, UnicodeString(TEXT("-d {spoolfile} -t {docname} -p {printername} -j {jobid} "
                                          "-a {application}")));
 }
