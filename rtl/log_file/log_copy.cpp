@@ -121,12 +121,14 @@ bool ReadUnlocked(TReadFile& file, TLogCopyExtent extent, std::vector<std::uint8
 UnicodeString CopyLogFile(const UnicodeString& fileName, TLogCopyExtent extent,
                           std::vector<std::uint8_t>& bytes, TLogCopy& copy) {
     TReadFile file(fileName);
-    if (!file.IsOpen()) return GetSysError(GetLastError(), true);
     TLogFileHeader header{};
     copy = TLogCopy::Locked;
-    const bool read = file.Lock() ? ReadAll(file, extent, header, bytes)
-                                  : ReadUnlocked(file, extent, bytes, copy);
-    return read ? UnicodeString() : GetSysError(GetLastError(), true);
+    if (file.IsOpen() && (file.Lock() ? ReadAll(file, extent, header, bytes)
+                                      : ReadUnlocked(file, extent, bytes, copy))) {
+        return UnicodeString();
+    }
+    copy = TLogCopy::Failed;
+    return GetSysError(GetLastError(), true);
 }
 
 }  // namespace Mox

@@ -22,15 +22,26 @@ std::uint64_t Fingerprint(const TLogMsg& record) {
     return hash;
 }
 
-// Records of a log whose header cannot be believed have no numbers.
-TLogResumed ResumeByFingerprint(TLogReader& reader, const TLogCursor& cursor) {
+// Whether the cursor's record stands where its number says. The reader is behind it then.
+bool IsInPlace(TLogReader& reader, const TLogCursor& cursor) {
+    reader.Seek(cursor.number);
+    const TLogMsg* const record = reader.Next();
+    return record != nullptr && reader.Place().number == cursor.number &&
+           Fingerprint(*record) == cursor.fingerprint;
+}
+
+// Looks for the cursor's record everywhere: what is lost changes the numbers of the records before
+// it, and without a header that is believed there are none. The reader is behind the record then,
+// else at its oldest.
+bool IsSomewhere(TLogReader& reader, const TLogCursor& cursor) {
     std::size_t seen = 0;
+    reader.Seek(0);
     for (std::size_t i = 1; const TLogMsg* record = reader.Next(); ++i) {
         if (Fingerprint(*record) == cursor.fingerprint) seen = i;
     }
     reader.Seek(0);
     for (std::size_t i = 0; i < seen; ++i) reader.Next();
-    return {seen == 0, 0};
+    return seen != 0;
 }
 
 }  // namespace
@@ -40,18 +51,18 @@ TLogCursor CursorAt(const TLogReader& reader, const TLogMsg& record) {
 }
 
 TLogResumed Resume(TLogReader& reader, const TLogCursor& cursor) {
-    const bool numbered = cursor.number != 0 && reader.Header().version != 0;
-    if (!numbered) return ResumeByFingerprint(reader, cursor);
-    TLogResumed resumed;
     const std::uint64_t newest = reader.Header().counter;
+    const bool numbered = cursor.number != 0 && reader.Header().version != 0;
+    if (numbered && IsInPlace(reader, cursor)) return {};
+    if (IsSomewhere(reader, cursor)) return {};
+    TLogResumed resumed;
+    resumed.made_anew = !numbered || newest < cursor.number;
+    if (resumed.made_anew) return resumed;
     reader.Seek(cursor.number);
-    const TLogMsg* const record = reader.Next();
-    const std::uint64_t number = record == nullptr ? newest + 1 : reader.Place().number;
-    const bool same_place = record != nullptr && number == cursor.number;
-    resumed.made_anew =
-        newest < cursor.number || (same_place && Fingerprint(*record) != cursor.fingerprint);
-    if (!resumed.made_anew && number > cursor.number + 1)
-        resumed.overwritten = number - cursor.number - 1;
+    const std::uint64_t number = reader.Next() == nullptr ? newest + 1 : reader.Place().number;
+    // Another record has the cursor's number.
+    resumed.made_anew = number == cursor.number;
+    if (number > cursor.number) resumed.overwritten = number - cursor.number - 1;
     reader.Seek(resumed.made_anew ? 0 : cursor.number + 1);
     return resumed;
 }

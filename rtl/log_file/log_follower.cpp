@@ -16,11 +16,11 @@ System::TFileHandle OpenShared(const UnicodeString& name) {
 }
 
 // Read without the lock: only whether the bytes change matters. Empty while there is no file.
-std::string HeaderBytes(const UnicodeString& name) {
+std::string Beginning(const UnicodeString& name) {
     const System::TFileHandle file = OpenShared(name);
-    std::string bytes(kHeaderSize, '\0');
+    std::string bytes(kBeginningSize, '\0');
     DWORD done = 0;
-    if (!file || !ReadFile(file.Get(), bytes.data(), kHeaderSize, &done, nullptr)) done = 0;
+    if (!file || !ReadFile(file.Get(), bytes.data(), kBeginningSize, &done, nullptr)) done = 0;
     bytes.resize(done);
     return bytes;
 }
@@ -30,7 +30,7 @@ std::string HeaderBytes(const UnicodeString& name) {
 DWORD TLogFollower::Open(const UnicodeString& fileName, TStart start) {
     if (!OpenShared(fileName)) return GetLastError();
     name_ = fileName;
-    header_.clear();
+    beginning_.clear();
     behind_.reset();
     coming_ = TLogResumed();
     if (!Copy() && reader_.Error().Length() > 0) return ERROR_INVALID_DATA;
@@ -61,11 +61,12 @@ const TLogMsg* TLogFollower::NextOfCopy() {
 
 // Copies the log again when it has changed, and goes on in the copy behind the last record.
 bool TLogFollower::Copy() {
-    const std::string header = HeaderBytes(name_);
-    if (header.empty() || header == header_) return false;
-    header_ = header;
-    if (!reader_.Open(name_) && !reader_.StartWithoutHeader()) return false;
-    if (!behind_) return true;
+    const std::string beginning = Beginning(name_);
+    if (beginning.empty() || beginning == beginning_) return false;
+    beginning_.clear();  // the next call tries again when this one cannot read the file
+    const bool has_records = reader_.Open(name_) || reader_.StartWithoutHeader();
+    if (reader_.Copy() != TLogCopy::Failed) beginning_ = beginning;
+    if (!has_records || !behind_) return has_records;
     coming_ = Resume(reader_, *behind_);
     if (coming_.made_anew) behind_.reset();
     return true;

@@ -35,7 +35,7 @@ class TLogFollower {
     void GoToEnd();
 
     UnicodeString name_;
-    std::string header_;  // of the file when it was copied last
+    std::string beginning_;  // of the file when it was copied last
     TLogReader reader_;
     std::optional<TLogCursor> behind_;  // the last record
     TLogResumed news_;                  // of the record that Next returned last

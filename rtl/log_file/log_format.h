@@ -70,6 +70,8 @@ inline constexpr std::uint8_t kEmptyStringTag = 0x00;
 inline constexpr std::uint32_t kWidestNumber = 4;
 // Link, tag and length: what tells where a slot ends.
 inline constexpr std::uint32_t kSlotHeadSize = kLinkSize + 1 + kWidestNumber;
+// The header and the first record's time: they change with every record, and with another file.
+inline constexpr std::uint32_t kBeginningSize = kFirstSlot + kSlotHeadSize + sizeof(std::uint64_t);
 inline constexpr std::uint32_t kSmallestSlot = kLinkSize + 2 + kRecordFixedSize;
 inline constexpr std::uint32_t kSmallestLimit = kFirstSlot + kSmallestSlot;
 

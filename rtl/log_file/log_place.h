@@ -23,7 +23,8 @@ struct TLogPlace {
     std::uint64_t number = 0;  // the change counter when it had been written; 0: not known
 };
 
-// How the copy was made. Only in one that changed meanwhile may sound records look damaged.
-enum class TLogCopy { Locked, Unchanged, Changed };
+// How the copy was made. Only in one that changed meanwhile may sound records look damaged. Failed:
+// the file could not be read, so that nothing is known of it.
+enum class TLogCopy { Locked, Unchanged, Changed, Failed };
 
 }  // namespace Mox

@@ -84,6 +84,37 @@ TEST_F(LogCalls, RecordsComeOnceAndWhatIsLostIsCounted) {
     QVCloseLog(log_);
     ASSERT_EQ(Open(false), 0);
     EXPECT_EQ(News(), (Texts{"fresh", "second"}));
+    Close();
+    DeleteFileW(Name().c_str());
+    Record(kLimit);
+    Log("other");
+    Log("header");
+    EXPECT_EQ(News(), (Texts{"* other", "header"})) << "the header has the same bytes";
+}
+
+// Numbers count from the newest record, so that damage changes them.
+TEST_F(LogCalls, WhatIsReadGoesOnBehindDamageAndFailures) {
+    Record(kLimit);
+    Log("first");
+    Log("second");
+    ASSERT_EQ(Open(false), 0);
+    EXPECT_EQ(News(), (Texts{"first", "second"}));
+    const DWORD third = Header().write_position;
+    Log("third");
+    Log("fourth");
+    Close();
+    LogImage image = Image();
+    image[third + 4] ^= 0xFF;
+    Replace(image);
+    const HANDLE deleting =
+        CreateFileW(Name().c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    EXPECT_EQ(News(), Texts{});
+    FileTest::Close(deleting);
+    EXPECT_EQ(News(), Texts{"fourth"});
+    image[7] ^= 0x40;  // the counter
+    Replace(image);
+    EXPECT_EQ(News(), Texts{});
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ void TakeLog(Mox::TLogReader& reader, const std::string& name, const std::string
 }
 
 std::string HeaderBytes(const UnicodeString& name) {
-    std::string bytes(Mox::kHeaderSize, '\0');
+    std::string bytes(Mox::kBeginningSize, '\0');
     try {
         Classes::TFileStream file(name, kSharedRead);
         const int size = file.Read(bytes.data(), static_cast<int>(bytes.size()));
