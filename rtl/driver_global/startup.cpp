@@ -125,6 +125,9 @@ void QVUninitDriver(const UnicodeString& moduleName) {
 }
 
 DWORD InstallLogRecorder() {
-    const bool is_installed = std::atomic_ref(Mox::GetLogger()->recorder).load() != nullptr;
-    return is_installed ? DWORD{NO_ERROR} : InstallRecorder(GetPrinterLogFile());
+    Mox::TLogger& logger = *Mox::GetLogger();
+    if (std::atomic_ref(logger.recorder).load() != nullptr) return NO_ERROR;
+    // Without a unit the logger writes nothing, and nobody would take the recorder out again.
+    if (std::atomic_ref(logger.refCount).load() < 1) return ERROR_NOT_READY;
+    return InstallRecorder(GetPrinterLogFile());
 }

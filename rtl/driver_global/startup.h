@@ -28,5 +28,5 @@ QV_API void QVUninitDriver(const UnicodeString& moduleName);
 
 // Installs the log file recorder as the start of a unit does, unless one is installed; also in a
 // program that only looks. Returns a Win32 error code, NO_ERROR when one is installed,
-// ERROR_NOT_READY when the log is switched off.
+// ERROR_NOT_READY when the log is switched off, or no unit is connected.
 QV_API DWORD InstallLogRecorder();

@@ -6,13 +6,12 @@
 #include <vector>
 
 #include "mox_classes/memory/handles.h"
-#include "mox_classes/text/sys_error.h"
 
 namespace Mox {
 
 namespace {
 
-using log_file::Report;
+using log_file::ReportError;
 
 DWORD Shown(HANDLE file) {
     return static_cast<DWORD>(reinterpret_cast<ULONG_PTR>(file));
@@ -89,8 +88,8 @@ bool TLogFileRing::Open(const UnicodeString& fileName, DWORD sizeLimit) {
     named_at_ = Number(now);
     outcome_ = IsOpen() ? NO_ERROR : code;
     if (IsOpen()) return true;
-    Report(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, fileName,
-           GetSysError(code, true));
+    ReportError(__builtin_LINE(), log_file::TReportTexts::Translated, log_file::kOpenFailed, code,
+                fileName);
     return false;
 }
 
@@ -137,7 +136,7 @@ QV_APPEND_STEP void TLogFileRing::FollowName(const TLogMsg& message) {
     if (fresh != INVALID_HANDLE_VALUE) return Use(fresh);
     const DWORD code = GetLastError();
     GiveUp(code);  // the record goes into a file that nobody finds
-    Report(__builtin_LINE(), texts_, log_file::kOpenFailed, name_, GetSysError(code, true));
+    ReportError(__builtin_LINE(), texts_, log_file::kOpenFailed, code, name_);
 }
 
 // Whether the name leads to another file than the open one, or to none. Where that cannot be known
@@ -172,8 +171,8 @@ QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
         const DWORD code = GetLastError();
         if (code != ERROR_LOCK_VIOLATION ||
             (leaving_.load() && left_to_wait_ <= TDuration::zero())) {
-            Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("LockFile"), Shown(file_),
-                   0, kHeaderSize, GetSysError(code, true));
+            ReportError(__builtin_LINE(), texts_, log_file::kLockFailed, code, TEXT("LockFile"),
+                        Shown(file_), 0, kHeaderSize);
             return GiveUp(code);
         }
         // By the clock: on a busy machine even letting others run takes its time.
@@ -188,13 +187,13 @@ QV_APPEND_STEP bool TLogFileRing::WaitForLock() {
 
 QV_APPEND_STEP void TLogFileRing::Unlock() {
     if (header_.counter != counter_at_lock_ && Write(0, &header_, kHeaderSize) != kHeaderSize) {
-        Report(__builtin_LINE(), texts_, log_file::kTransferFailed, TEXT("Write"), Shown(file_),
-               kHeaderSize, GetSysError(GetLastError(), true));
+        ReportError(__builtin_LINE(), texts_, log_file::kTransferFailed, GetLastError(),
+                    TEXT("Write"), Shown(file_), kHeaderSize);
     }
     counter_after_unlock_ = header_.counter;
     if (!UnlockFile(file_, 0, 0, kHeaderSize, 0)) {
-        Report(__builtin_LINE(), texts_, log_file::kLockFailed, TEXT("UnlockFile"), Shown(file_), 0,
-               kHeaderSize, GetSysError(GetLastError(), true));
+        ReportError(__builtin_LINE(), texts_, log_file::kLockFailed, GetLastError(),
+                    TEXT("UnlockFile"), Shown(file_), 0, kHeaderSize);
     }
 }
 
@@ -358,12 +357,11 @@ DWORD TLogFileRing::WriteReported(DWORD offset, const void* bytes, DWORD size) {
 void TLogFileRing::ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line) {
     const DWORD code = GetLastError();
     GiveUp(code);
-    const UnicodeString error = GetSysError(code, true);
     if (code == ERROR_INVALID_FUNCTION) {
-        Report(line, texts_, log_file::kSeekFailed, TEXT("::SetFilePointer"), Shown(file_), offset,
-               error);
+        ReportError(line, texts_, log_file::kSeekFailed, code, TEXT("::SetFilePointer"),
+                    Shown(file_), offset);
     } else {
-        Report(line, texts_, log_file::kTransferFailed, call, Shown(file_), size, error);
+        ReportError(line, texts_, log_file::kTransferFailed, code, call, Shown(file_), size);
     }
 }
 

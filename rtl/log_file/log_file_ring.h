@@ -102,6 +102,10 @@ class TLogFileRing {
     void ReportTransfer(const WCHAR* call, DWORD offset, DWORD size, int line);
 
     TLogFileHeader header_{};
+    HANDLE file_ = INVALID_HANDLE_VALUE;
+    DWORD limit_ = 0xFFFFFFFF;
+    std::uint64_t counter_after_unlock_ = 0;
+    std::uint64_t counter_at_lock_ = 0;
     UnicodeString name_;
     std::uint64_t named_at_ = 0;  // when `name_` led to the open file: a message's time
     bool checked_ = false;        // against everything that the file holds
@@ -109,10 +113,6 @@ class TLogFileRing {
     UnicodeString notice_;                     // of a repair; is to be logged
     bool notice_due_ = false;                  // also when that costs old records
     DWORD outcome_ = NO_ERROR;
-    HANDLE file_ = INVALID_HANDLE_VALUE;
-    DWORD limit_ = 0xFFFFFFFF;
-    std::uint64_t counter_after_unlock_ = 0;
-    std::uint64_t counter_at_lock_ = 0;
     log_file::TReportTexts texts_ = log_file::TReportTexts::Translated;
     std::atomic<bool> leaving_{false};
     TDuration left_to_wait_ = kLastWait;

@@ -202,7 +202,8 @@ DWORD LogSurely(int level, const UnicodeString& source, int line, const UnicodeS
     if (recorder == nullptr) return ERROR_NOT_READY;
     recorder->ring_.ForgetOutcome();
     logger.Log(level, source, line, text, UnicodeString(), nullptr, 0);
-    return recorder->ring_.Outcome();
+    // A callback may have ended the unit, which frees the recorder.
+    return logger.recorder == recorder ? recorder->ring_.Outcome() : DWORD{ERROR_WRITE_FAULT};
 }
 
 void LogRecorderProc(void* context, TLogMsg* message, TLogRecorder* recorder, bool* owned) {

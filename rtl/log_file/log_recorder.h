@@ -40,7 +40,8 @@ class QV_API TLogRecorder {
 };
 
 // Makes `recorder` the logger's recorder and LogRecorderProc its record callback. The callback that
-// was installed before gets every message after it is written. The recorder stays its caller's.
+// was installed before gets every message after it is written. The recorder stays its caller's
+// until a unit starts or ends: QVInitApp and QVUninitApp delete the one that they find.
 QV_API void SetLogRecorder(TLogRecorder* recorder);
 // For who is about to take the installed recorder out, before the logger's lock: threads that wait
 // in it for a process that keeps the file's lock give up after half a second, and their messages
@@ -52,7 +53,8 @@ QV_API void ClearLogRecorder(TLogRecorder* recorder);
 // Logs a text as TLogger::Log does, and tells what became of it, a Win32 error code: NO_ERROR when
 // it is in the file, ERROR_NOT_READY without a recorder, ERROR_INVALID_DATA for a file that is no
 // log, ERROR_WRITE_FAULT when it did not get to the file, as in a callback of the logger, where it
-// has to wait. Any thread. Waits for the file's lock as long as another process holds it.
+// has to wait, or when such a callback took the recorder out. Any thread. Waits for the file's lock
+// as long as another process holds it.
 QV_API DWORD LogSurely(int level, const UnicodeString& source, int line, const UnicodeString& text);
 // The record callback. Takes the message, writes and frees it; one that is logged while its thread
 // is already writing waits in the thread's queue.

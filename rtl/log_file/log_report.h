@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils_numbers.h"
 #include "mox_classes/text/unicode_string.h"
 
@@ -36,6 +37,18 @@ void Report(int line, TReportTexts texts, const TReport& report, const Args&... 
     UnicodeString format = ReportFormat(report, texts);
     if (!System::FormatFits(format.t_str(), args...)) format = report.text;
     ShowReport(Sysutils::UnicodePrintf(format, args...), line);
+}
+
+// Reports the failure of a call; the text ends in the system's text for `code`. Want of memory, or
+// a look-up that throws, costs the report and nothing else.
+template <class... Args>
+void ReportError(int line, TReportTexts texts, const TReport& report, DWORD code,
+                 const Args&... args) noexcept {
+    try {
+        Report(line, texts, report, args..., Mox::GetSysError(code, true));
+    } catch (...) {
+        return;
+    }
 }
 
 }  // namespace log_file

@@ -189,12 +189,13 @@ void TLogger::SetLastError(UnicodeString text) {
 UnicodeString TLogger::GetLastError() {
     const std::lock_guard hold(ErrorReaderGuard());
     std::atomic_ref<UnicodeString*> slot(lastError);
-    UnicodeString* taken = slot.load();
-    while (taken != nullptr && !slot.compare_exchange_weak(taken, ErrorBeingRead())) {
-    }
-    if (taken == nullptr) return UnicodeString();
-    const UnicodeString text = *taken;
     UnicodeString* marker = ErrorBeingRead();
+    UnicodeString* taken = slot.load();
+    while (taken != nullptr && taken != marker && !slot.compare_exchange_weak(taken, marker)) {
+    }
+    // The marker of a reader that did not come along in a fork stays until the next error.
+    if (taken == nullptr || taken == marker) return UnicodeString();
+    const UnicodeString text = *taken;
     if (!slot.compare_exchange_strong(marker, taken)) delete taken;
     return text;
 }

@@ -1,6 +1,6 @@
 #include "mox_log/res_strings.h"
 
-#include <cwchar>
+#include <atomic>
 #include <string_view>
 
 #include "mox_classes/text/log_here.h"
@@ -25,11 +25,13 @@ constexpr std::basic_string_view<WCHAR> kConversions = TEXT("aAFcfnudgoxeGpXEis%
 }  // namespace
 
 UnicodeString TLogger::GetResString(UnicodeString domain, DWORD id) {
-    if (resStringProc == nullptr) {
+    // The end of the last unit takes the callback away.
+    const TResStringProc look_up = std::atomic_ref(resStringProc).load();
+    if (look_up == nullptr) {
         return ReadRegistry(HKEY_CURRENT_USER, StorageKey(domain), StorageName(id));
     }
     UnicodeString text;
-    resStringProc(resStringContext, domain, id, &text);
+    look_up(resStringContext, domain, id, &text);
     return text;
 }
 

@@ -18,9 +18,9 @@ extern "C" {
 // Puts a line into the log in force, through the logger, as line `line` of module `source`; 0 where
 // there are no lines. Levels: 'X', '*', 'i', ' '. A source is 1 to kMostLogSource units without
 // blanks, control characters, commas and brackets. Waits as long as another process keeps the log's
-// lock. ERROR_NOT_READY: the log is switched off. ERROR_INVALID_DATA: its file is no log.
-// ERROR_WRITE_FAULT: not written, for want of memory, or not yet, in a callback of the logger.
-// Others are those of the file. Any thread.
+// lock. ERROR_NOT_READY: the log is switched off, or all units have ended. ERROR_INVALID_DATA: its
+// file is no log. ERROR_WRITE_FAULT: not written, for want of memory, or not yet, in a callback of
+// the logger. Others are those of the file. Any thread.
 QV_API int QVWriteLog(int level, const WCHAR* source, int line, const WCHAR* text);
 
 // Opens a log for reading; null or "" is the one in force. With `onlyNew` the first record is the

@@ -154,6 +154,16 @@ TEST_F(Startup, UnitsStopInAnyOrder) {
     EXPECT_EQ(Logged(), twice);
 }
 
+TEST_F(Startup, AUnitMayEndInACallbackOfTheLog) {
+    Start(TEXT("unit"));
+    CleanLogger::Logger().recordProc = [](void*, Mox::TLogMsg*, Mox::TLogRecorder*, bool*) {
+        QVUninitApp(UnicodeString());
+    };
+    Mox::SetLogRecorder(CleanLogger::Logger().recorder);
+    EXPECT_EQ(Mox::LogSurely('i', TEXT("tests"), 1, TEXT("last")), DWORD{ERROR_WRITE_FAULT});
+    EXPECT_EQ(Logged(), (Texts{Started("unit"), "last"}));
+}
+
 TEST_F(Startup, TheResourceFileMaySetTheSupportedFields) {
     const std::pair<const char*, std::uint32_t> rows[] = {
         {"<r><devmode><fields>515</fields></devmode></r>", 515},

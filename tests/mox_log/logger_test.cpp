@@ -56,6 +56,11 @@ TEST(Logger, ErrorsWithoutAUnitAreLoggedAndForgotten) {
     Plain('X', TEXT("kept"));
     Plain('*', TEXT("warning"));
     EXPECT_EQ(clean.Logger().GetLastError(), TEXT("kept"));
+    // A reader's marker, as a fork can leave it.
+    UnicodeString* marker = reinterpret_cast<UnicodeString*>(&clean.Logger());
+    std::swap(clean.Logger().lastError, marker);
+    EXPECT_EQ(clean.Logger().GetLastError(), UnicodeString());
+    std::swap(clean.Logger().lastError, marker);
 }
 
 TEST(Logger, ALineShowsAtMostAHundredBytesOfABlock) {

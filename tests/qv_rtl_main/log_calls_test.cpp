@@ -58,6 +58,10 @@ TEST_F(LogCalls, ALineIsTakenOrRefused) {
     EXPECT_EQ(QVWriteLog('i', TEXT("a"), 7, (long_text + TEXT("t")).t_str()), 0);
     const std::string most(kMostLogText, 't');
     EXPECT_EQ(Read().texts, (Texts{"one", most, most + " ... (cut)"}));
+    Close();
+    CleanLogger::Logger().Release();
+    EXPECT_EQ(QVWriteLog('i', TEXT("a"), 7, TEXT("t")), ERROR_NOT_READY) << "no unit";
+    EXPECT_EQ(CleanLogger::Logger().recorder, nullptr);
 }
 
 TEST_F(LogCalls, RecordsComeOnceAndWhatIsLostIsCounted) {
