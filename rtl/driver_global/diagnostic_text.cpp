@@ -120,6 +120,22 @@ bool IsAllZero(const DEVMODEW& dm) {
     return std::all_of(bytes, bytes + sizeof(dm), [](BYTE b) { return b == 0; });
 }
 
+// The DEVMODE of a decoded job record follows its texts and may lie at any even address. The copy
+// holds the private part too when the record says that there is one.
+class TAlignedCopy {
+  public:
+    explicit TAlignedCopy(const void* dm) {
+        std::memcpy(bytes_, dm, sizeof(DEVMODEW));
+        if (Block().dmDriverExtra >= QV_DEVMODE::kExtraSize) {
+            std::memcpy(bytes_, dm, sizeof(bytes_));
+        }
+    }
+    QV_DEVMODE& Block() { return *reinterpret_cast<QV_DEVMODE*>(bytes_); }
+
+  private:
+    alignas(QV_DEVMODE) BYTE bytes_[sizeof(QV_DEVMODE)];
+};
+
 // One "name=value " pair of a field. A '*' marks a field whose bit in dmFields is set.
 class TFieldLine {
   public:
@@ -170,16 +186,18 @@ void AddPublicFields(TFieldLine& line, const DEVMODEW& dm) {
 
 UnicodeString DEVMODE_Str(DEVMODEW* dm) {
     if (dm == nullptr) return TEXT("NULL");
-    if (IsAllZero(*dm)) return TEXT("Empty");
-    TFieldLine line(dm->dmFields);
+    TAlignedCopy copy(dm);
+    QV_DEVMODE& block = copy.Block();
+    if (IsAllZero(block)) return TEXT("Empty");
+    TFieldLine line(block.dmFields);
     line.Text().printf(
         TEXT("DeviceName=\"%s\" SpecVersion=%hu DriverVersion=%hu Size=%hu DriverExtra=%hu "),
-        FieldText(dm->dmDeviceName, CCHDEVICENAME), dm->dmSpecVersion, dm->dmDriverVersion,
-        dm->dmSize, dm->dmDriverExtra);
-    AddPublicFields(line, *dm);
-    if (QV_DEVMODE::IsValidQV_DEVMODE(dm)) {
+        FieldText(block.dmDeviceName, CCHDEVICENAME), block.dmSpecVersion, block.dmDriverVersion,
+        block.dmSize, block.dmDriverExtra);
+    AddPublicFields(line, block);
+    if (QV_DEVMODE::IsValidQV_DEVMODE(&block)) {
         constexpr int kFirstPrivateRow = 34;
-        line.Text() += TQVDM(dm).ToString(TEXT(" "), kFirstPrivateRow);
+        line.Text() += TQVDM(&block).ToString(TEXT(" "), kFirstPrivateRow);
     }
     return line.Text();
 }
@@ -223,8 +241,7 @@ UnicodeString TextTypeSYSTEMTIME(SYSTEMTIME* t) {
 
 namespace {
 
-// The DEVMODE of a decoded job record follows its texts and may lie at any even address, so its
-// members are copied.
+// Of a block that need not be aligned, too.
 int DevModeBytes(const void* dm) {
     if (dm == nullptr) return 0;
     DEVMODEW sizes;

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <utility>
+#include <vector>
 
 #include "driver_devmode/qv_devmode.h"
 #include "support/string_print.h"
@@ -54,6 +56,9 @@ TEST(DiagnosticText, ABlockShowsItsFields) {
                    "*FormName=\"ffffffffffffffffffffffffffffffff\" Nup=DMNUP_ONEUP  ICMMethod=1 "
                    "ICMIntent=1 MediaType=1 DitherType=1 Reserved1=0 Reserved2=0 PanningWidth=0 "
                    "*PanningHeight=0 exID=\"QV DEVMODEex\" exVersion=263"));
+    std::vector<BYTE> odd(sizeof(block) + 2);
+    std::memcpy(odd.data() + 2, &block, sizeof(block));
+    EXPECT_EQ(DEVMODE_Str(reinterpret_cast<DEVMODEW*>(odd.data() + 2)), text) << "not aligned";
     block.exVersion = 1;
     text = DEVMODE_Str(&block);
     EXPECT_EQ(text.SubString(text.Length() - 15, 16), TEXT("PanningHeight=0 "));
