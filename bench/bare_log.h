@@ -14,7 +14,7 @@ namespace bench {
 // header, unlock.
 class BareLog {
   public:
-    // How a lock that is taken is waited for: in the system call, or by trying every millisecond.
+    // How to wait for a busy lock: inside the system call, or with a try every millisecond.
     enum class Wait { InCall, Polling };
 
     BareLog(const std::string& file_name, std::uint32_t limit, std::uint32_t record_size,

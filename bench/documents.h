@@ -1,5 +1,5 @@
-// The XML documents that the benchmarks work on. They are made here, the same on every run: UTF-8,
-// with a declaration, CR LF and indentation as the library's own writer puts them.
+// The XML documents of the benchmarks. They are generated, and are the same on every run: UTF-8
+// with a declaration, and with the line breaks and indentation of the library's own writer.
 #pragma once
 
 #include <string>
@@ -14,8 +14,8 @@ std::string PrinterResponse(int printers);
 // per text.
 std::string ResourceFile(int strings);
 
-// Those of the tables, made once: 20 printers (about 58 KB), 2,000 printers (about 5.8 MB), 5,000
-// strings (about 1 MB).
+// The documents of the tables, made once: 20 printers (about 58 KB), 2,000 printers (about 5.8 MB),
+// 5,000 strings (about 1 MB).
 const std::string& SmallResponse();
 const std::string& LargeResponse();
 const std::string& Resources();

@@ -29,7 +29,7 @@ class Values {
     const std::string& File() const { return file_; }
 
   private:
-    // A file that is imported, as an installer does: one change, not a thousand.
+    // Imports a file, as an installer does. So this is one change, not a thousand.
     Values() : file_(bench::HostRoot() + "/registry/registry.db") {
         const std::string text = bench::HostRoot() + "/values.reg";
         std::FILE* const file = std::fopen(text.c_str(), "w");
@@ -95,7 +95,7 @@ std::string FolderOf(const void* address) {
     return std::filesystem::canonical(info.dli_fname).parent_path();
 }
 
-// Runs in a fresh process that has nothing loaded. Seconds of processor time; 0 for a failure.
+// Runs in a fresh process without the library. Seconds of processor time; 0 for a failure.
 double LoadSeconds(const std::string& library) {
     constexpr const char* kTimes = " 200";
     const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();

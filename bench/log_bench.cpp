@@ -117,7 +117,7 @@ void RecordFull(benchmark::State& state) {
     }
 }
 
-// Flushed record by record, as a log must be that survives its process; one process, no ring.
+// Flushes after each record, because a log must survive its process. One process, no ring.
 void RecordSpdlog(benchmark::State& state) {
     const std::string file = bench::NewFileName();
     spdlog::logger logger("bench", std::make_shared<spdlog::sinks::basic_file_sink_mt>(file));

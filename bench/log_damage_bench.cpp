@@ -1,5 +1,5 @@
-// A damaged log of 5 MiB: reading it beside a sound one, and how long the append that mends it
-// takes, which holds the log's lock.
+// A damaged log of 5 MiB: the time to read it, beside a sound log; and the time of the append that
+// repairs it, which holds the log's lock.
 #include <algorithm>
 #include <fstream>
 #include <iterator>

@@ -30,7 +30,7 @@ class ThrowAwayRoot {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // The C library's heap, which the peers use, keeps its pages between two rounds of a case, as
+    // The peers use the C library's heap. It must keep its pages between two rounds of a case, as
     // the process heap of the library does.
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     mallopt(M_MMAP_THRESHOLD, 32 << 20);

@@ -105,7 +105,7 @@ bool Ask(const Machine& machine) {
     return DoXMLW(machine.File("request.xml").t_str(), response.t_str()) == 1;
 }
 
-// What a query takes that finds no printer: two files and their locks.
+// The time of a query that finds no printer: two files and their locks.
 double SecondsWithoutPrinters() {
     constexpr int kTimes = 30;
     const Machine machine(0);
@@ -115,7 +115,7 @@ double SecondsWithoutPrinters() {
     return (CpuSeconds() - began) / kTimes;
 }
 
-// The counter further_us is the time per printer less what a query takes without any.
+// The counter further_us is the time per printer without the time of a query that finds none.
 template <int kPrinters>
 void Query(benchmark::State& state) {
     const double without = SecondsWithoutPrinters();

@@ -109,7 +109,7 @@ void AppendOurs(benchmark::State& state) {
     }
 }
 
-// Two strings that grow in turn: neither is the last block of its heap all the time.
+// Two strings grow in turn, so neither is always the last block of the heap.
 void AppendInTurnOurs(benchmark::State& state) {
     const UnicodeString one = bench::Wide("x");
     for (auto _ : state) {

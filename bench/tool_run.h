@@ -1,4 +1,5 @@
-// The tool as a person starts it: a program a time, in processor time from its start to its end.
+// Runs the tool as a person does: one program for each measurement. The figure is the processor
+// time from its start to its end.
 //
 // QV_BENCH_BEFORE may name the tool of an earlier version, which then runs in turn with this one.
 #pragma once
@@ -14,10 +15,10 @@ using Words = std::vector<std::string>;
 std::string Folder();
 // The tool that was built with this program.
 std::string ToolNow();
-// The one of an earlier version; empty when there is none.
+// The tool of an earlier version; empty when there is none.
 std::string ToolBefore();
 
-// A program, and a machine of its own in the state that this version keeps.
+// A program with a machine of its own, in the format of its version.
 class Tool {
   public:
     // The machine is made from a `.reg` file; an empty name leaves it empty.

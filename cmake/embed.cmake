@@ -1,5 +1,5 @@
 # Writes a C++ source with files as texts:  cmake -DOUT=x.cpp -DHEADER=x.h "-DTEXTS=kName=a.js,b.js;..." -P embed.cmake
-# kName is all its files, one behind the other, with their SHA-256 in Base64.
+# kName becomes the text of all its files, one after the other, with its SHA-256 in Base64.
 
 # The bits of a hexadecimal number of 64 digits, six at a time.
 function(qv_base64 out hex)

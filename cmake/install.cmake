@@ -1,5 +1,4 @@
-# What `cmake --install` puts where, in three components: library, development and tool.
-# docs/install.md shows it to users.
+# Where `cmake --install` puts the files, in three components: library, development and tool. docs/install.md has the list for users.
 
 # Stores in `out` the headers that `header` reaches by #include "...", itself first; names below `folder`.
 function(qv_reachable_headers out folder header)
@@ -25,8 +24,8 @@ endif()
 # An installed program finds the libraries beside it wherever the prefix is moved to.
 file(RELATIVE_PATH QV_LIBRARIES_FROM_TOOL /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
 if(NOT WIN32)
-  # Already in the build, where they lie side by side too: a path that is changed later leaves empty entries, and the loader
-  # takes these for the current folder.
+  # The build uses this path too. A path that is changed at installation would leave empty entries, and the loader would take
+  # them for the current folder.
   set_target_properties(${QV_TARGETS} PROPERTIES INSTALL_RPATH "$ORIGIN" BUILD_WITH_INSTALL_RPATH ON)
   set_target_properties(qv PROPERTIES INSTALL_RPATH "$ORIGIN/${QV_LIBRARIES_FROM_TOOL}")
 endif()
@@ -81,7 +80,7 @@ endif()
 configure_file(cmake/package/qv_rtl.pc.in ${CMAKE_BINARY_DIR}/package/qv_rtl.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/package/qv_rtl.pc DESTINATION ${QV_PC_FOLDER} COMPONENT development)
 
-# Debugger views. GDB loads the one that bears the library's path by itself.
+# Debugger views. GDB by itself loads the file whose path contains the path of the library.
 install(FILES debug/qv_rtl_gdb.py debug/qv_rtl.natvis DESTINATION ${CMAKE_INSTALL_DATADIR}/qv_rtl COMPONENT development)
 if(NOT WIN32)
   install(FILES debug/qv_rtl_gdb.py DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR}

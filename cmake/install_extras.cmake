@@ -1,4 +1,4 @@
-# What comes beside the library and the tool: the bindings, the schemas, the pages and the examples.
+# Installs the files beside the library and the tool: bindings, schemas, pages and examples.
 set(QV_SHARE_FOLDER ${CMAKE_INSTALL_DATADIR}/qv_rtl)
 install(FILES bindings/csharp/QvRtl.cs DESTINATION ${QV_SHARE_FOLDER}/csharp COMPONENT development)
 install(FILES bindings/powershell/QvRtl.psm1 DESTINATION ${QV_SHARE_FOLDER}/powershell COMPONENT development)
@@ -8,7 +8,7 @@ if(WIN32)
   set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv_rtl)
 else()
   install(DIRECTORY share/lnav DESTINATION ${QV_SHARE_FOLDER} COMPONENT tool)
-  # Where Debian's Python looks by itself.
+  # Debian's Python searches this folder by default.
   install(FILES bindings/python/qv_rtl.py DESTINATION lib/python3/dist-packages COMPONENT python)
   set(QV_PAGES ${CMAKE_INSTALL_DATADIR}/doc/qv-rtl-doc)
 endif()

@@ -1,7 +1,7 @@
-# What each package says of itself, below share/doc: whose it is, what is new, and the notices that came with other makers'
-# code that the compiler put into the programs.
+# The texts of each package below share/doc: the owner, the changes, and the notices of other makers' code in the programs.
 
-# qv_notices(FOLDER COMPONENT PACKAGE...): the notices of the Debian packages that the code is from, where this machine has them.
+# qv_notices(FOLDER COMPONENT PACKAGE...): installs the notices of the Debian packages from which the code comes, if this machine
+# has them.
 function(qv_notices folder component)
   foreach(package IN LISTS ARGN)
     install(FILES /usr/share/doc/${package}/copyright DESTINATION ${folder} RENAME notice.${package}
@@ -35,7 +35,7 @@ else()
     install(FILES ${CMAKE_BINARY_DIR}/package/copyright ${CMAKE_BINARY_DIR}/package/changelog.gz
       ${CMAKE_BINARY_DIR}/package/CHANGELOG.md.gz DESTINATION ${QV_TEXTS} COMPONENT ${component})
   endforeach()
-  # What packages that use the library depend on, name by name: the lists of exports, each name since 1.0.0.
+  # The control file "symbols": from it, packages that use the library get their dependency. Each export counts since 1.0.0.
   set(symbols)
   foreach(row "libqv_rtl|linux" "libqv_win32|host")
     string(REPLACE "|" ";" row ${row})

@@ -1,4 +1,4 @@
-# What CPack makes of the installed components: a Debian package of each, one zip file for Windows.
+# CPack makes a Debian package of each installed component, and one zip file for Windows.
 set(CPACK_PACKAGE_NAME qv_rtl)
 set(CPACK_PACKAGE_VENDOR Halvorn)
 set(CPACK_PACKAGE_CONTACT "Halvorn <vantrel@halvorn.example>")

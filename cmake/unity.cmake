@@ -29,15 +29,15 @@ function(qv_compile_together target most)
   endforeach()
 endfunction()
 
-# qv_read_once(TARGET HEADER...): the headers are compiled once, before the sources, each of which still
-# includes what it uses.
+# qv_read_once(TARGET HEADER...): compiles the headers once, before the sources. Each source still includes the headers
+# that it uses.
 function(qv_read_once target)
   if(NOT QV_UNITY)
     return()
   endif()
   target_precompile_headers(${target} PRIVATE ${ARGN})
   if(WIN32)
-    # A precompiled header is no system header to this compiler: it then reports copies in its own wchar.h.
+    # This compiler does not treat a precompiled header as a system header, and warns of copies in its own wchar.h.
     target_compile_options(${target} PRIVATE -Wno-array-bounds -Wno-stringop-overread)
   endif()
 endfunction()

@@ -1,10 +1,10 @@
-# What a Windows program brings beside itself.
+# The files beside a Windows program.
 
 # qv_debug_file(TARGET): the debug information goes from the program into NAME.debug beside it, where
 # debuggers look for it.
 function(qv_debug_file target)
   set(file $<TARGET_FILE:${target}>)
-  # Without it each tool writes the time of its run into the program.
+  # Without this variable each tool writes the time of its run into the program.
   set(no_time ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0)
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${no_time} ${CMAKE_OBJCOPY} --only-keep-debug ${file} ${file}.debug
@@ -12,8 +12,8 @@ function(qv_debug_file target)
     COMMAND ${no_time} ${CMAKE_OBJCOPY} --add-gnu-debuglink=${file}.debug ${file} VERBATIM)
 endfunction()
 
-# qv_import_library(TARGET HEADER): NAME.lib in the form of Microsoft's linker, with the C calls that the
-# header declares. Sets QV_IMPORT_LIBRARY in the cache. Needs LLVM; without it there is no such file.
+# qv_import_library(TARGET HEADER): makes NAME.lib for Microsoft's linker, with the C calls that the header declares. Sets
+# QV_IMPORT_LIBRARY in the cache. Needs LLVM; without LLVM it makes no file.
 function(qv_import_library target header)
   find_program(QV_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
   if(NOT QV_DLLTOOL)

@@ -26,7 +26,7 @@ class Damaged(Exception):
     """What is wrong with an object; shown in its place."""
 
 
-# What reading a process's memory can meet.
+# Errors when the memory of the process is read.
 FAILURES = (Damaged, gdb.error, gdb.MemoryError, RuntimeError, ValueError, OverflowError, struct.error)
 
 
@@ -314,7 +314,7 @@ def fixed_text(array):
     return quoted(units[:end])
 
 
-# The public fields whose bit in dmFields says that they count.
+# The public fields with a bit in dmFields. The bit says that the field is in force.
 PUBLIC_FIELDS = (
     (0x1, "dmOrientation"), (0x2, "dmPaperSize"), (0x4, "dmPaperLength"), (0x8, "dmPaperWidth"), (0x10, "dmScale"),
     (0x40, "dmNup"), (0x100, "dmCopies"), (0x200, "dmDefaultSource"), (0x400, "dmPrintQuality"), (0x800, "dmColor"),

@@ -1,6 +1,6 @@
-// load_timer FILE COUNT: loads and unloads a shared library COUNT times and prints the processor
-// time of one time, in nanoseconds. The libraries that FILE needs come with the first time, which
-// does not count; those that stay loaded are there from then on.
+// load_timer FILE COUNT: loads and unloads a shared library COUNT times, and prints the processor
+// time of one time in nanoseconds. The first time does not count: it also loads libraries that FILE
+// needs and that then stay.
 #include <dlfcn.h>
 #include <time.h>
 

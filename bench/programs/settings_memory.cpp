@@ -1,9 +1,9 @@
 // settings_memory: counts the blocks of memory that each operation of a settings block takes, and
-// how many of them it has given back at its end. A line per operation: its name, blocks taken,
-// blocks not kept.
-// A block that grows in its place is one block.
+// those that it gives back before its end. Prints a line for each operation: its name, blocks
+// taken, blocks not kept. A block that grows in its place is one block.
 //
-// The process's heap calls and operators new and delete stand in front of the libraries' own.
+// This program defines the heap calls and the operators new and delete itself, so the libraries use
+// them.
 #include <dlfcn.h>
 #include <windows.h>
 
@@ -95,7 +95,8 @@ void Count(const char* name, const Operation& operation) {
 int main() {
     TQVDM settings;
     TQVDM target;
-    // What is made once in a process, and the names of the rows.
+    // The first run makes things that a process makes only once. It also gives the names of the
+    // rows.
     TXmlNode fields;
     settings.ToXmlNode(&fields);
     {

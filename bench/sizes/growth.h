@@ -1,5 +1,5 @@
-// For programs that show that work takes time in proportion to its size. They compare the processor
-// time of a quarter of the work with that of the whole, and count failures.
+// For programs that check that work takes time in proportion to its size. They compare the
+// processor time of a quarter of the work with the time of the whole, and count failures.
 #pragma once
 
 #include <time.h>
@@ -9,7 +9,7 @@
 namespace stress {
 
 constexpr double kMostGrowth = 9;
-// Less than this is too little to be compared.
+// A shorter time (seconds) is not compared: it is not precise enough.
 constexpr double kLeastSeconds = 0.02;
 
 inline int failures = 0;
@@ -26,7 +26,7 @@ inline void Expect(bool holds, const char* what) {
     ++failures;
 }
 
-// `run(size)` does the work of that size, its preparation apart: it returns the seconds.
+// `run(size)` does the work of that size and returns the seconds, without those of its preparation.
 template <class Run>
 void Compare(const char* what, int size, const Run& run) {
     const double quarter = run(size / 4);

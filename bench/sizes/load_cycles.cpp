@@ -81,7 +81,7 @@ void Cycle(const TLoader& loader, int thread, int first, int end) {
         char16_t result[200];
         loader.Command(module)(Wide("getdevmode\tprintername\t" + name).c_str(), result, 199);
         loader.Unload(module);
-        // A while without the library, so that the last one to unload is the last one.
+        // A pause without the library, so that now and then no thread has it loaded.
         std::this_thread::sleep_for(std::chrono::microseconds(500 * ((thread + i) % 8)));
     }
 }

@@ -1,8 +1,8 @@
 // printer_sizes FOLDER COUNT...: for each COUNT makes a host root with so many printers, each
 // with settings of the current user, their keys in no order, and answers a query for all of them.
 // Prints the processor time per printer of the first query, which reads the registry, and of a
-// second one. Fails when a printer of a larger machine takes more than twice the time of one of the
-// smallest: the registry finds a name by bisection, so a little more is in order.
+// second one. Fails when a printer of a larger machine takes more than twice the time of a printer
+// of the smallest one. A little more is expected, because the registry finds a name by bisection.
 #include <qv_rtl.h>
 #include <qv_rtl_c.h>
 #include <sys/resource.h>

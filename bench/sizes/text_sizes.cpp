@@ -1,7 +1,7 @@
-// text_sizes TEXT_UNITS LIST_ITEMS FOLDER: does what the library does with texts and lists to ones
-// of a quarter of these sizes and of these sizes, and prints the processor time of each. Fails when
-// four times as much takes more than nine times as long: linear work takes four times, quadratic
-// sixteen. Then asks for what lies beyond the limits of strings, lists and streams.
+// text_sizes TEXT_UNITS LIST_ITEMS FOLDER: does the library's work on texts and lists of a quarter
+// of these sizes, then of these sizes, and prints the processor time of each. Fails when four times
+// the size takes more than nine times as long: linear work takes four times, quadratic work
+// sixteen. Then asks for sizes beyond the limits of strings, lists and streams.
 #include <qv_rtl.h>
 #include <sys/resource.h>
 #include <unistd.h>

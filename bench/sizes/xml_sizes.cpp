@@ -1,7 +1,6 @@
 // xml_sizes ITEMS TEXT_BYTES: parses, saves and destroys XML of a quarter of these sizes and
 // of these sizes - nesting, attributes, children, one text - and prints the processor time of each.
-// Fails when the cost does not grow with the size only, or when a tree is not what it must be.
-// Meant for a small stack.
+// Fails when the time grows faster than the size, or when a tree is wrong. Meant for a small stack.
 #include <qv_rtl.h>
 
 #include <climits>

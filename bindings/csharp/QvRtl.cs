@@ -6,9 +6,8 @@
 //     foreach (QvLogRecord record in QvRtl.FollowLog())
 //         Console.WriteLine(record.Time + " " + record.Level + " " + record.Text);
 //
-// All settings are those that the current user has for a printer. The library is found as every DLL
-// is: beside the program or in a folder of PATH. Any thread may call. Compiles from C# 5 on, for
-// 64-bit processes.
+// All settings are those of the current user for a printer. The library must lie beside the program
+// or in a folder of PATH. Any thread may call. Compiles from C# 5 on, for 64-bit processes.
 using System;
 using System.Collections.Generic;
 using System.IO;
@@ -17,7 +16,7 @@ using System.Text;
 using System.Threading;
 using System.Xml;
 
-/// <summary>The library could not do what was asked.</summary>
+/// <summary>A call of the library failed.</summary>
 public class QvRtlException : Exception
 {
     public QvRtlException(string message) : base(message) { }
@@ -31,8 +30,8 @@ public class QvCommandException : QvRtlException
     public int Status { get; private set; }
 }
 
-/// <summary>A response holds errors: the first one's system code (0 without one), and the whole
-/// response, which may hold answers as well.</summary>
+/// <summary>A response holds errors. The system code of the first error (0 without one), and the
+/// whole response, which may hold answers too.</summary>
 public class QvRequestException : QvRtlException
 {
     public QvRequestException(int code, string text, XmlDocument response) : base(text)
@@ -57,28 +56,28 @@ public class QvLogException : QvRtlException
     public int Status { get; private set; }
 }
 
-/// <summary>The letter that the log has for a level. Log is the log itself.</summary>
+/// <summary>The levels, with their letters in the log. Log: a message of the log about itself.</summary>
 public enum QvLogLevel { Error = 'X', Warning = '*', Information = 'i', Trace = ' ', Log = '>' }
 
 /// <summary>A record of the log.</summary>
 public sealed class QvLogRecord
 {
-    /// <summary>UTC; null when the record has none that is possible.</summary>
+    /// <summary>UTC; null when the time of the record is not possible.</summary>
     public DateTime? Time { get; internal set; }
     public QvLogLevel Level { get; internal set; }
     public long Process { get; internal set; }
     public long Thread { get; internal set; }
-    /// <summary>Null when it is not known.</summary>
+    /// <summary>Null when the session is not known.</summary>
     public long? Session { get; internal set; }
     public string Source { get; internal set; }
     public int Line { get; internal set; }
     public string Text { get; internal set; }
-    /// <summary>What Data is.</summary>
+    /// <summary>The name of the bytes in Data.</summary>
     public string Label { get; internal set; }
     public byte[] Data { get; internal set; }
-    /// <summary>Records in front of it that were overwritten before they could be read.</summary>
+    /// <summary>How many records before this one were overwritten before they could be read.</summary>
     public ulong Missed { get; internal set; }
-    /// <summary>The log was deleted or replaced in front of it.</summary>
+    /// <summary>The log was deleted or replaced before this record.</summary>
     public bool MadeAnew { get; internal set; }
 }
 
@@ -99,7 +98,7 @@ public static class QvRtl
             char[] buffer = new char[length + 1];
             int status = DoCommandW(line, buffer, length);
             string text = new string(buffer, 0, Array.IndexOf(buffer, '\0'));
-            // A status says nothing about its message's length: a full buffer may be a cut one.
+            // A status does not tell the length of its message. A full buffer may hold a cut one.
             if (status < 0 && text.Length < length) throw new QvCommandException(status, text);
             if (status >= 0 && status <= length) return text;
             length = Math.Max(status, length * 2);
@@ -123,8 +122,8 @@ public static class QvRtl
         return settings;
     }
 
-    /// <summary>Changes main settings, given as keywords and values of the setdevmode command, all
-    /// or none; the lines that name unknown keywords.</summary>
+    /// <summary>Changes main settings, all or none. They are given as keywords and values of the
+    /// setdevmode command. Returns the lines that name unknown keywords.</summary>
     public static string ChangeSettings(string printer, params string[] keywordsAndValues)
     {
         var items = new List<string> { "setdevmode", "printername", printer };
@@ -168,8 +167,8 @@ public static class QvRtl
         }
     }
 
-    /// <summary>Changes fields by name, such as dmCopies or exOut.UseSerial; the previous values. A
-    /// field that is not among them was skipped: it is unknown or the value does not
+    /// <summary>Changes fields by name, such as dmCopies or exOut.UseSerial. Returns the previous
+    /// values. A field without a previous value was skipped: it is unknown, or the value does not
     /// fit.</summary>
     public static Dictionary<string, string> UpdatePrinter(
         string printer, IEnumerable<KeyValuePair<string, string>> values)
@@ -189,8 +188,8 @@ public static class QvRtl
         return previous;
     }
 
-    /// <summary>Puts a line into the log in force, as line <paramref name="line"/> of a source: 0
-    /// where there are no lines. A text of more than 32,000 characters is cut, which stands at its
+    /// <summary>Writes a line into the log in force. <paramref name="line"/> is the line in the
+    /// source, or 0. A text of more than 32,000 characters is cut; the text says so at its
     /// end.</summary>
     public static void WriteLog(string text, QvLogLevel level = QvLogLevel.Information,
                                 string source = "dotnet", int line = 0)
@@ -201,10 +200,9 @@ public static class QvRtl
         if (status != 0) throw new QvLogException("written", status);
     }
 
-    /// <summary>The records of a log that others write, each once, by default those that come from
-    /// now on to the log in force. Waits for more until no record has come for the time of
-    /// <paramref name="timeout"/>, or until the token is cancelled; without both for ever. To be
-    /// enumerated once.</summary>
+    /// <summary>The records of a log, each once. The default is: new records of the log in force.
+    /// Ends when no record has come for the time of <paramref name="timeout"/>, or when the token is
+    /// cancelled. Without both it never ends. Enumerate it once.</summary>
     public static IEnumerable<QvLogRecord> FollowLog(
         string file = null, bool onlyNew = true, TimeSpan? timeout = null,
         CancellationToken token = default(CancellationToken))
@@ -243,7 +241,7 @@ public static class QvRtl
         }
     }
 
-    // What it points to is the log's own until the next call.
+    // Its pointers belong to the log, and are valid until the next call.
     private static QvLogRecord Shown(LogRecord record)
     {
         var shown = new QvLogRecord();
@@ -301,7 +299,7 @@ public static class QvRtl
         return parent.AppendChild(document.CreateElement(name));
     }
 
-    // The item as it may stand in a command line, where a tab ends an item.
+    // The item in the form that a command line needs: a tab ends an item.
     private static string Quoted(string item)
     {
         Text(item);
@@ -349,7 +347,7 @@ public static class QvRtl
                CallingConvention = CallingConvention.Cdecl)]
     private static extern void QVCloseLog(IntPtr log);
 
-    // Closes the log at the latest when nobody can reach it any more.
+    // Closes the log, at the latest when the object is collected.
     private sealed class LogHandle : SafeHandle
     {
         public LogHandle() : base(IntPtr.Zero, true) { }

@@ -6,7 +6,7 @@
 #     Write-QvLog 'the nightly job begins' -Source nightly_job
 #     Watch-QvLog | Where-Object Level -eq Error
 #
-# All settings are those that the current user has for a printer. The library is found in a folder of
+# All settings are those of the current user for a printer. The library must lie in a folder of
 # $env:Path; set that before the first call. For Windows PowerShell 5.1 and PowerShell 7, 64-bit.
 Set-StrictMode -Version 2.0
 
@@ -80,7 +80,7 @@ function Test-QvText([string]$Text) {
     $Text
 }
 
-# An item as it may stand in a command line, where a tab ends an item.
+# An item in the form that a command line needs: a tab ends an item.
 function ConvertTo-QvItem([string]$Item) {
     $null = Test-QvText $Item
     $quote = [string][char]34
@@ -88,8 +88,8 @@ function ConvertTo-QvItem([string]$Item) {
     $quote + $Item.Replace($quote, $quote + $quote) + $quote
 }
 
-# Makes a text command call of a word, keywords and values; the answer. A failed command is an
-# exception with the status in Data['Status'].
+# Makes a text command call of a word, keywords and values, and returns the answer. A failed command
+# throws an exception with the status in Data['Status'].
 function Invoke-QvCommand {
     [CmdletBinding()]
     param([Parameter(Mandatory)][AllowEmptyString()][string[]]$Items)
@@ -99,7 +99,7 @@ function Invoke-QvCommand {
         $buffer = New-Object char[] ($length + 1)
         $status = $Native::DoCommandW($line, $buffer, $length)
         $text = New-Object string ($buffer, 0, [Array]::IndexOf($buffer, [char]0))
-        # A status says nothing about its message's length: a full buffer may be a cut one.
+        # A status does not tell the length of its message. A full buffer may hold a cut one.
         if ($status -lt 0 -and $text.Length -lt $length) {
             $failure = New-Object InvalidOperationException $text
             $failure.Data['Status'] = $status
@@ -126,8 +126,8 @@ function Get-QvSetting {
     $settings
 }
 
-# Changes main settings, by the keywords of the setdevmode command, all or none. Gives the lines with
-# which the library names unknown keywords.
+# Changes main settings, by the keywords of the setdevmode command, all or none. Returns the lines
+# that name unknown keywords.
 function Set-QvSetting {
     param([Parameter(Mandatory)][string]$Printer,
           [Parameter(Mandatory)][System.Collections.IDictionary]$Values)
@@ -136,7 +136,7 @@ function Set-QvSetting {
     Invoke-QvCommand $items
 }
 
-# Sets all of a printer's default behaviour at once; whether it could be set.
+# Sets the complete default behaviour of a printer. Returns whether that was possible.
 function Set-QvDefault {
     param([Parameter(Mandatory)][string]$Printer, [switch]$Silent, [switch]$Run,
           [switch]$UseSerial, [switch]$UseDocumentName, [string]$Directory = '',
@@ -151,8 +151,8 @@ function Set-QvDefault {
     $set -eq 1
 }
 
-# Carries out a request; the response as an XML document. Errors in it are an exception with the
-# system's code in Data['Code'] and the response in Data['Response'].
+# Carries out a request, and returns the response as an XML document. A response with errors throws an
+# exception with the system's code in Data['Code'] and the response in Data['Response'].
 function Invoke-QvRequest {
     param([Parameter(Mandatory)][string]$Request)
     $folder = Join-Path ([IO.Path]::GetTempPath()) ([IO.Path]::GetRandomFileName())
@@ -179,8 +179,8 @@ function Invoke-QvRequest {
     $response
 }
 
-# Changes fields by name, such as dmCopies or exOut.UseSerial; the previous values as a hash table. A
-# field that is not among them was skipped: it is unknown or the value does not fit.
+# Changes fields by name, such as dmCopies or exOut.UseSerial. Returns the previous values as a hash
+# table. A field without a previous value was skipped: it is unknown, or the value does not fit.
 function Set-QvField {
     param([Parameter(Mandatory)][string]$Printer,
           [Parameter(Mandatory)][System.Collections.IDictionary]$Values)
@@ -207,8 +207,8 @@ function Set-QvField {
     $previous
 }
 
-# Puts lines into the log in force. The text of more than 32,000 characters is cut, which stands at its
-# end. A failure is an exception with the system's code in Data['Status'].
+# Writes lines into the log in force. A text of more than 32,000 characters is cut; the text says so at
+# its end. A failure throws an exception with the system's code in Data['Status'].
 function Write-QvLog {
     [CmdletBinding()]
     param([Parameter(Mandatory, ValueFromPipeline)][AllowEmptyString()][string]$Text,
@@ -221,10 +221,10 @@ function Write-QvLog {
     }
 }
 
-# The records of a log that others write, each once: of the log in force or of a file, those that come
-# from now on, or with -All those that it holds too. Goes on until it is stopped, or until no record has
-# come for -Timeout seconds. Missed counts the records in front of one that were overwritten before they
-# could be read; MadeAnew says that the log was deleted or replaced there.
+# The records of the log in force, or of a file, each once: new records, and with -All also those that
+# the log holds. Ends when it is stopped, or when no record has come for -Timeout seconds. Missed counts
+# the records before this one that were overwritten before they could be read. MadeAnew says that the
+# log was deleted or replaced before this record.
 function Watch-QvLog {
     [CmdletBinding()]
     param([string]$Path = '', [switch]$All, [double]$Timeout = [double]::PositiveInfinity)

@@ -1,5 +1,5 @@
-# Run by CPack behind the packages. Its scripts call ldconfig when the library's package is installed and removed;
-# Debian's packages ask for that with a trigger instead, once for all packages of a run.
+# CPack runs this after it has made the packages. CPack's own scripts call ldconfig for each installation and removal of the
+# library. This puts a trigger in their place, as Debian's packages do: ldconfig then runs once for all packages.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   if(NOT package MATCHES "/libqv-rtl[0-9]+_[^/]*\\.deb$")
     continue()

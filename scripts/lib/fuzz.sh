@@ -16,7 +16,7 @@ fuzz_build() {
     return 1
 }
 
-# Host roots of the targets lie in a folder of their own, in memory where there is such a place.
+# Makes a folder for the host roots of the targets, in memory (/dev/shm) where that exists.
 fuzz_begin() {
     local parent=/dev/shm
     [ -w "$parent" ] || parent=${TMPDIR:-/tmp}
@@ -27,8 +27,8 @@ fuzz_end() {
     rm -rf "$fuzz_roots"
 }
 
-# A target with arguments of libFuzzer: fuzz_program TARGET ARGUMENT... The time-out is one of the
-# clock: on a busy machine a short one would find the machine, not the library.
+# Runs a target with arguments of libFuzzer: fuzz_program TARGET ARGUMENT... The time-out is long, because it is
+# wall time: on a busy machine a short one would stop a target that only waits.
 fuzz_program() {
     local target=$1
     shift
@@ -55,7 +55,7 @@ fuzz_run() {
     return 1
 }
 
-# Runs a target once on each of its seeds, the inputs of earlier findings among them:
+# Runs a target once on each of its seeds; the inputs of earlier findings are seeds too:
 # fuzz_replay FOLDER-OF-THE-PROGRAMS TARGET
 fuzz_replay() {
     local options=()

@@ -31,7 +31,7 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# Installs what is missing for the given purposes; silent when nothing is.
+# Installs missing packages of the given purposes. Prints nothing when none is missing.
 require_packages() {
     local purpose package names missing=()
     command -v dpkg-query >/dev/null || return 0

@@ -1,8 +1,8 @@
-# The runs of scripts/stress. Each is a file of tests/scripts/stress. It is called as
-# "NAME quick|full FOLDER" in the checkout's root: FOLDER is its own, QV_HOST_ROOT lies in it. Its
-# output is the run's report, its exit status the outcome. A line "# build: PRESET TARGET..." in its
-# head names what it runs; with the preset "windows" the command for Windows programs stands behind
-# FOLDER. A line "# not in scripts/test" keeps it out of there.
+# The runs of scripts/stress. Each run is a file of tests/scripts/stress. It is called as
+# "NAME quick|full FOLDER" in the checkout's root. FOLDER belongs to the run; QV_HOST_ROOT lies in it. The output
+# is the report of the run, the exit status its result. A line "# build: PRESET TARGET..." at the top of the file
+# names the targets that it runs. With the preset "windows", the command for Windows programs follows FOLDER. A
+# file with the line "# not in scripts/test" is left out there.
 
 stress_names() {
     (cd tests/scripts/stress && echo *)
@@ -29,7 +29,7 @@ stress_build() {
     done < <(sed -n 's/^# build: //p' "tests/scripts/stress/$1")
 }
 
-# Builds and runs one; false when it fails.
+# Builds and runs one run; false when it fails.
 stress_run() {
     local name=$1 size=$2 folder status=0 began=$SECONDS command=()
     stress_build "$name" || { echo "$name: does not build"; return 1; }

@@ -7,8 +7,8 @@ suite_begin() {
     cpu_began=$cpu_seconds
 }
 
-# Sets cpu_seconds to what all ended processes of this shell took of the processor, user and system.
-# A subshell would count its own processes, so the figures go through a file.
+# Sets cpu_seconds to the processor time, user and system, of all ended processes of this shell. The figures go
+# through a file, because a subshell would count only its own processes.
 take_cpu_seconds() {
     times >"$logs/times"
     cpu_seconds=$(tr ms '  ' <"$logs/times" |
@@ -25,8 +25,8 @@ configure_and_build() {
     cmake --preset "$1" >"$logs/$1.build" 2>&1 && cmake --build --preset "$1" >>"$logs/$1.build" 2>&1
 }
 
-# Configures and builds a preset; a failure is the suite's only result. A build that began ahead is
-# waited for. The build of next_preset, the next suite's, begins when this one is done.
+# Configures and builds a preset. A failure is the suite's only result. Waits for a build that began ahead. At its
+# end it begins the build of next_preset, the preset of the next suite.
 build_preset() {
     local preset=$1 log=$logs/$1.build status=0
     echo "$suite: building (log: ${log#"$root"/})"
@@ -59,7 +59,7 @@ run_gtest() {
     passed=$((passed + $(grep -c '^\[       OK \]' "$log")))
     skipped=$((skipped + $(grep -c '^\[  SKIPPED \] .*(' "$log")))
     broken=$(grep -c '^\[  FAILED  \] .*(' "$log")
-    # A program that ended without its last line broke down inside the test that it started last.
+    # A program without its last line crashed or was stopped in the test that it began last.
     if ! grep -q '^\[==========\] .* ran\.' "$log" || { [ $status -ne 0 ] && [ "$broken" = 0 ]; }; then
         note_failure 1 "$(ended_early "$log" $status)"
     fi
@@ -78,8 +78,8 @@ ended_early() {
         head -n 60
 }
 
-# Runs a script-driven test: run_check NAME COMMAND... Exit status 77 skips the test: what it needs is
-# missing, and its last line says what.
+# Runs a script-driven test: run_check NAME COMMAND... Exit status 77 means "skipped": a program that the test
+# needs is missing, and its last line names it.
 run_check() {
     local name=$1 log=$logs/$suite.$1 status=0
     shift

@@ -1,7 +1,7 @@
 # Wine prefixes without a display: windows, messages and atoms work in them, and nothing outside their
 # folder is touched.
 
-# Makes the prefix in the folder, unless it is there, and the array `wine`: what runs a Windows program in it.
+# Makes the prefix in the folder, unless it is there. Sets the array `wine`: the command that runs a Windows program.
 wine_use() {
     local folder=$1
     mkdir -p "$folder/home" || return
@@ -10,7 +10,7 @@ wine_use() {
     export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
     wine=(env -u DISPLAY -u WAYLAND_DISPLAY "HOME=$folder/home" wine)
     [ ! -e "$folder/made" ] || return 0
-    # The server reads the driver's name when it starts the desktop, so it is started anew.
+    # The server reads the driver's name when it starts the desktop. So start it anew.
     "${wine[@]}" reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >"$folder/log" 2>&1 &&
         wineserver -k && wineserver -w && touch "$folder/made"
 }

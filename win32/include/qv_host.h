@@ -1,5 +1,5 @@
-// What only this host has: where its state lies, and its registry as text. For tools and tests; the
-// toolkit itself keeps to the Win32 names.
+// Calls that only this host has: the place of its state, and its registry as text. For tools and
+// tests; the toolkit itself uses only Win32 names. Any thread, unless a call says otherwise.
 #pragma once
 
 #include "minwindef.h"
@@ -14,8 +14,8 @@ QV_HOST_API DWORD QvHostRoot(LPWSTR buffer, DWORD size);
 // small; 0 with the last error for what is no file name.
 QV_HOST_API DWORD QvHostPath(LPCWSTR name, LPSTR buffer, DWORD size);
 
-// Applies a .reg file (a name of this host's file system) to the registry: what the Windows
-// registry editor exports, or UTF-8: all of it in one step. One that is malformed changes nothing.
+// Applies a .reg file (a name of this host's file system) to the registry, all of it in one step.
+// The file is UTF-8, or an export of the Windows registry editor. A malformed file changes nothing.
 // On failure `message` receives a text of at most `size` characters with terminator: file, line,
 // reason; the last error is set.
 QV_HOST_API BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size);
@@ -25,26 +25,26 @@ QV_HOST_API BOOL QvHostImport(LPCWSTR file, LPWSTR message, DWORD size);
 // Failure as in QvHostImport.
 QV_HOST_API BOOL QvHostExport(LPCWSTR key, LPCWSTR file, LPWSTR message, DWORD size);
 
-// What this process changes in the registry between the two calls is one change: others see all of
-// it or nothing, and a process that is killed in between has changed nothing. Others go on reading;
-// who wants to write meanwhile waits, five seconds at most. One thread of the process, which does
-// not fork meanwhile. End keeps the changes or takes them back; it fails, with the last error, when
-// they cannot be kept.
+// All changes of this process to the registry between the two calls are one change. Others see all
+// of it or nothing; a process that is killed in between has changed nothing. Others can read
+// meanwhile, and wait at most five seconds to write. Only one thread of the process may use these
+// calls, and it must not fork in between. End keeps the changes or takes them back; it fails, with
+// the last error, when they cannot be kept.
 QV_HOST_API void QvHostBeginChanges(void);
 QV_HOST_API BOOL QvHostEndChanges(BOOL keep);
 
-// Reads the whole registry and looks for damage. False with a text when there is some, or when it
-// cannot be read, as in QvHostImport.
+// Reads the whole registry. False when it is damaged or cannot be read; `message` as in
+// QvHostImport.
 QV_HOST_API BOOL QvHostCheckRegistry(LPWSTR message, DWORD size);
 
-// What was wrong when a call on the registry failed last: the store's file and the reason, the
-// process that holds it when the system tells. Empty when the last call went well; sizes as in
+// Why the last call on the registry failed: the store's file, the reason, and the process that
+// holds the file when the system tells it. Empty when the call did not fail; sizes as in
 // QvHostRoot.
 QV_HOST_API DWORD QvHostProblem(LPWSTR buffer, DWORD size);
 
-// A string table, as a module of this host carries it: the exported array `qv_module_strings`, read
-// by FindResourceW. A block named n holds the strings 16 * (n - 1) to 16 * n - 1: sixteen times a
-// length and as many units, without terminators, in `bytes` bytes. A block named 0 ends the array.
+// The string table of a module: the exported array `qv_module_strings`, which FindResourceW reads.
+// Block n holds the strings 16 * (n - 1) to 16 * n - 1 in `bytes` bytes: for each string its
+// length, then as many units, without a terminator. A block with the name 0 ends the array.
 //     extern "C" const QvStringBlock qv_module_strings[] = {QvStrings(7, u"\2OK" u"\6Cancel" ...),
 //     {}};
 struct QvStringBlock {

@@ -1,5 +1,5 @@
-// The Win32 names as far as the product uses them, with the system's own names, values and record
-// layouts, for hosts that are not Windows. See win32/README.md for what each call means there.
+// The Win32 names that the product uses, with the names, values and record layouts of Windows, for
+// hosts that are not Windows. win32/README.md is the contract of each call of these headers.
 #pragma once
 
 #include "minwindef.h"

@@ -1,5 +1,4 @@
-// Registry: keys and values. On this host the registry is a set of .reg text files below the host
-// root.
+// Registry: keys and values. On this host the registry is an SQLite database below the host root.
 #pragma once
 
 #include "minwindef.h"

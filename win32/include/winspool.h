@@ -1,5 +1,5 @@
-// Print spooler calls and records. On this host the spooler's state is the registry keys in which
-// Windows keeps it.
+// Print spooler calls and records. The spooler's state lies in the same registry keys as on
+// Windows.
 #pragma once
 
 #include "minwindef.h"

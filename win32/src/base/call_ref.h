@@ -1,6 +1,5 @@
-// A reference to a callable, for the time of one call. It is like std::function, but makes no copy
-// and takes no memory. The callable must live as long as the call; a lambda in the argument list
-// does.
+// A reference to a callable for one call. It is like std::function, but makes no copy and takes no
+// memory. The callable must live as long as the call; a lambda in the argument list does.
 #pragma once
 
 #include <type_traits>

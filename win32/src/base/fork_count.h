@@ -1,8 +1,8 @@
 // Tells a process from the one that it was forked from.
 //
-// State that a child of fork must not use (a descriptor, a connection to a database, a lock) keeps
-// the number that was in force when it was made. When the number has changed, it is another
-// process's. Reading the number costs no system call.
+// A child of fork must not use some state of its parent: a descriptor, a connection to a database,
+// a lock. Such state keeps the fork count of the moment when it was made. A different count means
+// that the state belongs to another process. Reading the count costs no system call.
 #pragma once
 
 namespace host {
@@ -14,7 +14,8 @@ unsigned ForkCount();
 void CountFork();
 
 namespace detail {
-// Has no constructor that runs and no destructor. Written only while the process has one thread.
+// Needs no constructor and no destructor at run time. Written only while the process has one
+// thread.
 inline constinit unsigned fork_count = 0;
 }  // namespace detail
 

@@ -49,8 +49,8 @@ void DropUnmapped(KnownLocks& all) {
     std::erase_if(all.locks, [](const Known& known) { return !known.lock->IsThere(); });
 }
 
-// Locks of unloaded libraries go before the list grows, so that loading one again and again costs
-// no memory.
+// Before the list grows, locks of unloaded libraries are removed. So a library that is loaded again
+// and again costs no memory.
 void Add(KnownLocks& all, const Known& added) {
     if (all.locks.size() == all.locks.capacity()) DropUnmapped(all);
     const auto place = PlaceOf(all, added.lock);
@@ -61,7 +61,7 @@ void Add(KnownLocks& all, const Known& added) {
     }
 }
 
-// A busy lock is free for short moments only: many tries in a row look for one.
+// Tries many times in a row, because a busy lock is free only for short moments.
 bool TakeSoon(ForkLock& lock) {
     constexpr int kTriesInARow = 100;
     for (int i = 0; i < kTriesInARow; ++i) {
@@ -102,7 +102,8 @@ void ForkLock::MakeKnown(std::atomic<pthread_t>* owner) {
     known_.store(kKnown, std::memory_order_release);
 }
 
-// The kernel reads, because the memory of an unloaded library may be gone, closed or another's.
+// Lets the kernel read the bytes: the memory of an unloaded library may be gone, protected or in
+// other use.
 bool ForkLock::IsThere() const {
     std::array<std::uint32_t, 2> words{};
     iovec to{words.data(), sizeof words};
@@ -122,7 +123,7 @@ void ForgetLock(ForkLock& lock) {
     if (place != all.locks.end() && place->lock == &lock) all.locks.erase(place);
 }
 
-// Between two rounds nothing is held: the holder of a missing lock may need another one, or use one
+// Holds no lock between two rounds: the holder of a missing lock may need another lock, or use one
 // for the first time.
 void TakeAllLocks() {
     constexpr timespec kPause = {0, 20'000};

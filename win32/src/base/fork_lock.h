@@ -1,10 +1,10 @@
-// A lock between the threads of this process that a fork takes over.
+// A lock between the threads of this process that works across a fork.
 //
 // The child of a fork has one thread. A lock that another thread of the parent held would stay
-// taken there for ever, and what it guards would be half changed. So the thread that forks takes
-// all locks of this kind first, and both processes let go of them afterwards. A lock is known from
-// its first use on. It may be taken while others are held: fork takes them in no order, and starts
-// again when one of them keeps it waiting.
+// taken in the child for ever, and its data would be half changed. So the thread that forks first
+// takes all locks of this kind; both processes release them afterwards. Fork knows a lock from its
+// first use on. A thread may take a lock while it holds others: fork takes them in no order, and
+// starts again when it has to wait for one.
 #pragma once
 
 #include <pthread.h>
@@ -14,9 +14,9 @@
 
 namespace host {
 
-// For std::lock_guard. Has no destructor, so that it works until the process ends. Memory that is
-// unmapped or used again is noticed; a lock in memory that goes back to a heap is forgotten with
-// ForgetLock.
+// For std::lock_guard. Has no destructor, so it works until the process ends. Fork notices memory
+// that was unmapped or is in other use. Call ForgetLock before the memory of a lock goes back to a
+// heap.
 class ForkLock {
   public:
     constexpr ForkLock() = default;
@@ -35,9 +35,10 @@ class ForkLock {
         if (state_.exchange(kFree, std::memory_order_release) == kAwaited) state_.notify_one();
     }
 
-    // The thread in `owner` holds the lock. When it forks, the lock stays taken in both processes.
+    // Tells fork of this lock. The thread in `owner` holds the lock; when that thread forks, the
+    // lock stays taken in both processes.
     void MakeKnown(std::atomic<pthread_t>* owner);
-    // Whether it still is a lock that MakeKnown has seen, and not other bytes or no memory at all.
+    // Whether the memory still holds a lock that MakeKnown has seen.
     bool IsThere() const;
     // In the child, when its holder is gone.
     void Reset() { state_.store(kFree, std::memory_order_relaxed); }
@@ -55,8 +56,8 @@ static_assert(sizeof(ForkLock) == 8);
 
 void ForgetLock(ForkLock& lock);
 
-// For the handlers of fork. TakeAllLocks waits at most a second; what it did not get by then stays
-// its holder's in the parent and is free in the child.
+// For the handlers of fork. TakeAllLocks waits at most a second. A lock that it did not get stays
+// with its holder in the parent, and is free in the child.
 void TakeAllLocks();
 void ReleaseAllLocks();
 void ReleaseAllLocksInChild();

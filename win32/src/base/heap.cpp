@@ -16,7 +16,7 @@ bool IsServed(HANDLE heap, SIZE_T bytes) {
     return heap == &process_heap && bytes <= kLargestBlock;
 }
 
-// Refuses an allocation. It is apart from the common way, which every string takes.
+// Refuses an allocation. Not inlined, so that the usual path stays short: every string takes it.
 [[gnu::cold, gnu::noinline]] LPVOID Refuse(HANDLE heap) {
     SetLastError(heap == &process_heap ? ERROR_NOT_ENOUGH_MEMORY : ERROR_INVALID_HANDLE);
     return nullptr;

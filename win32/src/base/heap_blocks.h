@@ -16,7 +16,7 @@
 #include <algorithm>
 #endif
 
-// A new block of no bytes is a block as any other.
+// A request for 0 bytes gives a normal block.
 namespace host {
 
 #ifdef QV_SMALL_BLOCKS
@@ -29,9 +29,9 @@ constexpr std::size_t kRoomFrom = std::size_t{1} << 16;
 // move a block that is used less than half, and the spare room would be lost at the next step.
 constexpr std::size_t kLeastPart = 4;
 
-// Keeps freed pages for two seconds instead of 25 ms. A process that waits longer for its turn
-// would otherwise get its pages anew for each piece of work (1 MB of text converted and dropped:
-// half of the time).
+// Keeps freed pages for two seconds instead of 25 ms. Otherwise a process that waits longer for the
+// processor would get its pages anew for each piece of work. That costs half of the time of
+// converting 1 MB of text.
 inline void KeepFreedPages() {
     mi_option_set(mi_option_decommit_delay, 2000);
 }
@@ -47,7 +47,7 @@ inline void DeleteBlock(void* block) {
 }
 inline void* ResizedBlock(void* block, std::size_t size) {
     const std::size_t usable = mi_usable_size(block);
-    // The allocator would say the same behind one more call.
+    // The allocator would give the same answer, but with one more call.
     if (size <= usable && usable / 2 <= size) return block;
     if (size < kRoomFrom) return mi_realloc(block, size);
     if (size <= usable) return usable / kLeastPart <= size ? block : mi_realloc(block, size);

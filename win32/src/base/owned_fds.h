@@ -10,7 +10,7 @@ namespace host {
 void NoteFd(int fd);
 void ForgetFd(int fd);
 
-// In the child: all descriptors of its parent's host. They count as not noted afterwards.
+// In the child: returns all descriptors of its parent's host, and forgets them.
 std::vector<int> TakeInheritedFds();
 
 }  // namespace host

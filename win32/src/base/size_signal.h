@@ -6,8 +6,9 @@
 
 namespace host {
 
-// While it lives, SIGXFSZ does nothing, unless the program has decided what it does. A handler, and
-// not "ignored": what this process starts would inherit that.
+// While it lives, SIGXFSZ does nothing, unless the program has its own handler. It installs an
+// empty handler and does not ignore the signal: a program that this process starts would inherit
+// that.
 class SizeSignal {
   public:
     // The first call begins it, the unload of this library ends it.

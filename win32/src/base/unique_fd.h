@@ -1,8 +1,8 @@
 // The one owner of a file descriptor.
 //
-// A descriptor belongs to the process that opened it. In a child of fork the owners of before are
-// empty, and what they held is closed there: a lock or a connection must not live on in a process
-// that does not know of it. Who is to keep a descriptor in the child makes it anew from
+// A descriptor belongs to the process that opened it. In a child of fork the owners are empty, and
+// the descriptors of the parent are closed: a lock or a connection must not live on in a process
+// that does not use it. An owner that needs its descriptor in the child opens it anew from
 // Inherited().
 #pragma once
 

@@ -33,7 +33,7 @@ void FileObject::EnterChild() {
         mutex_.unlock();
         return;
     }
-    // A thread that is not in this process was changing the list. Both begin anew.
+    // A thread of the parent was changing the list when it forked. List and mutex begin anew.
     ::new (&mutex_) std::mutex;
     ::new (&locked_) std::vector<Range>;
 }

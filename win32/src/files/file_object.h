@@ -48,7 +48,7 @@ class FileObject final : public HandleObject {
     DWORD Lock(std::uint64_t start, std::uint64_t length);
     DWORD Unlock(std::uint64_t start, std::uint64_t length);
 
-    // The locked ranges stay the parent's.
+    // The child holds no locked range; they stay with the parent.
     void EnterChild() override;
 
   private:
@@ -72,7 +72,7 @@ class FileObject final : public HandleObject {
     std::vector<Range> locked_;  // guarded by mutex_
 };
 
-// FILE_ATTRIBUTE_... bits of a file of this host. Nobody's write permission means read-only; names
+// FILE_ATTRIBUTE_... bits of a file of this host. Read-only: nobody has write permission. Names
 // that begin with a dot are not hidden.
 DWORD AttributesOf(const struct stat& info);
 

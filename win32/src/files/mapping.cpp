@@ -35,7 +35,7 @@ class MappingObject final : public HandleObject {
         if (!memory_.block.empty()) ReleaseSharedBlock(memory_.block, std::move(memory_.fd));
     }
     const Memory& memory() const { return memory_; }
-    // Without a descriptor of its own no new view can be had; those that are there stay.
+    // When the child gets no descriptor of its own, it cannot make new views. Old views stay.
     void EnterChild() override {
         const int old = memory_.fd.Inherited();
         memory_.fd = memory_.block.empty() ? UniqueFd(fcntl(old, F_DUPFD_CLOEXEC, 3))

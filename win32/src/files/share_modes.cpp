@@ -91,7 +91,8 @@ UniqueFd ReopenedFile(int fd, const ShareMode& mode) {
     UniqueFd own = flags < 0 ? UniqueFd() : OpenedAgain(fd, flags & O_ACCMODE);
     const off_t position = own ? lseek(fd, 0, SEEK_CUR) : -1;
     if (position < 0 || lseek(own.get(), position, SEEK_SET) < 0) return UniqueFd();
-    // The old one still has the same marks, so that nothing can be in the way of these.
+    // This cannot fail: the old descriptor still holds the same marks, so no other user forbids
+    // them.
     Mark(own.get(), mode);
     return own;
 }

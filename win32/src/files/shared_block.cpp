@@ -86,11 +86,11 @@ UniqueFd SharedBlockOfChild(int fd) {
 }
 
 void ReleaseSharedBlock(const std::string& name, UniqueFd held) {
-    // A view keeps the description open, and would keep its lock.
+    // A view keeps the open file description, and the lock with it. So unlock first.
     LockRange(held.get(), F_UNLCK, 0, 1);
     const UniqueFd fd(shm_open(name.c_str(), O_RDWR, 0));
     struct stat info;
-    // Whoever holds the write lock is alone with the block, so the name is still this one's.
+    // The holder of the write lock is the only user of the block, so the name still means it.
     if (fd && LockRange(fd.get(), F_WRLCK, 0, 1) == 0 && fstat(fd.get(), &info) == 0 &&
         info.st_nlink != 0 && info.st_uid == geteuid()) {
         shm_unlink(name.c_str());

@@ -1,9 +1,9 @@
 // Named blocks of memory that processes of one user share, one set of names per host root.
 //
-// A block is a POSIX shared-memory object. Everybody who has it open holds a read lock (open file
-// description lock) on its first byte. The last one to let go removes the name; views that outlive
-// it keep their memory without a name. When the last holder was killed, the name stays behind
-// without a holder: whoever asks for it next finds that out and starts with a block of zeros.
+// A block is a POSIX shared-memory object. Each handle holds a read lock (open file description
+// lock) on its first byte. The last handle that closes removes the name; views keep the memory
+// without a name. When the last holder was killed, the name stays without a holder: the next user
+// of the name notices this, and starts with a block of zeros.
 #pragma once
 
 #include <windows.h>
@@ -22,11 +22,11 @@ std::string SharedBlockName(std::u16string_view name);
 // tells which; an existing block keeps its size. Win32 code.
 DWORD OpenSharedBlock(const std::string& name, std::uint64_t size, UniqueFd& fd, bool& existed);
 
-// In the child of a fork: a hold of its own on the block that the parent has open as `fd`. Empty
-// when that cannot be had.
+// In the child of a fork: its own descriptor and lock of the block that the parent has open as
+// `fd`. Empty on failure.
 UniqueFd SharedBlockOfChild(int fd);
 
-// Lets go of a block that OpenSharedBlock gave; removes the name unless somebody else holds it.
+// Closes a block that OpenSharedBlock gave. Removes the name unless another user holds the block.
 void ReleaseSharedBlock(const std::string& name, UniqueFd held);
 
 }  // namespace host

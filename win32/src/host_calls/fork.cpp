@@ -2,8 +2,8 @@
 //
 // The child has one thread, the one that forked, and copies of all memory and descriptors. It must
 // not wait for the parent's other threads, hold the parent's locks of files, or keep the parent's
-// windows alive. docs/hosts.md says what it can count on. A module that keeps something for its
-// process alone compares ForkCount (base/fork_count.h), or adds its step here.
+// windows alive. docs/hosts.md has the promises to users. A unit with state of one process compares
+// ForkCount (base/fork_count.h), or adds its step here.
 #include <pthread.h>
 #include <unistd.h>
 

@@ -4,8 +4,8 @@
 // Link it as the module's last source: then the attach comes after the construction of the module's
 // own objects. On unload the detach comes before their destruction. At process exit it comes after
 // every object with a destructor, the module's and the program's, so that the program's last object
-// can still call the module. What DllMain uses on detach must therefore have no destructor that the
-// C run-time knows of; nothing in the host layer has one. The result of DllMain is ignored.
+// can still call the module. So objects that DllMain uses on detach must have no destructor that
+// the C run-time calls; the host layer has no such object. The result of DllMain is ignored.
 #include <windows.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved);

@@ -19,7 +19,7 @@ namespace host {
 
 namespace {
 
-// Has no constructor that runs and no destructor, so it is usable until the process ends.
+// Needs no constructor and no destructor at run time, so it is usable until the process ends.
 constinit ForkLock environment_lock;
 
 // Only these functions read and change the environment of the process, under the lock.
@@ -52,7 +52,7 @@ constexpr DefaultVariable kDefaults[] = {
     {u"PROCESSOR_ARCHITECTURE", u"AMD64"},
 };
 
-// Spares nearly all names the way to UTF-16.
+// Compares the first letter only, so that nearly no name must be converted to UTF-16.
 bool BeginsOtherwise(std::string_view key, WideView name) {
     if (key.empty() || name.empty()) return key.empty() != name.empty();
     const auto first = static_cast<unsigned char>(key.front());

@@ -11,7 +11,7 @@
 namespace host {
 namespace {
 
-// Below it nobody can make anything.
+// The host root of a process that has none: no file can be made below this path.
 constexpr char kNowhere[] = "/dev/null";
 
 std::string WithoutEnd(std::string path) {
@@ -24,7 +24,7 @@ std::string AbsoluteFromEnvironment(const char* name) {
     return path.starts_with('/') ? WithoutEnd(path) : "";
 }
 
-// The current folder when it was asked for first: a program that goes elsewhere keeps its registry.
+// The current folder at the first call. So a program that changes its folder keeps its registry.
 const std::string& StartFolder() {
     static const std::string& folder = *new std::string([] {
         std::error_code ignored;

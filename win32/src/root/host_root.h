@@ -7,9 +7,9 @@ namespace host {
 
 // QV_HOST_ROOT, else qv_rtl under XDG_STATE_HOME, else under ~/.local/state; absolute, without a
 // separator at its end. Read from the environment on each call; the folder may not exist yet. A
-// relative QV_HOST_ROOT lies in the folder where the process was when it asked first; relative
-// names in the other variables are ignored. Without any of it, and without a home in the user's
-// entry, a folder in which nothing can be made, and a line on standard error.
+// relative QV_HOST_ROOT starts at the current folder of the first call; relative names in the other
+// variables are ignored. Without these variables and without a home in the user's entry: a path
+// below which no file can be made, and a line on standard error.
 std::string HostRoot();
 bool HasHostRoot();
 

@@ -24,11 +24,11 @@ const RegPath& UserBlocksPath();
 inline constexpr WCHAR kEnvironment[] = u"Windows x64";
 inline constexpr WCHAR kDriverFolder[] = u"C:\\Windows\\System32\\spool\\drivers\\x64";
 
-// Runs `read` on the key at `path` below a root, in one snapshot; a missing key reads as an empty
-// one. The code is the registry's.
+// Runs `read` on the key at `path` below a root, in one snapshot. A missing key reads as an empty
+// one. Returns the code of the registry.
 LSTATUS ReadPrintKey(HKEY root, const RegPath& path, const CallRef<void(const RegKey&)>& read);
-// Runs `read` on the key of a printer, which may be named by its key or as it is listed;
-// ERROR_INVALID_PRINTER_NAME when there is none.
+// Runs `read` on the key of a printer. The name is that of the key or the listed one.
+// ERROR_INVALID_PRINTER_NAME for an unknown name.
 LSTATUS ReadPrinterKey(std::u16string_view printer, const CallRef<void(const RegKey&)>& read);
 
 // All values of a key, read at once.
@@ -49,12 +49,11 @@ std::u16string PrinterName(const RegKey& key);
 // The texts of a REG_MULTI_SZ value.
 std::vector<std::u16string> TextsValue(const PrintValues& key, std::u16string_view name);
 DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallback = 0);
-// A whole settings block, cut to its own size; empty when it is missing or does not hold what its
-// header says.
+// A settings block, cut to its own size. Empty when it is missing or shorter than its header says.
 std::vector<BYTE> BlockOf(const RegValue* value);
 std::vector<BYTE> BlockValue(const PrintValues& key, std::u16string_view name);
 
-// The user's settings block of a printer, checked as above. While a key is read.
+// The user's settings block of a printer, checked as above. Call it inside `read`.
 std::vector<BYTE> UserBlock(std::u16string_view printer);
 
 // The size that a settings block's header gives, extra part included; 0 when its public part is too

@@ -72,8 +72,8 @@ QV_SSSE3 inline std::size_t Bits(unsigned mask) {
     return static_cast<std::size_t>(__builtin_popcount(mask));
 }
 
-// Loads fewer than sixteen bytes, filled up with zeros, as two pieces that overlap. A copy through
-// memory would wait for the bytes (32 bytes to a string and back: 106 ns).
+// Loads fewer than sixteen bytes as two pieces that overlap, and fills up with zeros. A copy
+// through memory would be slower, because the load must wait for the stores.
 QV_SSSE3 inline __m128i LoadPart(const void* from, std::size_t bytes) {
     const auto* const first = static_cast<const unsigned char*>(from);
     std::uint64_t low = 0;
@@ -139,7 +139,7 @@ struct Encoded {
 };
 
 // Decodes sixteen bytes. The byte in front of them is a lead when `open` is 1. The next block
-// begins sixteen bytes later, whatever this one holds, so it need not wait.
+// always begins sixteen bytes later, so the processor can begin it before this one ends.
 QV_SSSE3 inline Decoded DecodeBlock(__m128i bytes, __m128i previous, unsigned open) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i before = _mm_alignr_epi8(bytes, previous, 15);
@@ -188,8 +188,7 @@ QV_SSSE3 Progress DecodeShuffled(const char* text, std::size_t left, WCHAR* out,
     Progress done{0, 0};
     __m128i previous = _mm_setzero_si128();
     unsigned open = 0;
-    // 48 bytes become at least sixteen units. Units that are written too much are overwritten by
-    // the next step.
+    // 48 bytes become at least sixteen units. The next step overwrites the surplus units.
     while (left - done.read >= 48 && room - done.written >= 16) {
         const __m128i bytes = Load(text + done.read);
         const Decoded block = DecodeBlock(bytes, previous, open);

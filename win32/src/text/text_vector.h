@@ -1,8 +1,8 @@
-// The converters' inner steps, sixteen bytes at a time: every x86-64 has SSE2, any other machine
-// takes the plain loops below.
+// The converters' inner steps, sixteen bytes at a time with SSE2, which every x86-64 has. Other
+// machines take the plain loops at the end.
 //
-// Each step reads and writes a fixed amount, wanted or not; its caller sees to the room. Against
-// the loop unit by unit: ASCII 12 times, text of three-byte characters 5 times as fast.
+// Each step reads and writes a fixed amount; the caller must have that room. Compared with the loop
+// over units, ASCII is 12 times and text of three-byte characters 5 times as fast.
 #pragma once
 
 #include <windows.h>
@@ -57,7 +57,7 @@ inline std::size_t AsciiPrefix(const char* from) {
     return FirstBit(ByteMask(Load16(from)));
 }
 
-// The same, and the characters widened; what stands behind the ASCII has no meaning.
+// The same, and widens the characters. The units behind the ASCII have no meaning.
 inline std::size_t WidenAscii(const char* from, WCHAR* to) {
     const __m128i bytes = Load16(from);
     Store16(to, _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
@@ -84,9 +84,9 @@ inline std::size_t NarrowAscii(const WCHAR* from, char* to) {
     return FirstBit(ByteMask(AsciiUnits(low, high)) ^ 0xFFFF);
 }
 
-// The length of a text. Sixteen bytes that begin at a multiple of sixteen lie in one page: what is
-// read around the text can be read, though it is not the text's. Under the address sanitizer the
-// text is read alone, so that one without an end is found.
+// The length of a text. It reads sixteen bytes at multiples of sixteen. These lie in one page, so
+// reading bytes around the text is safe. Under the address sanitizer it reads only the text, so
+// that the sanitizer finds a text without an end.
 __attribute__((no_sanitize("thread"))) inline std::size_t UnitsBeforeZero(const WCHAR* text) {
     if constexpr (kAddressesAreChecked) return std::char_traits<WCHAR>::length(text);
     const auto place = reinterpret_cast<std::uintptr_t>(text);
@@ -174,7 +174,7 @@ inline std::size_t UnitsBeforeZero(const WCHAR* text) {
     return std::char_traits<WCHAR>::length(text);
 }
 
-// Left to the loop unit by unit.
+// Convert nothing: the loop over units does it.
 inline bool DecodeCjk(const char*, WCHAR*) {
     return false;
 }

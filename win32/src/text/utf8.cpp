@@ -12,8 +12,8 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kIllFormed = 0xFFFFFFFF;
 
-// A conversion on its way: what is left of the text and of the buffer. A step that converts what it
-// can moves both; nothing is left in the buffer behind what was converted.
+// The state of a conversion: the rest of the text and the rest of the buffer. Each step converts as
+// much as it can, and moves both. At the end nothing is written behind the result.
 template <class From, class To>
 struct Course {
     const From* at;
@@ -40,8 +40,8 @@ unsigned Byte(char byte) {
     return static_cast<unsigned char>(byte);
 }
 
-// Decodes the sequence at `position` and moves past it; of an ill-formed one past its longest
-// prefix that could have started a valid sequence, at least one byte.
+// Decodes the sequence at `position` and moves past it. For an ill-formed sequence it moves past
+// the longest prefix that could start a valid one, at least one byte.
 char32_t DecodeUtf8(std::string_view text, std::size_t& position) {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(position++);
@@ -70,8 +70,8 @@ char32_t DecodeUtf16(std::basic_string_view<WCHAR> text, std::size_t& position) 
     return 0x10000 + ((unit - 0xD800u) << 10) + (trail - 0xDC00u);
 }
 
-// The units that `left` bytes of any text become at least: three bytes are one character, or one
-// ill-formed part, at most.
+// The smallest number of units that `left` bytes can become: no character and no ill-formed part
+// has more than three bytes per unit.
 constexpr std::size_t FewestUnits(std::size_t left) {
     return left / 3;
 }
@@ -152,7 +152,8 @@ void EncodeUpToTwoBytes(Encoding& course) {
 }
 
 void EncodeThreeByte(Encoding& course) {
-    // The units behind the four fill the bytes that are written too many.
+    // Each step writes more bytes than it needs. The four units behind, which are converted next,
+    // overwrite them.
     while (course.Left() >= 2 * kCjkUnits && course.Room() >= kCjkBytes &&
            EncodeCjk(course.at, course.out)) {
         course.Move(kCjkUnits, 3 * kCjkUnits);

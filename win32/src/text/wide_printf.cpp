@@ -60,13 +60,13 @@ struct Conversion {
 class Digits {
   public:
     std::string_view Write(unsigned long long value, unsigned base, WCHAR letter) {
-        // A division by a number that the compiler knows is no division.
+        // The compiler turns a division by a constant into a multiplication.
         if (base == 10) return WriteDecimal(value);
         if (base == 8) return Write<8>(value, kUpper);
         return Write<16>(value, letter == u'x' ? kLower : kUpper);
     }
 
-    // Two digits for a division, which the next one has to wait for.
+    // Two digits for each division, because each division waits for the one before.
     template <class Number>
     std::string_view WriteDecimal(Number value) {
         char* const end = text_ + sizeof text_;
@@ -121,7 +121,7 @@ class Formatter {
     }
 
   private:
-    // "%s" and "%d", which most conversions are: half the time of the general way.
+    // Plain "%s" and "%d", the most common conversions, in half the time of the general code.
     bool WritePlain() {
         if (*next_ == u's') {
             const auto* text = va_arg(arguments_.list, const WCHAR*);
@@ -285,7 +285,7 @@ class Formatter {
     void WriteNumber(const Conversion& c, unsigned long long value, unsigned base,
                      std::string_view prefix) {
         Digits buffer;
-        // The general way asks for at least one digit itself, or for none.
+        // A 0 has no digits here: the precision below decides whether one is written.
         const std::string_view digits =
             value == 0 ? std::string_view() : buffer.Write(value, base, c.letter);
         const std::size_t length = digits.size();

@@ -53,7 +53,8 @@ BOOL GetFileVersionInfoW(LPCWSTR file, DWORD, DWORD size, LPVOID data) {
     return TRUE;
 }
 
-// The block's own size, which GetFileVersionInfoW has checked, is all there is to check against.
+// This call gets no size. So it checks against the size that the block states, which
+// GetFileVersionInfoW has checked before.
 BOOL VerQueryValueW(LPCVOID data, LPCWSTR path, LPVOID* value, UINT* size) {
     if (data == nullptr || path == nullptr || value == nullptr || size == nullptr) {
         return host::Fail(ERROR_INVALID_PARAMETER);

@@ -88,7 +88,8 @@ class Image {
                FindResources(optional, optional_size);
     }
 
-    // Reads at an address of the loaded image; what a section holds in the file is all there is.
+    // Reads at an address of the loaded image. Only the part of a section that is in the file can
+    // be read.
     bool ReadLoaded(std::uint64_t address, void* out, std::size_t bytes) const {
         for (const Section& section : sections_) {
             if (address < section.address || address - section.address >= section.raw_size)

@@ -55,7 +55,8 @@ bool VersionBlock::HasKey(std::u16string_view key) const {
     return true;
 }
 
-// Compilers count the value of a text in characters or, some, in bytes: no more than what is left.
+// Most compilers count the value of a text in characters, some in bytes. The result is never more
+// than the rest of the block.
 std::size_t VersionBlock::ValueBytes() const {
     const std::size_t room = value_ < end_ ? end_ - value_ : 0;
     return std::min(room, std::size_t{value_size_} * (is_text_ ? sizeof(char16_t) : 1));

@@ -55,7 +55,7 @@ class FileDialog {
     FileDialog(OPENFILENAMEW& record, bool open)
         : record_(record), open_(open), program_(EnvironmentText("QV_HOST_DIALOG")) {}
 
-    // Asks the user. Whether the record holds the chosen file.
+    // Asks the user. True when the record now holds the chosen file.
     bool Show() {
         if (program_.empty()) return false;
         const ProgramAnswer answer = AskProgram(program_, Arguments());
@@ -109,7 +109,7 @@ class FileDialog {
 
     bool Store(const std::filesystem::path& file) {
         const WideString name = FromHostPath(file.native());
-        // Some names have no Windows form that leads back to the same file. Those are refused.
+        // Refuses a file whose Windows name would not lead back to it.
         const HostPath back = ToHostPath(name.c_str());
         if (back.error != NO_ERROR || back.path != file.native()) return false;
         const std::size_t needed = name.size() + 1;

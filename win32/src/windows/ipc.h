@@ -1,8 +1,8 @@
 // Messages between windows of different threads and processes, as packets of one connection each.
 //
-// A connection carries one message and, for a sent one, the answer. What belongs to the message in
-// memory (the bytes of WM_COPYDATA, the text of WM_DEVMODECHANGE) travels as a sealed memory file,
-// so that its size has no limit of the socket and the receiver never waits for it.
+// A connection carries one message and, for a sent one, the answer. Memory that belongs to the
+// message (the bytes of WM_COPYDATA, the text of WM_DEVMODECHANGE) travels as a sealed memory file.
+// So the socket does not limit its size, and the receiver never waits for it.
 #pragma once
 
 #include <windows.h>
@@ -41,7 +41,7 @@ bool CarriesMemory(UINT message);
 // bytes, ERROR_NOT_ENOUGH_MEMORY for more than 64 MiB.
 DWORD PackMessage(MessageKind kind, UINT message, WPARAM wparam, LPARAM lparam, IpcMessage& wire);
 
-// False, with errno.
+// False, with errno, on failure.
 bool WriteMessage(int connection, const IpcMessage& wire);
 void WriteAnswer(int connection, LRESULT answer);
 // False when the connection ended without an answer.
@@ -52,7 +52,7 @@ enum class ReadOutcome { kNothingYet, kRefused, kMessage };
 // not hold one well-formed message.
 ReadOutcome ReadMessage(int connection, IpcMessage& wire);
 
-// Whether the other side has let go of the connection.
+// Whether the other side has closed the connection.
 bool PeerIsGone(int connection);
 
 }  // namespace host

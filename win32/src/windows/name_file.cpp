@@ -65,7 +65,7 @@ std::uint32_t NameFile::Insert(WideView name) {
     return link - 1;
 }
 
-// The file knows of it only with the header that is written next.
+// Changes only the header in memory; the file has the change when the header is written next.
 NameFile::Link NameFile::TakeFree() {
     const Link next = header_.free != 0 ? header_.free : header_.used + 1;
     const RecordHead head = next <= kNumbers ? HeadAt(next - 1) : RecordHead{};
@@ -110,7 +110,8 @@ bool NameFile::IsNamed(std::uint32_t index, const RecordHead& head) const {
     return index < header_.used && head.uses != 0 && head.length != 0 && head.length <= kLongest;
 }
 
-// Looks for a record in the bucket of a hash. Links that lead astray make the tables anew, once.
+// Looks for a record in the bucket of a hash. When a link is wrong, rebuilds the tables and tries
+// once more.
 template <class Matches>
 NameFile::Place NameFile::Walk(std::uint32_t hash, const Matches& matches) {
     for (int attempt = 0; attempt < 2; ++attempt) {
@@ -139,7 +140,7 @@ void NameFile::SetNext(std::uint32_t hash, Link before, Link next) {
     Write(at, &next, sizeof next);
 }
 
-// Makes buckets and free records from the records that agree with themselves.
+// Builds buckets and list of free records anew, from the records that are valid in themselves.
 void NameFile::MakeAnew() {
     std::vector<RecordHead> heads(kNumbers);
     header_ = {kNameMagic, 1, kNumbers, 0};

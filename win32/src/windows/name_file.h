@@ -1,6 +1,6 @@
 // The file of a table of names: a hash table in which each name keeps its number as long as it is
-// used. It is read and written by system calls, so that a file that somebody cuts is an error and
-// not a fault.
+// used. It is read and written by system calls, not mapped: so a file that somebody cuts gives an
+// error and no crash.
 #pragma once
 
 #include <windows.h>
@@ -19,8 +19,8 @@ struct NameFileFailure {
 
 // One use of the file by a thread that holds its lock. All calls throw NameFileFailure.
 //
-// A change that was interrupted and links that cannot be right are mended: what each record says of
-// itself decides. Nobody is asked to believe more than one record.
+// After an interrupted change, or when links are wrong, the tables are rebuilt from the records.
+// Each record is checked by its own content only.
 class NameFile {
   public:
     static constexpr std::uint32_t kNumbers = 0x4000;

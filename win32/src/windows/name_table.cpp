@@ -31,8 +31,8 @@ bool Patiently(const Try& attempt) {
     return true;
 }
 
-// Who gets the write lock of the session is alone, and begins it. A process that is stopped just
-// then keeps the others out.
+// A process that gets the write lock of the session is the only one, and begins a new session. A
+// process that is stopped at this moment keeps the others out.
 bool JoinSession(int fd) {
     if (LockRange(fd, F_WRLCK, kSession, 1) == 0) NameFile::Begin(fd);
     return LockRange(fd, F_RDLCK, kSession, 1) == 0;
@@ -76,7 +76,8 @@ NameTable& NameTable::Messages() {
     return messages;
 }
 
-// A file that was removed, with its folder perhaps, is left for the one that others use now.
+// Opens the file when it is not open yet, when the host root has changed, and when the open file
+// was removed: other processes use a new one then.
 DWORD NameTable::Open() {
     const bool same_root = root_.StillHolds();
     if (same_root && fd_ && IsUsable(fd_.get())) return NO_ERROR;

@@ -1,8 +1,8 @@
 // Numbers for names, 0xC000 to 0xFFFF: the atoms, and the registered messages.
 //
 // A table belongs to the session: the processes of one host root that use it at the same time. It
-// is a file of run/names of which each of them holds a read lock, so that a killed process lets go
-// as well. The names end with the last of them; who comes first afterwards finds an empty table.
+// is a file in run/names, and each process holds a read lock on it; the lock ends with a killed
+// process too. The names end with the last process. The next process begins with an empty table.
 // All calls take the same time, however many names there are.
 #pragma once
 
@@ -26,7 +26,7 @@ class NameTable {
     static NameTable& Atoms();
     static NameTable& Messages();
 
-    // Joins the session without a name: others may send one.
+    // Joins the session without a name of its own, because others may send one.
     DWORD Join();
     // In the handler of fork: the child takes over the parent's place in the session.
     void EnterChild();

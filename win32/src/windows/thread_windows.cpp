@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostPosted = 10000;
 constexpr std::size_t kMostArrivals = 64;
-// How many answers a thread makes inside of each other. Beyond that, further senders wait.
+// The greatest depth of nested answers in a thread. Further senders wait.
 constexpr int kDeepest = 32;
 
 int MillisecondsUntil(const Deadline& deadline) {

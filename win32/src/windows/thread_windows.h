@@ -60,8 +60,8 @@ class ThreadWindows {
     // False when the deadline has passed, or the system cannot wait.
     bool Wait(int connection, bool for_windows, const Deadline& deadline);
 
-    // Sends to a window of another thread and waits for its answer. Meanwhile it answers what is
-    // sent to this thread, unless `deaf` is set. Returns a Win32 code.
+    // Sends to a window of another thread and waits for the answer. Meanwhile it answers messages
+    // that are sent to this thread, unless `deaf` is set. Returns a Win32 code.
     DWORD Send(WindowNumber number, const IpcMessage& wire, const Deadline& deadline, bool deaf,
                LRESULT& answer);
 

@@ -34,7 +34,8 @@ void Broadcast(ThreadWindows& windows, UINT message, WPARAM wparam, LPARAM lpara
     }
 }
 
-// Told of a printer's new settings before they are there, programs would read the old ones.
+// Whether this broadcast is sent later, after the group of changes to the registry. Programs that
+// get it before would still read the old settings of the printer.
 bool WaitsForChanges(UINT message, LPARAM lparam, UINT flags, UINT timeout) {
     if (message != WM_DEVMODECHANGE || lparam == 0) return false;
     const std::u16string printer(reinterpret_cast<LPCWSTR>(lparam));
