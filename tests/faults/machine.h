@@ -21,7 +21,7 @@ namespace faults {
 
 inline const WCHAR* const kPrinter = TEXT("QV Fax");
 
-/// A value of the product's key that nobody uses.
+/// A value of the product's key that the product does not use.
 inline const WCHAR* const kNeighbour = TEXT("Neighbour");
 
 class Machine {

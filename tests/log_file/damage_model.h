@@ -46,8 +46,8 @@ class DamageModel {
 
     explicit DamageModel(const UnicodeString& file) : file_(file) {}
 
-    // The first bytes choose a log, the others what happens to it. Empty when that cost what it
-    // may; else what was lost, and where.
+    // The first bytes choose a log, the others the damage. Returns an empty text when only damaged
+    // records are lost; else the record that was lost, and its place.
     std::string Try(std::span<const BYTE> input) {
         Fill(Next(input));
         const LogImage image = Damaged(input);

@@ -1,5 +1,5 @@
-// A log file that somebody damaged: the writer goes on within the limit, the reader shows what is
-// left and says what it left out.
+// A damaged log file: the writer goes on within the limit. The reader shows the sound records and
+// names the bytes that it left out.
 #include <algorithm>
 
 #include "log_file/log_fixture.h"

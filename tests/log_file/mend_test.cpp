@@ -1,4 +1,4 @@
-// Files that the next writer mends, begins anew, or leaves alone.
+// Damaged files: the next writer repairs the file, begins a new log, or does not touch it.
 #include <algorithm>
 #include <functional>
 #include <random>
@@ -52,8 +52,8 @@ TEST_F(Mended, TheFirstAppendSeesWhatTheSlotsAloneDoNotShow) {
     }
 }
 
-// Without a header only times and gaps tell which record is the newest: in a ring that has not
-// wrapped, and in one that has.
+// Without a header, only times and gaps show which record is the newest. The rows: a ring that has
+// not wrapped, and one that has.
 TEST_F(Mended, AClockThatWasSetBackDoesNotTurnTheOrder) {
     const struct { unsigned before, back, after; } rows[] = {{20, 19, 3}, {150, 100, 20}};
     for (const auto& row : rows) {
@@ -71,7 +71,7 @@ TEST_F(Mended, AClockThatWasSetBackDoesNotTurnTheOrder) {
     }
 }
 
-// What holds no record and is no log's header is somebody else's.
+// A file without a record and without a header of a log belongs to another program.
 TEST_F(Mended, WhatIsNoLogIsNotWritten) {
     const std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16);
     const std::string files[] = {"text", std::string(5000, 'a'), png + std::string(300, '\0'),
@@ -97,7 +97,8 @@ TEST_F(Mended, WhereNothingIsLeftACopyStays) {
     DeleteFileW(copy.c_str());
 }
 
-// Damage that lies behind what is looked at must not keep the writer for ever.
+// The writer looks only at the first part of such a file. Damage behind it must not stop the writer
+// for ever.
 TEST_F(Mended, DamageInAFileThatIsTooLargeEndsTheRing) {
     constexpr DWORD kLarge = 66U << 20;
     LogImage image(kLarge);

@@ -29,7 +29,7 @@ class Toolkit : public testing::Test {
     static void Store(HKEY root, const UnicodeString& key, const WCHAR* name, DWORD type,
                       const std::string& bytes) {
         const HKEY open = Mox::RegOpenToWrite(root, key);
-        // Windows takes a terminator along that stands right behind the bytes: here is none.
+        // Windows also stores a terminator that stands right behind the bytes. So put others there.
         const std::string padded = bytes + "xxx";
         EXPECT_EQ(RegSetValueExW(open, name, 0, type, reinterpret_cast<const BYTE*>(padded.data()),
                                  static_cast<DWORD>(bytes.size())),

@@ -213,7 +213,7 @@ TEST_F(Spooler, TheUsersBlockIsKeptWhole) {
     EXPECT_EQ(UserBlock(), Bytes());
     EXPECT_EQ(Set(fax_, 8, &record), DWORD{ERROR_INVALID_LEVEL});
     EXPECT_EQ(Set(fax_, 9, nullptr), DWORD{ERROR_INVALID_PARAMETER});
-    // A stored block that lies about its size is none; what lies behind one is left out.
+    // A stored block with a wrong size counts as missing. Bytes behind a block are left out.
     const Bytes whole = Block(220, 100);
     Bytes longer = whole;
     longer.resize(400);

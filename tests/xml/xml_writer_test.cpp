@@ -114,7 +114,7 @@ TEST(XmlWriter, AFileIsNotTouchedByWhatCannotBeWritten) {
     doc.FProlog->GetChild(0)->FName = TEXT("other");
     EXPECT_EQ(test::ThrownText([&] { doc.SaveToFile(name); }),
               TEXT("The document cannot be written: its first instruction is not \"xml\""));
-    // A zero is written; without a mark nobody reads it back.
+    // A zero is written. The file has no byte-order mark, so it cannot be read back.
     TXmlDoc loaded;
     EXPECT_EQ(test::ThrownText([&] { loaded.LoadFromFile(name); }), TEXT("Invalid char found"));
     TXmlDoc named;

@@ -1,5 +1,5 @@
-// check: whether a log file to which WRITERS writers have appended RECORDS numbered records each,
-// and nobody else anything, counts them all and holds the last of them whole and in order.
+// check: WRITERS writers have appended RECORDS numbered records each to a log file, and nobody else
+// anything. Checks that the file counts all of them, and holds the last ones whole and in order.
 #include <cstdio>
 
 #include "ring_check.h"

@@ -1,7 +1,7 @@
 // hold: stops a process in the middle of an append, while it holds the lock of
-// the log's header, and watches what others can do: a process whose threads log and work, one that
-// reads the log, one that starts, and one that ends. Then the stopped process goes on, and in a
-// second round it is killed; either way everybody must go on, and no record may be lost.
+// the log's header, and watches four others: a process whose threads log and work, one that reads
+// the log, one that starts, and one that ends. Then the stopped process goes on; in a second round
+// it is killed. In both rounds all others must go on, and no record may be lost.
 #include <fcntl.h>
 
 #include <cstdio>

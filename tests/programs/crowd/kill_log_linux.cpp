@@ -105,7 +105,7 @@ class TCampaign {
         write(WriterOf(life));
     }
 
-    // Whatever happens, a reader can read, and what it reads is whole; under the lock it is all.
+    // At any time a reader can read whole records. Under the lock it must leave nothing out.
     void Look() {
         while (!shared_->stop) {
             Mox::TLogReader reader;
@@ -161,7 +161,7 @@ class TCampaign {
         }
     }
 
-    // Whoever comes next finds a file that it can use.
+    // The next process must find a file that it can use.
     void KillCreator(std::uint32_t life) {
         const std::string file = folder_ + "/fresh.log";
         std::filesystem::remove(file);
@@ -204,8 +204,8 @@ class TCampaign {
             ++interrupted_;
             if (check.Landed({w, returned + 1})) ++landed_;
         }
-        // Once the ring has been round, it is full but for the room that one record needs at each
-        // of its ends, and that the dead had made.
+        // A ring that has wrapped is full. Only the room of one record at each end may be free, and
+        // the room that killed writers had made.
         if (check.Counter() < 3 * plan_.ring / kSmallestSize) return;
         least_used_ = std::min(least_used_, check.Used());
         if (check.Used() + 6 * kLargestSlot < plan_.ring) Fail("the ring has lost old records");
@@ -218,7 +218,7 @@ class TCampaign {
             of_the_others += states_[w].Returned().number;
             longest = std::max(longest, states_[w].Longest());
         }
-        // Those that nobody knows about are the ones that were interrupted.
+        // Only interrupted records may be counted without having returned.
         const std::uint64_t returned = of_the_dead_ + of_the_others;
         if (end.Counter() < returned || end.Counter() > returned + interrupted_) {
             Fail("the change counter is " + std::to_string(end.Counter()) + " after " +
@@ -282,7 +282,7 @@ int stress::KillLog(const TArguments& arguments) {
             Fail("unknown option " + name);
         }
     }
-    // In a small ring the largest record makes all others give way.
+    // In a small ring the largest record overwrites all others.
     largest_block = std::min(equal ? 100U : kLargestBlock, std::max(plan.ring, 300U) - 300U);
     equal_blocks = equal;
     TCampaign(arguments[0], plan).Run();

@@ -1,7 +1,7 @@
 // kill-registry: kills a process KILLS times at random moments while it writes a value
-// of the registry of this host, beside another process that writes one. Afterwards the value is the
-// one before or the one that was being written, whole; the other values are what they were; nothing
-// is left over and nobody stays locked out.
+// of the registry of this host, beside another process that writes one. Afterwards the value must
+// be the old or the new one, whole. The other values must be unchanged, no file may be left, and no
+// process may stay locked out.
 #include <qv_host.h>
 #include <windows.h>
 

@@ -1,6 +1,6 @@
-// Log records that prove themselves: each says who wrote it and which of that writer's records it
-// is, and carries a data block that follows from both. A reader that knows the rule finds a record
-// that is damaged, lost, doubled or out of order.
+// Log records that can be checked. Each holds the number of its writer, its own number, and a data
+// block that is computed from both. So a check finds each record that is damaged, lost, doubled or
+// out of order.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Whether a log file holds what it must: every record that its writers had logged and that the ring
-// has not given way to newer ones, whole and in order.
+// Checks that a log file holds every record that its writers had logged, whole and in order. Only
+// records that newer ones have overwritten may be missing.
 #pragma once
 
 #include <algorithm>
@@ -39,8 +39,8 @@ class TRingCheck {
         }
     }
 
-    // `bytes`: a copy of the file that was made after this object. Empty when all is well, else
-    // what is not.
+    // `bytes`: a copy of the file that was made after this object. Returns the fault, or an empty
+    // text.
     std::string Check(const std::vector<std::uint8_t>& bytes) {
         Mox::TLogReader reader;
         if (!reader.Assign(bytes.data(), bytes.size())) return "the file cannot be read";
@@ -76,8 +76,8 @@ class TRingCheck {
         std::uint32_t last;
     };
 
-    // `place`: what the change counter was when the record had been written, as the ring has it. A
-    // record that stands in front of those that were there before its call is out of order.
+    // `place`: the change counter after the record was written, computed from its place in the
+    // ring. A record is out of order when it stands before records that were there before its call.
     std::string Take(const Mox::TLogMsg& message, std::uint64_t place) {
         TNumber n;
         Mox::TLogMsg copy = message;
