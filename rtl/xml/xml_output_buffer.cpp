@@ -66,8 +66,11 @@ int TXmlOutputBuffer<Unit>::PutEscaped(const UnicodeString& text) {
 
 template <class Unit>
 void TXmlOutputBuffer<Unit>::MakeRoom(std::size_t units) {
+    if (stream_ != nullptr && at_ - first_ >= static_cast<std::ptrdiff_t>(kPiece)) {
+        Flush();
+        if (static_cast<std::size_t>(end_ - first_) >= units) return;
+    }
     const auto used = static_cast<std::size_t>(at_ - first_);
-    if (stream_ != nullptr && used >= kPiece) return Flush();
     const std::size_t least = stream_ != nullptr ? kPiece + kPiece / 4 : used * 2;
     const std::size_t size = std::max(least, used + units);
     auto larger = std::make_unique_for_overwrite<Unit[]>(size);
@@ -80,9 +83,14 @@ void TXmlOutputBuffer<Unit>::MakeRoom(std::size_t units) {
 
 template <class Unit>
 void TXmlOutputBuffer<Unit>::Flush() {
-    const auto bytes = static_cast<int>((at_ - first_) * static_cast<int>(sizeof(Unit)));
-    at_ = first_;
-    if (bytes > 0) written_ += stream_->Write(first_, bytes);
+    // One text may be longer than what one Write takes.
+    constexpr std::ptrdiff_t kMost = 1 << 30;
+    const Unit* const end = std::exchange(at_, first_);
+    for (const Unit* from = first_; from < end;) {
+        const std::ptrdiff_t count = std::min(end - from, kMost / std::ptrdiff_t{sizeof(Unit)});
+        written_ += stream_->Write(from, static_cast<int>(count * std::ptrdiff_t{sizeof(Unit)}));
+        from += count;
+    }
 }
 
 template <class Unit>
