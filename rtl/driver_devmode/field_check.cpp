@@ -28,13 +28,7 @@ bool SaysWhatItIs(const TFieldInfo& row, const UnicodeString& element) {
     return row.Values != ValueTable::None || Sysutils::TryStrToInt64(element, number);
 }
 
-// Whether the sizes, the identifier and the version are still those of a block of the product.
-bool IsProduct(TQVDM& wrapper) {
-    QV_DEVMODE* const block = wrapper.GetDM();
-    return QV_DEVMODE::IsValidQV_DEVMODE(block, block->dmSize + block->dmDriverExtra);
-}
-
-TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
+TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text) {
     Classes::TStringList items;
     Classes::TStrings& elements = items;
     elements.SetCommaText(text);
@@ -43,11 +37,7 @@ TFieldCheck CheckNumbers(const TField& field, const UnicodeString& text, TQVDM& 
     for (int i = 0; i < elements.GetCount(); ++i) {
         if (!SaysWhatItIs(*field.row, elements.Get(i))) return TFieldCheck::BadValue;
     }
-    const UnicodeString before = ReadField(field);
-    if (!SetField(field, text, nullptr)) return TFieldCheck::BadValue;
-    if (IsProduct(wrapper)) return TFieldCheck::Taken;
-    SetField(field, before, nullptr);
-    return TFieldCheck::BadValue;
+    return SetField(field, text, nullptr) ? TFieldCheck::Taken : TFieldCheck::BadValue;
 }
 
 TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wrapper) {
@@ -62,7 +52,8 @@ TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wra
     }
     SetField(field, text, nullptr);
     if (!wrapper.Encode()) return TFieldCheck::NoRoom;
-    if (!IsProduct(wrapper)) {
+    if (!wrapper.GetDM()->IsValid()) {
+        // A block with another identifier is not stored.
         SetField(field, before, nullptr);
         return TFieldCheck::BadValue;
     }
@@ -78,8 +69,7 @@ TFieldCheck CheckText(const TField& field, const UnicodeString& text, TQVDM& wra
 TFieldCheck CheckField(TQVDM& scratch, const TFieldName& name, const UnicodeString& text) {
     const TField field = FindNamedField(scratch, name);
     if (!field) return TFieldCheck::UnknownName;
-    return field.row->IsText() ? CheckText(field, text, scratch)
-                               : CheckNumbers(field, text, scratch);
+    return field.row->IsText() ? CheckText(field, text, scratch) : CheckNumbers(field, text);
 }
 
 }  // namespace driver_devmode

@@ -11,8 +11,7 @@ namespace driver_devmode {
 enum class TFieldCheck {
     Taken,
     UnknownName,
-    BadValue,  // no value of the field, or not in its range, or a word where a number is due; or
-               // the block would be none of the product any more, and is not stored
+    BadValue,  // no value of the field, or not in its range, or a word where a number is due
     TooMany,   // more values than the field has
     Cut,       // a text longer than the field
     NotKept,   // encoding writes it over with the wrapper's member

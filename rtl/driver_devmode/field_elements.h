@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "driver_devmode/field_info.h"
 
@@ -14,6 +15,8 @@ namespace driver_devmode {
 struct TField {
     const TFieldInfo* row = nullptr;
     void* data = nullptr;
+    // The least number that the field takes.
+    int least = std::numeric_limits<int>::min();
 
     explicit operator bool() const { return row != nullptr; }
 };

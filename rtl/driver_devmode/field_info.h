@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <limits>
 #include <optional>
 
 #include "driver_devmode/value_tables.h"
@@ -66,6 +67,8 @@ struct TFieldInfo {
     int Size = 0;
     // Written by TQVDM::ToXmlNode.
     bool Listed = true;
+    // Below this the block is none of the product any more.
+    int Least = std::numeric_limits<int>::min();
     ValueTable Values = ValueTable::None;
     // What a fresh block has: numbers, or a text of ASCII.
     std::array<int, kMostElements> Fresh{};

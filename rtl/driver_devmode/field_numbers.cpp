@@ -166,6 +166,7 @@ bool SetNumbers(const TField& field, const UnicodeString& text, UnicodeString* p
         bool valid = false;
         long long number = 0;
         if (!supplied.Next(row, valid, number)) continue;
+        valid = valid && number >= field.least;
         if (valid) StoreElement(field, i, number);
         all_set = all_set && valid;
     }

@@ -111,9 +111,7 @@ bool TQVDM::borrow(DEVMODEW* dm, int size) {
 }
 
 bool TQVDM::StatedSizeFits() const {
-    if (FDM == nullptr) return false;
-    const int stated = FDM->dmSize + FDM->dmDriverExtra;
-    return stated >= QV_DEVMODE::Size() && stated <= block_size_;
+    return FDM != nullptr && FDM->dmSize + FDM->dmDriverExtra <= block_size_;
 }
 
 bool TQVDM::Decode() {

@@ -46,8 +46,8 @@ class QV_API TQVDM {
     // Copies the 4400 bytes of the block as it stands; `target` must have room for them.
     void CopyTo(DEVMODEW* target);
     QV_DEVMODE* GetDM() { return FDM; }
-    // Whether dmSize + dmDriverExtra, which callers can set by name, still cover the block and lie
-    // within its memory. A block for which this is false must not be handed to the spooler.
+    // Whether dmSize + dmDriverExtra, which callers can set by name, still lie within the memory of
+    // the block. A block for which this is false must not be handed to the spooler.
     bool StatedSizeFits() const;
 
     // Writes every listed field as a child of `node`, dotted names as group and leaf. Returns true.

@@ -17,12 +17,12 @@ constexpr UnicodeString TQVDM::*kWrapperMembers[] = {
 
 TField BlockField(const TFieldInfo& row, QV_DEVMODE* block) {
     auto* const data = reinterpret_cast<std::uint8_t*>(static_cast<DEVMODEW*>(block)) + row.Offset;
-    return {&row, data};
+    return {&row, data, row.Least};
 }
 
 TField WrapperField(const TFieldInfo& row, TQVDM& wrapper) {
     const auto index = static_cast<std::size_t>(&row - WrapperFields().data());
-    return {&row, &(wrapper.*kWrapperMembers[index])};
+    return {&row, &(wrapper.*kWrapperMembers[index]), row.Least};
 }
 
 std::basic_string_view<WCHAR> ViewOf(const UnicodeString& text) {
