@@ -121,19 +121,19 @@ bool IsAllZero(const DEVMODEW& dm) {
 }
 
 // The DEVMODE of a decoded job record follows its texts and may lie at any even address. The copy
-// holds the private part too when the record says that there is one.
+// ends where the block's own sizes say; a dmSize of 0 stands for the whole public part.
 class TAlignedCopy {
   public:
     explicit TAlignedCopy(const void* dm) {
         std::memcpy(bytes_, dm, sizeof(DEVMODEW));
-        if (Block().dmDriverExtra >= QV_DEVMODE::kExtraSize) {
-            std::memcpy(bytes_, dm, sizeof(bytes_));
-        }
+        const std::size_t public_size = Block().dmSize == 0 ? sizeof(DEVMODEW) : Block().dmSize;
+        const std::size_t stated = public_size + Block().dmDriverExtra;
+        if (stated > sizeof(DEVMODEW)) std::memcpy(bytes_, dm, std::min(stated, sizeof(bytes_)));
     }
     QV_DEVMODE& Block() { return *reinterpret_cast<QV_DEVMODE*>(bytes_); }
 
   private:
-    alignas(QV_DEVMODE) BYTE bytes_[sizeof(QV_DEVMODE)];
+    alignas(QV_DEVMODE) BYTE bytes_[sizeof(QV_DEVMODE)] = {};
 };
 
 // One "name=value " pair of a field. A '*' marks a field whose bit in dmFields is set.
