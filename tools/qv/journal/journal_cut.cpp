@@ -13,7 +13,7 @@ namespace qv {
 
 namespace {
 
-constexpr std::size_t kMostBytes = 8 << 20;
+constexpr std::size_t kMostJournalBytes = 8 << 20;
 constexpr std::size_t kKeptBytes = 4 << 20;
 
 std::size_t BehindLine(std::string_view bytes, std::size_t place) {
@@ -59,7 +59,7 @@ bool WriteThrough(const UnicodeString& name, const std::string& bytes) {
 void CutJournal(const std::string& name) {
     std::error_code error;
     const auto size = std::filesystem::file_size(std::u8string(name.begin(), name.end()), error);
-    if (error || size <= kMostBytes) return;
+    if (error || size <= kMostJournalBytes) return;
     const std::string kept = Cut(ReadAll(name));
     if (kept.empty()) return;
     const UnicodeString wide = FromUtf8(name);
