@@ -121,14 +121,16 @@ bool IsAllZero(const DEVMODEW& dm) {
 }
 
 // The DEVMODE of a decoded job record follows its texts and may lie at any even address. The copy
-// ends where the block's own sizes say; a dmSize of 0 stands for the whole public part.
+// ends where the block's own sizes say, with zeros behind it; a dmSize of 0 stands for the whole
+// public part.
 class TAlignedCopy {
   public:
     explicit TAlignedCopy(const void* dm) {
-        std::memcpy(bytes_, dm, sizeof(DEVMODEW));
+        constexpr std::size_t kSizesEnd = offsetof(DEVMODEW, dmFields);
+        std::memcpy(bytes_, dm, kSizesEnd);
         const std::size_t public_size = Block().dmSize == 0 ? sizeof(DEVMODEW) : Block().dmSize;
         const std::size_t stated = public_size + Block().dmDriverExtra;
-        if (stated > sizeof(DEVMODEW)) std::memcpy(bytes_, dm, std::min(stated, sizeof(bytes_)));
+        std::memcpy(bytes_, dm, std::clamp(stated, kSizesEnd, sizeof(bytes_)));
     }
     QV_DEVMODE& Block() { return *reinterpret_cast<QV_DEVMODE*>(bytes_); }
 

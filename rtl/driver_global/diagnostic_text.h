@@ -27,7 +27,8 @@ struct DOCUMENTPROPERTYHEADER {
 };
 
 // The public fields, those whose bit is set in dmFields marked with '*'; then, for the product's
-// own block, its private fields by name. "Empty" when the public part is all zeros.
+// own block, its private fields by name. "Empty" when the public part is all zeros. What a dmSize
+// below 220 excludes shows as zeros.
 QV_API UnicodeString DEVMODE_Str(DEVMODEW* dm);
 QV_API UnicodeString DOCUMENTPROPERTYHEADER_Str(DOCUMENTPROPERTYHEADER* h);
 QV_API UnicodeString DrvConvertDevMode_fMode(ULONG mode);

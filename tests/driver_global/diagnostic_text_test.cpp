@@ -62,6 +62,9 @@ TEST(DiagnosticText, ABlockShowsItsFields) {
     block.exVersion = 1;
     text = DEVMODE_Str(&block);
     EXPECT_EQ(text.SubString(text.Length() - 15, 16), TEXT("PanningHeight=0 "));
+    block.dmSize = 188;
+    block.dmDriverExtra = 0;
+    EXPECT_GT(DEVMODE_Str(&block).Pos(TEXT(" ICMMethod=0 ")), 0) << "it lies behind the end";
 }
 
 TEST(DiagnosticText, TimesAndJobsShowPlainNumbers) {
