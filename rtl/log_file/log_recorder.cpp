@@ -79,8 +79,7 @@ class TLiveRecorders {
 class TThreadWriter {
   public:
     TThreadWriter() {
-        const TLogger& logger = *GetLogger();
-        slot_ = logger.tlsIndex;
+        slot_ = Slot();
         slotted_ = slot_ != TLS_OUT_OF_INDEXES && TlsSetValue(slot_, this);
         if (slotted_) return;
         GetLogger()->Lock();
@@ -99,7 +98,7 @@ class TThreadWriter {
 
     // The calling thread's, or null.
     static TThreadWriter* Current() {
-        const DWORD slot = GetLogger()->tlsIndex;
+        const DWORD slot = Slot();
         void* own = slot == TLS_OUT_OF_INDEXES ? nullptr : TlsGetValue(slot);
         if (own != nullptr) return static_cast<TThreadWriter*>(own);
         if (Unslotted().load() == nullptr) return nullptr;
@@ -121,6 +120,7 @@ class TThreadWriter {
     }
 
   private:
+    static DWORD Slot() { return std::atomic_ref(GetLogger()->tlsIndex).load(); }
     static std::atomic<TThreadWriter*>& Unslotted() {
         static std::atomic<TThreadWriter*> unslotted{nullptr};
         return unslotted;

@@ -32,8 +32,7 @@ System::TLock& ErrorReaderGuard() {
     return guard;
 }
 
-// Runs `say`, which tells something about the logger itself. Its failure (no memory) is ignored: a
-// status line is no reason to fail.
+// Runs `say`, which makes a line. Its failure (no memory) is ignored: a line is no reason to fail.
 template <class Say>
 void NoThrow(const Say& say) noexcept {
     try {
@@ -97,8 +96,9 @@ int TLogger::Init() {
     const LONG count = std::atomic_ref(refCount).load() + 1;
     if (count == 1) {
         auto error = std::make_unique<UnicodeString>();
-        tlsIndex = TlsAlloc();
-        if (tlsIndex == TLS_OUT_OF_INDEXES) Status(TEXT("TlsAlloc() failed"));
+        const DWORD slot = TlsAlloc();
+        if (slot == TLS_OUT_OF_INDEXES) Status(TEXT("TlsAlloc() failed"));
+        std::atomic_ref(tlsIndex).store(slot);
         InitializeCriticalSection(&lock);
         processId = GetCurrentProcessId();
         std::atomic_ref(lastError).store(error.release());
@@ -123,17 +123,18 @@ int TLogger::Release() {
         Status(TEXT("MOX Log system was disconnected from this unit"));
         return count;
     }
-    if (tlsIndex != TLS_OUT_OF_INDEXES && !TlsFree(tlsIndex)) {
+    // A thread that is writing keeps the slot's number: its value in a free slot counts for
+    // nothing.
+    const DWORD slot = std::atomic_ref(tlsIndex).exchange(TLS_OUT_OF_INDEXES);
+    if (slot != TLS_OUT_OF_INDEXES && !TlsFree(slot)) {
         const DWORD code = ::GetLastError();
         const int line = __builtin_LINE();
         NoThrow([&] {
             UnicodeString text;
-            ShowStatus(
-                text.sprintf(TEXT("TlsFree(%d) failed: %s"), tlsIndex, GetSysError(code, true)),
-                line);
+            ShowStatus(text.sprintf(TEXT("TlsFree(%d) failed: %s"), slot, GetSysError(code, true)),
+                       line);
         });
     }
-    tlsIndex = TLS_OUT_OF_INDEXES;
     DeleteCriticalSection(&lock);
     UnicodeString* text = std::atomic_ref(lastError).exchange(nullptr);
     if (text != ErrorBeingRead()) delete text;
@@ -159,7 +160,8 @@ UnicodeString TLogger::Log(int level, UnicodeString source, int line, UnicodeStr
         format(formatContext, &formatted, message, Load(recorder), &owned);
         text = formatted;
     } else {
-        text = FormatLogLine(level, source, line, text, dataLabel, data, dataSize);
+        NoThrow(
+            [&] { text = FormatLogLine(level, source, line, text, dataLabel, data, dataSize); });
     }
     if (message != nullptr && owned) message->Free();
     return text;

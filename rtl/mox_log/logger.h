@@ -53,8 +53,9 @@ class QV_API TLogger {
 
     // Logs `text` for line `line` of module `source`, with `dataSize` bytes at `data` under the
     // caption `dataLabel` when there is a block. Returns the logged text: as given with a record
-    // callback, as the format callback made it, or the formatted line. Works before Init and
-    // after Release too. Level 'X' becomes the last error.
+    // callback, as the format callback made it, or the formatted line, for which the text stands
+    // when memory is out. Works before Init and after Release too. Level 'X' becomes the last
+    // error. Throws only what a callback throws.
     UnicodeString Log(int level, UnicodeString source, int line, UnicodeString text,
                       UnicodeString dataLabel, void* data, int dataSize);
 

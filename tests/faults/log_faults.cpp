@@ -25,13 +25,14 @@ constexpr Row kRows[] = {
     {"log record", 0x500000, 3},
     {"log record, full ring", 1500, 40},
     {"first log record", 0x500000, 0},
+    {"log line without a file", 0, 0},
 };
 
 // Adds the faulty record, then a good one. A fault may cost the faulty record, and of a full ring
 // the oldest ones.
 class Record : public Scenario {
   public:
-    explicit Record(const Row& row) : Scenario(Throws::WithoutMemory), row_(row) {}
+    explicit Record(const Row& row) : Scenario(Throws::Never), row_(row) {}
     void Prepare() override {
         DeleteFileW(kFile);
         Connect();
@@ -41,11 +42,12 @@ class Record : public Scenario {
     void Check(const Step& step) override {
         Log(row_.before + 1);
         Disconnect();
-        CheckFile(step);
+        if (row_.limit != 0) CheckFile(step);
     }
 
   private:
     void Connect() {
+        if (row_.limit == 0) return;
         recorder_ = std::make_unique<Mox::TLogRecorder>();
         ASSERT_TRUE(recorder_->Open(kFile, row_.limit));
         Mox::SetLogRecorder(recorder_.get());
@@ -54,10 +56,9 @@ class Record : public Scenario {
         Mox::ClearLogRecorder(recorder_.get());
         recorder_.reset();
     }
-    static void Log(int line) {
+    void Log(int line) {
         static BYTE block[16] = {1, 2, 3};
-        test::CleanLogger::Logger().Log('X', TEXT("tests"), line, TEXT("a record of the log"),
-                                        TEXT("block"), block, sizeof block);
+        test::CleanLogger::Logger().Log('X', source_, line, text_, label_, block, sizeof block);
     }
     // The line of a record is its number. A failed write does not stop the append, so that anything
     // may stand in the place of the faulty record.
@@ -87,10 +88,12 @@ class Record : public Scenario {
         EXPECT_TRUE(step.hit || reader.SkipCount() == 0);
     }
     static bool IsWhole(const Mox::TLogMsg& message) {
-        return message.text == UnicodeString(TEXT("a record of the log")) && message.dataSize == 16;
+        return message.text == TEXT("a record of the log") && message.dataSize == 16;
     }
 
     const Row& row_;
+    const UnicodeString source_ = TEXT("tests"), text_ = TEXT("a record of the log");
+    const UnicodeString label_ = TEXT("block");
     int oldest_ = 0;  // record that a run without a fault leaves
     test::FreshHostRoot root_;
     test::CleanLogger logger_;
