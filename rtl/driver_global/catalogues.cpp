@@ -104,7 +104,7 @@ bool TQVSizes::TakeAllOfList() {
     UnicodeString default_name;
     if (Count == 2 && IsMarked(items.Get(1))) default_name = WithoutMark(items.Get(1));
     const TXmlNode* list = ListNode();
-    if (list == nullptr || list->ChildCount() == 0) return false;
+    if (list == nullptr) return false;
     items.Clear();
     Count = list->ChildCount();
     for (int i = 0; i < Count; ++i) {

@@ -69,11 +69,12 @@ TEST_F(Catalogues, AListThatIsMissingClosesTheCatalogue) {
     check(resolutions, TEXT("resolutions"));
 }
 
-TEST_F(Catalogues, AStarOverAListWithoutEntriesIsNoCatalogue) {
+TEST_F(Catalogues, AStarOverAListWithoutEntriesOpensWithoutEntries) {
     GetXmlRes()->ReadFile();
     GetXmlRes()->FRoot->FindChild(TEXT("papers"), System::kCodePageUtf8)->Clear();
-    EXPECT_FALSE(papers.Open(TEXT("papers"), UnicodeString(), TEXT("color")));
-    EXPECT_EQ(papers.GetCount(), 0);
+    EXPECT_TRUE(papers.Open(TEXT("papers"), UnicodeString(), TEXT("color")));
+    EXPECT_EQ(papers.Get(0), nullptr);
+    EXPECT_EQ(papers.IndexOfBestFit(1, 1), -1);
 }
 
 }  // namespace
