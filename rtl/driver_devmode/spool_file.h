@@ -4,5 +4,6 @@
 #include "mox_classes/text/unicode_string.h"
 #include "qv_api.h"
 
-// A fresh spool file name in the temporary folder; nothing is created.
+// A fresh spool file name in the temporary folder; nothing is created. No two calls of a process
+// give the same one.
 QV_API UnicodeString MakeSpoolFilename();

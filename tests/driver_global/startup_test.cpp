@@ -1,5 +1,9 @@
 // Start and stop of units, and what the product asks about its installation.
 #include "driver_global/startup.h"
+
+#include <set>
+#include <thread>
+
 #include "driver_devmode/document_folders.h"
 #include "driver_devmode/spool_file.h"
 
@@ -83,7 +87,15 @@ TEST_F(Installation, SpoolFilesHaveNamesOfTheirOwn) {
     EXPECT_EQ(name.SubString(1, lead.Length()), lead);
     EXPECT_EQ(name.Length(), lead.Length() + 16 + 6);
     EXPECT_EQ(name.SubString(name.Length() - 5, 6), TEXT(".qvspl"));
-    EXPECT_NE(MakeSpoolFilename(), name);
+    std::vector<std::string> names(12000);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&names, t] {
+            for (int i = 0; i < 3000; ++i) names[t * 3000 + i] = Narrow(MakeSpoolFilename());
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
 }
 
 class Startup : public Installation {
