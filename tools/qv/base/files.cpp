@@ -40,7 +40,14 @@ int SizeOf(const std::string& name, const std::string& bytes) {
     return static_cast<int>(bytes.size());
 }
 
-// A file beside another one, for what is to take its place. Gone with the object until it has.
+void WriteBytes(HANDLE file, const std::string& bytes, int size) {
+    DWORD done = 0;
+    if (!WriteFile(file, bytes.data(), static_cast<DWORD>(size), &done, nullptr))
+        throw Mox::GetSysError(GetLastError(), true);
+}
+
+// A file beside another one, with the same owner and permissions, for what is to take its place.
+// Gone with the object until it has.
 class Replacement {
   public:
     // Throws the platform's message.
@@ -53,6 +60,7 @@ class Replacement {
             const DWORD code = GetLastError();
             if (!file_ && code != ERROR_FILE_EXISTS) throw Mox::GetSysError(code, true);
         }
+        TakeAccess(fresh_, name);
     }
     ~Replacement() {
         if (fresh_.IsEmpty()) return;
@@ -62,13 +70,13 @@ class Replacement {
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
-    void Write(const std::string& bytes, int size) {
-        Classes::THandleStream(file_.Get()).WriteBuffer(bytes.data(), size);
-    }
-    // Returns 0 or the Win32 error code.
+    void Write(const std::string& bytes, int size) { WriteBytes(file_.Get(), bytes, size); }
+    // Its bytes are on the disk first: a power failure leaves the old file or the new one. Returns
+    // 0 or the Win32 error code.
     DWORD TakePlace(bool replace) {
+        DWORD code = FlushToDisk(fresh_, file_.Get());
         file_ = System::TFileHandle();
-        const DWORD code = MoveInPlace(fresh_, name_, replace);
+        if (code == NO_ERROR) code = MoveInPlace(fresh_, name_, replace);
         if (code == NO_ERROR) fresh_ = UnicodeString();
         return code;
     }
@@ -99,7 +107,8 @@ void WriteAll(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
     const int size = SizeOf(name, bytes);
     try {
-        Classes::TFileStream(FromUtf8(name), kReplace).WriteBuffer(bytes.data(), size);
+        const Classes::TFileStream file(FromUtf8(name), kReplace);
+        WriteBytes(file.GetHandle(), bytes, size);
     } catch (const UnicodeString& message) {
         CannotOpen(name, message);
     }

@@ -20,9 +20,9 @@ std::string ReadAll(const std::string& name);
 // Replaces the file, or prints. Throws Failure (kCannotOpen) with the name.
 void WriteAll(const std::string& name, const std::string& bytes);
 
-// The same for a file that must be whole at every moment: the old content stays until the new one
-// stands complete beside it and takes its place. Links are followed; a device or a pipe is written
-// to as it is.
+// The same for a file that must be whole at every moment, a power failure included: the old content
+// stays until the new one stands complete beside it on the disk, and takes its place. Links are
+// followed; a device or a pipe is written to as it is.
 void WriteWhole(const std::string& name, const std::string& bytes);
 
 // A file that a command makes, as its command line names it.

@@ -59,6 +59,23 @@ std::string HostPath(const UnicodeString& name) {
     return path;
 }
 
+bool Flush(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool done = file >= 0 && fsync(file) == 0;
+    if (file >= 0) close(file);
+    return done;
+}
+
+// Renames without a flush. False with errno set.
+bool Rename(const std::string& from, const std::string& to, bool replace) {
+    const unsigned flags = replace ? 0 : RENAME_NOREPLACE;
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), flags) == 0) return true;
+    // Some file systems know links, but not the flag.
+    if (errno != EINVAL || link(from.c_str(), to.c_str()) != 0) return false;
+    unlink(from.c_str());
+    return true;
+}
+
 std::string FirstLine(const std::filesystem::path& file) {
     std::ifstream stream(file);
     std::string line;
@@ -163,10 +180,7 @@ bool StopRequest::IsMade() const {
 }
 
 DWORD FlushToDisk(const UnicodeString& name, HANDLE /*file*/) {
-    const int file = open(HostPath(name).c_str(), O_RDONLY | O_CLOEXEC);
-    const bool done = file >= 0 && fsync(file) == 0;
-    if (file >= 0) close(file);
-    return done ? DWORD{NO_ERROR} : DWORD{ERROR_WRITE_FAULT};
+    return Flush(HostPath(name)) ? DWORD{NO_ERROR} : DWORD{ERROR_WRITE_FAULT};
 }
 
 FilePlace FindFile(const UnicodeString& name) {
@@ -180,18 +194,29 @@ FilePlace FindFile(const UnicodeString& name) {
     return {FileKind::kFile, error ? name : FromUtf8(target)};
 }
 
+void TakeAccess(const UnicodeString& file, const UnicodeString& model) {
+    struct stat info {};
+    if (stat(HostPath(model).c_str(), &info) != 0) return;
+    const std::string path = HostPath(file);
+    mode_t mode = info.st_mode & ACCESSPERMS;
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool has_group = chown(path.c_str(), info.st_uid, info.st_gid) == 0 ||
+                           chown(path.c_str(), kSameOwner, info.st_gid) == 0;
+    // What the group may is not for the members of another one.
+    if (!has_group) mode &= ~mode_t{S_IRWXG};
+    chmod(path.c_str(), mode);
+}
+
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace) {
-    const std::string source = HostPath(from);
     const std::string target = HostPath(to);
-    const unsigned flags = replace ? 0 : RENAME_NOREPLACE;
-    if (renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), flags) == 0) return NO_ERROR;
-    // Some file systems know links, but not the flag.
-    if (errno == EINVAL && link(source.c_str(), target.c_str()) == 0) {
-        unlink(source.c_str());
-        return NO_ERROR;
+    if (!Rename(HostPath(from), target, replace)) {
+        if (errno == EEXIST) return ERROR_FILE_EXISTS;
+        return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ERROR_ACCESS_DENIED;
     }
-    if (errno == EEXIST) return ERROR_FILE_EXISTS;
-    return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ERROR_ACCESS_DENIED;
+    // Where a folder cannot be flushed, a power failure may bring the old file back.
+    const std::filesystem::path folder = std::filesystem::path(target).parent_path();
+    Flush(folder.empty() ? "." : folder.string());
+    return NO_ERROR;
 }
 
 std::string LockHolders(const UnicodeString& file) {

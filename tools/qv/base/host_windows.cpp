@@ -166,17 +166,19 @@ FilePlace FindFile(const UnicodeString& name) {
     return {is_folder ? FileKind::kOther : FileKind::kFile, name};
 }
 
+void TakeAccess(const UnicodeString& /*file*/, const UnicodeString& /*model*/) {}
+
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace) {
-    const DWORD flags = replace ? MOVEFILE_REPLACE_EXISTING : 0;
+    const DWORD flags = MOVEFILE_WRITE_THROUGH | (replace ? MOVEFILE_REPLACE_EXISTING : 0);
     return MoveFileExW(from.t_str(), to.t_str(), flags) ? DWORD{NO_ERROR} : GetLastError();
 }
 
-// Uses the daylight-saving rules of that moment, not those of today.
 // The system does not tell who holds a lock.
 std::string LockHolders(const UnicodeString&) {
     return "one of the processes that the Resource Monitor shows for this file";
 }
 
+// Uses the daylight-saving rules of that moment, not those of today.
 std::int64_t LocalOffset(std::int64_t utc) {
     const FILETIME moment = ToFileTime(utc);
     SYSTEMTIME universal, local;

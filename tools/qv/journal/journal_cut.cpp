@@ -1,13 +1,9 @@
 #include "journal/journal_cut.h"
 
-#include <windows.h>
-
 #include <filesystem>
 
 #include "base/files.h"
-#include "base/host.h"
 #include "journal/journal_lines.h"
-#include "mox_classes/memory/handles.h"
 
 namespace qv {
 
@@ -44,16 +40,6 @@ std::string Cut(std::string_view bytes) {
     return std::string(bytes.substr(0, changes)).append(bytes.substr(kept));
 }
 
-// Whether the bytes are on the disk.
-bool WriteThrough(const UnicodeString& name, const std::string& bytes) {
-    const System::TFileHandle file(CreateFileW(name.t_str(), GENERIC_WRITE, 0, nullptr,
-                                               CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD done = 0;
-    const auto size = static_cast<DWORD>(bytes.size());
-    return file && WriteFile(file.Get(), bytes.data(), size, &done, nullptr) && done == size &&
-           FlushToDisk(name, file.Get()) == NO_ERROR;
-}
-
 }  // namespace
 
 void CutJournal(const std::string& name) {
@@ -62,12 +48,11 @@ void CutJournal(const std::string& name) {
     if (error || size <= kMostJournalBytes) return;
     const std::string kept = Cut(ReadAll(name));
     if (kept.empty()) return;
-    const UnicodeString wide = FromUtf8(name);
-    // What a killed program left here is written over.
-    const UnicodeString fresh = wide + TEXT(".new");
-    const bool done =
-        WriteThrough(fresh, kept) && MoveInPlace(fresh, wide, /*replace=*/true) == NO_ERROR;
-    if (!done) DeleteFileW(fresh.t_str());
+    try {
+        WriteWhole(name, kept);
+    } catch (const Failure&) {
+        // The long one stays, and the next change tries again.
+    }
 }
 
 }  // namespace qv
