@@ -239,7 +239,7 @@ void Journal::Append(const std::string& lines) {
 std::uint64_t Journal::Begin(std::vector<TargetChange> targets, std::uint64_t undoes) {
     ChangeRecord change;
     change.number = last_ + 1;
-    if (change.number > kLargestNumber) CannotUse("its numbers are used up");
+    if (change.number > kLargestNumber) CannotUse("its numbers are used up; move it away to go on");
     change.time = CurrentTime();
     change.user = ToUtf8(::GetUserNameW(false));
     change.host = GetHostFacts().machine;
