@@ -22,6 +22,7 @@
 #include "driver_global/program_texts.h"
 #include "driver_global/startup.h"
 #include "log_file/log_cursor.h"
+#include "log_file/log_follower.h"
 #include "log_file/log_image.h"
 #include "log_file/log_reader.h"
 #include "log_file/log_record.h"

@@ -28,30 +28,38 @@ std::string Beginning(const UnicodeString& name) {
 }  // namespace
 
 DWORD TLogFollower::Open(const UnicodeString& fileName, TStart start) {
+    const DWORD code = Begin(fileName, std::nullopt);
+    if (code == NO_ERROR && start == TStart::New) GoToEnd();
+    return code;
+}
+
+DWORD TLogFollower::Open(const UnicodeString& fileName, const TLogCursor& behind) {
+    return Begin(fileName, behind);
+}
+
+DWORD TLogFollower::Begin(const UnicodeString& fileName, const std::optional<TLogCursor>& behind) {
     if (!OpenShared(fileName)) return GetLastError();
     name_ = fileName;
     beginning_.clear();
-    behind_.reset();
+    behind_ = behind;
     coming_ = TLogResumed();
-    if (!Copy() && reader_.Error().Length() > 0) return ERROR_INVALID_DATA;
-    if (start == TStart::New) GoToEnd();
-    return NO_ERROR;
+    return !Look() && reader_.Error().Length() > 0 ? DWORD{ERROR_INVALID_DATA} : DWORD{NO_ERROR};
 }
 
 // The newest record tells whether the log is another one later.
 void TLogFollower::GoToEnd() {
     if (reader_.Header().version != 0) reader_.Seek(reader_.Header().counter);
-    while (NextOfCopy() != nullptr) {
+    while (NextFound() != nullptr) {
     }
 }
 
 const TLogMsg* TLogFollower::Next() {
-    const TLogMsg* record = NextOfCopy();
-    if (record == nullptr && Copy()) record = NextOfCopy();
+    const TLogMsg* record = NextFound();
+    if (record == nullptr && Look()) record = NextFound();
     return record;
 }
 
-const TLogMsg* TLogFollower::NextOfCopy() {
+const TLogMsg* TLogFollower::NextFound() {
     const TLogMsg* const record = reader_.Next();
     if (record == nullptr) return nullptr;
     news_ = std::exchange(coming_, TLogResumed());
@@ -59,8 +67,7 @@ const TLogMsg* TLogFollower::NextOfCopy() {
     return record;
 }
 
-// Copies the log again when it has changed, and goes on in the copy behind the last record.
-bool TLogFollower::Copy() {
+bool TLogFollower::Look() {
     const std::string beginning = Beginning(name_);
     if (beginning.empty() || beginning == beginning_) return false;
     beginning_.clear();  // the next call tries again when this one cannot read the file

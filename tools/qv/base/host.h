@@ -83,9 +83,9 @@ FilePlace FindFile(const UnicodeString& name);
 // nothing on Windows, where a file has those of its folder.
 void TakeAccess(const UnicodeString& file, const UnicodeString& model);
 
-// Renames the file `from` to `to`, in the same folder, in one step that is on the disk afterwards. A
-// file of that name is replaced, or refused with ERROR_FILE_EXISTS or ERROR_ALREADY_EXISTS. Returns
-// 0 or the Win32 error code.
+// Renames the file `from` to `to`, in the same folder, in one step that is on the disk afterwards.
+// A file of that name is replaced, or refused with ERROR_FILE_EXISTS or ERROR_ALREADY_EXISTS.
+// Returns 0 or the Win32 error code.
 DWORD MoveInPlace(const UnicodeString& from, const UnicodeString& to, bool replace);
 
 // The processes that hold a lock at the start of the file, as "4711 (name)", as far as the system

@@ -2,8 +2,11 @@
 
 #include <set>
 
+#include "log/log_cursor.h"
 #include "log/log_input.h"
 #include "log/log_show.h"
+#include "log_file/log_follower.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace qv {
 
@@ -12,59 +15,85 @@ namespace {
 // New records are to be seen within a quarter of a second, the time to read them included.
 constexpr DWORD kPause = 100;  // milliseconds
 
-// One log that others write.
+std::string MissedText(std::uint64_t records) {
+    return Counted(records, "record") + (records == 1
+                                             ? " was overwritten before it could be shown"
+                                             : " were overwritten before they could be shown");
+}
+
+// One log that others write, shown from the cursor on.
 class Follower {
   public:
-    Follower(const ShowOptions& options, LogView& view, std::optional<LogCursor> shown)
-        : options_(options),
-          view_(view),
-          name_(FromUtf8(LogName(options.files.empty() ? "" : options.files[0]))),
-          shown_(shown) {}
-
-    void Look() {
-        const std::string header = HeaderBytes(name_);
-        if (header.empty() || header == header_) return;
-        Mox::TLogReader reader;
-        if (reader.Open(name_) || reader.StartWithoutHeader()) {
-            ResumeAloud(reader, shown_);
-            Take(ShowRest(reader, view_));
-            for (const Mox::TLogSkip& skip : Skips(reader)) Say(SkipText(skip));
-        } else {
-            Say(OneLine(reader.Error().Trim()));
-        }
-        header_ = header;
+    // Throws Failure (kCannotOpen) when the file cannot be read or holds no log.
+    Follower(const ShowOptions& options, LogView& view) : options_(options), view_(view) {
+        const UnicodeString name = FromUtf8(LogName(options.files.empty() ? "" : options.files[0]));
+        const DWORD code = Open(name);
+        if (code == NO_ERROR) return;
+        const UnicodeString why =
+            code == ERROR_INVALID_DATA ? log_.Reader().Error() : Mox::GetSysError(code, true);
+        throw Failure("'" + OneLine(name) + "': " + OneLine(why.Trim()), ExitCode::kCannotOpen);
     }
 
-  private:
-    void Take(const std::optional<LogCursor>& seen) {
+    // Shows what is new, and keeps the place.
+    void ShowNew() {
+        log_.Look();
+        bool is_any = false;
+        for (; const Mox::TLogMsg* record = log_.NextFound(); is_any = true) {
+            TellNews(log_.News());
+            view_.Show(*record);
+        }
+        view_.ShowNewest();
         view_.Flush();
-        if (!seen) return;
-        shown_ = seen;
-        if (!options_.cursor_file.empty()) SaveCursor(options_.cursor_file, *seen);
+        if (is_any && !options_.cursor_file.empty())
+            SaveCursor(options_.cursor_file, *log_.Place());
     }
 
     // Damage stays in the file for long, so that each one is told only once.
+    void TellDamage() {
+        const UnicodeString& error = log_.Reader().Error();
+        if (error.Length() > 0) Say(OneLine(error.Trim()));
+        for (const Mox::TLogSkip& skip : Skips(log_.Reader())) Say(SkipText(skip));
+    }
+
+    const Mox::TLogReader& Reader() const { return log_.Reader(); }
+
+  private:
+    DWORD Open(const UnicodeString& name) {
+        std::optional<LogCursor> shown;
+        if (!options_.cursor_file.empty()) shown = LoadCursor(options_.cursor_file);
+        return shown ? log_.Open(name, *shown) : log_.Open(name, Mox::TLogFollower::TStart::Oldest);
+    }
+
+    static void TellNews(const Mox::TLogResumed& news) {
+        if (news.made_anew) PrintError("the log was made anew; showing it from its start");
+        if (news.overwritten > 0) PrintError(MissedText(news.overwritten));
+    }
+
     void Say(const std::string& text) {
         if (said_.insert(text).second) PrintError(text);
     }
 
     const ShowOptions& options_;
     LogView& view_;
-    UnicodeString name_;
-    std::optional<LogCursor> shown_;
-    std::string header_;
+    Mox::TLogFollower log_;
     std::set<std::string> said_;
 };
 
 }  // namespace
 
-void FollowLog(const ShowOptions& options, LogView& view, std::optional<LogCursor> shown) {
-    Follower follower(options, view, shown);
-    while (!view.Filter().Until() || Now() <= *view.Filter().Until()) {
-        follower.Look();
-        Sleep(kPause);
+void FollowLog(const ShowOptions& options, const LogFilter& filter) {
+    LogView view(filter, options.style);
+    Follower log(options, view);
+    if (!options.follow) {
+        log.ShowNew();
+        return FailOnSkips(log.Reader());
     }
-    follower.Look();
+    for (bool is_last = false; !is_last;) {
+        is_last = filter.Until() && Now() > *filter.Until();
+        log.ShowNew();
+        log.TellDamage();
+        if (!is_last) Sleep(kPause);
+    }
 }
 
 }  // namespace qv

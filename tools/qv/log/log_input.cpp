@@ -20,6 +20,19 @@ void StartAnyway(Mox::TLogReader& reader, const std::string& name) {
                   ExitCode::kCannotOpen);
 }
 
+// Without the lock: only whether they change matters. Empty while there is no file.
+std::string HeaderBytes(const UnicodeString& name) {
+    std::string bytes(Mox::kHeaderSize, '\0');
+    try {
+        Classes::TFileStream file(name, kSharedRead);
+        const int size = file.Read(bytes.data(), static_cast<int>(bytes.size()));
+        bytes.resize(static_cast<std::size_t>(size));
+        return bytes;
+    } catch (const UnicodeString&) {
+        return std::string();
+    }
+}
+
 }  // namespace
 
 std::string LogName(const std::string& file) {
@@ -46,18 +59,6 @@ void OpenLog(Mox::TLogReader& reader, const std::string& name) {
 
 void TakeLog(Mox::TLogReader& reader, const std::string& name, const std::string& bytes) {
     if (!reader.Assign(bytes.data(), bytes.size())) StartAnyway(reader, name);
-}
-
-std::string HeaderBytes(const UnicodeString& name) {
-    std::string bytes(Mox::kBeginningSize, '\0');
-    try {
-        Classes::TFileStream file(name, kSharedRead);
-        const int size = file.Read(bytes.data(), static_cast<int>(bytes.size()));
-        bytes.resize(static_cast<std::size_t>(size));
-        return bytes;
-    } catch (const UnicodeString&) {
-        return std::string();
-    }
 }
 
 bool IsLockStuck(const UnicodeString& name) {

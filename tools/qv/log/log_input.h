@@ -20,9 +20,6 @@ void OpenLog(Mox::TLogReader& reader, const std::string& name);
 // The same for bytes that were read already.
 void TakeLog(Mox::TLogReader& reader, const std::string& name, const std::string& bytes);
 
-// The header and the first record's time, read without the lock: only whether they change matters.
-// Empty while there is no file.
-std::string HeaderBytes(const UnicodeString& name);
 // Whether somebody keeps the log's lock. Looks for a second: a lock that others take in turn is
 // free once, or the header changes.
 bool IsLockStuck(const UnicodeString& name);

@@ -7,7 +7,6 @@
 #include "base/files.h"
 #include "base/host.h"
 #include "base/progress.h"
-#include "log/log_input.h"
 #include "log/log_merge.h"
 #include "log/log_sources.h"
 
@@ -32,6 +31,7 @@ void CheckOptions(const ShowOptions& options) {
     if (!GoesOn(options)) return;
     if (options.files.size() > 1) RefuseToGoOn("several");
     if (inputs > 0) RefuseToGoOn("standard input");
+    if (!options.files.empty() && IsArchive(options.files[0])) RefuseToGoOn("an archive");
 }
 
 // In a column: how many characters the text has.
@@ -74,25 +74,6 @@ void ShowOnce(const ShowOptions& options, const LogFilter& filter) {
     FailOnDamage(sources);
 }
 
-// What is behind the cursor, and what comes later.
-void ShowAndGoOn(const ShowOptions& options, const LogFilter& filter) {
-    const std::string name = LogName(options.files.empty() ? "" : options.files[0]);
-    if (IsArchive(name)) RefuseToGoOn("an archive");
-    LogView view(filter, options.style);
-    std::optional<LogCursor> shown;
-    if (!options.cursor_file.empty()) shown = LoadCursor(options.cursor_file);
-    LogSource log{name, false, std::make_unique<Mox::TLogReader>()};
-    OpenLog(*log.reader, name);
-    ResumeAloud(*log.reader, shown);
-    const std::optional<LogCursor> seen = ShowRest(*log.reader, view);
-    view.ShowNewest();
-    view.Flush();
-    if (seen && !options.cursor_file.empty()) SaveCursor(options.cursor_file, *seen);
-    if (!options.follow) return FailOnDamage(log);
-    for (const Mox::TLogSkip& skip : Skips(*log.reader)) PrintError(SkipText(skip));
-    FollowLog(options, view, seen ? seen : shown);
-}
-
 }  // namespace
 
 LogView::LogView(const LogFilter& filter, const LogStyle& style)
@@ -126,33 +107,10 @@ void LogView::Flush() {
     pending_.clear();
 }
 
-void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor) {
-    if (!cursor) return;
-    const Mox::TLogResumed resumed = Mox::Resume(reader, *cursor);
-    if (resumed.made_anew) {
-        PrintError("the log was made anew; showing it from its start");
-        cursor.reset();
-    }
-    if (resumed.overwritten > 0) {
-        PrintError(Counted(resumed.overwritten, "record") +
-                   (resumed.overwritten == 1 ? " was overwritten before it could be shown"
-                                             : " were overwritten before they could be shown"));
-    }
-}
-
-std::optional<LogCursor> ShowRest(Mox::TLogReader& reader, LogView& view) {
-    std::optional<LogCursor> seen;
-    while (const Mox::TLogMsg* record = reader.Next()) {
-        seen = Mox::CursorAt(reader, *record);
-        view.Show(*record);
-    }
-    return seen;
-}
-
 void ShowLog(const ShowOptions& options) {
     CheckOptions(options);
     const LogFilter filter(options.filter);
-    GoesOn(options) ? ShowAndGoOn(options, filter) : ShowOnce(options, filter);
+    GoesOn(options) ? FollowLog(options, filter) : ShowOnce(options, filter);
 }
 
 }  // namespace qv

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "log/log_cursor.h"
 #include "log/log_filter.h"
 #include "log/record_line.h"
 #include "log_file/log_reader.h"
@@ -38,7 +37,6 @@ class LogView {
     // Ends the part of which only the newest records are wanted.
     void ShowNewest();
     void Flush();
-    const LogFilter& Filter() const { return filter_; }
 
   private:
     void FlushMuch();
@@ -50,15 +48,8 @@ class LogView {
     std::string pending_;
 };
 
-// Shows the rest of the reader's records; returns the place of the last one, if there was any.
-std::optional<LogCursor> ShowRest(Mox::TLogReader& reader, LogView& view);
-
-// Shows what is new until the filter's end time, or for ever. `shown` is the last record that has
-// been shown.
-void FollowLog(const ShowOptions& options, LogView& view, std::optional<LogCursor> shown);
-
-// Goes on behind the cursor, and says on standard error what cannot be shown any more. Forgets the
-// cursor when it belongs to another ring.
-void ResumeAloud(Mox::TLogReader& reader, std::optional<LogCursor>& cursor);
+// What is behind the cursor; with options.follow also what comes later, until the filter's end time
+// or for ever.
+void FollowLog(const ShowOptions& options, const LogFilter& filter);
 
 }  // namespace qv
