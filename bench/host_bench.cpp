@@ -9,9 +9,11 @@
 #include <filesystem>
 #include <vector>
 
+#include "full_log.h"
 #include "mox_log/logger.h"
 #include "mox_log/registry.h"
 #include "support.h"
+#include "tool_run.h"
 
 namespace {
 
@@ -95,11 +97,21 @@ std::string FolderOf(const void* address) {
     return std::filesystem::canonical(info.dli_fname).parent_path();
 }
 
-// Runs in a fresh process without the library. Seconds of processor time; 0 for a failure.
-double LoadSeconds(const std::string& library) {
-    constexpr const char* kTimes = " 200";
-    const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    const std::string command = folder + "/load_timer " + library + kTimes;
+enum class Log { kNew, kFull };
+
+// A fresh root, with a log where the product keeps it when nothing else is set up.
+std::string NewRoot(Log log) {
+    std::string root = bench::NewFileName();
+    const std::string folder = root + "/drive_c/Temp";
+    std::filesystem::create_directories(folder);
+    if (log == Log::kFull) bench::WriteFullLog(folder + "/orlo.log");
+    return root;
+}
+
+// Runs in a fresh process that has nothing loaded. Seconds of processor time; 0 for a failure.
+double LoadSeconds(const std::string& library, const std::string& root) {
+    const std::string command =
+        "QV_HOST_ROOT=" + root + ' ' + bench::Folder() + "/load_timer " + library + " 200";
     std::FILE* const program = popen(command.c_str(), "r");
     long long nanoseconds = 0;
     if (program == nullptr || std::fscanf(program, "%lld", &nanoseconds) != 1) nanoseconds = 0;
@@ -107,24 +119,28 @@ double LoadSeconds(const std::string& library) {
     return static_cast<double>(nanoseconds) / 1e9;
 }
 
-void Load(benchmark::State& state, const std::string& library) {
+void Load(benchmark::State& state, const std::string& library, Log log) {
     for (auto _ : state) {
-        const double seconds = LoadSeconds(library);
+        const std::string root = NewRoot(log);
+        const double seconds = LoadSeconds(library, root);
         if (seconds == 0) state.SkipWithError("not loaded");
         state.SetIterationTime(seconds);
+        std::filesystem::remove_all(root);
     }
 }
 
+template <Log log>
 void LoadOurs(benchmark::State& state) {
-    Load(state, FolderOf(reinterpret_cast<const void*>(&Mox::GetLogger)) + "/libqv_rtl.so");
+    Load(state, FolderOf(reinterpret_cast<const void*>(&Mox::GetLogger)) + "/libqv_rtl.so", log);
 }
 
 void LoadSmall(benchmark::State& state) {
-    const std::string folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    Load(state, folder + "/qv_small_module.so");
+    Load(state, bench::Folder() + "/qv_small_module.so", Log::kNew);
 }
 
-BENCHMARK(LoadOurs)->Name("host/load/ours")->UseManualTime()->Iterations(3);
+BENCHMARK(LoadOurs<Log::kNew>)->Name("host/load/ours")->UseManualTime()->Iterations(3);
 BENCHMARK(LoadSmall)->Name("host/load/small_library")->UseManualTime()->Iterations(3);
+BENCHMARK(LoadOurs<Log::kFull>)->Name("host/load_full/ours")->UseManualTime()->Iterations(3);
+BENCHMARK(LoadSmall)->Name("host/load_full/small_library")->UseManualTime()->Iterations(3);
 
 }  // namespace

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <span>
 
 #include "log_file/log_file_ring.h"
 #include "mox_classes/memory/handles.h"
@@ -51,7 +53,9 @@ bool TLogFileRing::IsSound() {
     const TLogFileHeader& h = header_;
     const DWORD used = std::max<DWORD>(h.wrap, h.write_position);
     if (!IsPlausible(h) || h.count == 0 || used > kMostLookedAt || EndsBy(used - 1)) return false;
-    std::vector<std::uint8_t> piece(std::min(kPieceSize, used));
+    const DWORD size = std::min(kPieceSize, used);
+    const auto room = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+    const std::span<std::uint8_t> piece(room.get(), size);
     DWORD count = 0;
     const bool chained = h.wrap == 0 ? IsChain(h.oldest, h.write_position, piece, count)
                                      : IsChain(h.oldest, h.wrap, piece, count) &&
@@ -61,7 +65,7 @@ bool TLogFileRing::IsSound() {
 
 // Whether credible slots follow each other from `from` to `end`; adds their number. `piece` is room
 // to read into.
-bool TLogFileRing::IsChain(DWORD from, DWORD end, std::vector<std::uint8_t>& piece, DWORD& count) {
+bool TLogFileRing::IsChain(DWORD from, DWORD end, std::span<std::uint8_t> piece, DWORD& count) {
     const std::uint8_t* const bytes = piece.data();
     DWORD piece_from = from;
     DWORD piece_end = from;

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "log_file/log_format.h"
@@ -87,7 +88,7 @@ class TLogFileRing {
     bool NeedsCheck() const;
     bool Check();
     bool IsSound();
-    bool IsChain(DWORD from, DWORD end, std::vector<std::uint8_t>& piece, DWORD& count);
+    bool IsChain(DWORD from, DWORD end, std::span<std::uint8_t> piece, DWORD& count);
     bool Refuse();
     void Mend(const TLogRepair& plan, TLogBytes file);
     void CopyBeside(TLogBytes file);

@@ -57,12 +57,15 @@ TEST_F(HostFiles, DrivesLieWhereTheyShould) {
 }
 
 TEST_F(HostFiles, TheExactSpellingWinsOverAnother) {
-    std::ofstream(HostPath("Name")) << "upper";
-    std::ofstream(HostPath("name")) << "lower";
-    for (const WCHAR* const name : {TEXT("name"), TEXT("Name")}) {
+    std::filesystem::create_directory(HostPath("In"));
+    std::ofstream(HostPath("In/Name")) << "upper";
+    std::ofstream(HostPath("In/name")) << "lower";
+    for (const WCHAR* const name : {TEXT("In\\name"), TEXT("IN\\name"), TEXT("IN\\Name")}) {
         const HANDLE file = Open(Path(name), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-        EXPECT_EQ(Read(file, 9), name[0] == 'n' ? "lower" : "upper");
+        EXPECT_EQ(Read(file, 9), name[3] == 'n' ? "lower" : "upper");
     }
+    EXPECT_TRUE(There(Path(TEXT("IN\\NAME")).c_str()));
+    std::filesystem::remove_all(HostPath("In"));
 }
 
 TEST_F(HostFiles, ShareModesAndLocksHoldBetweenProcessesThatLive) {

@@ -5,6 +5,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <bit>
 #include <cerrno>
 #include <string>
 
@@ -37,44 +38,53 @@ class Gate {
     bool open_ = false;
 };
 
-// One kind of use of a file, with its two marker bytes.
-struct Right {
-    bool FileUse::*used;
-    DWORD share;
-    off_t does;
-    off_t denies;
-};
+// The marker bytes, a bit for each: reading, writing and removing that is done, then the same that
+// is denied.
+constexpr unsigned kKinds = 3;
+constexpr unsigned kDeniesDelete = 1U << 5;
 
-constexpr Right kRights[] = {
-    {&FileUse::read, FILE_SHARE_READ, kShareMarkers, kShareMarkers + 3},
-    {&FileUse::write, FILE_SHARE_WRITE, kShareMarkers + 1, kShareMarkers + 4},
-    {&FileUse::remove, FILE_SHARE_DELETE, kShareMarkers + 2, kShareMarkers + 5},
-};
-constexpr off_t kDeniesDelete = kRights[2].denies;
-
-bool MarkedByOther(int fd, off_t marker) {
-    struct flock range {};
-    range.l_type = F_WRLCK;
-    range.l_whence = SEEK_SET;
-    range.l_start = marker;
-    range.l_len = 1;
-    return fcntl(fd, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+unsigned Done(const ShareMode& mode) {
+    return unsigned{mode.use.read} | unsigned{mode.use.write} << 1 | unsigned{mode.use.remove} << 2;
 }
 
-bool Conflicts(int fd, const ShareMode& mode) {
-    for (const Right& right : kRights) {
-        if (mode.use.*right.used && MarkedByOther(fd, right.denies)) return true;
-        if ((mode.share & right.share) == 0 && MarkedByOther(fd, right.does)) return true;
+unsigned Denied(const ShareMode& mode) {
+    return ~mode.share & (FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
+}
+static_assert(FILE_SHARE_READ == 1 && FILE_SHARE_WRITE == 2 && FILE_SHARE_DELETE == 4);
+
+// Calls `take` with the first byte and the number of each run of markers, until it returns true.
+template <class Take>
+bool AnyRun(unsigned markers, const Take& take) {
+    for (unsigned first = 0; markers >> first != 0;) {
+        first += static_cast<unsigned>(std::countr_zero(markers >> first));
+        const auto count = static_cast<unsigned>(std::countr_one(markers >> first));
+        if (take(kShareMarkers + first, off_t{count})) return true;
+        first += count;
     }
     return false;
 }
 
+bool MarkedByOther(int fd, unsigned markers) {
+    return AnyRun(markers, [fd](off_t start, off_t count) {
+        struct flock range {};
+        range.l_type = F_WRLCK;
+        range.l_whence = SEEK_SET;
+        range.l_start = start;
+        range.l_len = count;
+        return fcntl(fd, F_OFD_GETLK, &range) == 0 && range.l_type != F_UNLCK;
+    });
+}
+
+bool Conflicts(int fd, const ShareMode& mode) {
+    return MarkedByOther(fd, Denied(mode) | Done(mode) << kKinds);
+}
+
 void Mark(int fd, const ShareMode& mode) {
     if (!mode.use.any()) return;
-    for (const Right& right : kRights) {
-        if (mode.use.*right.used) LockRange(fd, F_RDLCK, right.does, 1);
-        if ((mode.share & right.share) == 0) LockRange(fd, F_RDLCK, right.denies, 1);
-    }
+    AnyRun(Done(mode) | Denied(mode) << kKinds, [fd](off_t start, off_t count) {
+        LockRange(fd, F_RDLCK, start, count);
+        return false;
+    });
 }
 
 }  // namespace

@@ -32,11 +32,13 @@ HMODULE ModuleAt(const void* address) {
 }
 
 HMODULE Executable() {
-    return ModuleAt(reinterpret_cast<const void*>(getauxval(AT_ENTRY)));
+    static const HMODULE program = ModuleAt(reinterpret_cast<const void*>(getauxval(AT_ENTRY)));
+    return program;
 }
 
 HMODULE HostLayer() {
-    return ModuleAt(reinterpret_cast<const void*>(&GetModuleHandleW));
+    static const HMODULE layer = ModuleAt(reinterpret_cast<const void*>(&GetModuleHandleW));
+    return layer;
 }
 
 // Holds the loader's reference to a module during a call.

@@ -1,15 +1,16 @@
 // Thread-local slots, ids.
 #include <windows.h>
 
-#include <sys/stat.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
-#include <fstream>
+#include <charconv>
 #include <string>
 
 #include "base/fork_count.h"
+#include "base/unique_fd.h"
 
 namespace {
 
@@ -106,13 +107,17 @@ HANDLE GetCurrentThread() {
 
 BOOL ProcessIdToSessionId(DWORD process, LPDWORD session) {
     const std::string folder = "/proc/" + std::to_string(process);
-    struct stat status {};
-    if (session == nullptr || stat(folder.c_str(), &status) != 0) return InvalidParameter();
+    const host::UniqueFd file(open((folder + "/sessionid").c_str(), O_RDONLY | O_CLOEXEC));
+    if (session == nullptr || (!file && access(folder.c_str(), F_OK) != 0)) {
+        return InvalidParameter();
+    }
     // The kernel's login session. Its highest number means "none", and a kernel without audit has
     // no such file. Both count as the one interactive session.
     constexpr DWORD kNone = 0xFFFFFFFF;
     DWORD login = kNone;
-    std::ifstream(folder + "/sessionid") >> login;
+    char digits[16];
+    const ssize_t count = read(file.get(), digits, sizeof digits);
+    if (count > 0) std::from_chars(digits, digits + count, login);
     *session = login == kNone ? 1 : login;
     return TRUE;
 }

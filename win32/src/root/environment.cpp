@@ -52,11 +52,16 @@ constexpr DefaultVariable kDefaults[] = {
     {u"PROCESSOR_ARCHITECTURE", u"AMD64"},
 };
 
-// Compares the first letter only, so that nearly no name must be converted to UTF-16.
-bool BeginsOtherwise(std::string_view key, WideView name) {
-    if (key.empty() || name.empty()) return key.empty() != name.empty();
-    const auto first = static_cast<unsigned char>(key.front());
-    return first < 0x80 && FoldFileNameUnit(first) != FoldFileNameUnit(name.front());
+// False for a name that the ASCII characters at its front tell apart. Spares nearly all names the
+// way to UTF-16.
+bool MayBe(std::string_view key, WideView name) {
+    const std::size_t common = std::min(key.size(), name.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const auto byte = static_cast<unsigned char>(key[i]);
+        if (byte >= 0x80) return true;
+        if (FoldFileNameUnit(byte) != FoldFileNameUnit(name[i])) return false;
+    }
+    return key.size() == name.size();
 }
 
 // The name of the variable as the environment spells it; the exact spelling comes first. The caller
@@ -67,8 +72,7 @@ std::optional<std::string> ActualName(WideView name) {
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const std::string_view line = *entry;
         const std::string_view key = line.substr(0, line.find('='));
-        if (BeginsOtherwise(key, name)) continue;
-        if (SameFileName(FromUtf8(key), name)) return std::string(key);
+        if (MayBe(key, name) && SameFileName(FromUtf8(key), name)) return std::string(key);
     }
     return std::nullopt;
 }

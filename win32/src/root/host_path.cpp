@@ -6,8 +6,10 @@
 #include <cerrno>
 #include <climits>
 #include <memory>
+#include <mutex>
 #include <vector>
 
+#include "base/fork_lock.h"
 #include "base/os_error.h"
 #include "root/host_root.h"
 #include "root/open_folder.h"
@@ -65,16 +67,25 @@ std::string CurrentFolder() {
     return folder == nullptr ? "/" : folder;
 }
 
-// Resolves symbolic links, so that the path can be compared with the one that getcwd gives.
-std::string Resolved(const std::string& path) {
+// The folder of drive C without symbolic links, so that it can be compared with paths that the
+// system gives. Looked for once: a link that is laid while this process runs does not count for it.
+std::string ResolvedDriveC() {
+    static constinit ForkLock lock;
+    static HostRootKey& root = *new HostRootKey;
+    static std::string& resolved = *new std::string;
+    const std::lock_guard guard(lock);
+    if (root.StillHolds() && !resolved.empty()) return resolved;
     char buffer[PATH_MAX];
-    return realpath(path.c_str(), buffer) == nullptr ? path : buffer;
+    const std::string drive = DriveC();
+    const bool is_there = realpath(drive.c_str(), buffer) != nullptr;
+    resolved = is_there ? buffer : "";
+    return is_there ? resolved : drive;
 }
 
 Base CurrentBase() {
     const std::string folder = CurrentFolder();
     Base base{DriveC(), {}};
-    const char* rest = Below(folder, Resolved(base.root));
+    const char* rest = Below(folder, ResolvedDriveC());
     if (rest == nullptr) {
         base.root.clear();
         rest = folder.c_str();
@@ -148,26 +159,30 @@ std::string FindIgnoringCase(const std::string& folder, const std::string& name)
     return name;
 }
 
-std::string Join(const std::string& root, const std::vector<std::string>& parts) {
+// How many of the parts are there as they are spelled. Asked from the end, since nearly always all
+// of them are, or all but the last one.
+std::size_t CountThere(const std::string& root, const std::vector<std::string>& parts) {
     std::string path = root;
     for (const std::string& part : parts) path += '/' + part;
-    return path.empty() ? "/" : path;
+    std::size_t count = parts.size();
+    for (; count > 0 && !Exists(path); --count) path.resize(path.rfind('/'));
+    return count;
 }
 
-std::string Locate(const std::string& root, const std::vector<std::string>& parts) {
-    const std::string given = Join(root, parts);
-    if (Exists(given)) return given;
+// The path of the parts, of which the first `there` are as they are spelled and the next one is
+// not.
+std::string Locate(const std::string& root, const std::vector<std::string>& parts,
+                   std::size_t there) {
     std::string path = root;
     bool is_there = true;  // nothing is below a folder that is missing
-    for (const std::string& part : parts) {
-        std::string exact = Join(path, {part});
-        if (!is_there || Exists(exact)) {
-            path = std::move(exact);
-            continue;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        std::string next = path + '/' + parts[i];
+        if (is_there && i >= there && (i == there || !Exists(next))) {
+            const std::string found = FindIgnoringCase(path, parts[i]);
+            is_there = found != parts[i];
+            next = path + '/' + found;
         }
-        const std::string found = FindIgnoringCase(path, part);
-        is_there = found != part;
-        path = Join(path, {found});
+        path = std::move(next);
     }
     return path.empty() ? "/" : path;
 }
@@ -212,17 +227,17 @@ HostPath ToHostPath(LPCWSTR text) {
         if (result.error == NO_ERROR) result.error = AddName(name, base.parts);
     }
     if (result.error != NO_ERROR) return result;
-    if (!base.root.empty() && !Exists(base.root)) result.error = MakeDriveC();
-    if (result.error != NO_ERROR) return result;
     result.is_drive_root = base.parts.empty();
-    result.path = Locate(base.root, base.parts);
+    const std::size_t there = CountThere(base.root, base.parts);
+    if (there == 0 && !base.root.empty() && !Exists(base.root)) result.error = MakeDriveC();
+    if (result.error == NO_ERROR) result.path = Locate(base.root, base.parts, there);
     return result;
 }
 
 std::u16string FromHostPath(std::string_view path) {
     const std::string whole(path);
     const char* rest = Below(whole, DriveC());
-    if (rest == nullptr) rest = Below(whole, Resolved(DriveC()));
+    if (rest == nullptr) rest = Below(whole, ResolvedDriveC());
     std::u16string name = rest == nullptr ? u"Z:" : u"C:";
     if (rest == nullptr) rest = whole == "/" ? "" : whole.c_str();
     name += FromUtf8(rest);
