@@ -20,7 +20,7 @@ void AddOptions(CLI::App& command, CatalogueOptions& options) {
     command.add_option("--list", options.list, "The list's name in the resource file")
         ->capture_default_str();
     command.add_option("--language", options.language,
-                       "Language code of the texts; the product's when not given");
+                       "Language code of the texts; the default is the product's");
 }
 
 void Open(TQVSizes& catalogue, const CatalogueOptions& options) {

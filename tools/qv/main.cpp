@@ -21,9 +21,9 @@ using qv::ExitCode;
 constexpr const char* kExitCodes =
     "Exit codes:\n"
     "  0  done\n"
-    "  1  the operation failed, or what was compared differs\n"
+    "  1  the operation failed, or compared things differ\n"
     "  2  wrong usage\n"
-    "  3  damaged input was handled as far as it goes\n"
+    "  3  the input was damaged; the sound part was handled\n"
     "  4  a file or stream cannot be opened";
 
 void AddCommands(CLI::App& app) {

@@ -147,8 +147,8 @@ void AddXmlCommand(CLI::App& app) {
     command->add_option("RESPONSE", options->response,
                         "Response file; - is standard output, the default");
     command->add_flag("--strict", options->strict,
-                      "Carry nothing out when the request has names or values that would be passed "
-                      "over; name each with its line");
+                      "Refuse a request with names or values that would be skipped; name each with "
+                      "its line");
     AddRecordOptions(*command, options->record);
     command->callback([options] { RunXml(*options); });
 }

@@ -8,7 +8,7 @@ namespace qv {
 
 enum class ExitCode {
     kDone = 0,
-    kFailed = 1,  // the operation failed, or what was compared differs
+    kFailed = 1,  // the operation failed, or compared things differ
     kWrongUsage = 2,
     kDamaged = 3,     // the input is damaged; the sound part was used
     kCannotOpen = 4,  // a file or stream cannot be opened or read

@@ -291,12 +291,14 @@ std::string UserDataFolder() {
 
 void AddHostCommands(CLI::App& app) {
     CLI::App* host =
-        app.add_subcommand("host", "The registry and files that stand in for Windows here");
+        app.add_subcommand("host", "The registry and files that replace those of Windows");
     host->require_subcommand(1);
-    host->add_subcommand("root", "Show the folder that holds everything")->callback(PrintRoot);
+    host->add_subcommand("root", "Show the folder of the registry and files")->callback(PrintRoot);
     auto text = std::make_shared<std::string>();
     CLI::App* importer = host->add_subcommand("import", "Apply a .reg file to the registry");
-    importer->add_option("FILE.reg", *text, "What the Windows registry editor exports, or UTF-8")
+    importer
+        ->add_option("FILE.reg", *text,
+                     "A file that the Windows registry editor exported, or one in UTF-8")
         ->required();
     importer->callback([text] { Import(*text); });
     CLI::App* exporter =

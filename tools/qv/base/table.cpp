@@ -36,8 +36,9 @@ std::string Tabbed(const std::vector<std::string>& row) {
 }  // namespace
 
 void AddTableOption(CLI::App& command, bool& is_table) {
-    command.add_flag("--table", is_table,
-                     "Columns below a head, as on a terminal; without it tabs between the cells");
+    command.add_flag(
+        "--table", is_table,
+        "Aligned columns with a head, as on a terminal; otherwise tabs between the cells");
 }
 
 std::vector<std::size_t> Table::Widths() const {

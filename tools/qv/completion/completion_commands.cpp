@@ -57,7 +57,7 @@ void AddManual(CLI::App& app) {
     auto words = std::make_shared<std::vector<std::string>>();
     CLI::App* man = app.add_subcommand(
         "man", "Write the manual page of qv, or of one command: `qv man log | man -l -`");
-    man->add_flag("--text", *as_text, "As plain text, where there is no `man`");
+    man->add_flag("--text", *as_text, "As plain text, for systems without `man`");
     man->add_option("--write", *folder, "Into this folder, a page for each command")
         ->type_name("FOLDER");
     man->add_option("COMMAND", *words, "The command's words");
@@ -70,7 +70,8 @@ void AddManual(CLI::App& app) {
 void AddHelp(CLI::App& app) {
     auto words = std::make_shared<std::vector<std::string>>();
     CLI::App* help = app.add_subcommand("help", "Show the manual page of a command");
-    help->add_option("TOPIC", *words, "The command's words; without them, what commands there are");
+    help->add_option("TOPIC", *words,
+                     "The words of the command; without words, the list of commands");
     help->callback(
         [&app, words] { Print(words->empty() ? app.help() : Page(app, *words, PlainPage)); });
 }
@@ -86,7 +87,7 @@ void AddCompletionCommands(CLI::App& app) {
         "  zsh         qv completion zsh >FOLDER/_qv, FOLDER being in $fpath\n"
         "  fish        qv completion fish >~/.config/fish/completions/qv.fish\n"
         "  PowerShell  qv completion powershell | Out-String | Invoke-Expression (in $PROFILE)");
-    completion->add_option("SHELL", *shell, "Which shell")
+    completion->add_option("SHELL", *shell, "The shell")
         ->required()
         ->check(CLI::IsMember(ShellNames()));
     completion->callback([&app, shell] { Print(Shells().at(*shell)(CommandTree(app))); });

@@ -23,7 +23,7 @@ void RunDoctor(bool as_json) {
 void AddDoctorCommands(CLI::App& app) {
     auto as_json = std::make_shared<bool>(false);
     CLI::App* doctor =
-        app.add_subcommand("doctor", "Show how the product is installed, and faults");
+        app.add_subcommand("doctor", "Show how the product is installed, and what is wrong");
     doctor->add_flag("--json", *as_json, "One JSON document");
     doctor->footer("Settings are those of the current user. Exit code 1 when something is wrong.");
     doctor->callback([as_json] { RunDoctor(*as_json); });

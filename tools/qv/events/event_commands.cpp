@@ -144,7 +144,8 @@ void AddEventCommands(CLI::App& app) {
     auto name = std::make_shared<std::string>();
     auto limits = std::make_shared<std::pair<long, long>>(0, 0);
 
-    CLI::App* event = app.add_subcommand("event", "Fire events of a job, and see what they send");
+    CLI::App* event =
+        app.add_subcommand("event", "Fire events of a job, and show the texts that they send");
     event->require_subcommand(1);
     CLI::App* fire = event->add_subcommand("fire", "Fire the event of a printer or of a file");
     fire->add_option("PRINTER|FILE", *text, "A printer's name, or a file with the description")
@@ -156,7 +157,7 @@ void AddEventCommands(CLI::App& app) {
     AddJobOptions(*fire, *job);
     fire->callback([=] { FireEvent(*text, *name, *job, *dry_run); });
 
-    CLI::App* listen = event->add_subcommand("listen", "Print what arrives at a window");
+    CLI::App* listen = event->add_subcommand("listen", "Print the texts that a window receives");
     listen->add_option("CLASS", *name, "The window's class and title")->required();
     listen->add_option("--count", limits->first, "End after that many texts");
     listen->add_option("--timeout", limits->second, "End after that many milliseconds");

@@ -24,8 +24,8 @@ struct JobOptions {
 inline void AddJobOptions(CLI::App& command, JobOptions& job) {
     command.add_option("--job-id", job.id, "The job's number");
     command.add_option("--document", job.document, "The document's name");
-    command.add_option("--user", job.user, "Who printed");
-    command.add_option("--machine", job.machine, "From which machine");
+    command.add_option("--user", job.user, "The user who prints");
+    command.add_option("--machine", job.machine, "The machine of the user");
     command.add_option("--printer", job.printer, "The printer's name");
     command.add_option("--spool-file", job.spool_file, "The spool file (the job's parameters)");
     command.add_option("--output-file", job.output_file, "The output file");

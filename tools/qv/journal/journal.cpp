@@ -167,8 +167,8 @@ std::optional<std::uint64_t> NewestIn(std::string_view lines) {
 void AddWaitOption(CLI::App& command, JournalWait& wait) {
     command.add_flag(
         "--wait", wait.seconds,
-        "Wait while another program changes settings: to its end, or --wait=SECONDS; 10 "
-        "seconds when not given");
+        "Wait without a limit while another program changes settings, or --wait=SECONDS; the "
+        "default is 10 seconds");
 }
 
 JournalContent LoadJournal() {

@@ -58,11 +58,11 @@ void AddShow(CLI::App& log) {
     CLI::App* show = log.add_subcommand("show", "Show the records, the oldest first");
     show->footer(
         "A line: local time, level, process, thread, session, [source,line], text, (label: data).\n"
-        "Several logs are merged by time; the name of the log stands behind the time.\n"
+        "Several logs are merged by time; the name of the log follows the time.\n"
         "Levels: X error, * warning, i information, blank trace, > the log itself.\n"
         "An expression of --grep: . [a-z] [^a-z] \\d \\w \\s \\D \\W \\S ^ $ \\b ( ) | * + ? "
         "{2,5}.\n"
-        "Damage costs the records that it hit: each gap is named, and the exit code is 3.");
+        "Damaged records are left out: each gap is named, and the exit code is 3.");
     show->add_option("FILE", options.files,
                      "Log files, and ZIP archives with logs in them; - is standard input; without "
                      "any the log in force");
@@ -77,15 +77,17 @@ void AddShow(CLI::App& log) {
     show->add_flag("--csv", arguments->csv, "Short for --output csv")
         ->excludes(json)
         ->excludes(output);
-    show->add_flag("--utc", options.style.utc, "UTC in the lines of text, to 100 ns");
-    show->add_flag("--raw", options.style.raw, "Control characters as they are");
+    show->add_flag("--utc", options.style.utc, "Times in UTC, to 100 ns (text only)");
+    show->add_flag("--raw", options.style.raw, "Write control characters unchanged");
     show->add_option(
             "--color", arguments->colour,
             "Colours by level: auto (on a terminal, unless NO_COLOR is set), always, never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
-    show->add_flag("--follow", options.follow, "Go on with new records until stopped, or --until");
-    show->add_option("--cursor-file", options.cursor_file,
-                     "Only what is behind the place in this file, which is kept up to date");
+    show->add_flag("--follow", options.follow,
+                   "Then show new records, until stopped or until the time of --until");
+    show->add_option(
+        "--cursor-file", options.cursor_file,
+        "Only records behind the place that this file keeps; the file gets the new place");
     show->callback([arguments] { Show(*arguments); });
 }
 
@@ -98,13 +100,13 @@ void AddReport(CLI::App& log, const char* name, const char* help,
     auto arguments = std::make_shared<Arguments>();
     CLI::App* command = log.add_subcommand(name, help);
     command->add_option("FILE", arguments->file, kFileHelp);
-    command->add_flag("--json", arguments->json, "As JSON");
+    command->add_flag("--json", arguments->json, "One JSON document");
     command->callback([arguments, report] { report(arguments->file, arguments->json); });
 }
 
 void AddSave(CLI::App& log) {
     auto options = std::make_shared<SaveOptions>();
-    CLI::App* save = log.add_subcommand("save", "Save the records as a log file of their own");
+    CLI::App* save = log.add_subcommand("save", "Save records as a new log file");
     save->add_option("OUT", options->output.name, "The new log file; - is standard output")
         ->required();
     save->add_option("FILE", options->file, kFileHelp);
@@ -115,13 +117,14 @@ void AddSave(CLI::App& log) {
 
 void AddWrite(CLI::App& log) {
     auto options = std::make_shared<WriteOptions>();
-    CLI::App* write = log.add_subcommand("write", "Write lines of your own into the log in force");
+    CLI::App* write = log.add_subcommand("write", "Write a line into the log in force");
     write->footer(
         "The words are one line, joined by blanks; without them each line of standard input is a\n"
-        "record. A text that may begin with - stands behind --.");
-    write->add_option("TEXT", options->words, "The line; - is standard input, as without it");
+        "record. Put a text that may begin with - behind --.");
+    write->add_option("TEXT", options->words,
+                      "The line; without words, or with -, the lines of standard input");
     write->add_option("--level", options->level, kLevelWords)->capture_default_str();
-    write->add_option("--source", options->source, "The module that the records name")
+    write->add_option("--source", options->source, "The module in the record")
         ->capture_default_str();
     write->callback([options] { WriteLog(*options); });
 }

@@ -33,18 +33,21 @@ void AddFilterOptions(CLI::App& command, LogFilterOptions& options) {
     const auto add_list = [&command](const char* name, auto& values, const char* text) {
         return command.add_option(name, values, text)->allow_extra_args(false);
     };
-    add_list("--level", options.levels,
-             "These levels alone: words (error, warning, information, trace, log) apart by commas, "
-             "or letters (X, *, i, a blank, >) side by side");
+    add_list(
+        "--level", options.levels,
+        "Only these levels: words (error, warning, information, trace, log) with commas between, "
+        "or letters (X, *, i, a blank, >) side by side");
     add_list("--pid", options.processes, "Processes")->delimiter(',');
     add_list("--thread", options.threads, "Threads")->delimiter(',');
     add_list("--session", options.sessions, "Sessions; -1: not known")->delimiter(',');
     add_list("--source", options.sources, "Source modules")->delimiter(',');
     command.add_option("--since", options.since, std::string("From this time on: ") + kTimeWords);
     command.add_option("--until", options.until, "Up to this time, in the same forms");
-    command.add_option("--grep", options.grep, "Texts in which this regular expression is found");
-    command.add_flag("-i,--ignore-case", options.ignore_case, "--grep takes A for a");
-    command.add_option("--last", options.last, "Of these only the newest N");
+    command.add_option("--grep", options.grep,
+                       "Only records whose text has a match of this regular expression");
+    command.add_flag("-i,--ignore-case", options.ignore_case,
+                     "--grep: upper and lower case are the same");
+    command.add_option("--last", options.last, "The newest N of these");
 }
 
 LogFilter::LogFilter(const LogFilterOptions& options)

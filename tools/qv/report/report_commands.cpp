@@ -10,8 +10,8 @@ namespace qv {
 namespace {
 
 constexpr const char* kRedactHelp =
-    "Replace the names of users, machines and documents by placeholders, and leave out what cannot "
-    "be rewritten";
+    "Replace the names of users, machines and documents by placeholders, and leave out bytes that "
+    "cannot be rewritten";
 
 struct ReportOptions {
     Output output;
@@ -40,13 +40,13 @@ void AddReport(CLI::App& app) {
     CLI::App* report =
         app.add_subcommand("report", "Write health, settings and log as one page for a browser");
     report->footer(
-        "Without FILE: this machine, with the log in force. With FILE: the page of that log "
-        "alone.\n"
+        "Without FILE: this machine, with the log in force. With FILE: only "
+        "these logs.\n"
         "The page needs no network. Damage of the log is marked on it, and the exit code is 3.");
     report->add_option("OUT.html", options->output.name, "The page; - is standard output")
         ->required();
     report->add_option("FILE", options->files,
-                       "Log files, and archives that hold some; - is standard input");
+                       "Log files, and archives with logs in them; - is standard input");
     AddForceOption(*report, options->output);
     report->add_flag("--redact", options->redact, kRedactHelp);
     AddFilterOptions(*report, options->filter);

@@ -34,10 +34,10 @@ void Run(ApplyOptions& options) {
 void AddApplyCommand(CLI::App& app) {
     auto options = std::make_shared<ApplyOptions>();
     CLI::App* command =
-        app.add_subcommand("apply", "Set what `qv export` wrote; all lines of the file or none");
+        app.add_subcommand("apply", "Set the values of a file of `qv export`, all lines or none");
     command->add_option("FILE", options->file, "The text; - is standard input")->required();
     command->add_option("PRINTER", options->choice.name,
-                        "The printer's name; the one that the file names when not given");
+                        "The printer's name; the default is the one in the file");
     AddChoiceOptions(*command, options->choice);
     AddForceOption(*command, options->choice);
     AddRunOptions(*command, options->run);

@@ -76,7 +76,8 @@ void AddAuditCommand(CLI::App& app) {
     add("--printer", options->printer, "PATTERN", "Only printers whose name fits: * and ?");
     add("--field", options->field, "PATTERN", "Only fields whose name fits");
     add("--user", options->user, "PATTERN", "Only changes of users whose name fits");
-    add("--since", options->since, "TIME", "Only changes from then on; as for `qv log show`");
+    add("--since", options->since, "TIME",
+        "Only changes from this time on; forms as in `qv log show`");
     command->add_flag("--json", options->json, "One JSON document");
     command->callback([options] { Audit(*options); });
 }

@@ -116,7 +116,8 @@ std::string Summary(const std::vector<PrinterChange>& changes, const RunResult& 
 
 void AddReportOptions(CLI::App& command, ReportOptions& options) {
     command.add_flag("-n,--dry-run", options.dry_run, "Show the old and new values; write nothing");
-    command.add_flag("-q,--quiet", options.quiet, "No line for each value; failures all the same");
+    command.add_flag("-q,--quiet", options.quiet,
+                     "Only failures and the summary, no line for each value");
     command.add_flag("--json", options.json, "One JSON document");
 }
 

@@ -94,8 +94,10 @@ void Check(const CheckOptions& options) {
 void AddCheckCommand(CLI::App& app) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* command = app.add_subcommand(
-        "check", "Say which printers do not have the settings of a file; ends with 1 then");
-    command->add_option("PROFILE", options->profile, "What `qv export` wrote; - is standard input")
+        "check", "Name the printers without the settings of a file; the exit code is then 1");
+    command
+        ->add_option("PROFILE", options->profile,
+                     "A file of `qv export`, or a part of it; - is standard input")
         ->required()
         ->type_name("FILE");
     command->add_option("PRINTER", options->choice.name, "One printer by its name");

@@ -52,9 +52,10 @@ void AddDefaultsCommand(CLI::App& app) {
     command->add_option("--directory", options->directory, "Output folder");
     command->add_option("--file-name", options->file_name, "Output file");
     command->add_option("--program", options->program, "Program to run after a job");
-    command->add_option("--parameters", options->parameters, "Its parameters");
+    command->add_option("--parameters", options->parameters, "Parameters of the program");
     command->add_option("--message", options->message, "Message to send after a job");
-    command->add_option("--window", options->window, "Class of the window that receives it");
+    command->add_option("--window", options->window,
+                        "Class of the window that receives the message");
     command->add_option("--format", options->format, "Text of the message");
     AddRecordOptions(*command, options->record);
     command->callback([options] { SetDefaults(*options); });

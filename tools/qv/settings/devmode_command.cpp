@@ -46,10 +46,10 @@ void ShowBlock(const std::string& name, bool as_json) {
 void AddDevmodeCommand(CLI::App& app) {
     auto name = std::make_shared<std::string>();
     auto as_json = std::make_shared<bool>(false);
-    CLI::App* devmode = app.add_subcommand("devmode", "Settings blocks, byte for byte");
+    CLI::App* devmode = app.add_subcommand("devmode", "Look at settings blocks");
     devmode->require_subcommand(1);
     CLI::App* show =
-        devmode->add_subcommand("show", "Show every field by name, and what is invalid");
+        devmode->add_subcommand("show", "Show every field by name, and faults of the block");
     show->add_option("FILE|PRINTER", *name, "A file that holds a block, or a printer's name")
         ->required();
     show->add_flag("--json", *as_json, "One JSON document");

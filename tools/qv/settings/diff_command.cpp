@@ -155,12 +155,14 @@ void Diff(const DiffOptions& options) {
 void AddDiffCommand(CLI::App& app) {
     auto options = std::make_shared<DiffOptions>();
     CLI::App* command =
-        app.add_subcommand("diff", "Compare two settings; ends with 1 when they differ");
-    const char* const side = "A file (what `qv export` wrote, or a block), or a printer's name";
+        app.add_subcommand("diff", "Compare settings; the exit code is 1 when they differ");
+    const char* const side =
+        "A file of `qv export`, a file with a settings block, or a printer's name";
     command->add_option("A", options->a, side)->required();
-    command->add_option("B", options->b, "The same; or each of the printers that are chosen");
+    command->add_option("B", options->b,
+                        "A second file or printer; not with --all, --match or --names");
     AddChoiceOptions(*command, options->choice);
-    command->add_flag("--common", options->common, "Only fields that both have");
+    command->add_flag("--common", options->common, "Only fields that both sides have");
     command->add_flag("--json", options->json, "One JSON document");
     command->callback([options] { Diff(*options); });
 }

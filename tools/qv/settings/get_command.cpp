@@ -143,7 +143,8 @@ void AddGetCommand(CLI::App& app) {
         "printers; the others are fields. Examples:\n"
         "  qv get \"Vantrel Fax\" dmCopies exOut.FileName\n"
         "  qv get --all --table dmCopies exOut.FileName");
-    get->add_option("FIELD", options->words, "The printer, and the fields; all when none is named")
+    get->add_option("FIELD", options->words,
+                    "The printer, and the fields; without a field, all of them")
         ->type_name("[PRINTER] [FIELD]...");
     AddChoiceOptions(*get, options->choice);
     AddTableOption(*get, options->table);

@@ -122,9 +122,10 @@ void Lint(const LintOptions& options) {
 void AddLintCommand(CLI::App& app) {
     auto options = std::make_shared<LintOptions>();
     CLI::App* command = app.add_subcommand(
-        "lint", "Find values without meaning or effect; ends with 1 on findings, 3 on damage");
+        "lint",
+        "Find values without meaning or effect; the exit code is 1 on findings, 3 on damage");
     command->add_option("PRINTER|FILE", options->source,
-                        "A printer's name, or a file (what `qv export` wrote, or a block)");
+                        "A printer's name, a file of `qv export`, or a file with a settings block");
     AddChoiceOptions(*command, options->choice);
     command->add_flag("--json", options->json, "One JSON document");
     command->callback([options] { Lint(*options); });

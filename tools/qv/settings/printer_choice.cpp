@@ -83,12 +83,12 @@ std::vector<Printer> ChooseByList(const PrinterChoice& choice, Purpose purpose) 
 
 void AddChoiceOptions(CLI::App& command, PrinterChoice& choice) {
     CLI::Option* all = command.add_flag("--all", choice.all, "Every printer of the product");
-    CLI::Option* match =
-        command
-            .add_option("--match", choice.patterns,
-                        "Every printer of the product whose name fits: * and ?, in either case")
-            ->type_name("PATTERN")
-            ->allow_extra_args(false);
+    CLI::Option* match = command
+                             .add_option("--match", choice.patterns,
+                                         "Every printer of the product whose name fits: * and ?; "
+                                         "upper and lower case are the same")
+                             ->type_name("PATTERN")
+                             ->allow_extra_args(false);
     command
         .add_option("--names", choice.names_file,
                     "The printers that the file names, one on each line; - is standard input")
@@ -99,7 +99,7 @@ void AddChoiceOptions(CLI::App& command, PrinterChoice& choice) {
 
 void AddForceOption(CLI::App& command, PrinterChoice& choice) {
     command.add_flag("--force", choice.force,
-                     "Also printers of a foreign driver, and in place of damaged settings");
+                     "Also printers of another driver, and printers with damaged settings");
 }
 
 void TakePrinter(PrinterChoice& choice, std::vector<std::string>& words) {

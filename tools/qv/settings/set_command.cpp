@@ -77,7 +77,7 @@ void AddSetCommand(CLI::App& app) {
         "printers. Keywords are the names that `qv get` shows. Examples:\n"
         "  qv set \"Vantrel Fax\" dmCopies=2 exOut.UseSerial=False\n"
         "  qv set --match \"vantrel*\" --dry-run dmCopies=2");
-    set->add_option("KEYWORD=VALUE", options->words, "The printer, and what to change")
+    set->add_option("KEYWORD=VALUE", options->words, "The printer, and the new values")
         ->type_name("[PRINTER] KEYWORD=VALUE...")
         ->required();
     AddChoiceOptions(*set, options->choice);

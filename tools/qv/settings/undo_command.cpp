@@ -185,11 +185,12 @@ void Undo(const UndoOptions& options) {
 
 void AddUndoCommand(CLI::App& app) {
     auto options = std::make_shared<UndoOptions>();
-    CLI::App* command = app.add_subcommand(
-        "undo", "Take back the last change that is not taken back yet, or the one of that number");
-    command->add_option("CHANGE", options->change, "Its number, which --list and `qv audit` show");
+    CLI::App* command =
+        app.add_subcommand("undo", "Take back the last change, or the change with a number");
+    command->add_option("CHANGE", options->change,
+                        "The number of the change; --list and `qv audit` show it");
     command->add_flag("--list", options->list, "Show the changes that can be taken back");
-    command->add_flag("--force", options->force, "Also values that have changed since");
+    command->add_flag("--force", options->force, "Also restore values that have changed since");
     AddReportOptions(*command, options->report);
     AddWaitOption(*command, options->wait);
     command->callback([options] { Undo(*options); });
