@@ -1,4 +1,4 @@
-// Writing to a pipe that nobody reads is a failing call, not the end of the process.
+// A write to a pipe without a reader fails, and does not end the process by a signal.
 #pragma once
 
 #include <signal.h>
@@ -8,8 +8,8 @@
 
 namespace host {
 
-// Blocks SIGPIPE for the calling thread, and at its end removes the signal that a write has raised.
-// A signal that was pending before stays.
+// Blocks SIGPIPE for the calling thread while it lives. Its destructor removes the signal that a
+// write has raised. A signal that was pending before stays.
 class HeldPipeSignal {
   public:
     HeldPipeSignal() {

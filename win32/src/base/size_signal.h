@@ -1,5 +1,5 @@
-// A file that the process may not make larger (RLIMIT_FSIZE) is a failing call, not the end of the
-// process.
+// A write past the process's limit of file sizes (RLIMIT_FSIZE) fails, and does not end the process
+// by a signal.
 #pragma once
 
 #include <signal.h>

@@ -12,7 +12,8 @@ namespace host {
 inline constexpr BYTE kSidRevision = 1;
 inline constexpr std::size_t kMaxSubAuthorities = 8;
 
-// Room for the longest identifier that this host makes; a shorter one ends behind its last part.
+// A security identifier as callers see its bytes. It has room for the longest one that this host
+// makes; a shorter one ends behind part `count`.
 struct SecurityId {
     SecurityId() = default;
     constexpr SecurityId(SID_IDENTIFIER_AUTHORITY of, std::initializer_list<DWORD> list)

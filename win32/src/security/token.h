@@ -9,14 +9,16 @@
 
 namespace host {
 
-// The level of a token that no thread impersonates with.
+// The level of a token of the process: no thread impersonates with it.
 inline constexpr int kPrimaryToken = -1;
 
+// Does not change after its construction. Any thread.
 class Token : public HandleObject {
   public:
     static constexpr HandleKind kKind = HandleKind::kToken;
-    // `level`: a SECURITY_IMPERSONATION_LEVEL or kPrimaryToken.
+    // `access`: TOKEN_... rights. `level`: a SECURITY_IMPERSONATION_LEVEL or kPrimaryToken.
     Token(DWORD access, int level);
+    // Whether the token was opened with all these rights.
     bool May(DWORD access) const { return (access_ & access) == access; }
     int Level() const { return level_; }
     uid_t User() const { return user_; }

@@ -15,7 +15,8 @@
 
 namespace host {
 
-// Below HKEY_LOCAL_MACHINE, the last one below HKEY_CURRENT_USER.
+// Paths of keys. The first three lie below HKEY_LOCAL_MACHINE, the last one below
+// HKEY_CURRENT_USER.
 const RegPath& PrintersPath();
 const RegPath& DriversPath();
 const RegPath& MonitorsPath();
@@ -48,6 +49,7 @@ std::u16string TextValue(const PrintValues& key, std::u16string_view name);
 std::u16string PrinterName(const RegKey& key);
 // The texts of a REG_MULTI_SZ value.
 std::vector<std::u16string> TextsValue(const PrintValues& key, std::u16string_view name);
+// A REG_DWORD value, or `fallback`.
 DWORD NumberValue(const PrintValues& key, std::u16string_view name, DWORD fallback = 0);
 // A settings block, cut to its own size. Empty when it is missing or shorter than its header says.
 std::vector<BYTE> BlockOf(const RegValue* value);
@@ -60,10 +62,10 @@ std::vector<BYTE> UserBlock(std::u16string_view printer);
 // short to have one.
 std::size_t BlockSize(const DEVMODEW* block);
 
-// How many jobs a printer's key holds.
+// The number of jobs below a printer's key.
 DWORD CountJobs(const RegKey& printer);
 
-// Sets the last error unless the code is 0.
+// TRUE for the code 0; else sets the last error and returns FALSE.
 BOOL Succeeded(LSTATUS code);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// What OpenPrinterW gives a handle for.
+// The object behind a handle of OpenPrinterW. Does not change after its construction. Any thread.
 #pragma once
 
 #include <windows.h>
@@ -17,7 +17,7 @@ class OpenPrinter : public HandleObject {
           key_(std::move(key)),
           name_(std::move(name)),
           may_administer_(may_administer) {}
-    // Of its key, and the one under which it is listed.
+    // The name of the printer's key, and the name under which the printer is listed.
     const std::u16string& Key() const { return key_; }
     const std::u16string& Name() const { return name_; }
     bool MayAdminister() const { return may_administer_; }

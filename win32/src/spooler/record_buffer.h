@@ -1,5 +1,5 @@
-// Lays records of the spooler out in a caller's one buffer: the records first, then the blocks that
-// they point to, each at a multiple of 8, then their texts, packed.
+// Lays records of the spooler out in one buffer of the caller: first the records, then the blocks
+// that they point to, each at a multiple of 8, then their texts, packed.
 #pragma once
 
 #include <windows.h>
@@ -16,13 +16,15 @@
 
 namespace host {
 
+// Collects records with copies of their blocks and texts. Text and Block belong to the record that
+// Add began last. For one thread.
 template <class Record>
 class RecordBuffer {
   public:
     using TextMember = LPWSTR Record::*;
     using BlockMember = LPDEVMODEW Record::*;
 
-    // Begins the next record; its pointers are set by the calls that follow.
+    // Begins the next record. Deliver sets its pointers. The reference is valid until the next Add.
     Record& Add() { return records_.emplace_back(); }
 
     Record& Last() { return records_.back(); }
@@ -36,8 +38,8 @@ class RecordBuffer {
         if (!bytes.empty()) blocks_.push_back({records_.size() - 1, member, std::move(bytes)});
     }
 
-    // Copies everything out and reports the size it takes. Fails with ERROR_INSUFFICIENT_BUFFER
-    // when `size` is too small. No records take no room. `count` is null where a call has none.
+    // Copies everything to `buffer` and sets `needed` to its size in bytes. False with the last
+    // error; ERROR_INSUFFICIENT_BUFFER when `size` is smaller. `count` may be null.
     BOOL Deliver(LPBYTE buffer, DWORD size, LPDWORD needed, LPDWORD count) {
         const std::size_t total = TotalSize();
         if (total > std::numeric_limits<DWORD>::max()) return Fail(ERROR_NOT_ENOUGH_MEMORY);
@@ -91,8 +93,8 @@ class RecordBuffer {
     std::vector<TextPiece> texts_;
 };
 
-// The arguments that every call with a caller's buffer has in common: where the needed size goes
-// and, when a size is given, the buffer itself.
+// Checks the arguments of a call with a caller's buffer: `needed` is always given, and `buffer`
+// when `size` is not 0.
 inline bool BufferIsGiven(const BYTE* buffer, DWORD size, const DWORD* needed) {
     return needed != nullptr && (buffer != nullptr || size == 0);
 }

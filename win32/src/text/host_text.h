@@ -11,15 +11,15 @@ namespace host {
 using WideView = std::basic_string_view<WCHAR>;
 using WideString = std::basic_string<WCHAR>;
 
-// Unpaired surrogates and invalid bytes become U+FFFD.
+// Conversions. Unpaired surrogates and invalid bytes become U+FFFD.
 std::string ToUtf8(WideView text);
 WideString FromUtf8(std::string_view text);
 
 // The text as a view; null is empty.
 WideView ViewOf(LPCWSTR text);
 
-// Copies `text` as GetTempPathW and its like do: returns the length without the zero when it fits,
-// else the needed size with the zero.
+// Copies `text` with its zero to `buffer` of `size` units. Returns the length without the zero, or,
+// when it does not fit, the needed size with the zero, as GetTempPathW and similar calls do.
 DWORD CopyOut(WideView text, LPWSTR buffer, DWORD size);
 
 }  // namespace host

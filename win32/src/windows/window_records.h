@@ -16,9 +16,10 @@
 
 namespace host {
 
-// Even, never 0 nor 0xFFFF, not given again before 2^30 others.
+// An even number, never 0 nor 0xFFFF. A number is not used again before 2^30 others.
 using WindowNumber = DWORD;
 
+// What other processes know of a window. `process` and `thread` are ids of its owner.
 struct WindowRecord {
     DWORD process = 0;
     DWORD thread = 0;
@@ -39,7 +40,7 @@ class WindowClaim {
     // Publishes the window. Win32 code.
     DWORD Open(const WindowRecord& record);
     WindowNumber number() const { return number_; }
-    // Where connections to the window arrive; does not block.
+    // The listening socket of the window; non-blocking, and owned by this object.
     int listener() const { return listener_.get(); }
 
   private:
@@ -50,14 +51,14 @@ class WindowClaim {
     UniqueFd folder_, listener_, record_;
 };
 
-// The record of a living window; nothing when there is none. What other processes wrote is checked.
+// The record of a living window, or nothing. Bytes that other processes wrote are checked.
 std::optional<WindowRecord> ReadWindow(WindowNumber number);
 
 struct LiveWindow {
     WindowNumber number;
     WindowRecord record;
 };
-// Newest first.
+// All living windows, the newest first. Removes the files of dead ones.
 std::vector<LiveWindow> LiveWindows();
 
 // A new connection to a window's socket, which does not block. Empty, with the Win32 code in
