@@ -1,4 +1,4 @@
-// What a module of the product does every day: start and end, log, strings, lists, XML, settings.
+// A tour of the library for authors of modules: start and end, log, strings, lists, XML, settings.
 //
 //     module_tour PRINTER
 #include <qv_rtl.h>

@@ -32,7 +32,7 @@ open(sys.argv[1], "wb").write(header + ring)
 END
 }
 
-# set_back FILE: its second and third record are from an hour before.
+# set_back FILE: sets the times of the second and third record back by an hour.
 set_back() {
     python3 - "$1" <<'END'
 import struct, sys
@@ -46,7 +46,7 @@ open(sys.argv[1], "wb").write(image)
 END
 }
 
-# flip FILE OFFSET...: turns the bytes at the offsets over.
+# flip FILE OFFSET...: inverts all bits of the bytes at the offsets.
 flip() {
     python3 - "$@" <<'END'
 import sys

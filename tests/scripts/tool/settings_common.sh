@@ -1,6 +1,6 @@
 # For the settings_* scripts beside this one, behind common.sh.
 
-# The registry and the journal byte for byte; the index that looking changes left out.
+# The bytes of the registry and the journal, without the index, which a look changes.
 machine_state() {
     find "$QV_HOST_ROOT" \( -path '*/registry/*' ! -name '*-shm' -o -name changes.jsonl \) -type f -exec md5sum {} + | sort
 }
