@@ -28,6 +28,8 @@ void ReadResources() {
         Mox::LogHere('*', UnicodeString(TEXT("Resource file: ")) + message);
     }
     document->CloseFile();
+    // Any thread may open a catalogue.
+    document->FRoot->BuildIndices();
 }
 
 void TakeAvailableFields() {

@@ -119,6 +119,11 @@ int TXmlItems::FirstOf(const UnicodeString& name) {
     return Names().First(FList, name);
 }
 
+void TXmlItems::BuildIndices() {
+    if (FCount < 0) Build(TCodePage{});
+    if (GetCount() > kSmallList) Names();
+}
+
 int TXmlItems::NextOf(const UnicodeString& name, int index) {
     if (GetCount() <= kSmallList) return Scan(name, index + 1);
     return Names().Next(FList, name, index);

@@ -66,6 +66,8 @@ class QV_API TXmlItems : public TXmlBlock {
     TXmlPair* Find(const UnicodeString& name, TCodePage code_page);
     // As IndexOf, without the exact table: the question that comes before an addition.
     int FirstOf(const UnicodeString& name);
+    // Builds what the first lookup after an addition would build.
+    void BuildIndices();
 
   protected:
     // Rebuilds the exact table: item i lies in the first slot, from its home (hash modulo count)

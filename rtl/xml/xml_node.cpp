@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "xml/xml_prefetch.h"
 
@@ -34,6 +35,18 @@ void TXmlNode::ReleaseInto(TXmlNode*& pending) noexcept {
     }
     FChildren->FCount = 0;
     delete std::exchange(FChildren, nullptr);
+}
+
+void TXmlNode::BuildIndices() {
+    std::vector<const TXmlNode*> open{this};
+    while (!open.empty()) {
+        const TXmlNode* const node = open.back();
+        open.pop_back();
+        if (node->FAttributes != nullptr) node->FAttributes->BuildIndices();
+        if (node->FChildren == nullptr) continue;
+        node->FChildren->BuildIndices();
+        for (int i = 0; i < node->ChildCount(); ++i) open.push_back(node->GetChild(i));
+    }
 }
 
 TXmlNode* TXmlNode::AddChild(TXmlNode* node) {

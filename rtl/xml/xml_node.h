@@ -10,8 +10,9 @@ class TStream;
 class TXmlFormatter;
 
 // Owns its attributes and its children with their subtrees. Neither destruction nor saving
-// recurses: the depth of a tree is limited by memory alone. One thread at a time. Lookups that find
-// nothing give null, -1, 0 or the null string; the code page arguments have no effect.
+// recurses: the depth of a tree is limited by memory alone. One thread at a time, since lookups
+// build indices; see BuildIndices for more. Lookups that find nothing give null, -1, 0 or the null
+// string; the code page arguments have no effect.
 class QV_API TXmlNode : public TXmlPair {
   public:
     TXmlNode() = default;
@@ -62,7 +63,12 @@ class QV_API TXmlNode : public TXmlPair {
     // 0 when the attribute is absent or not a number.
     int AttrGetInteger(const UnicodeString& name, TCodePage code_page) const;
 
-    // The subtree as text.
+    // Builds the indices of the whole subtree. From then on any number of threads may read and look
+    // up in it, until one thread changes it.
+    void BuildIndices();
+
+    // The subtree as text. Values and texts are trimmed and escaped; names and control characters
+    // are written as they are, also where XML forbids them.
     UnicodeString SaveToString(TXmlFormatter& format) const;
     // Writes the subtree in UTF-8 (65001 or 0) or UTF-16 (1200), nothing in another code page; the
     // bytes written.

@@ -36,6 +36,7 @@ const TXmlNode* StringSection(TResourceState& state, TXmlDoc& document) {
         } catch (const UnicodeString&) {
             // When the file is damaged, the part in front of the damage is used.
         }
+        document.FRoot->BuildIndices();
         state.section = document.FRoot->FindChild(TEXT("mox"), System::kCodePageUtf8);
     }
     return state.section;

@@ -125,6 +125,19 @@ TEST(XmlItems, ALongTableIsWhatLinearProbingGives) {
     EXPECT_EQ(items.IndexOf(TEXT("97"), kUtf8), -1);
 }
 
+TEST(XmlNode, AnIndexedTreeIsNotChangedByLookups) {
+    struct TOpenNode : TXmlNode {
+        int State() const { return static_cast<TOpenItems*>(FChildren)->FCount; }
+    };
+    TXmlNode root;
+    auto* const inner = new TOpenNode;
+    root.AddChild(inner);
+    inner->AddChild(TEXT("a"));
+    EXPECT_EQ(inner->State(), -1);
+    root.BuildIndices();
+    EXPECT_EQ(inner->State(), 1);
+}
+
 TEST(XmlItems, ARenamedItemIsFoundAfterTheNextAddition) {
     TOpenItems items;
     for (int i = 0; i < 40; ++i) items.Add(UnicodeString(i));
