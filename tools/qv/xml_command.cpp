@@ -5,6 +5,7 @@
 
 #include "base/commands.h"
 #include "base/files.h"
+#include "base/host.h"
 #include "mox_classes/containers/memory_stream.h"
 #include "qv_rtl_main/xml_check.h"
 #include "qv_rtl_main/xml_request.h"
@@ -29,6 +30,7 @@ struct XmlOptions {
 // request whose response cannot be stored must change nothing.
 std::unique_ptr<TFileStream> MakeResponse(const std::string& name) {
     if (name == kStandardStream) return nullptr;
+    RefuseFolder(name);
     try {
         return std::make_unique<TFileStream>(FromUtf8(name), TFileStream::kCreate);
     } catch (const UnicodeString& reason) {
@@ -118,9 +120,10 @@ void RunXml(const XmlOptions& options) {
     const std::string bytes = ReadAll(options.request);
     if (bytes.size() > std::numeric_limits<int>::max())
         throw Failure("the request is too long", ExitCode::kCannotOpen);
-    // Stays open until the end, so that the response cannot overwrite the request.
+    // Stays open until the end, so that the response cannot overwrite the request. A pipe has been
+    // read to its end.
     std::unique_ptr<TFileStream> held;
-    if (options.request != kStandardStream)
+    if (FindFile(FromUtf8(options.request)).kind == FileKind::kFile)
         held = std::make_unique<TFileStream>(FromUtf8(options.request), TFileStream::kRead);
     const std::unique_ptr<TFileStream> file = MakeResponse(options.response);
     TMemoryStream request;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr unsigned short kRead = 0x40;  // others may write meanwhile
 constexpr unsigned short kReplace = 0xFFFF;
+constexpr DWORD kPipeEnded = 109;  // Windows says so where Linux reads no bytes
 
 std::string ReadStandardInput() {
     std::string bytes;
@@ -28,6 +29,24 @@ std::string ReadStandardInput() {
 [[noreturn]] void CannotOpen(const std::string& name, const UnicodeString& reason) {
     throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(reason.Trim()),
                   ExitCode::kCannotOpen);
+}
+
+// Pipes, and files that the system makes up, do not tell their size.
+std::string ReadToEnd(HANDLE file) {
+    constexpr std::size_t kStep = 1 << 16;
+    constexpr std::size_t kMost = std::numeric_limits<int>::max();
+    std::string bytes;
+    for (DWORD got = 1; got > 0;) {
+        const std::size_t size = bytes.size();
+        if (size > kMost - kStep) throw UnicodeString(TEXT("the file is too long"));
+        bytes.resize(size + kStep);
+        if (!ReadFile(file, bytes.data() + size, kStep, &got, nullptr)) {
+            if (GetLastError() != kPipeEnded) throw Mox::GetSysError(GetLastError(), true);
+            got = 0;
+        }
+        bytes.resize(size + got);
+    }
+    return bytes;
 }
 
 [[noreturn]] void RefuseFile(const std::string& name) {
@@ -88,16 +107,17 @@ class Replacement {
 
 }  // namespace
 
+void RefuseFolder(const std::string& name) {
+    const UnicodeString wide = FromUtf8(name);
+    if (FindFile(wide).kind != FileKind::kFolder) return;
+    throw Failure("'" + OneLine(wide) + "' is a folder", ExitCode::kCannotOpen);
+}
+
 std::string ReadAll(const std::string& name) {
     if (name == kStandardStream) return ReadStandardInput();
+    RefuseFolder(name);
     try {
-        Classes::TFileStream file(FromUtf8(name), kRead);
-        const long long size = file.GetSize();
-        if (size > std::numeric_limits<int>::max())
-            throw Failure("'" + name + "' is too long", ExitCode::kCannotOpen);
-        std::string bytes(static_cast<std::size_t>(size), '\0');
-        if (!bytes.empty()) file.ReadBuffer(bytes.data(), static_cast<int>(size));
-        return bytes;
+        return ReadToEnd(Classes::TFileStream(FromUtf8(name), kRead).GetHandle());
     } catch (const UnicodeString& message) {
         CannotOpen(name, message);
     }
@@ -106,6 +126,7 @@ std::string ReadAll(const std::string& name) {
 void WriteAll(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
     const int size = SizeOf(name, bytes);
+    RefuseFolder(name);
     try {
         const Classes::TFileStream file(FromUtf8(name), kReplace);
         WriteBytes(file.GetHandle(), bytes, size);
@@ -123,14 +144,16 @@ void AddForceOption(CLI::App& command, Output& output) {
 }
 
 void RefuseExisting(const Output& output) {
-    if (output.force || output.name == kStandardStream) return;
+    if (output.name == kStandardStream) return;
+    RefuseFolder(output.name);
+    if (output.force) return;
     if (FindFile(FromUtf8(output.name)).kind == FileKind::kFile) RefuseFile(output.name);
 }
 
 void WriteOutput(const Output& output, const std::string& bytes) {
     RefuseExisting(output);
     const FilePlace place = FindFile(FromUtf8(output.name));
-    if (output.name == kStandardStream || place.kind == FileKind::kOther)
+    if (output.name == kStandardStream || place.kind == FileKind::kStream)
         return WriteAll(output.name, bytes);
     const int size = SizeOf(output.name, bytes);
     try {

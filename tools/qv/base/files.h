@@ -14,7 +14,11 @@ namespace qv {
 // Stands for standard input or standard output where a file is expected.
 inline const std::string kStandardStream = "-";
 
-// Every byte of the file, or of standard input. Throws Failure (kCannotOpen) with the name.
+// Throws Failure (kCannotOpen) when a folder has that name. The system would only deny access.
+void RefuseFolder(const std::string& name);
+
+// Every byte up to the end of the file, the pipe, or standard input. Throws Failure (kCannotOpen)
+// with the name.
 std::string ReadAll(const std::string& name);
 
 // Replaces the file, or prints. Throws Failure (kCannotOpen) with the name.
@@ -32,7 +36,8 @@ struct Output {
 };
 // --force.
 void AddForceOption(CLI::App& command, Output& output);
-// Throws Failure for a file that exists and is not to be replaced: to be called before long work.
+// Throws Failure for a folder, and for a file that exists and is not to be replaced: to be called
+// before long work.
 void RefuseExisting(const Output& output);
 // As WriteWhole. A file that somebody made since then is refused as well.
 void WriteOutput(const Output& output, const std::string& bytes);

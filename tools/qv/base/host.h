@@ -72,7 +72,7 @@ class StopRequest {
 // Writes the open file through to the disk. Returns 0 or the Win32 error code.
 DWORD FlushToDisk(const UnicodeString& name, HANDLE file);
 
-enum class FileKind { kNone, kFile, kOther };  // the others: devices, pipes, folders
+enum class FileKind { kNone, kFile, kFolder, kStream };  // a stream: a pipe or a device
 struct FilePlace {
     FileKind kind = FileKind::kNone;
     UnicodeString name;  // of a file: without the links that led to it

@@ -188,7 +188,8 @@ FilePlace FindFile(const UnicodeString& name) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (!std::filesystem::exists(status)) return {FileKind::kNone, name};
-    if (!std::filesystem::is_regular_file(status)) return {FileKind::kOther, name};
+    if (std::filesystem::is_directory(status)) return {FileKind::kFolder, name};
+    if (!std::filesystem::is_regular_file(status)) return {FileKind::kStream, name};
     if (!std::filesystem::is_symlink(path, error)) return {FileKind::kFile, name};
     const std::filesystem::path target = std::filesystem::canonical(path, error);
     return {FileKind::kFile, error ? name : FromUtf8(target)};

@@ -160,10 +160,10 @@ FilePlace FindFile(const UnicodeString& name) {
     const System::TFileHandle file(CreateFileW(name.t_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
                                                nullptr));
-    if (file && GetFileType(file.Get()) != FILE_TYPE_DISK) return {FileKind::kOther, name};
+    if (file && GetFileType(file.Get()) != FILE_TYPE_DISK) return {FileKind::kStream, name};
     if (attributes == INVALID_FILE_ATTRIBUTES) return {FileKind::kNone, name};
     const bool is_folder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return {is_folder ? FileKind::kOther : FileKind::kFile, name};
+    return {is_folder ? FileKind::kFolder : FileKind::kFile, name};
 }
 
 void TakeAccess(const UnicodeString& /*file*/, const UnicodeString& /*model*/) {}

@@ -26,12 +26,11 @@ class Follower {
   public:
     // Throws Failure (kCannotOpen) when the file cannot be read or holds no log.
     Follower(const ShowOptions& options, LogView& view) : options_(options), view_(view) {
-        const UnicodeString name = FromUtf8(LogName(options.files.empty() ? "" : options.files[0]));
-        const DWORD code = Open(name);
+        const std::string name = LogName(options.files.empty() ? "" : options.files[0]);
+        const DWORD code = Open(FromUtf8(name));
         if (code == NO_ERROR) return;
-        const UnicodeString why =
-            code == ERROR_INVALID_DATA ? log_.Reader().Error() : Mox::GetSysError(code, true);
-        throw Failure("'" + OneLine(name) + "': " + OneLine(why.Trim()), ExitCode::kCannotOpen);
+        const bool is_no_log = code == ERROR_INVALID_DATA;
+        CannotOpenLog(name, is_no_log ? log_.Reader().Error() : Mox::GetSysError(code, true));
     }
 
     // Shows what is new, and keeps the place.

@@ -16,8 +16,7 @@ constexpr unsigned short kSharedRead = 0x40;  // of a file stream
 void StartAnyway(Mox::TLogReader& reader, const std::string& name) {
     const UnicodeString error = reader.Error();
     if (reader.StartWithoutHeader()) return;
-    throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(error.Trim()),
-                  ExitCode::kCannotOpen);
+    CannotOpenLog(name, error);
 }
 
 // Without the lock: only whether they change matters. Empty while there is no file.
@@ -47,8 +46,16 @@ std::string LogName(const std::string& file) {
     return ToUtf8(name);
 }
 
+void CannotOpenLog(const std::string& name, const UnicodeString& reason) {
+    RefuseFolder(name);
+    // Whoever was to replace the pattern found nothing; the system only says that it is no name.
+    const bool is_pattern = name.find_first_of("*?") != std::string::npos;
+    throw Failure("'" + OneLine(FromUtf8(name)) +
+                      "': " + (is_pattern ? "no file has such a name" : OneLine(reason.Trim())),
+                  ExitCode::kCannotOpen);
+}
+
 void OpenLog(Mox::TLogReader& reader, const std::string& name) {
-    if (name == kStandardStream) return TakeLog(reader, name, ReadAll(name));
     bool open = false;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         open = reader.Open(FromUtf8(name));

@@ -14,6 +14,9 @@ namespace qv {
 // that one is switched off.
 std::string LogName(const std::string& file);
 
+// Throws Failure (kCannotOpen).
+[[noreturn]] void CannotOpenLog(const std::string& name, const UnicodeString& reason);
+
 // Opens the log; one whose header is damaged starts with what else can be read. Throws Failure
 // (kCannotOpen) when the file cannot be read or holds no log.
 void OpenLog(Mox::TLogReader& reader, const std::string& name);

@@ -31,7 +31,9 @@ void CheckOptions(const ShowOptions& options) {
     if (!GoesOn(options)) return;
     if (options.files.size() > 1) RefuseToGoOn("several");
     if (inputs > 0) RefuseToGoOn("standard input");
-    if (!options.files.empty() && IsArchive(options.files[0])) RefuseToGoOn("an archive");
+    if (options.files.empty()) return;
+    if (IsArchive(options.files[0])) RefuseToGoOn("an archive");
+    if (IsStream(options.files[0])) RefuseToGoOn("a pipe or a device");
 }
 
 // In a column: how many characters the text has.

@@ -64,12 +64,12 @@ std::string ArchiveOf(const std::string& name) {
 }
 
 void AddFile(LogSources& sources, const std::string& name) {
-    const bool is_input = name == kStandardStream;
-    const std::string archive = is_input ? name : ArchiveOf(name);
-    const std::string bytes = is_input || IsArchive(archive) ? ReadAll(archive) : std::string();
+    const bool is_stream = IsStream(name);
+    const std::string archive = is_stream ? name : ArchiveOf(name);
+    const std::string bytes = is_stream || IsArchive(archive) ? ReadAll(archive) : std::string();
     if (ZipReader::IsZip(bytes)) return AddArchive(sources, archive, bytes, name);
     auto reader = std::make_unique<Mox::TLogReader>();
-    is_input ? TakeLog(*reader, name, bytes) : OpenLog(*reader, name);
+    is_stream ? TakeLog(*reader, name, bytes) : OpenLog(*reader, name);
     sources.logs.push_back({name, false, std::move(reader)});
 }
 
@@ -110,10 +110,14 @@ LogSource OpenOneLog(const std::string& file) {
     throw Failure("this command takes one log: " + names, ExitCode::kWrongUsage);
 }
 
+bool IsStream(const std::string& name) {
+    return name == kStandardStream || FindFile(FromUtf8(name)).kind == FileKind::kStream;
+}
+
 bool IsArchive(const std::string& name) {
     constexpr unsigned short kSharedRead = 0x40;
     constexpr int kSignature = 4;
-    if (name == kStandardStream) return false;
+    if (IsStream(name)) return false;
     try {
         char head[kSignature];
         const int size = Classes::TFileStream(FromUtf8(name), kSharedRead).Read(head, kSignature);

@@ -30,7 +30,9 @@ LogSources OpenLogs(const std::vector<std::string>& names);
 // For commands that take one log: throws Failure for an archive of several, with their names.
 LogSource OpenOneLog(const std::string& file);
 
-// Whether a file of this name is an archive; false for standard input.
+// Whether the name stands for what can be read once only: standard input, a pipe or a device.
+bool IsStream(const std::string& name);
+// Whether a file of this name is an archive; false for what can be read once only.
 bool IsArchive(const std::string& name);
 
 // Says on standard error what was left out, with the log's name when there are several, and throws
