@@ -20,6 +20,7 @@ namespace {
 class StartAndStop : public Scenario {
   public:
     StartAndStop() : Scenario(Throws::WithoutMemory) {
+        setenv("QV_HOST_DEBUG_OUTPUT", (root_.Folder() + "/debug.log").c_str(), 1);
         std::filesystem::create_directories(root_.Folder() + "/drive_c/QV");
         std::ofstream(root_.Folder() + "/drive_c/QV/qv_res.xml")
             << "<res><devmode><fields>511</fields></devmode></res>";
@@ -27,6 +28,7 @@ class StartAndStop : public Scenario {
             .Set(TEXT("InstallPath"), TEXT("C:\\QV"))
             .Set(TEXT("Logfile"), TEXT("C:\\qv.log"));
     }
+    ~StartAndStop() override { unsetenv("QV_HOST_DEBUG_OUTPUT"); }
     void Prepare() override {
         DeleteFileW(TEXT("C:\\qv.log"));
         QV_DEVMODE_AvailableFields = 527;

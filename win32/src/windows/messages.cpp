@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include <fcntl.h>
@@ -195,7 +196,8 @@ DWORD FormatMessageW(DWORD flags, LPCVOID /*source*/, DWORD id, DWORD language, 
     return CopyOut(text, block, units);
 }
 
-void OutputDebugStringW(LPCWSTR text) {
+// Who shows that memory is out must not fail for that: the line is dropped then.
+void OutputDebugStringW(LPCWSTR text) try {
     const std::string target = EnvironmentText("QV_HOST_DEBUG_OUTPUT");
     if (target.empty()) return;
     std::string line = ToUtf8(ViewOf(text));
@@ -208,4 +210,6 @@ void OutputDebugStringW(LPCWSTR text) {
     // Writes once, so that the lines of several processes do not mix. A failure is ignored.
     [[maybe_unused]] const ssize_t written = write(file, line.data(), line.size());
     if (!to_stderr) close(file);
+} catch (const std::bad_alloc&) {
+    return;
 }
