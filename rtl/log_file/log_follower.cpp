@@ -41,14 +41,14 @@ DWORD TLogFollower::Begin(const UnicodeString& fileName, const std::optional<TLo
     if (!OpenShared(fileName)) return GetLastError();
     name_ = fileName;
     beginning_.clear();
+    reader_.Assign(nullptr, 0);  // an empty file is not copied
     behind_ = behind;
     coming_ = TLogResumed();
     return !Look() && reader_.Error().Length() > 0 ? DWORD{ERROR_INVALID_DATA} : DWORD{NO_ERROR};
 }
 
-// The newest record tells whether the log is another one later.
+// The newest record that can be read tells later whether the log is another one, and what is new.
 void TLogFollower::GoToEnd() {
-    if (reader_.Header().version != 0) reader_.Seek(reader_.Header().counter);
     while (NextFound() != nullptr) {
     }
 }

@@ -2,6 +2,7 @@
 #include "qv_rtl_main/log_calls.h"
 
 #include "log_file/log_fixture.h"
+#include "log_file/log_follower.h"
 
 using namespace test;
 
@@ -119,6 +120,21 @@ TEST_F(LogCalls, WhatIsReadGoesOnBehindDamageAndFailures) {
     image[7] ^= 0x40;  // the counter
     Replace(image);
     EXPECT_EQ(News(), Texts{});
+    QVCloseLog(log_);
+    image[image.size() - 8] ^= 0xFF;  // the tag of the newest text
+    Replace(image);
+    ASSERT_EQ(Open(true), 0);
+    Record(kLimit);
+    Log("new");
+    const Texts news = News();
+    EXPECT_EQ(news.size(), 3u) << "what was lost, that the log was mended, and the new one";
+    EXPECT_EQ(news.back(), "new");
+    Mox::TLogFollower follower;
+    ASSERT_EQ(follower.Open(Name().c_str(), Mox::TLogFollower::TStart::Oldest), DWORD{NO_ERROR});
+    Close();
+    Replace({});
+    EXPECT_EQ(follower.Open(Name().c_str(), Mox::TLogFollower::TStart::Oldest), DWORD{NO_ERROR});
+    EXPECT_EQ(follower.Next(), nullptr) << "of the log before";
 }
 
 }  // namespace
