@@ -29,7 +29,7 @@ constexpr const char* kExitCodes =
 void AddCommands(CLI::App& app) {
     app.require_subcommand(1);
     app.set_version_flag("--version", "qv " QV_RTL_VERSION_TEXT);
-    app.set_help_all_flag("--help-all", "Show the help of the commands below, too");
+    app.set_help_all_flag("--help-all", "Show this help and the help of all subcommands");
     qv::AddXmlCommand(app);
     qv::AddTextCommand(app);
     qv::AddPrinterCommands(app);

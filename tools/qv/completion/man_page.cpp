@@ -77,9 +77,9 @@ std::string OptionParagraphs(const CommandEntry& command) {
 
 constexpr const char* kEnvironment =
     ".SH ENVIRONMENT\n"
-    ".TP\n\\fBNO_COLOR\\fR\nNo colour on a terminal when it is set.\n"
-    ".TP\n\\fBQV_HOST_ROOT\\fR\nThe folder that stands in for a Windows machine; not used on "
-    "Windows.\n";
+    ".TP\n\\fBNO_COLOR\\fR\nNo colours on a terminal when this variable is set.\n"
+    ".TP\n\\fBQV_HOST_ROOT\\fR\nThe folder with the registry and files of this machine (Linux "
+    "only).\n";
 
 std::string Section(const CommandEntry& command) {
     std::string text = ".SS " + Plain(command.path) + "\n" + Synopsis(command);
