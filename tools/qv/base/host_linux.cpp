@@ -76,7 +76,7 @@ bool Rename(const std::string& from, const std::string& to, bool replace) {
     return true;
 }
 
-std::string FirstLine(const std::filesystem::path& file) {
+std::string FirstLineOf(const std::filesystem::path& file) {
     std::ifstream stream(file);
     std::string line;
     std::getline(stream, line);
@@ -230,7 +230,7 @@ std::string LockHolders(const UnicodeString& file) {
         const bool is_process = id.find_first_not_of("0123456789") == std::string::npos;
         if (!is_process || !HoldsLock(process.path(), info.st_ino)) continue;
         holders += (holders.empty() ? "process " : ", ") + id + " (" +
-                   FirstLine(process.path() / "comm") + ")";
+                   FirstLineOf(process.path() / "comm") + ")";
     }
     return holders.empty() ? "a process of another user" : holders;
 }
