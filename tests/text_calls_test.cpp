@@ -146,7 +146,8 @@ Text Decoded(const Text& hex) {
     auto* head = reinterpret_cast<unsigned char*>(bytes.data());
     auto* tail = head + bytes.size();
     EXPECT_EQ(System::BufferToString(head, tail, unpacked), read);
-    EXPECT_TRUE(!read || (unpacked == text && used == bytes.size()));
+    EXPECT_TRUE(!read || (unpacked == text && used == bytes.size() && head == tail));
+    EXPECT_TRUE(read || tail - head == static_cast<std::ptrdiff_t>(bytes.size()));
     return read ? text : failed;
 }
 

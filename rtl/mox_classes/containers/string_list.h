@@ -99,7 +99,7 @@ class QV_API TStrings : public TObject {
 // The list as an array of (string, object). It owns its strings and never the objects. A copy has
 // items of its own (the strings' buffers are shared, as with any string). Capacity grows by 8 items
 // below 32 and by 16 from there. An index that is out of range is logged and the logged text
-// thrown: "Invalid range of index %d".
+// thrown: "Invalid range of index %d". Items are read through TStrings&, where Get is public.
 class QV_API TStringList : public TStrings {
   public:
     TStringList() = default;

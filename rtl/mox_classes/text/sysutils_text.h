@@ -34,7 +34,8 @@ QV_API bool IsAlphaNumericString(UnicodeString s);
 // The hash of XML name tables: two units make one 32-bit step. Equal texts have equal hashes;
 // anybody can make texts whose hashes collide.
 QV_API ULONG StringHash(UnicodeString s);
-// Copies at most capacity - 1 code units and a terminator; the result is the number copied.
+// Copies at most capacity - 1 code units and a terminator; the result is the number copied. Writes
+// nothing when the capacity is below 1.
 QV_API int CopyCch(WCHAR* dest, int capacity, UnicodeString s);
 
 [[nodiscard]] QV_API UnicodeString AnsiQuotedStr(UnicodeString s, WCHAR quote);
