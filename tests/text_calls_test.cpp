@@ -27,7 +27,7 @@ namespace {
 using namespace Sysutils;
 using Text = UnicodeString;
 
-// What the calls work on: some calls change it, and the lines of the table follow each other.
+// The state that the calls share. Some calls change it, so the order of the lines matters.
 struct World {
     World() {
         job.JobId = 17;

@@ -1,4 +1,4 @@
-// The pages that name settings say what the rows say.
+// The pages that name settings agree with the rows of the settings.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// Events of a job: what they start, what they send, and that a job's names stay what they are.
+// Events of a job: the programs they start, the texts they send, and that the names of a job stay
+// names.
 #include "driver_global/events.h"
 
 #include <gtest/gtest.h>

@@ -146,7 +146,7 @@ TEST_F(Startup, AUnitSaysWhoItIs) {
     EXPECT_EQ(GetXmlRes(), nullptr);
 }
 
-// The first unit that stops takes the recorder with it, whoever installed it.
+// The first unit that stops removes the recorder, also one that another unit installed.
 TEST_F(Startup, UnitsStopInAnyOrder) {
     for (int round = 0; round < 2; ++round) {
         Start(TEXT("one"));

@@ -67,7 +67,8 @@ class LoopTest : public testing::Test {
             std::signal(signal, ReportEnd);
         }
         scenario_ = make_();
-        // The first run makes what is made once and kept. The second one is counted.
+        // The first run makes objects that a process makes once and keeps. The second one is
+        // counted.
         for (int i = 0; i < 2; ++i) RunStep(Plan{kind_});
         const std::vector<Site*> sites = Used();
         totals_.names = static_cast<int>(sites.size());
@@ -114,7 +115,7 @@ class LoopTest : public testing::Test {
         }
     }
 
-    // A leak grows with every run. What is made once and kept does not.
+    // A leak grows with every run. An object that is made once and kept does not.
     bool RunAgainWhenItGrows(const Plan& plan) {
         for (int run = 0;; ++run) {
             const Holdings before;

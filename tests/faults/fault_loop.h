@@ -9,7 +9,7 @@
 
 namespace faults {
 
-/// What a step of the loop did, beside what the scenario itself keeps.
+/// The result of a step of the loop. The scenario keeps its own results.
 struct Step {
     Plan plan;
     bool hit = false;  // a call failed on demand

@@ -21,7 +21,7 @@ void WriteRequest(const std::string& text) {
     file.WriteBuffer(text.data(), static_cast<int>(text.size()));
 }
 
-// What the response file holds; empty when there is none.
+// The bytes of the response file; empty without a file.
 std::string ResponseText() {
     std::string text;
     const System::TFileHandle file(CreateFileW(kResponse, GENERIC_READ, FILE_SHARE_READ, nullptr,

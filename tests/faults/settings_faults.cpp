@@ -32,7 +32,7 @@ class Buffer {
     Char text_[kLength + 2];
 };
 
-// What a call says about the value that it was to store.
+// The result of a call that stores a value.
 enum class Told { Stored, Failed, FailedWithoutCode };
 
 Told WriteValue(int number) {

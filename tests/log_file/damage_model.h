@@ -161,7 +161,7 @@ class DamageModel {
             image[Below(32, input)] ^= static_cast<BYTE>(1U << kind / 32U);
             Mox::TLogFileHeader h{};
             std::memcpy(&h, image.data(), sizeof(h));
-            // A limit at the very end of the ring cannot be told from an honest one.
+            // A damaged limit that equals the end of the ring looks like a correct one.
             if (h.limit == h.write_position) return sound_;
         } else if (kind % 5 == 1) {
             std::fill_n(image.begin(), Mox::kHeaderSize, static_cast<BYTE>(kind / 128 * 255));

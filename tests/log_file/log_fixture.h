@@ -29,7 +29,8 @@ inline UnicodeString Widen(const std::string& text) {
     return UnicodeString(text.c_str());
 }
 
-// What the checked reader gives, without a header if it must, and whether it left anything out.
+// The records of the checked reader (without a header when that is damaged), and whether it left
+// any bytes out.
 struct ReadBack {
     Texts texts;
     Texts skips;

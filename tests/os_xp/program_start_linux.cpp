@@ -26,7 +26,7 @@ class ProgramStart : public testing::Test {
         std::filesystem::permissions(folder + "/show", std::filesystem::perms::owner_all);
         out_ = std::filesystem::canonical(folder) / "out";
     }
-    // What the script wrote, once it has; "" when it never does.
+    // Waits for the script and returns the text that it wrote; "" after a time-out.
     std::string Output() const {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         while (!std::filesystem::exists(out_) && std::chrono::steady_clock::now() < end) {

@@ -14,7 +14,7 @@
 
 namespace {
 
-// What happens to an answer of GetPrinterW before the library sees it.
+// Changes an answer of GetPrinterW before the library gets it.
 std::function<void(LPDEVMODEW& devmode)> tamper;
 
 }  // namespace

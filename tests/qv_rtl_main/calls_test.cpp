@@ -50,7 +50,7 @@ test::Bytes ProductBlock() {
     return test::Bytes(bytes, bytes + sizeof(QV_DEVMODE));
 }
 
-// An empty machine and what is asked of it.
+// An empty machine, and the calls of a case on it.
 class Machine {
   public:
     ~Machine() {
@@ -81,7 +81,7 @@ class Machine {
         if (!printers_) printers_.emplace();
         printers_->InstallMonitor(Wide(name), Wide("qv_test_monitor.dll"));
     }
-    // The response; of the strict reading the errors, "" when there are none.
+    // The response. For the strict reading only its errors, or "".
     static std::string Ask(const std::string& request, bool strict = false) {
         Classes::TMemoryStream in, out;
         in.WriteBuffer(request.data(), static_cast<int>(request.size()));

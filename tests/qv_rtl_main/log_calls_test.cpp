@@ -1,4 +1,4 @@
-// The C calls of the log: what a line becomes, and records as they come.
+// The C calls of the log: the record that a line becomes, and reading records as they come.
 #include "qv_rtl_main/log_calls.h"
 
 #include "log_file/log_fixture.h"

@@ -1,4 +1,4 @@
-// The schema and the page of requests say what the table of their elements says.
+// The schema and the page of requests agree with the table of elements.
 #include "qv_rtl_main/request_vocabulary.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The file dialogs of the Linux host: what its dialog program is asked, what its answers mean.
+// The file dialogs of the Linux host: the arguments of the dialog program, and its answers.
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -24,7 +24,7 @@ class FileDialogs : public testing::Test {
         record_.lpstrTitle = u"Open; a \"fax\" $(x)";
     }
     void Touch(const std::string& name) { std::ofstream(program_.DriveC() + name) << "x"; }
-    // The chosen name after an answer; "none" when the dialog says that there is none.
+    // The chosen name after an answer; "none" after a cancel.
     Wide Opened(const std::string& answer, int exit_code = 0) {
         program_.Answer(answer, exit_code);
         return GetOpenFileNameW(&record_) ? Wide(name_) : u"none";

@@ -182,7 +182,8 @@ TEST_F(RegFiles, TextFilesAreTakenOverOnce) {
     }
 }
 
-// What is no store, or damaged, is refused by name and left as it is.
+// A file that is no store, or a damaged one, is refused. The error names it, and it stays
+// unchanged.
 TEST_F(RegFiles, AStrangeFileInPlaceOfTheStoreIsKept) {
     ASSERT_EQ(Create(u"K"), ERROR_SUCCESS);
     EXPECT_TRUE(QvHostCheckRegistry(nullptr, 0));

@@ -81,7 +81,7 @@ TEST_F(Registry, KeysCompareWithoutCaseKeepTheirSpellingAndLieInOrder) {
         RegCloseKey(Create(key_, name));
     }
     EXPECT_EQ(Open(key_, TEXT("\u00E4RGER-\u0436")), ERROR_SUCCESS);
-    // Dotless i and long s are no I and no S, nor micro sign and final sigma what they look like.
+    // Dotless i is not I, and long s is not S. Micro sign and final sigma are no other letters.
     for (const WCHAR* name : {TEXT("\u0131"), TEXT("\u017F"), TEXT("\u00B5"), TEXT("\u03C2")}) {
         RegCloseKey(Create(key_, name));
     }
@@ -236,7 +236,7 @@ TEST_F(Registry, ADeletedKeyStaysDeletedForItsHandles) {
     }
     EXPECT_EQ(Set(beside, TEXT("v"), {}), ERROR_SUCCESS);
     RegCloseKey(beside);
-    // Without a name the tree is what is in the key.
+    // Without a name the content of the key is removed, and the key stays.
     EXPECT_EQ(Set(key_, TEXT("v"), {1}), ERROR_SUCCESS);
     EXPECT_EQ(RegDeleteTreeW(key_, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(Query(key_, TEXT("v")), ERROR_FILE_NOT_FOUND);

@@ -29,7 +29,7 @@ Converted ToWide(const std::string& bytes, DWORD flags = 0, UINT page = CP_UTF8)
 }  // namespace
 
 TEST(TextConvert, IllFormedPartsAreFoundInAnyRun) {
-    // Surrogates, overlong forms and what is beyond the last character, in the middle of a run too.
+    // Surrogates, overlong forms and numbers above the last character, also in the middle of a run.
     for (const char* bytes : {"\xED\xA0\x80", "\xED\xBF\xBF", "\xE0\x9F\xBF", "\xC1\xBF",
                               "\xF4\x90\x80\x80", "\xE0\x80\x80", "\xF0\x8F\xBF\xBF"}) {
         for (std::size_t before = 0; before <= 17; ++before) {

@@ -1,4 +1,4 @@
-// Documents as the parser takes them: where it ends, what it keeps, what it says of a fault.
+// Documents in the parser: where it ends, the text that it keeps, and its message for a fault.
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -173,7 +173,7 @@ TEST(XmlWriter, ALongTextIsReadAsItWasWritten) {
     }
 }
 
-// What the writer makes of a text without blanks at its ends, unit by unit.
+// The output for a text without blanks at its ends, written unit by unit.
 std::string Escaped(const UnicodeString& text) {
     std::string out;
     for (const char octet : Utf8(text)) {

@@ -1,5 +1,5 @@
-// What the debugger's views are tried on: one object of each type, and wrong ones beside them. The
-// debugger stops in Stop() and goes one frame up.
+// Objects for the tests of the debugger's views: one of each type, and wrong ones. The debugger
+// stops in Stop() and goes one frame up.
 #include <qv_rtl.h>
 
 #include <cstring>

@@ -89,7 +89,7 @@ int Forks(const TArguments& arguments) {
     for (const pid_t writer : writers) {
         if (!EndsWell(writer)) Fail("a forked writer failed");
     }
-    // What the busy threads log stands in a file of its own.
+    // The busy threads log into another file.
     if (!recorder.Open((arguments[0] + ".busy").c_str(), 1 << 20)) return 1;
     const int answers = AnswersWhileBusy(number(3));
     std::printf("children of a busy parent: %u, answers: %d\n", number(3), answers);

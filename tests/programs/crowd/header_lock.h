@@ -23,7 +23,7 @@ inline struct flock HeaderRange() {
     return header;
 }
 
-// A copy of a log file that no writer changes meanwhile; empty when there is none.
+// A copy of a log file, made under its lock. Empty without a file.
 inline std::vector<std::uint8_t> CopyUnderLock(const std::string& file) {
     const int fd = open(file.c_str(), O_RDWR | O_CLOEXEC);
     if (fd < 0) return {};

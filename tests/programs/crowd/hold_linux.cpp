@@ -41,7 +41,7 @@ class TRound {
   public:
     TRound(const std::string& folder, const std::string& file) : folder_(folder), file_(file) {}
 
-    // `ends`: the holder is killed, else it is sent on its way.
+    // `ends`: kill the holder; otherwise let it go on.
     void Run(bool ends) {
         const pid_t holder = Start([this] { Write(kHolder); });
         WaitUntil([this] { return states_[kHolder].Started().number > 10; }, "to log");
@@ -181,7 +181,7 @@ class TRound {
                     Milliseconds(Now() - began));
     }
 
-    // Nobody but the holder that was killed may have lost a record.
+    // Only the killed holder may have lost a record.
     void CheckFile(bool ends) {
         const std::uint32_t living = ends ? 0U : kWriters;
         TRingCheck check(TCrowd{states_, living, 0, kWriters});

@@ -35,7 +35,7 @@ inline std::uint64_t Scramble(std::uint64_t x) {
     return x ^ (x >> 31);
 }
 
-// Mostly what a line of a log carries, now and then much more, sometimes nothing.
+// Mostly the size of a usual log line, sometimes much more, sometimes 0.
 inline std::vector<std::uint8_t> BlockOf(TNumber n) {
     std::uint64_t state = Scramble(std::uint64_t{n.writer} << 32 | n.number);
     const std::uint32_t bound = state % 16 == 0 ? largest_block : std::min(200U, largest_block);

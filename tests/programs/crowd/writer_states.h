@@ -1,4 +1,4 @@
-// What the writers of a stress run say about themselves; it lies in shared memory.
+// The state of each writer of a stress run, in shared memory.
 #pragma once
 
 #include <fcntl.h>
