@@ -23,7 +23,7 @@ OLDEST_BLOCK = 261
 
 
 class Damaged(Exception):
-    """What is wrong with an object; shown in its place."""
+    """The fault of an object. It is shown in place of the object."""
 
 
 # Errors when the memory of the process is read.
@@ -36,7 +36,7 @@ def limit():
 
 
 def guarded(read):
-    """The result of a view's method, or what is wrong, in angle brackets."""
+    """The result of a view's method, or the fault in angle brackets."""
 
     def call(self):
         try:
@@ -67,13 +67,13 @@ def memory(address, size):
 
 
 def check_range(address, size):
-    """Both ends can be read: a wrong count must not make GDB ask for gigabytes."""
+    """Raises when one end of the memory cannot be read: a wrong count must not make GDB read gigabytes."""
     memory(address, 1)
     memory(address + size - 1, 1)
 
 
 def quoted(units, cut=False):
-    """UTF-16 bytes as a literal: what does not print is written as an escape."""
+    """UTF-16 bytes as a literal, with escapes for characters that cannot be printed."""
     text = units.decode("utf-16-le", "surrogatepass")
     shown = []
     for letter in text:
@@ -123,7 +123,7 @@ class StringView:
 
 
 class ListView:
-    """TStringList: its items, with an item's object behind it when there is one."""
+    """TStringList: its items, each with its object if it has one."""
 
     def __init__(self, value):
         self.value = value
@@ -242,7 +242,7 @@ def time_text(file_time):
 
 
 class MessageView:
-    """TLogMsg: what its line in the log says."""
+    """TLogMsg: its line in the log, and its data."""
 
     def __init__(self, value):
         self.value = value

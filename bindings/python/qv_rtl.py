@@ -37,7 +37,7 @@ _WORDS = {letter: word for word, letter in _LEVELS.items()}
 
 
 class QvRtlError(Exception):
-    """The library could not do what was asked."""
+    """A call of the library failed."""
 
 
 class CommandError(QvRtlError):
@@ -50,9 +50,9 @@ class CommandError(QvRtlError):
 
 
 class RequestError(QvRtlError):
-    """A response holds errors: `status` is the system's code of the first, 0 without one.
+    """A response holds errors. `status` is the system's code of the first error, 0 without one.
 
-    `response` is the whole response, which may hold answers as well.
+    `response` is the whole response; it may hold answers too.
     """
 
     def __init__(self, response):
@@ -95,8 +95,8 @@ class Response:
 
 
 class Change:
-    """What an update did: `previous` values of the fields that changed, by name, and the names
-    that were `skipped` because the field is unknown or the value does not fit."""
+    """The result of an update: `previous` has the values before, by field name. `skipped` has the
+    names of fields that are unknown, or that cannot take the value."""
 
     def __init__(self, previous, skipped):
         self.previous = previous
@@ -106,7 +106,7 @@ class Change:
 class LogRecord(typing.NamedTuple):
     """A record of the log."""
 
-    time: datetime.datetime  # UTC; None when the record has none that is possible
+    time: datetime.datetime  # UTC; None when the time of the record is not possible
     level: str  # error, warning, information, trace, log (the log itself), or another letter
     process: int
     thread: int
@@ -121,7 +121,7 @@ class LogRecord(typing.NamedTuple):
 
 
 class Log:
-    """The records of a log that others write, each once, as an iterator.
+    """An iterator over the records of a log, each once.
 
     It waits for records that come later, until no record has come for `timeout` seconds; without a
     timeout for ever. It closes itself at its end, with `close` and as a context manager.
@@ -167,7 +167,7 @@ class Log:
 
 
 def library_names(platform=sys.platform):
-    """The file names under which the loader is asked for the library, in that order."""
+    """The file names of the library, in the order in which the loader is asked for them."""
     if platform in ("win32", "cygwin"):
         return ["qv_rtl.dll"]
     return ["libqv_rtl.so.1", "libqv_rtl.so"]
@@ -188,7 +188,7 @@ class QvRtl:
             buffer = ctypes.create_string_buffer((length + 1) * 2)
             status = self._library.DoCommandW(line, buffer, length)
             text = _text(buffer)
-            # A status says nothing about the length of its message: a full buffer may be a cut one.
+            # A status does not tell the length of its message. A full buffer may hold a cut one.
             if status < 0 and len(text.encode("utf-16-le", "surrogatepass")) < length * 2:
                 raise CommandError(status, text)
             if 0 <= status <= length:
@@ -210,7 +210,7 @@ class QvRtl:
     def change_settings(self, printer, **values):
         """Changes main settings, by the keywords of the setdevmode command, all or none.
 
-        Returns the lines with which the library names keywords that it does not know.
+        Returns the lines that name unknown keywords.
         """
         items = [str(item) for pair in values.items() for item in pair]
         return self.command("setdevmode", "printername", printer, *items).splitlines()
@@ -218,7 +218,7 @@ class QvRtl:
     def default_settings(self, printer, *, silent=False, run=False, use_serial=False,
                          use_document_name=False, directory="", file_name="", program="",
                          parameters="", message="", window_class="", message_format=""):
-        """Sets all of a printer's default behaviour at once."""
+        """Sets the complete default behaviour of a printer."""
         flags = [bool(flag) for flag in (silent, run, use_serial, use_document_name)]
         texts = [_utf16(text) for text in (directory, file_name, program, parameters, message,
                                            window_class, message_format)]
@@ -226,16 +226,17 @@ class QvRtl:
             raise QvRtlError(f"The settings of {printer!r} cannot be set")
 
     def do_xml(self, request_file, response_file):
-        """Answers a request file in a response file, which is created or replaced.
+        """Carries out a request file and writes the response file, which is created or replaced.
 
-        A response file that cannot be created is known by its absence alone; the library logs why.
+        When the response file cannot be created, there is no error: the file is missing, and the log
+        has the reason.
         """
         if self._library.DoXMLW(_utf16(os.fspath(request_file)),
                                 _utf16(os.fspath(response_file))) != 1:
             raise QvRtlError("The request was not answered")
 
     def request(self, document):
-        """Carries out a request, an element or its text; returns a Response, errors included."""
+        """Carries out a request, an element or its text. Returns a Response, also with errors."""
         if not isinstance(document, str):
             document = ElementTree.tostring(document, "unicode")
         with tempfile.TemporaryDirectory() as folder:
@@ -278,9 +279,9 @@ class QvRtl:
 
 
     def write_log(self, text, level="information", source="python", line=0):
-        """Puts a line into the log in force: `level` is error, warning, information or trace.
+        """Writes a line into the log in force. `level` is error, warning, information or trace.
 
-        A text of more than 32,000 units of UTF-16 is cut, which stands at its end.
+        A text of more than 32,000 units of UTF-16 is cut; the text says so at its end.
         """
         letter = ord(_LEVELS.get(level, level if len(level) == 1 else "?"))
         status = self._library.QVWriteLog(letter, _utf16(source), line, _utf16(text))
@@ -290,7 +291,7 @@ class QvRtl:
             raise LogError("written", status)
 
     def follow_log(self, file=None, *, only_new=True, timeout=None):
-        """A Log of the records of a file, or of the log in force, that come from now on.
+        """A Log of the new records of a file, or of the log in force.
 
         Without `only_new` it begins with the oldest record: list(qv.follow_log(only_new=False,
         timeout=0)) is what the log holds now.
@@ -381,7 +382,7 @@ def _text(buffer):
 
 
 def _quoted(item):
-    """The item as it may stand in a command line, where a tab ends an item."""
+    """The item in the form that a command line needs: a tab ends an item."""
     if "\t" in item or item.startswith('"'):
         return '"' + item.replace('"', '""') + '"'
     return item

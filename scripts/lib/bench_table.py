@@ -92,7 +92,7 @@ def shown(value, measure):
 
 
 def is_met(target, value, measure):
-    """None without a target."""
+    """Whether the figure meets the target; None without a target."""
     if target == "-":
         return None
     numbers = [float(n) * NS_PER.get(unit if measure in ("cpu", "wall") else "", 1)

@@ -23,12 +23,12 @@ def blank(match):
 
 
 def visible(source):
-    """The source as long as it was, blank where no fault belongs: comments, texts, directives."""
+    """The source with blanks in place of comments, texts and directives. Its length stays the same."""
     return HIDDEN.sub(lambda m: f'"{blank(m)[2:]}"' if TEXT.fullmatch(m[0]) else blank(m), source)
 
 
 def statements(text):
-    """(begin, end) of each call and assignment that stands as a statement, semicolon included."""
+    """(begin, end) of each statement that is a call or an assignment, with its semicolon."""
     begin = depth = 0
     for at, char in enumerate(text):
         depth += {"(": 1, ")": -1}.get(char, 0)
@@ -40,7 +40,7 @@ def statements(text):
 
 
 def body(text, begin, end):
-    """Where the statement begins that stands behind conditions and labels."""
+    """The begin of the statement behind conditions and labels."""
     while True:
         begin += len(text[begin:end]) - len(text[begin:end].lstrip())
         head = CONDITION.match(text, begin, end)
@@ -53,7 +53,7 @@ def body(text, begin, end):
 
 
 def faults(source):
-    """All faults of a source: (begin, end, what stands there instead, the change in words)."""
+    """All faults of a source: (begin, end, the new text, the change in words)."""
     text = visible(source)
     for match in FLIP.finditer(text):
         yield *match.span(), FLIPS[match[0]], f"{match[0]} becomes {FLIPS[match[0]]}"
