@@ -131,7 +131,8 @@ void TLogFileRing::CopyBeside(TLogBytes file) {
 // In front of the record, which needs `need` bytes. Records give way for it only with the second
 // append after a repair: the first one costs no more than it would have cost a sound ring.
 void TLogFileRing::PlaceNotice(std::uint64_t need) {
-    TLogMsg* message = TLogMsg::Alloc();
+    const TOwnedLogMsg owner(TLogMsg::Alloc());
+    TLogMsg* const message = owner.message;
     if (message == nullptr) return;
     message->level = '>';
     message->source = log_file::kModule;
@@ -142,7 +143,6 @@ void TLogFileRing::PlaceNotice(std::uint64_t need) {
     TLogRecordBytes record;
     const std::int64_t room = std::int64_t{header_.limit} - kFirstSlot - kLinkSize;
     const bool fits = record.Serialise(*message, std::max<std::int64_t>(0, room / 2));
-    message->Free();
     if (!fits || notice_due_ || HasRoom(need + kLinkSize + record.Size())) {
         if (fits) Place(record);
         notice_ = UnicodeString();

@@ -88,6 +88,7 @@ class TThreadWriter {
     TThreadWriter(const TThreadWriter&) = delete;
     TThreadWriter& operator=(const TThreadWriter&) = delete;
     ~TThreadWriter() {
+        FreeAllLogMsg(queue_);  // is empty unless a callback threw
         if (slotted_) {
             TlsSetValue(slot_, nullptr);
         } else {
@@ -113,8 +114,8 @@ class TThreadWriter {
         auto texts = log_file::TReportTexts::Translated;
         while (TLogMsg* message = Front(queue_)) {
             TLogRecorder* target = Write(*message, recorder, texts);
-            PopFrontLogMsg(queue_);
-            if (PassOn(context, message, target)) message->Free();
+            TOwnedLogMsg written(PopFrontLogMsg(queue_));
+            PassOn(context, written, target);
             texts = log_file::TReportTexts::Own;
         }
     }
@@ -141,15 +142,11 @@ class TThreadWriter {
         return recorder;
     }
 
-    // Whether the message is still ours afterwards.
-    static bool PassOn(void* context, TLogMsg* message, TLogRecorder* recorder) {
+    static void PassOn(void* context, TOwnedLogMsg& written, TLogRecorder* recorder) {
         const TLogRecordProc previous = PreviousRecordProc().load();
-        bool owned = true;
-        if (previous != nullptr) {
-            const TLoggerLock lock;
-            previous(context, message, recorder, &owned);
-        }
-        return owned;
+        if (previous == nullptr) return;
+        const TLoggerLock lock;
+        previous(context, written.message, recorder, &written.owned);
     }
 
     DWORD slot_;

@@ -56,6 +56,19 @@ static_assert(offsetof(TLogMsg, text) == 48);
 static_assert(offsetof(TLogMsg, dataLabel) == 56);
 static_assert(offsetof(TLogMsg, next) == 64);
 
+// Owns a message, or null, that a callback may keep: it then clears `owned`, and may still throw.
+struct TOwnedLogMsg {
+    explicit TOwnedLogMsg(TLogMsg* m) : message(m) {}
+    TOwnedLogMsg(const TOwnedLogMsg&) = delete;
+    TOwnedLogMsg& operator=(const TOwnedLogMsg&) = delete;
+    ~TOwnedLogMsg() {
+        if (owned && message != nullptr) message->Free();
+    }
+
+    TLogMsg* const message;
+    bool owned = true;
+};
+
 // A list of messages is a pointer to its last element, whose `next` is the first; null is the empty
 // list.
 QV_API TLogMsg* Front(TLogMsg* last);

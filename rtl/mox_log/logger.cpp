@@ -146,24 +146,24 @@ UnicodeString TLogger::Log(int level, UnicodeString source, int line, UnicodeStr
                            UnicodeString dataLabel, void* data, int dataSize) {
     const TLogRecordProc record = Load(recordProc);
     const TLogFormatProc format = record == nullptr ? Load(formatProc) : nullptr;
-    TLogMsg* message = nullptr;
-    if (record != nullptr || format != nullptr) {
-        message = NewMessage(*this, level, source, line, text, dataLabel, data, dataSize);
-    }
+    const bool is_wanted = record != nullptr || format != nullptr;
+    TOwnedLogMsg made(is_wanted
+                          ? NewMessage(*this, level, source, line, text, dataLabel, data, dataSize)
+                          : nullptr);
     if (level == 'X') SetLastError(text);
 
-    bool owned = true;
     if (record != nullptr) {
-        if (message != nullptr) record(recordContext, message, Load(recorder), &owned);
-    } else if (message != nullptr) {
+        if (made.message != nullptr) {
+            record(recordContext, made.message, Load(recorder), &made.owned);
+        }
+    } else if (made.message != nullptr) {
         UnicodeString formatted;
-        format(formatContext, &formatted, message, Load(recorder), &owned);
+        format(formatContext, &formatted, made.message, Load(recorder), &made.owned);
         text = formatted;
     } else {
         NoThrow(
             [&] { text = FormatLogLine(level, source, line, text, dataLabel, data, dataSize); });
     }
-    if (message != nullptr && owned) message->Free();
     return text;
 }
 

@@ -117,6 +117,9 @@ TEST(Logger, TheRecordCallbackGetsTheWholeMessageAndMayKeepIt) {
     EXPECT_EQ(kept->dataLabel, TEXT("label"));
     kept->Free();
     EXPECT_EQ(clean.Logger().GetLastError(), TEXT("%s"));
+    // One that throws has the message freed, unless it has taken it.
+    clean.Logger().recordProc = [](void*, TLogMsg*, Mox::TLogRecorder*, bool*) { throw 1; };
+    EXPECT_THROW(Plain('i', TEXT("text")), int);
 }
 
 TEST(Logger, TheFormatCallbackMakesTheText) {

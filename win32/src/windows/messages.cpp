@@ -196,7 +196,8 @@ DWORD FormatMessageW(DWORD flags, LPCVOID /*source*/, DWORD id, DWORD language, 
     return CopyOut(text, block, units);
 }
 
-// Who shows that memory is out must not fail for that: the line is dropped then.
+// The library also shows here that memory is exhausted: then the line is dropped, and nothing
+// thrown.
 void OutputDebugStringW(LPCWSTR text) try {
     const std::string target = EnvironmentText("QV_HOST_DEBUG_OUTPUT");
     if (target.empty()) return;
