@@ -87,6 +87,7 @@ class QV_API TStrings : public TObject {
 
   private:
     int NameLength(const UnicodeString& item) const;
+    void PutPair(int index, const UnicodeString& name, const UnicodeString& value);
     UnicodeString JoinItems(const UnicodeString& separator, bool after_last);
 
     WCHAR FDelimiter;

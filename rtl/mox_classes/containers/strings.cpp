@@ -276,13 +276,12 @@ UnicodeString TStrings::GetValue(UnicodeString name) {
 }
 
 void TStrings::SetValue(UnicodeString name, UnicodeString value) {
-    int index = IndexOfName(name);
+    const int index = IndexOfName(name);
     if (value.IsEmpty()) {
         if (index >= 0) Delete(index);
         return;
     }
-    if (index < 0) index = Add(UnicodeString());
-    Put(index, name + UnicodeString(FNameValueSeparator) + value);
+    PutPair(index, name, value);
 }
 
 UnicodeString TStrings::GetValueFromIndex(int index) {
@@ -294,8 +293,15 @@ void TStrings::SetValueFromIndex(int index, UnicodeString value) {
         if (index >= 0) Delete(index);
         return;
     }
+    PutPair(index, index < 0 ? UnicodeString() : GetName(index), value);
+}
+
+// Adds an item for an index below 0. Its text is made first, so that no empty item stays behind
+// when that fails.
+void TStrings::PutPair(int index, const UnicodeString& name, const UnicodeString& value) {
+    UnicodeString item = name + UnicodeString(FNameValueSeparator) + value;
     if (index < 0) index = Add(UnicodeString());
-    Put(index, GetName(index) + UnicodeString(FNameValueSeparator) + value);
+    Put(index, std::move(item));
 }
 
 }  // namespace Classes
