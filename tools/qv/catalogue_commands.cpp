@@ -28,8 +28,8 @@ void Open(TQVSizes& catalogue, const CatalogueOptions& options) {
         options.language.empty() ? GetLanguage() : FromUtf8(options.language);
     if (!catalogue.Open(FromUtf8(options.list), language, FromUtf8(options.set)) ||
         !catalogue.ReadData()) {
-        throw Failure("the resource file has no list '" + options.list + "' for the set '" +
-                      options.set + "'");
+        throw Failure("the resource file has no list " + Quoted(options.list) + " for the set " +
+                      Quoted(options.set));
     }
 }
 
@@ -44,7 +44,7 @@ void ParseSize(const std::string& text, int& width, int& height) {
     const bool crossed = first.ec == std::errc() && first.ptr != end && *first.ptr == 'x';
     const auto second = crossed ? std::from_chars(first.ptr + 1, end, height) : first;
     if (!crossed || second.ec != std::errc() || second.ptr != end) {
-        throw CLI::ValidationError("--fit", "'" + text + "' is not of the form WIDTHxHEIGHT");
+        throw CLI::ValidationError("--fit", Quoted(text) + " is not of the form WIDTHxHEIGHT");
     }
 }
 

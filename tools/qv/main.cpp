@@ -62,7 +62,8 @@ ExitCode Run(std::vector<std::string> arguments) {
     arguments.erase(arguments.begin());
     DropNeedlessMark(arguments);
     app.failure_message([&app, words = arguments](const CLI::App*, const CLI::Error& error) {
-        return "qv: " + qv::UsageError(app, error, words) + "\nqv: --help shows the usage\n";
+        const UnicodeString text = qv::FromUtf8(qv::UsageError(app, error, words));
+        return "qv: " + qv::Lines(text) + "\nqv: --help shows the usage\n";
     });
     std::reverse(arguments.begin(), arguments.end());
     try {

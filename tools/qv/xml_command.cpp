@@ -30,12 +30,11 @@ struct XmlOptions {
 // request whose response cannot be stored must change nothing.
 std::unique_ptr<TFileStream> MakeResponse(const std::string& name) {
     if (name == kStandardStream) return nullptr;
-    RefuseFolder(name);
+    CheckFileName(name);
     try {
         return std::make_unique<TFileStream>(FromUtf8(name), TFileStream::kCreate);
     } catch (const UnicodeString& reason) {
-        throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(reason.Trim()),
-                      ExitCode::kCannotOpen);
+        CannotOpen(name, reason);
     }
 }
 

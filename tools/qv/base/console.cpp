@@ -1,6 +1,8 @@
 #include "base/console.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include "base/host.h"
 
@@ -10,7 +12,7 @@ void Print(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
         if (OutputHasNoReader()) throw ClosedPipe();
-        throw Failure("cannot write to standard output");
+        throw Failure("cannot write to standard output: " + std::generic_category().message(errno));
     }
 }
 
@@ -19,7 +21,7 @@ void PrintLine(const std::string& text) {
 }
 
 void PrintError(const std::string& text) {
-    std::fputs(("qv: " + text + "\n").c_str(), stderr);
+    std::fputs(("qv: " + Lines(FromUtf8(text)) + "\n").c_str(), stderr);
 }
 
 std::string Counted(std::uint64_t count, const std::string& noun) {

@@ -13,6 +13,7 @@ namespace qv {
 // has closed the pipe.
 void Print(const std::string& text);
 void PrintLine(const std::string& text);
+// A message. Control characters other than line ends are escaped.
 void PrintError(const std::string& text);
 
 // "1 printer", "2 printers".

@@ -26,11 +26,6 @@ std::string ReadStandardInput() {
     return bytes;
 }
 
-[[noreturn]] void CannotOpen(const std::string& name, const UnicodeString& reason) {
-    throw Failure("'" + OneLine(FromUtf8(name)) + "': " + OneLine(reason.Trim()),
-                  ExitCode::kCannotOpen);
-}
-
 // Pipes, and files that the system makes up, do not tell their size.
 std::string ReadToEnd(HANDLE file) {
     constexpr std::size_t kStep = 1 << 16;
@@ -50,12 +45,12 @@ std::string ReadToEnd(HANDLE file) {
 }
 
 [[noreturn]] void RefuseFile(const std::string& name) {
-    throw Failure("'" + OneLine(FromUtf8(name)) + "' exists; --force replaces it");
+    throw Failure(Quoted(name) + " exists; --force replaces it");
 }
 
 int SizeOf(const std::string& name, const std::string& bytes) {
     if (bytes.size() > std::numeric_limits<int>::max())
-        throw Failure("'" + name + "' would be too long");
+        throw Failure(Quoted(name) + " would be too long");
     return static_cast<int>(bytes.size());
 }
 
@@ -107,15 +102,20 @@ class Replacement {
 
 }  // namespace
 
-void RefuseFolder(const std::string& name) {
+void CannotOpen(const std::string& name, const UnicodeString& reason) {
+    throw Failure(Quoted(name) + ": " + OneLine(reason.Trim()), ExitCode::kCannotOpen);
+}
+
+void CheckFileName(const std::string& name) {
     const UnicodeString wide = FromUtf8(name);
-    if (FindFile(wide).kind != FileKind::kFolder) return;
-    throw Failure("'" + OneLine(wide) + "' is a folder", ExitCode::kCannotOpen);
+    if (ToUtf8(wide) != name) CannotOpen(name, TEXT("the name is not UTF-8"));
+    if (FindFile(wide).kind == FileKind::kFolder)
+        throw Failure(Quoted(wide) + " is a folder", ExitCode::kCannotOpen);
 }
 
 std::string ReadAll(const std::string& name) {
     if (name == kStandardStream) return ReadStandardInput();
-    RefuseFolder(name);
+    CheckFileName(name);
     try {
         return ReadToEnd(Classes::TFileStream(FromUtf8(name), kRead).GetHandle());
     } catch (const UnicodeString& message) {
@@ -126,7 +126,7 @@ std::string ReadAll(const std::string& name) {
 void WriteAll(const std::string& name, const std::string& bytes) {
     if (name == kStandardStream) return Print(bytes);
     const int size = SizeOf(name, bytes);
-    RefuseFolder(name);
+    CheckFileName(name);
     try {
         const Classes::TFileStream file(FromUtf8(name), kReplace);
         WriteBytes(file.GetHandle(), bytes, size);
@@ -145,7 +145,7 @@ void AddForceOption(CLI::App& command, Output& output) {
 
 void RefuseExisting(const Output& output) {
     if (output.name == kStandardStream) return;
-    RefuseFolder(output.name);
+    CheckFileName(output.name);
     if (output.force) return;
     if (FindFile(FromUtf8(output.name)).kind == FileKind::kFile) RefuseFile(output.name);
 }

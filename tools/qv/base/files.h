@@ -14,8 +14,12 @@ namespace qv {
 // Stands for standard input or standard output where a file is expected.
 inline const std::string kStandardStream = "-";
 
-// Throws Failure (kCannotOpen) when a folder has that name. The system would only deny access.
-void RefuseFolder(const std::string& name);
+// Throws Failure (kCannotOpen).
+[[noreturn]] void CannotOpen(const std::string& name, const UnicodeString& reason);
+
+// Throws Failure (kCannotOpen) for a name under which no file can be opened: that of a folder, to
+// which the system would only deny access, and one that is not UTF-8, which would become another.
+void CheckFileName(const std::string& name);
 
 // Every byte up to the end of the file, the pipe, or standard input. Throws Failure (kCannotOpen)
 // with the name.

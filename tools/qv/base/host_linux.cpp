@@ -111,16 +111,21 @@ void PrintRoot() {
 
 void Import(const std::string& file) {
     WCHAR message[kMessageSize] = {};
-    if (!QvHostImport(FromUtf8(file).t_str(), message, kMessageSize))
-        throw Failure(OneLine(UnicodeString(message)));
+    const UnicodeString name = FromUtf8(file);
+    if (QvHostImport(name.t_str(), message, kMessageSize)) return;
+    const bool is_file = FindFile(name).kind == FileKind::kFile;
+    throw Failure(OneLine(UnicodeString(message)),
+                  is_file ? ExitCode::kFailed : ExitCode::kCannotOpen);
 }
 
 void Export(const std::string& key) {
     WCHAR message[kMessageSize] = {};
     const UnicodeString wide_key = FromUtf8(key);
-    if (!QvHostExport(key.empty() ? nullptr : wide_key.t_str(), nullptr, message, kMessageSize)) {
-        throw Failure(OneLine(UnicodeString(message)));
-    }
+    if (QvHostExport(key.empty() ? nullptr : wide_key.t_str(), nullptr, message, kMessageSize))
+        return;
+    // The host's code for a pipe that nobody reads, and for nothing else.
+    if (GetLastError() == ERROR_WRITE_FAULT) throw ClosedPipe();
+    throw Failure(OneLine(UnicodeString(message)));
 }
 
 }  // namespace

@@ -31,10 +31,6 @@ std::vector<std::string> OptionsOf(const CLI::App& app) {
     return names;
 }
 
-std::string Quoted(const std::string& word) {
-    return "'" + OneLine(FromUtf8(word)) + "'";
-}
-
 bool IsOption(const std::string& word) {
     return word.starts_with('-') && word != "-" && word != "--";
 }

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "base/exit_code.h"
+#include "mox_classes/text/sys_error.h"
 
 namespace qv {
 
@@ -119,6 +120,18 @@ std::string OneLine(const UnicodeString& text) {
 
 void AddOneLine(std::string& out, Units text) {
     AddEscaped(out, text, {});
+}
+
+std::string Quoted(const UnicodeString& text) {
+    return "'" + OneLine(text) + "'";
+}
+
+std::string Quoted(const std::string& utf8) {
+    return Quoted(FromUtf8(utf8));
+}
+
+std::string SystemText(DWORD code) {
+    return OneLine(Mox::GetSysError(code, true).Trim());
 }
 
 std::string Lines(const UnicodeString& text) {

@@ -22,7 +22,13 @@ void AddUtf8(std::string& out, Units text);
 // \r, \xNN and \uNNNN, so that a text cannot control the terminal.
 std::string OneLine(const UnicodeString& text);
 void AddOneLine(std::string& out, Units text);
+// The same between single quotes, as messages name things.
+std::string Quoted(const UnicodeString& text);
+std::string Quoted(const std::string& utf8);
 // The same for a text of several lines: line feeds and tabs stay.
 std::string Lines(const UnicodeString& text);
+
+// "[5]Access is denied.": the code and the system's text for it.
+std::string SystemText(DWORD code);
 
 }  // namespace qv

@@ -38,7 +38,7 @@ std::string Page(const CLI::App& app, const std::vector<std::string>& words,
     std::vector<std::string> known;
     for (auto entry = tree.begin() + 1; entry != tree.end(); ++entry)
         known.push_back(entry->path.substr(app.get_name().size() + 1));
-    throw Failure("no page on '" + topic + "'" + Suggestion(topic, known), ExitCode::kWrongUsage);
+    throw Failure("no page on " + Quoted(topic) + Suggestion(topic, known), ExitCode::kWrongUsage);
 }
 
 // Writes the page of everything, and one for each command below the program.

@@ -7,7 +7,7 @@ namespace qv {
 namespace {
 
 // `text` between single quotes, in which `special` characters are replaced by what stands for them.
-std::string Quoted(const std::string& text, const std::string& special, const char* stands_for) {
+std::string QuotedBy(const std::string& text, const std::string& special, const char* stands_for) {
     std::string result = "'";
     for (const char c : text) {
         if (special.find(c) == std::string::npos) {
@@ -24,15 +24,15 @@ std::string Quoted(const std::string& text, const std::string& special, const ch
 }  // namespace
 
 std::string QuotedForShell(const std::string& text) {
-    return Quoted(text, "'", "'\\''");
+    return QuotedBy(text, "'", "'\\''");
 }
 
 std::string QuotedForFish(const std::string& text) {
-    return Quoted(text, "'\\", "\\'");
+    return QuotedBy(text, "'\\", "\\'");
 }
 
 std::string QuotedForPowerShell(const std::string& text) {
-    return Quoted(text, "'", "''");
+    return QuotedBy(text, "'", "''");
 }
 
 std::vector<std::string> OptionNames(const CommandEntry& command) {

@@ -14,7 +14,6 @@
 #include "driver_global/events.h"
 #include "events/sample_job.h"
 #include "mox_classes/format/template_string.h"
-#include "mox_classes/text/sys_error.h"
 #include "mox_classes/text/sysutils.h"
 #include "printer_query/spooler.h"
 
@@ -34,15 +33,15 @@ bool ReadDescription(const std::string& name, UnicodeString& text) {
 UnicodeString PrinterEvent(const std::string& printer) {
     auto settings = GetGlobalDevMode(FromUtf8(printer));
     if (!settings.IsSuccess()) {
-        throw Failure("cannot read the settings of '" + printer +
-                      "': " + OneLine(Mox::GetSysError(settings.GetErrorCode(), true).Trim()));
+        throw Failure("cannot read the settings of " + Quoted(printer) + ": " +
+                      SystemText(settings.GetErrorCode()));
     }
     TQVDM wrapper;
     if (settings.IsEmpty() || !wrapper.SetDEVMODE(&settings[0], settings.Size()))
-        throw Failure("'" + printer + "' has no settings of the product");
+        throw Failure(Quoted(printer) + " has no settings of the product");
     const UnicodeString target = wrapper.Target;
     if (target.Length() == 0 || target[1] != '<')
-        throw Failure("'" + printer + "' has no event in its settings");
+        throw Failure(Quoted(printer) + " has no event in its settings");
     return target;
 }
 
@@ -118,8 +117,7 @@ void Listen(const std::string& class_name, long count, long timeout) {
                                  nullptr, nullptr);
     }
     if (window == nullptr) {
-        throw Failure("cannot make the window: " +
-                      OneLine(Mox::GetSysError(GetLastError(), true).Trim()));
+        throw Failure("cannot make the window " + Quoted(name) + ": " + SystemText(GetLastError()));
     }
     Listener listener{count > 0 ? count : -1};
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&listener));

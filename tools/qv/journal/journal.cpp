@@ -14,7 +14,6 @@
 #include "journal/journal_cut.h"
 #include "journal/old_journal.h"
 #include "mox_classes/containers/streams.h"
-#include "mox_classes/text/sys_error.h"
 #include "os_xp/user_name.h"
 
 namespace qv {
@@ -57,11 +56,11 @@ bool Exists(const std::string& name) {
 }
 
 std::string LastError() {
-    return OneLine(Mox::GetSysError(GetLastError(), true).Trim());
+    return SystemText(GetLastError());
 }
 
 [[noreturn]] void IsNoJournal(const std::string& name) {
-    throw Failure("'" + name + "' is no journal, or damaged; move it away to go on without it",
+    throw Failure(Quoted(name) + " is no journal, or damaged; move it away to go on without it",
                   ExitCode::kDamaged);
 }
 
@@ -69,7 +68,7 @@ void CheckHead(std::string_view bytes) {
     const JournalHead head = ExamineHead(bytes);
     if (head == JournalHead::kNone) IsNoJournal(JournalName());
     if (head == JournalHead::kNewer)
-        throw Failure("'" + JournalName() + "' is the journal of a newer qv", ExitCode::kDamaged);
+        throw Failure(Quoted(JournalName()) + " is the journal of a newer qv", ExitCode::kDamaged);
 }
 
 std::string CurrentTime() {
@@ -110,7 +109,7 @@ std::optional<Seconds> TimeToWait(const JournalWait& wait) {
     const char* const end = wait.seconds.data() + wait.seconds.size();
     const auto parsed = std::from_chars(wait.seconds.data(), end, seconds);
     if (parsed.ec != std::errc() || parsed.ptr != end || seconds < 0)
-        throw CLI::ValidationError("--wait", "'" + wait.seconds + "' is no number of seconds");
+        throw CLI::ValidationError("--wait", Quoted(wait.seconds) + " is no number of seconds");
     return Seconds(seconds);
 }
 
@@ -230,10 +229,8 @@ void Journal::Append(const std::string& lines) {
         }
         CannotUse(text);
     }
-    if (const DWORD code = FlushToDisk(FromUtf8(JournalName()), file_.Get()); code != NO_ERROR) {
-        SetLastError(code);
-        CannotUse(LastError());
-    }
+    const DWORD code = FlushToDisk(FromUtf8(JournalName()), file_.Get());
+    if (code != NO_ERROR) CannotUse(SystemText(code));
 }
 
 std::uint64_t Journal::Begin(std::vector<TargetChange> targets, std::uint64_t undoes) {

@@ -34,7 +34,7 @@ std::optional<LogCursor> LoadCursor(const std::string& file) {
     const int fields = std::sscanf(text.c_str(), "qv-log-cursor 1 %" SCNu64 " %" SCNx64,
                                    &cursor.number, &cursor.fingerprint);
     if (fields != 2 || Written(cursor) != text)
-        throw Failure("'" + OneLine(FromUtf8(file)) + "' holds no cursor of a log");
+        throw Failure(Quoted(file) + " holds no cursor of a log");
     return cursor;
 }
 

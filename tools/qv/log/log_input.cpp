@@ -47,12 +47,10 @@ std::string LogName(const std::string& file) {
 }
 
 void CannotOpenLog(const std::string& name, const UnicodeString& reason) {
-    RefuseFolder(name);
+    CheckFileName(name);
     // Whoever was to replace the pattern found nothing; the system only says that it is no name.
     const bool is_pattern = name.find_first_of("*?") != std::string::npos;
-    throw Failure("'" + OneLine(FromUtf8(name)) +
-                      "': " + (is_pattern ? "no file has such a name" : OneLine(reason.Trim())),
-                  ExitCode::kCannotOpen);
+    CannotOpen(name, is_pattern ? UnicodeString(TEXT("no file has such a name")) : reason);
 }
 
 void OpenLog(Mox::TLogReader& reader, const std::string& name) {

@@ -15,10 +15,6 @@ namespace qv {
 
 namespace {
 
-std::string Quoted(const std::string& name) {
-    return "'" + OneLine(FromUtf8(name)) + "'";
-}
-
 // Says what cannot be read. The worst code is the highest one.
 void Tell(LogSources& sources, const std::string& text, ExitCode code) {
     PrintError(text);

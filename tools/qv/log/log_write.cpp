@@ -9,7 +9,6 @@
 #include "driver_global/startup.h"
 #include "log/level_words.h"
 #include "log/log_input.h"
-#include "mox_classes/text/sys_error.h"
 #include "qv_rtl_main/log_calls.h"
 
 namespace qv {
@@ -85,12 +84,12 @@ class LogTarget {
     }
 
   private:
-    std::string Named(const std::string& text) const { return "'" + OneLine(name_) + "': " + text; }
+    std::string Named(const std::string& text) const { return Quoted(name_) + ": " + text; }
 
     [[noreturn]] void Fail(DWORD code, ExitCode exit) const {
         const bool is_no_log = code == ERROR_INVALID_DATA;
-        std::string text = Named(is_no_log ? "the file is no log, or one of another version"
-                                           : OneLine(Mox::GetSysError(code, true).Trim()));
+        std::string text =
+            Named(is_no_log ? "the file is no log, or one of another version" : SystemText(code));
         if (written_ > 0) text += "; " + Counted(written_, "line") + " written before";
         throw Failure(text, is_no_log ? ExitCode::kCannotOpen : exit);
     }

@@ -14,7 +14,8 @@ namespace qv {
 namespace {
 
 struct AuditOptions {
-    std::string printer, field, user, since;
+    std::string printer, field, user;
+    std::optional<std::string> since;
     bool json = false;
 };
 
@@ -45,7 +46,7 @@ bool Narrow(ChangeRecord& change, const AuditOptions& options, LogTime since) {
 }
 
 void Audit(const AuditOptions& options) {
-    const LogTime since = options.since.empty() ? 0 : TimeOption("--since", options.since);
+    const LogTime since = options.since ? TimeOption("--since", *options.since) : 0;
     JournalContent journal = LoadJournal();
     std::erase_if(journal.changes,
                   [&](ChangeRecord& change) { return !Narrow(change, options, since); });
@@ -69,8 +70,7 @@ void AddAuditCommand(CLI::App& app) {
     auto options = std::make_shared<AuditOptions>();
     CLI::App* command = app.add_subcommand(
         "audit", "Show who changed what with this tool: the journal, the oldest change first");
-    const auto add = [command](const char* name, std::string& value, const char* type,
-                               const char* text) {
+    const auto add = [command](const char* name, auto& value, const char* type, const char* text) {
         command->add_option(name, value, text)->type_name(type);
     };
     add("--printer", options->printer, "PATTERN", "Only printers whose name fits: * and ?");

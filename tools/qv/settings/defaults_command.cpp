@@ -24,10 +24,9 @@ void CallDefaults(const DefaultsOptions& o) {
         FromUtf8(o.program).t_str(), FromUtf8(o.parameters).t_str(), FromUtf8(o.message).t_str(),
         FromUtf8(o.window).t_str(), FromUtf8(o.format).t_str());
     if (done != 1) {
-        throw Failure("the defaults of '" + o.printer +
-                      "' cannot be set: no such printer, no block of the product, or texts that "
-                      "are too long; "
-                      "the log says more");
+        throw Failure("the defaults of " + Quoted(o.printer) +
+                      " cannot be set: no such printer, no block of the product, or texts that are "
+                      "too long; the log says more");
     }
 }
 

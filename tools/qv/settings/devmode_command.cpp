@@ -34,7 +34,7 @@ void PrintBlock(const SettingsSource& source, const std::vector<std::string>& co
 void ShowBlock(const std::string& name, bool as_json) {
     const SettingsSource source = OpenSource(name);
     if (source.kind == SettingsSource::Kind::kText)
-        throw Failure("'" + name + "' is text, not a block", ExitCode::kDamaged);
+        throw Failure(Quoted(name) + " is text, not a block", ExitCode::kDamaged);
     const std::vector<std::string> complaints = ProductDamage(source.block);
     PrintBlock(source, complaints, as_json);
     for (const std::string& complaint : complaints) PrintError(complaint);

@@ -66,7 +66,7 @@ std::string DifferenceLines(const std::string& prefix, const std::vector<Differe
 
 // Reports damage that keeps fields from being compared. The other fields are still compared.
 std::vector<std::string> DamageOf(const SettingsSource& source) {
-    const std::string name = "'" + source.name + "': ";
+    const std::string name = Quoted(source.name) + ": ";
     std::vector<std::string> texts;
     for (const LineFault& fault : source.faults)
         texts.push_back(name + LinePrefix(fault.line) + fault.text);

@@ -65,7 +65,7 @@ std::string Hint(const UnicodeString& unknown) {
 const Field& RequireField(const std::string& name) {
     const Field* const field = FindField(FromUtf8(name));
     if (field != nullptr) return *field;
-    throw Failure("no field has the name '" + OneLine(FromUtf8(name)) + "'" + Hint(FromUtf8(name)));
+    throw Failure("no field has the name " + Quoted(name) + Hint(FromUtf8(name)));
 }
 
 bool IsPublic(const Field& field) {

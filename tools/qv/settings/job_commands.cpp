@@ -5,7 +5,6 @@
 #include "base/files.h"
 #include "driver_global/diagnostic_text.h"
 #include "events/sample_job.h"
-#include "mox_classes/text/sys_error.h"
 #include "printer_query/job_record.h"
 #include "settings/settings_commands.h"
 
@@ -24,8 +23,7 @@ void DecodeJob(const std::string& file) {
     const std::string bytes = ReadAll(file);
     auto job = DecodeJobInfo2(bytes.data(), static_cast<int>(bytes.size()));
     if (!job.IsSuccess()) {
-        throw Failure("'" + file + "' is no job record: " +
-                      OneLine(Mox::GetSysError(job.GetErrorCode(), true).Trim()));
+        throw Failure(Quoted(file) + " is no job record: " + SystemText(job.GetErrorCode()));
     }
     PrintLine(OneLine(TextTypeJOB_INFO_2(&job[0]).TrimRight()));
 }

@@ -24,8 +24,8 @@ bool MatchesOne(const UnicodeString& name, const std::vector<std::string>& patte
 
 void RefuseForeign(const Printer& printer, const PrinterChoice& choice, Purpose purpose) {
     if (purpose == Purpose::kLook || printer.IsProduct() || choice.force) return;
-    throw Failure("'" + OneLine(printer.name) + "' has the driver '" + OneLine(printer.driver) +
-                  "', which is not the product's; --force changes its public fields");
+    throw Failure(Quoted(printer.name) + " has the driver " + Quoted(printer.driver) +
+                  ", which is not the product's; --force changes its public fields");
 }
 
 // Prints one message for all of them.
@@ -33,8 +33,8 @@ void SayLeftOut(const std::vector<Printer>& printers) {
     if (printers.empty()) return;
     const Printer& first = printers.front();
     const std::string rest = Counted(printers.size() - 1, "more printer");
-    PrintError("left out: '" + OneLine(first.name) + "' has the driver '" + OneLine(first.driver) +
-               "'" + (printers.size() == 1 ? "" : ", and " + rest + " of other drivers"));
+    PrintError("left out: " + Quoted(first.name) + " has the driver " + Quoted(first.driver) +
+               (printers.size() == 1 ? "" : ", and " + rest + " of other drivers"));
 }
 
 std::vector<Printer> ChooseByPattern(const PrinterChoice& choice, Purpose purpose) {
@@ -68,8 +68,7 @@ std::vector<Printer> ChooseByList(const PrinterChoice& choice, Purpose purpose) 
         const std::string key = ToUtf8(name.LowerCase());
         const auto found = installed.find(key);
         if (found == installed.end()) {
-            faults +=
-                (faults.empty() ? "no printer '" : "\nqv: no printer '") + OneLine(name) + "'";
+            faults += (faults.empty() ? "no printer " : "\nqv: no printer ") + Quoted(name);
         } else if (taken.insert(key).second) {
             RefuseForeign(found->second, choice, purpose);
             chosen.push_back(found->second);

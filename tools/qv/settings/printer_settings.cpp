@@ -1,17 +1,12 @@
 #include "settings/printer_settings.h"
 
 #include "driver_global/installation.h"
-#include "mox_classes/text/sys_error.h"
 #include "printer_query/spooler.h"
 #include "settings/block_damage.h"
 
 namespace qv {
 
 namespace {
-
-std::string Quoted(const UnicodeString& name) {
-    return "'" + OneLine(name) + "'";
-}
 
 std::optional<SettingsBlock> BlockOf(TW32StructData<DEVMODEW>& settings) {
     if (settings.IsEmpty()) return {};
@@ -102,10 +97,6 @@ SettingsBlock StoreUserSettings(const UnicodeString& printer, const SettingsBloc
     if (stored.IsSuccess()) result = BlockOf(stored);
     if (!result) throw Failure("cannot store the settings: " + SystemText(stored.GetErrorCode()));
     return std::move(*result);
-}
-
-std::string SystemText(DWORD code) {
-    return OneLine(Mox::GetSysError(code, true).Trim());
 }
 
 }  // namespace qv

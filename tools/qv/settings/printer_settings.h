@@ -43,7 +43,4 @@ StartingSettings ReadStart(const Printer& printer, bool force);
 // Lets the driver check the block, stores the driver's result and returns it. Throws Failure.
 SettingsBlock StoreUserSettings(const UnicodeString& printer, const SettingsBlock& block);
 
-// The text of a Win32 error code: "[1801]The printer name is invalid."
-std::string SystemText(DWORD code);
-
 }  // namespace qv

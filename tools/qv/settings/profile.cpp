@@ -7,13 +7,13 @@ namespace qv {
 SettingsText ReadProfile(const std::string& file) {
     const std::string bytes = ReadAll(file);
     if (!IsSettingsText(bytes))
-        throw Failure("'" + file + "' is not what `qv export` writes", ExitCode::kDamaged);
+        throw Failure(Quoted(file) + " is not what `qv export` writes", ExitCode::kDamaged);
     SettingsText text = ParseSettings(bytes);
     std::string faults;
     for (const LineFault& fault : text.faults)
         faults += LinePrefix(fault.line) + fault.text + "\nqv: ";
     if (!faults.empty()) throw Failure(faults + "nothing is set");
-    if (text.assignments.empty()) throw Failure("'" + file + "' sets nothing");
+    if (text.assignments.empty()) throw Failure(Quoted(file) + " sets nothing");
     return text;
 }
 

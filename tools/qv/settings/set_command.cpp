@@ -25,7 +25,7 @@ struct Words {
 Words Split(const std::string& text) {
     const std::size_t equals = text.find('=');
     if (equals == 0 || equals == std::string::npos)
-        throw CLI::ValidationError(text, "is not of the form KEYWORD=VALUE");
+        throw CLI::ValidationError("KEYWORD=VALUE", Quoted(text) + " is not of this form");
     return {FromUtf8(text.substr(0, equals)), FromUtf8(text.substr(equals + 1))};
 }
 

@@ -1,6 +1,7 @@
 // qv undo: undoes a change of the journal.
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
 #include <memory>
 
 #include "settings/change_list.h"
@@ -181,14 +182,26 @@ void Undo(const UndoOptions& options) {
     ReportChanges(changes, result, report);
 }
 
+// Why the text is no number of a change. An empty one, as of a script's unset variable, must not
+// mean the last change.
+std::string IsChangeNumber(const std::string& text) {
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    const bool is_number = parsed.ec == std::errc() && parsed.ptr == end && number > 0;
+    return is_number ? "" : Quoted(text) + " is no number of a change";
+}
+
 }  // namespace
 
 void AddUndoCommand(CLI::App& app) {
     auto options = std::make_shared<UndoOptions>();
     CLI::App* command =
         app.add_subcommand("undo", "Take back the last change, or the change with a number");
-    command->add_option("CHANGE", options->change,
-                        "The number of the change; --list and `qv audit` show it");
+    command
+        ->add_option("CHANGE", options->change,
+                     "The number of the change; --list and `qv audit` show it")
+        ->check(IsChangeNumber, "");
     command->add_flag("--list", options->list, "Show the changes that can be taken back");
     command->add_flag("--force", options->force, "Also restore values that have changed since");
     AddReportOptions(*command, options->report);
