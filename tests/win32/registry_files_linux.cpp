@@ -206,6 +206,12 @@ TEST_F(RegFiles, AGroupIsKeptOrTakenBackWhole) {
     for (const BOOL keep : {FALSE, TRUE}) {
         QvHostBeginChanges();
         EXPECT_EQ(Create(u"K"), ERROR_SUCCESS);
+        // A child has no part in it, and cannot end it.
+        const pid_t child = fork();
+        if (child == 0) _exit(QvHostEndChanges(!keep) || Set(HKEY_USERS, u"b") != ERROR_BUSY);
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
         EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"a"), ERROR_SUCCESS);
         EXPECT_EQ(RegDeleteValueW(HKEY_CURRENT_USER, u"a"), ERROR_FILE_NOT_FOUND);
         EXPECT_NE(Import(kHead + kKey + "\"b\"=hex:01\nx"), "");

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <exception>
 #include <optional>
-#include <system_error>
 
 #include "base/os_error.h"
 #include "base/unique_fd.h"
@@ -22,51 +21,37 @@ using namespace host;
 
 namespace {
 
-// A failure on its way to the caller: the last error and a text for a person.
-struct Failure {
-    DWORD code;
-    std::string text;
-};
-
 std::string NativeName(LPCWSTR name) {
     std::string utf8;
     if (name == nullptr || *name == u'\0' || !NameToUtf8(name, utf8)) {
-        throw Failure{ERROR_INVALID_NAME, "not a file's name"};
+        throw RegError{ERROR_INVALID_NAME, "not a file's name"};
     }
     return utf8;
 }
 
-[[noreturn]] void FailWithErrno(const std::string& file) {
-    const int code = errno;
-    throw Failure{ErrorFromErrno(code), file + ": " + std::generic_category().message(code)};
-}
-
 [[noreturn]] void FailWithCode(LSTATUS code, const std::string& what) {
     const std::string problem = RegistryProblem();
-    throw Failure{static_cast<DWORD>(code),
-                  problem.empty() ? what + ": error " + std::to_string(code) : problem};
+    throw RegError{code, problem.empty() ? what + ": error " + std::to_string(code) : problem};
 }
 
-BOOL Report(const Failure& failure, LPWSTR message, DWORD size) {
-    const WideString text = FromUtf8(failure.text);
+BOOL Report(const RegError& error, LPWSTR message, DWORD size) {
+    const WideString text = FromUtf8(error.text);
     if (message != nullptr && size > 0) {
         const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
         std::copy_n(text.data(), length, message);
         message[length] = u'\0';
     }
-    return Fail(failure.code);
+    return Fail(static_cast<DWORD>(error.code));
 }
 
-// Runs a call that throws Failure, or the standard library's exceptions.
+// Runs a call that throws RegError, or the standard library's exceptions.
 template <class Run>
 BOOL Guarded(LPWSTR message, DWORD size, const Run& run) {
     try {
         run();
         return TRUE;
-    } catch (const Failure& failure) {
-        return Report(failure, message, size);
     } catch (const RegError& error) {
-        return Report({static_cast<DWORD>(error.code), error.text}, message, size);
+        return Report(error, message, size);
     } catch (const std::bad_alloc&) {
         return Report({ERROR_NOT_ENOUGH_MEMORY, "out of memory"}, message, size);
     } catch (const std::exception& error) {
@@ -89,16 +74,15 @@ void Import(const std::string& file) {
 }
 
 void WriteKey(std::u16string_view name, RegTextWriter& writer) {
-    const std::size_t end = std::min(name.find(u'\\'), name.size());
-    const std::int64_t root = FindRoot(name.substr(0, end));
-    if (root == 0) throw Failure{ERROR_FILE_NOT_FOUND, "the key's root is not known"};
+    const std::int64_t root = TakeRoot(name);
+    if (root == 0) throw RegError{ERROR_FILE_NOT_FOUND, "the key's root is not known"};
     RegPath path;
-    SplitKeyPath(name.substr(std::min(end + 1, name.size())), path);
+    SplitKeyPath(name, path);
     std::optional<RegKey> key{root};
     std::u16string whole(RegRoots()[root - 1].name);
     for (const std::u16string& part : path) {
         key = key->FindKey(part);
-        if (!key) throw Failure{ERROR_FILE_NOT_FOUND, "there is no such key"};
+        if (!key) throw RegError{ERROR_FILE_NOT_FOUND, "there is no such key"};
         whole += u'\\' + key->Name();
     }
     WriteRegKey(*key, whole, writer);
@@ -114,19 +98,13 @@ void WriteRoots(RegTextWriter& writer) {
 
 std::string Exported(LPCWSTR key) {
     RegTextWriter writer;
-    std::exception_ptr failure;
     const LSTATUS code = ReadRegistry([&] {
-        try {
-            if (key != nullptr) {
-                WriteKey(key, writer);
-            } else {
-                WriteRoots(writer);
-            }
-        } catch (...) {
-            failure = std::current_exception();
+        if (key != nullptr) {
+            WriteKey(key, writer);
+        } else {
+            WriteRoots(writer);
         }
     });
-    if (failure) std::rethrow_exception(failure);
     if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
     return writer.Take();
 }
@@ -135,7 +113,7 @@ void WriteWhole(int fd, std::string_view bytes, const std::string& name) {
     while (!bytes.empty()) {
         const ssize_t put = write(fd, bytes.data(), bytes.size());
         if (put < 0 && errno == EINTR) continue;
-        if (put < 0) FailWithErrno(name);
+        if (put < 0) ThrowErrno(name);
         bytes.remove_prefix(static_cast<std::size_t>(put));
     }
 }
@@ -148,12 +126,12 @@ std::string ExamineStore() {
 void WriteOut(const std::string& text, LPCWSTR file) {
     if (file == nullptr) {
         const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-        if (!written || std::fflush(stdout) != 0) FailWithErrno("standard output");
+        if (!written || std::fflush(stdout) != 0) ThrowErrno("standard output");
         return;
     }
     const std::string name = NativeName(file);
     const UniqueFd fd(open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-    if (!fd) FailWithErrno(name);
+    if (!fd) ThrowErrno(name);
     WriteWhole(fd.get(), text, name);
 }
 
@@ -202,7 +180,7 @@ BOOL QvHostCheckRegistry(LPWSTR message, DWORD size) {
         std::string found = "ok";
         const LSTATUS code = ReadRegistry([&found] { found = ExamineStore(); });
         if (code != ERROR_SUCCESS) FailWithCode(code, "the registry cannot be read");
-        if (found != "ok") throw Failure{ERROR_BADDB, RegStore::Get().Path() + ": " + found};
+        if (found != "ok") throw RegError{ERROR_BADDB, RegStore::Get().Path() + ": " + found};
     });
 }
 

@@ -4,8 +4,8 @@
 #include <chrono>
 #include <functional>
 #include <new>
-#include <optional>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "registry/reg_takeover.h"
@@ -23,30 +23,6 @@ constexpr microseconds kLongestPause{20000};
 constexpr REGSAM kMaximumAllowed = 0x02000000;
 constexpr REGSAM kChangeRights = KEY_SET_VALUE | KEY_CREATE_SUB_KEY;
 
-// A predefined root or a pinned handle.
-class Target {
-  public:
-    explicit Target(HKEY handle) : root_(FindRoot(handle)) {
-        if (root_ == 0) pin_.emplace(reinterpret_cast<HANDLE>(handle));
-    }
-    explicit operator bool() const { return root_ != 0 || *pin_; }
-    bool Allows(REGSAM needed) const {
-        return root_ != 0 || ((*pin_)->Access() & needed) == needed;
-    }
-    std::int64_t Id() const { return root_ != 0 ? root_ : (*pin_)->Id(); }
-    KeyContext Context() const { return {RegKey(Id()), root_ != 0 ? 0 : (*pin_)->Depth()}; }
-
-  private:
-    const std::int64_t root_;
-    std::optional<HandlePin<OpenKey>> pin_;
-};
-
-// Guarded by the store's mutex; never destroyed.
-std::string& Problem() {
-    static std::string& problem = *new std::string;
-    return problem;
-}
-
 // What waited for the end of the group of changes. Guarded by the store's mutex; never destroyed.
 std::vector<std::function<void()>>& Waiting() {
     static auto& waiting = *new std::vector<std::function<void()>>;
@@ -54,63 +30,63 @@ std::vector<std::function<void()>>& Waiting() {
 }
 
 // The end of a call that fails. A group of changes cannot go on without the lock that it waited
-// for, or after the database took it back.
-LSTATUS Note(RegError error) {
-    RegStore& store = RegStore::Get();
-    const std::scoped_lock lock(store.Mutex());
+// for, or after the database took it back. With the mutex held.
+LSTATUS Note(RegStore& store, RegError error) {
     if (error.code == ERROR_BUSY && !store.InLostGroup()) {
         const std::string holder = store.LockHolder();
         error.text = store.Path() + ": locked by " + (holder.empty() ? "another process" : holder);
     }
     if (error.code == ERROR_BUSY || error.code == ERROR_DISK_FULL) store.LoseGroup(error);
     if (error.code == ERROR_DISK_FULL) store.FreeSpace();
-    Problem() = error.text;
+    store.Problem() = error.text;
     return error.code;
 }
 
-// What a change that found the disk full had begun to write is given back; perhaps it fits then.
-void FreeSpace(RegStore& store) {
-    const std::scoped_lock lock(store.Mutex());
-    store.FreeSpace();
-}
-
-// Between two tries the mutex is free, so that the other threads go on.
+// Between two tries the mutex is free, so that the other threads go on. What a change that found
+// the disk full had begun to write is given back once; perhaps it fits then.
 LSTATUS OnStore(RegStore::Use use, const CallRef<LSTATUS(RegStore&)>& run) {
     RegStore& store = RegStore::Get();
     const Clock::time_point end = Clock::now() + kLongestWait;
     bool freed = false;
     for (microseconds pause = kFirstPause;; pause = std::min(pause * 2, kLongestPause)) {
+        std::unique_lock lock(store.Mutex());
         try {
-            const std::scoped_lock lock(store.Mutex());
             if (store.Refresh(use, [] { TakeOverTextFiles(); })) SetTextFilesAside();
             const LSTATUS code = run(store);
-            Problem().clear();
+            store.Problem().clear();
             return code;
         } catch (const RegError& error) {
             const bool is_alone = !store.InLostGroup();
-            const bool is_full = is_alone && error.code == ERROR_DISK_FULL && !freed;
-            const bool is_busy = is_alone && error.code == ERROR_BUSY && Clock::now() < end;
-            if (is_full) FreeSpace(store);
-            freed |= is_full;
-            if (!is_full && !is_busy) return Note(error);
+            if (is_alone && error.code == ERROR_DISK_FULL && !freed) {
+                store.FreeSpace();
+                freed = true;
+            } else if (!is_alone || error.code != ERROR_BUSY || Clock::now() >= end) {
+                return Note(store, error);
+            }
         } catch (const std::bad_alloc&) {
             return ERROR_NOT_ENOUGH_MEMORY;
         } catch (const RegStale&) {
             continue;
-        } catch (const std::exception&) {
-            return ERROR_GEN_FAILURE;
+        } catch (const std::exception& error) {
+            return Note(store, {ERROR_GEN_FAILURE, error.what()});
         }
+        lock.unlock();
         std::this_thread::sleep_for(pause);
     }
 }
 
 // The mutex is given up before the pin, whose end may destroy the handle's object.
 LSTATUS OnKey(HKEY handle, REGSAM needed, RegStore::Use use,
-              const CallRef<LSTATUS(RegStore&, const Target&)>& run) {
-    const Target target(handle);
-    if (!target) return ERROR_INVALID_HANDLE;
-    if (!target.Allows(needed)) return ERROR_ACCESS_DENIED;
-    return OnStore(use, [&](RegStore& store) { return run(store, target); });
+              const CallRef<LSTATUS(RegStore&, const KeyContext&)>& run) {
+    const auto on = [&](const KeyContext& key) {
+        return OnStore(use, [&](RegStore& store) { return run(store, key); });
+    };
+    const std::int64_t root = FindRoot(handle);
+    if (root != 0) return on({RegKey(root), 0});
+    const HandlePin<OpenKey> open(reinterpret_cast<HANDLE>(handle));
+    if (!open) return ERROR_INVALID_HANDLE;
+    if ((open->Access() & needed) != needed) return ERROR_ACCESS_DENIED;
+    return on({RegKey(open->Id()), open->Depth()});
 }
 
 REGSAM MapGenericRights(REGSAM access, bool may_write) {
@@ -133,24 +109,25 @@ LSTATUS InChange(RegStore& store, const CallRef<LSTATUS()>& run) {
 }  // namespace
 
 LSTATUS ReadKey(HKEY handle, REGSAM needed, const KeyUser& read) {
-    return OnKey(handle, needed, RegStore::Use::kRead, [&](RegStore& store, const Target& target) {
-        const RegSnapshot snapshot(store, target.Id(), RegSnapshot::Asks::kLate);
-        return read(target.Context());
+    return OnKey(handle, needed, RegStore::Use::kRead, [&](RegStore& store, const KeyContext& on) {
+        const RegSnapshot snapshot(store, on.key.Id());
+        return read(on);
     });
 }
 
 LSTATUS ChangeKey(HKEY handle, REGSAM needed, const KeyUser& change) {
-    return OnKey(handle, needed, RegStore::Use::kWrite, [&](RegStore& store, const Target& target) {
+    return OnKey(handle, needed, RegStore::Use::kWrite, [&](RegStore& store, const KeyContext& on) {
         return InChange(store, [&] {
-            if (!RegKey(target.Id()).Exists()) throw RegError{ERROR_KEY_DELETED, {}};
-            return change(target.Context());
+            if (!on.key.Exists()) throw RegError{ERROR_KEY_DELETED, {}};
+            return change(on);
         });
     });
 }
 
 LSTATUS ReadRegistry(const CallRef<void()>& read) {
     return OnStore(RegStore::Use::kRead, [&](RegStore& store) -> LSTATUS {
-        const RegSnapshot snapshot(store, 1, RegSnapshot::Asks::kAtOnce);
+        const RegSnapshot snapshot(store, 1);
+        store.ForQuery();  // holds the snapshot: the function runs once
         read();
         return ERROR_SUCCESS;
     });
@@ -168,14 +145,15 @@ LSTATUS ChangeRegistry(const CallRef<void()>& change) {
 }
 
 LSTATUS EndGroup(bool keep) {
-    std::vector<std::function<void()>> waiting;
+    RegStore& store = RegStore::Get();
+    std::unique_lock lock(store.Mutex());
+    const auto waiting = std::exchange(Waiting(), {});
     try {
-        const std::scoped_lock lock(RegStore::Get().Mutex());
-        waiting.swap(Waiting());
-        RegStore::Get().EndChanges(keep);
+        store.EndChanges(keep);
     } catch (const RegError& error) {
-        return Note(error);
+        return Note(store, error);
     }
+    lock.unlock();
     if (keep) std::ranges::for_each(waiting, [](const auto& run) { run(); });
     return ERROR_SUCCESS;
 }
@@ -189,7 +167,7 @@ bool RunAfterGroup(std::function<void()> run) {
 
 std::string RegistryProblem() {
     const std::scoped_lock lock(RegStore::Get().Mutex());
-    return Problem();
+    return RegStore::Get().Problem();
 }
 
 LSTATUS OpenKeyHandle(std::int64_t id, std::size_t depth, REGSAM access, PHKEY result) {

@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <system_error>
 #include <tuple>
 
@@ -38,38 +38,6 @@ constexpr const char kTables[] =
     " folded BLOB NOT NULL, name TEXT NOT NULL, type INTEGER NOT NULL, data BLOB NOT NULL,"
     " UNIQUE(key, folded)) STRICT;"
     "CREATE INDEX values_in_order ON reg_values(key);";
-
-// A key with all below it.
-#define QV_BELOW                                                                  \
-    "(WITH RECURSIVE below(id) AS (SELECT ?1 UNION ALL"                           \
-    " SELECT reg_keys.id FROM reg_keys JOIN below ON reg_keys.parent = below.id)" \
-    " SELECT id FROM below)"
-
-constexpr const char* kStatements[] = {
-    "SELECT 1 FROM reg_keys WHERE id = ?1",
-    "SELECT id, name FROM reg_keys WHERE parent = ?1 AND folded = ?2",
-    "SELECT id, name FROM reg_keys WHERE parent = ?1 ORDER BY folded",
-    "SELECT name, written FROM reg_keys WHERE parent = ?1 AND folded >= ?2 ORDER BY folded"
-    " LIMIT 1 OFFSET ?3",
-    "INSERT INTO reg_keys(parent, folded, name, written) VALUES(?1, ?2, ?3, ?4)",
-    "UPDATE reg_keys SET written = ?2 WHERE id = ?1",
-    // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): a macro ends the text
-    "DELETE FROM reg_values WHERE key IN " QV_BELOW,
-    "DELETE FROM reg_keys WHERE id <> ?2 AND id IN " QV_BELOW,
-    "SELECT name, type, data FROM reg_values WHERE key = ?1 AND folded = ?2",
-    "SELECT name, type, data FROM reg_values WHERE key = ?1 ORDER BY id",
-    "SELECT name, type, data, id FROM reg_values WHERE key = ?1 AND id >= ?2 ORDER BY id"
-    " LIMIT 1 OFFSET ?3",
-    "INSERT INTO reg_values(key, folded, name, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
-    " ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data"
-    " WHERE type <> excluded.type OR data <> excluded.data",
-    "DELETE FROM reg_values WHERE key = ?1 AND folded = ?2",
-    "BEGIN IMMEDIATE",
-    "COMMIT",
-    "ROLLBACK",
-};
-#undef QV_BELOW
-static_assert(std::size(kStatements) == static_cast<std::size_t>(RegSql::kCount));
 
 struct CodeRow {
     int code;
@@ -102,18 +70,14 @@ LSTATUS CodeOf(int code, int system_code) {
                                        : LSTATUS{ERROR_GEN_FAILURE};
 }
 
-// What the database's own name syntax would take for something else is written as its number.
+// Each byte is written as its number, so that the database's own name syntax takes none for
+// something else.
 std::string FrozenName(const std::string& path) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
     std::string name = "file:";
-    for (const char c : path) {
-        if (c != '%' && c != '?' && c != '#') {
-            name += c;
-        } else {
-            name += '%';
-            name += kDigits[c >> 4];
-            name += kDigits[c & 15];
-        }
+    for (const char byte : path) {
+        char number[4];
+        std::snprintf(number, sizeof number, "%%%02X", static_cast<unsigned char>(byte));
+        name += byte == '/' ? "/" : number;
     }
     return name + "?immutable=1";
 }
@@ -157,7 +121,7 @@ RegDatabase::RegDatabase(const std::string& path, Kind kind) : path_(path) {
 }
 
 RegDatabase::~RegDatabase() {
-    for (sqlite3_stmt* statement : statements_) sqlite3_finalize(statement);
+    for (const auto& [sql, statement] : statements_) sqlite3_finalize(statement);
     sqlite3_close(db_);
 }
 
@@ -168,13 +132,24 @@ void RegDatabase::Throw() {
     throw RegError{error, path_ + ": " + (db_ == nullptr ? "out of memory" : sqlite3_errmsg(db_))};
 }
 
-sqlite3_stmt* RegDatabase::Statement(RegSql which) {
-    const auto index = static_cast<std::size_t>(which);
-    if (statements_[index] == nullptr) {
-        Check(sqlite3_prepare_v3(db_, kStatements[index], -1, SQLITE_PREPARE_PERSISTENT,
-                                 &statements_[index], nullptr));
+sqlite3_stmt* RegDatabase::Statement(const char* sql) {
+    sqlite3_stmt*& statement = statements_[sql];
+    if (statement == nullptr) {
+        Check(sqlite3_prepare_v3(db_, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
     }
-    return statements_[index];
+    return statement;
+}
+
+void RegDatabase::Begin() {
+    RegQuery(this, "BEGIN IMMEDIATE").Next();
+}
+
+void RegDatabase::Commit() {
+    RegQuery(this, "COMMIT").Next();
+}
+
+void RegDatabase::RollBack() {
+    RegQuery(this, "ROLLBACK").Next();
 }
 
 std::string RegDatabase::Text(const char* sql) {
@@ -214,8 +189,9 @@ void RegDatabase::MakeTables() {
     Run(kTables);
     for (std::size_t i = 0; i < kRegRoots; ++i) {
         const std::string folded = FoldedName(RegRoots()[i].name);
-        RegQuery add(this, RegSql::kAddKey);
-        add.Give(0).Give(folded).Give(RegRoots()[i].name).Give(0).Next();
+        RegQuery add(this,
+                     "INSERT INTO reg_keys(parent, folded, name, written) VALUES(0, ?1, ?2, 0)");
+        add.Give(folded).Give(RegRoots()[i].name).Next();
     }
     const std::string marks = "PRAGMA application_id = " + std::to_string(kApplication) +
                               "; PRAGMA user_version = " + std::to_string(kVersion);
@@ -254,7 +230,7 @@ off_t RegDatabase::LogBytes() const {
 // locks on it.
 void RegDatabase::TrimLog() {
     const off_t frame = kFrameHeaderBytes + Number("PRAGMA page_size");
-    RegQuery(this, RegSql::kBegin).Next();
+    Begin();
     const std::span<const BYTE> mark = CommitMark();
     const off_t held = std::max(off_t{0}, LogBytes() - kLogHeaderBytes) / frame;
     if (!mark.empty() &&
@@ -264,7 +240,7 @@ void RegDatabase::TrimLog() {
         const off_t bytes = kLogHeaderBytes + std::min<off_t>(frames, held) * frame;
         if (LogBytes() > bytes) std::ignore = truncate((path_ + "-wal").c_str(), bytes);
     }
-    RegQuery(this, RegSql::kRollBack).Next();
+    RollBack();
     Run("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 

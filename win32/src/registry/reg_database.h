@@ -8,11 +8,11 @@
 #include <sys/types.h>
 #include <windows.h>
 
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace host {
 
@@ -24,27 +24,6 @@ struct RegError {
 
 // With the code and text of errno, for a file.
 [[noreturn]] void ThrowErrno(const std::string& path);
-
-// The statements, in the order of their texts in reg_database.cpp.
-enum class RegSql {
-    kHoldKey,
-    kFindKey,
-    kListKeys,
-    kKeyAt,
-    kAddKey,
-    kTouchKey,
-    kRemoveValuesBelow,
-    kRemoveKeysBelow,
-    kFindValue,
-    kListValues,
-    kValueAt,
-    kSetValue,
-    kRemoveValue,
-    kBegin,
-    kCommit,
-    kRollBack,
-    kCount
-};
 
 class RegDatabase {
   public:
@@ -70,6 +49,10 @@ class RegDatabase {
     void FinishFile();
 
     void Run(const char* sql) { Check(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr)); }
+    // Begin takes the lock that all changes take.
+    void Begin();
+    void Commit();
+    void RollBack();
     bool InTransaction() const { return sqlite3_get_autocommit(db_) == 0; }
     // The rows that the last statement changed.
     int Changes() const { return sqlite3_changes(db_); }
@@ -92,7 +75,7 @@ class RegDatabase {
 
   private:
     friend class RegQuery;
-    sqlite3_stmt* Statement(RegSql which);
+    sqlite3_stmt* Statement(const char* sql);
     sqlite3_file* File();
     std::int64_t Number(const char* sql);
     std::string Text(const char* sql);
@@ -100,16 +83,16 @@ class RegDatabase {
 
     const std::string path_;
     sqlite3* db_ = nullptr;
-    std::array<sqlite3_stmt*, static_cast<std::size_t>(RegSql::kCount)> statements_{};
+    std::unordered_map<const char*, sqlite3_stmt*> statements_;
 };
 
-// One statement in use, from its first argument to the end of this object. Without a database it
-// has no rows.
+// One statement in use, from its first argument to the end of this object. Its text, a literal, is
+// compiled once for each connection. Without a database it has no rows.
 class RegQuery {
   public:
-    RegQuery(RegDatabase* database, RegSql which)
+    RegQuery(RegDatabase* database, const char* sql)
         : database_(database),
-          statement_(database == nullptr ? nullptr : database->Statement(which)) {}
+          statement_(database == nullptr ? nullptr : database->Statement(sql)) {}
     RegQuery(const RegQuery&) = delete;
     RegQuery& operator=(const RegQuery&) = delete;
     ~RegQuery();

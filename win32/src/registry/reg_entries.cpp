@@ -23,14 +23,13 @@ struct KeyPlace {
 };
 
 KeyPlace FindPlace(const RegEntry& entry, std::int64_t only_root) {
-    const std::size_t end = std::min(entry.name.find(u'\\'), entry.name.size());
-    const std::int64_t root = FindRoot(std::u16string_view(entry.name).substr(0, end));
+    std::u16string_view rest = entry.name;
+    const std::int64_t root = TakeRoot(rest);
     if (root == 0) throw RegTextError(entry.line, "a key of an unknown root");
     if (only_root != 0 && root != only_root) {
         throw RegTextError(entry.line, "a key of an unexpected root");
     }
     KeyPlace place{RegKey(root), {}};
-    const auto rest = std::u16string_view(entry.name).substr(std::min(end + 1, entry.name.size()));
     if (SplitKeyPath(rest, place.path) != ERROR_SUCCESS) {
         throw RegTextError(entry.line, "an empty name in a key's path");
     }

@@ -44,6 +44,13 @@ std::int64_t FindRoot(std::u16string_view name) {
     });
 }
 
+std::int64_t TakeRoot(std::u16string_view& path) {
+    const std::size_t end = std::min(path.find(u'\\'), path.size());
+    const std::int64_t root = FindRoot(path.substr(0, end));
+    path.remove_prefix(std::min(end + 1, path.size()));
+    return root;
+}
+
 LSTATUS SplitKeyPath(std::u16string_view text, RegPath& path) {
     if (text.starts_with(u'\\')) return ERROR_BAD_PATHNAME;
     while (!text.empty()) {

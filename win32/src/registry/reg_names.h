@@ -28,6 +28,8 @@ const RegRoot (&RegRoots())[kRegRoots];
 // The number of a root; 0 when there is none. A name may be whole or short ("HKLM").
 std::int64_t FindRoot(HKEY handle);
 std::int64_t FindRoot(std::u16string_view name);
+// Cuts the root off the front of a key's whole path.
+std::int64_t TakeRoot(std::u16string_view& path);
 
 // Cuts "a\b" into its names; runs of separators count as one. ERROR_BAD_PATHNAME for a path that
 // begins with a separator.

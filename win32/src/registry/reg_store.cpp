@@ -21,7 +21,7 @@ namespace {
 constexpr mode_t kFileMode = 0600;
 constexpr mode_t kFolderMode = 0700;
 constexpr off_t kLongLog = 256 << 10;
-constexpr const char* kWriteLock = " 120 ";  // its byte in the shared index, as /proc/locks has it
+constexpr const char* kWriteLock = "120";  // its byte in the shared index, as /proc/locks has it
 
 [[noreturn]] void ThrowReadOnly(const std::string& path) {
     throw RegError{ERROR_ACCESS_DENIED, path + ": it is read-only for this user"};
@@ -65,7 +65,10 @@ RegStore::RegStore() {
         [] { Get().mutex_.unlock(); },
         [] {
             RegStore& store = Get();
-            store.is_inherited_ = store.group_ == Group::kOpen;
+            if (store.group_ == Group::kOpen) {
+                store.group_ = Group::kInherited;
+                store.lost_ = {ERROR_BUSY, "a group of changes was open when it forked"};
+            }
             store.mutex_.unlock();
         });
 }
@@ -109,8 +112,8 @@ bool RegStore::MayWrite() const {
 }
 
 bool RegStore::Refresh(Use use, const CallRef<void()>& fill) {
-    if (is_inherited_) throw RegError{ERROR_BUSY, "a group of changes was open when it forked"};
-    if (group_ == Group::kLost && use == Use::kWrite) throw RegError{lost_.code, lost_.text};
+    const bool is_lost = group_ == Group::kLost && use == Use::kWrite;
+    if (is_lost || group_ == Group::kInherited) throw RegError(lost_);
     if (group_ == Group::kOpen) return false;
     bool made = false;
     FindPath();
@@ -157,13 +160,13 @@ bool RegStore::Open(const struct stat& file, const CallRef<void()>& fill) {
 
 // In one transaction: another process may do the same.
 bool RegStore::FillNew(const CallRef<void()>& fill) {
-    RegQuery(database_.get(), RegSql::kBegin).Next();
+    database_->Begin();
     const bool is_new = !database_->IsMade();
     if (is_new) {
         database_->MakeTables();
         fill();
     }
-    RegQuery(database_.get(), RegSql::kCommit).Next();
+    database_->Commit();
     if (is_new) database_->FinishFile();
     return is_new;
 }
@@ -193,13 +196,12 @@ bool RegStore::Make(const CallRef<void()>& fill) {
 std::string RegStore::LockHolder() const {
     struct stat index;
     if (stat((path_ + "-shm").c_str(), &index) != 0) return {};
-    const std::string file = ':' + std::to_string(index.st_ino) + kWriteLock;
+    const std::string inode = ':' + std::to_string(index.st_ino);
     std::ifstream locks("/proc/locks");
     for (std::string line; std::getline(locks, line);) {
-        if (line.find(file) == std::string::npos || line.find("->") != std::string::npos) continue;
-        std::istringstream words(line);
-        std::string number, kind, mode, access, process, name;
-        words >> number >> kind >> mode >> access >> process;
+        std::string number, kind, mode, access, process, file, first, name;
+        std::istringstream(line) >> number >> kind >> mode >> access >> process >> file >> first;
+        if (!file.ends_with(inode) || first != kWriteLock) continue;
         std::ifstream("/proc/" + process + "/comm") >> name;
         return "process " + process + (name.empty() ? "" : " (" + name + ")");
     }
@@ -220,18 +222,19 @@ void RegStore::BeginChanges() {
 }
 
 void RegStore::LoseGroup(const RegError& error) {
-    if (!InGroup() || group_ == Group::kLost) return;
+    if (group_ != Group::kAsked && group_ != Group::kOpen) return;
     group_ = Group::kLost;
     lost_ = error;
     if (database_ == nullptr || !database_->InTransaction()) return;
-    RegQuery(database_.get(), RegSql::kRollBack).Next();
+    database_->RollBack();
 }
 
 void RegStore::EndChanges(bool keep) {
+    if (group_ == Group::kInherited) throw RegError(lost_);
     const Group group = std::exchange(group_, Group::kNone);
     if (group == Group::kLost) throw std::exchange(lost_, {});
     if (group == Group::kOpen) {
-        RegQuery(database_.get(), keep ? RegSql::kCommit : RegSql::kRollBack).Next();
+        keep ? database_->Commit() : database_->RollBack();
         KeepLogShort();
     }
 }
@@ -257,11 +260,11 @@ RegMemory* RegStore::Memory() {
 }
 
 // What is read under a mark is as new as the mark, or newer.
-RegSnapshot::RegSnapshot(RegStore& store, std::int64_t key, Asks asks) : store_(store), key_(key) {
+RegSnapshot::RegSnapshot(RegStore& store, std::int64_t key) : store_(store), key_(key) {
     const std::span<const BYTE> mark = store.Mark();
     if (!store.memory_.IsOf(mark)) store.memory_.Begin(mark);
     const bool is_known = store.group_ != RegStore::Group::kOpen && store.memory_.Find(key);
-    if (asks == Asks::kAtOnce || !is_known) Hold();
+    if (!is_known) Hold();
     store.snapshot_ = this;
 }
 
@@ -270,7 +273,7 @@ RegSnapshot::~RegSnapshot() {
 }
 
 void RegSnapshot::Hold() {
-    hold_.emplace(store_.Database(), RegSql::kHoldKey);
+    hold_.emplace(store_.Database(), kHoldRegKey);
     const bool is_root = key_ <= std::int64_t{kRegRoots};
     if (!hold_->Give(key_).Next() && !is_root) throw RegError{ERROR_KEY_DELETED, {}};
     if (!store_.memory_.IsOf(store_.Mark())) {
@@ -282,7 +285,7 @@ void RegSnapshot::Hold() {
 }
 
 RegChange::RegChange(RegStore& store) : database_(*store.Database()), is_part_(store.InGroup()) {
-    if (store.group_ != RegStore::Group::kOpen) RegQuery(&database_, RegSql::kBegin).Next();
+    if (store.group_ != RegStore::Group::kOpen) database_.Begin();
     if (!is_part_) return;
     store.group_ = RegStore::Group::kOpen;
     database_.Run("SAVEPOINT part");
@@ -292,7 +295,7 @@ void RegChange::Keep() {
     if (is_part_) {
         database_.Run("RELEASE part");
     } else {
-        RegQuery(&database_, RegSql::kCommit).Next();
+        database_.Commit();
     }
     is_kept_ = true;
 }
@@ -304,7 +307,7 @@ RegChange::~RegChange() {
         if (is_part_) {
             database_.Run("ROLLBACK TO part; RELEASE part");
         } else {
-            RegQuery(&database_, RegSql::kRollBack).Next();
+            database_.RollBack();
         }
     } catch (const RegError&) {
         // The transaction ends with the connection, or at the next process's start.

@@ -59,8 +59,11 @@ class RegStore {
     void BeginChanges();
     void EndChanges(bool keep);
     bool InGroup() const { return group_ != Group::kNone; }
-    bool InLostGroup() const { return group_ == Group::kLost; }
+    bool InLostGroup() const { return group_ == Group::kLost || group_ == Group::kInherited; }
     void LoseGroup(const RegError& error);
+
+    // What was wrong when a call failed last, for a person; empty after one that went well.
+    std::string& Problem() { return problem_; }
 
     // The database, for a query: within the snapshot that is open, if any.
     RegDatabase* ForQuery();
@@ -70,7 +73,8 @@ class RegStore {
   private:
     friend class RegSnapshot;
     friend class RegChange;
-    enum class Group { kNone, kAsked, kOpen, kLost };
+    // kInherited: the parent was in the middle of a group when it forked; for good.
+    enum class Group { kNone, kAsked, kOpen, kLost, kInherited };
 
     RegStore();
     void FindPath();
@@ -91,22 +95,24 @@ class RegStore {
     bool is_frozen_ = false;
     bool may_write_ = false;
     Group group_ = Group::kNone;
-    RegError lost_{};
-    bool is_inherited_ = false;  // the parent was in the middle of a group when it forked
+    RegError lost_{};  // why the group is lost
+    std::string problem_;
     RegMemory memory_;
     RegSnapshot* snapshot_ = nullptr;  // that is open
 };
+
+// Whether a key is there. A statement in use holds the snapshot.
+inline constexpr char kHoldRegKey[] = "SELECT 1 FROM reg_keys WHERE id = ?1";
 
 // What was remembered is no longer what the store holds: the read has to begin again.
 struct RegStale {};
 
 // The registry at one moment, while it lives. Throws ERROR_KEY_DELETED when the key is gone. The
 // database is asked only for what is not remembered; where the two may be of different moments
-// RegStale is thrown, with the first query only, and never when it is to be asked at once.
+// RegStale is thrown, with the first query only.
 class RegSnapshot {
   public:
-    enum class Asks { kLate, kAtOnce };
-    RegSnapshot(RegStore& store, std::int64_t key, Asks asks);
+    RegSnapshot(RegStore& store, std::int64_t key);
     RegSnapshot(const RegSnapshot&) = delete;
     RegSnapshot& operator=(const RegSnapshot&) = delete;
     ~RegSnapshot();

@@ -30,36 +30,23 @@ LSTATUS Remove(const KeyContext& on, const RegPath& path) {
     return parent && parent->RemoveKey(path.back()) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
 }
 
-LSTATUS OpenExisting(HKEY key, LPCWSTR path, REGSAM access, PHKEY result) {
+// Opens the key at `path`. With `outcome` a key that is missing is made.
+LSTATUS Open(HKEY key, LPCWSTR path, REGSAM access, PHKEY result, DWORD* outcome) {
     std::int64_t id = 0;
     std::size_t depth = 0;
-    const LSTATUS code = ReadKey(key, 0, [&](const KeyContext& on) {
-        RegPath below;
-        const LSTATUS named = PathBelow(on, path, below);
-        if (named != ERROR_SUCCESS) return named;
-        const auto found = on.key.FindPath(below);
-        if (!found) return LSTATUS{ERROR_FILE_NOT_FOUND};
-        id = found->Id();
-        depth = on.depth + below.size();
-        return LSTATUS{ERROR_SUCCESS};
-    });
-    return code == ERROR_SUCCESS ? OpenKeyHandle(id, depth, access, result) : code;
-}
-
-LSTATUS OpenOrMake(HKEY key, LPCWSTR path, REGSAM access, PHKEY result, DWORD& disposition) {
-    std::int64_t id = 0;
-    std::size_t depth = 0;
-    const LSTATUS code = ChangeKey(key, 0, [&](const KeyContext& on) {
+    const auto open = [&](const KeyContext& on) -> LSTATUS {
         RegPath below;
         LSTATUS named = PathBelow(on, path, below);
-        if (named == ERROR_SUCCESS) named = CheckNames(below);
+        if (named == ERROR_SUCCESS && outcome != nullptr) named = CheckNames(below);
         if (named != ERROR_SUCCESS) return named;
         const auto found = on.key.FindPath(below);
-        disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
+        if (!found && outcome == nullptr) return ERROR_FILE_NOT_FOUND;
+        if (outcome != nullptr) *outcome = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
         id = found ? found->Id() : on.key.MakePath(below).Id();
         depth = on.depth + below.size();
-        return LSTATUS{ERROR_SUCCESS};
-    });
+        return ERROR_SUCCESS;
+    };
+    const LSTATUS code = outcome == nullptr ? ReadKey(key, 0, open) : ChangeKey(key, 0, open);
     return code == ERROR_SUCCESS ? OpenKeyHandle(id, depth, access, result) : code;
 }
 
@@ -68,7 +55,7 @@ LSTATUS OpenOrMake(HKEY key, LPCWSTR path, REGSAM access, PHKEY result, DWORD& d
 LSTATUS RegOpenKeyExW(HKEY key, LPCWSTR path, DWORD options, REGSAM access, PHKEY result) {
     if (result == nullptr) return ERROR_INVALID_PARAMETER;
     if (options != 0) return ERROR_NOT_SUPPORTED;
-    return OpenExisting(key, path, access, result);
+    return Open(key, path, access, result, nullptr);
 }
 
 LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR, DWORD options,
@@ -78,8 +65,8 @@ LSTATUS RegCreateKeyExW(HKEY key, LPCWSTR path, DWORD reserved, LPWSTR, DWORD op
     if (path == nullptr) return ERROR_BADKEY;
     if (options != REG_OPTION_NON_VOLATILE) return ERROR_NOT_SUPPORTED;
     DWORD outcome = REG_OPENED_EXISTING_KEY;
-    LSTATUS code = OpenExisting(key, path, access, result);
-    if (code == ERROR_FILE_NOT_FOUND) code = OpenOrMake(key, path, access, result, outcome);
+    LSTATUS code = Open(key, path, access, result, nullptr);
+    if (code == ERROR_FILE_NOT_FOUND) code = Open(key, path, access, result, &outcome);
     if (code == ERROR_SUCCESS && disposition != nullptr) *disposition = outcome;
     return code;
 }
