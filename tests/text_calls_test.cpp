@@ -264,6 +264,12 @@ const std::map<std::string, Call> kCalls = {
          list.SetTextStr(a[0]);
          return Joined(list);
      }())},
+    {"NameValues", CALL([&] {
+         Classes::TStringList list;
+         if (!a[0].IsEmpty()) list.SetTextStr(a[0]);
+         const Text text = BuildNameValueString(&list, TEXT(";"), TEXT("="));
+         return Joined(list) + text;
+     }())},
     // Formats
     {"DetectArgumentType", CALL(Number(DetectArgumentType(a[0].t_str())))},
     {"ExtractFormatStrings", CALL(Mox::ExtractFormatStrings(a[0].t_str()))},

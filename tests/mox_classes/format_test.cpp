@@ -1,5 +1,5 @@
-// Named fields with their arguments, lists as text, and the typed front of the formatter below
-// them. text_calls.txt has what makes a text of texts.
+// Named fields with their arguments, rows of value names, and the typed front of the formatter
+// below them. text_calls.txt has what makes a text of texts.
 #include "mox_classes/format/format_fields.h"
 
 #include <gtest/gtest.h>
@@ -11,9 +11,7 @@
 #include <tuple>
 #include <utility>
 
-#include "mox_classes/containers/string_list.h"
 #include "mox_classes/format/define_table.h"
-#include "mox_classes/format/template_string.h"
 #include "mox_classes/text/wide_format.h"
 #include "support/string_print.h"
 
@@ -95,21 +93,6 @@ TEST(FormatFields, BracesInsideNames) {
     int asked = 0;
     EXPECT_EQ(FillFormat(head.t_str(), Count, &asked), head);
     EXPECT_EQ(asked, 0);
-}
-
-TEST(TemplateString, NamesAndValues) {
-    TStringList items;
-    Classes::TStrings& list = items;
-    const auto joined = [&] { return BuildNameValueString(&list, TEXT(";"), TEXT("=")); };
-    EXPECT_TRUE(joined().IsEmpty());
-    for (const WCHAR* text : {TEXT("a b"), TEXT("1"), TEXT("b"), TEXT("x y"), TEXT("c"), TEXT(""),
-                              TEXT("d"), TEXT("\"q")}) {
-        items.Add(text);
-    }
-    EXPECT_EQ(joined(), TEXT("a b=1;b=\"x y\";c=\"\";d=\"\"\"q\""));
-    EXPECT_EQ(list.Get(3), TEXT("\"x y\"")) << "the list keeps the quotes";
-    items.Delete(7);
-    EXPECT_GT(joined().Pos(TEXT(";d=\"\"")), 0);
 }
 
 namespace {

@@ -61,18 +61,6 @@ TEST(XmlNode, TheFirstValueOfAnAttributeStaysUntilItIsSet) {
     EXPECT_TRUE(node.ChildGetText(TEXT("c"), kUtf8).IsEmpty());
 }
 
-TEST(XmlNode, SetChildReplacesTheTextOfTheFirstOrAdds) {
-    TXmlNode node;
-    TXmlNode* first = node.AddChild(TEXT("a"));
-    node.AddChild(TEXT("a"));
-    EXPECT_EQ(node.SetChild(TEXT("a"), TEXT("x"), kUtf8), first);
-    const TXmlNode* added = node.SetChild(TEXT("b"), TEXT("y"), kUtf8);
-    EXPECT_EQ(added, node.GetChild(2));
-    EXPECT_EQ(Utf8(node.ChildGetText(TEXT("a"), kUtf8)), "x");
-    node.Clear();
-    EXPECT_EQ(node.ChildCount(), 0);
-}
-
 TEST(XmlNode, PathsWalkDownChildNames) {
     TXmlNode node;
     TXmlNode* a = node.AddChild(TEXT("a"));
