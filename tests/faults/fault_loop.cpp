@@ -58,8 +58,9 @@ class LoopTest : public testing::Test {
   public:
     LoopTest(Kind kind, std::string name, Tests::Make make)
         : kind_(kind), name_(std::move(name)), make_(std::move(make)) {
-        const char* const all = std::getenv("QV_FAULTS");
-        every_ = all != nullptr && std::string_view(all) == "all";
+        const char* const wanted = std::getenv("QV_FAULTS");
+        every_ = wanted != nullptr && std::string_view(wanted) == "all";
+        few_ = wanted != nullptr && std::string_view(wanted) == "few";
     }
 
     void TestBody() override {
@@ -70,13 +71,13 @@ class LoopTest : public testing::Test {
         // The first run makes objects that a process makes once and keeps. The second one is
         // counted.
         for (int i = 0; i < 2; ++i) RunStep(Plan{kind_});
-        const std::vector<Site*> sites = Used();
+        const std::vector<UsedSite> sites = Used();
         totals_.names = static_cast<int>(sites.size());
         totals_.calls = CallsSeen();
         Loop(Plan{kind_});
         Loop(Plan{kind_, nullptr, 0, true});
         if (kind_ != Kind::Memory) {
-            for (const Site* site : sites) LoopOver(*site);
+            for (const UsedSite& used : sites) LoopOver(used);
         }
         std::printf("[ faults   ] %s: %d names, %d calls, %d steps, %d with a failing call\n",
                     name_.c_str(), totals_.names, totals_.calls, totals_.steps, totals_.hits);
@@ -84,19 +85,39 @@ class LoopTest : public testing::Test {
     }
 
   private:
-    std::vector<Site*> Used() const {
-        std::vector<Site*> sites;
+    struct UsedSite {
+        const Site* site;
+        int calls;
+    };
+
+    std::vector<UsedSite> Used() const {
+        std::vector<UsedSite> sites;
         for (Site* site = FirstSite(); site != nullptr; site = site->next) {
-            if (site->kind == kind_ && site->calls > 0) sites.push_back(site);
+            if (site->kind == kind_ && site->calls > 0) sites.push_back({site, site->calls});
         }
         return sites;
     }
 
-    void LoopOver(const Site& site) {
-        for (std::size_t choice = 0; choice < site.codes.size(); ++choice) {
-            Loop(Plan{kind_, &site, 0, false, choice});
+    void LoopOver(const UsedSite& used) {
+        if (few_) {
+            TakeTurns(used);
+            return;
         }
-        Loop(Plan{kind_, &site, 0, true});
+        for (std::size_t choice = 0; choice < used.site->codes.size(); ++choice) {
+            Loop(Plan{kind_, used.site, 0, false, choice});
+        }
+        Loop(Plan{kind_, used.site, 0, true});
+    }
+
+    // Every call fails once and every code is used once, not every call with every code. Then all
+    // calls fail together.
+    void TakeTurns(const UsedSite& used) {
+        const int codes = static_cast<int>(used.site->codes.size());
+        for (int turn = 0; turn < std::max(used.calls, codes) && failed_ < kMostFailures; ++turn) {
+            const auto choice = static_cast<std::size_t>(turn % codes);
+            RunAgainWhenItGrows(Plan{kind_, used.site, turn % used.calls + 1, false, choice});
+        }
+        RunAgainWhenItGrows(Plan{kind_, used.site, 1, true});
     }
 
     static int FailedParts() {
@@ -181,7 +202,7 @@ class LoopTest : public testing::Test {
     const std::string name_;
     const Tests::Make make_;
     std::unique_ptr<Scenario> scenario_;
-    bool every_ = false;
+    bool every_ = false, few_ = false;
     int failed_ = 0;
     Totals totals_;
 };
