@@ -10,7 +10,7 @@ packages_for() {
         fuzz) echo cmake ninja-build ccache clang libclang-rt-14-dev g++ libcli11-dev nlohmann-json3-dev libsqlite3-dev zlib1g-dev ;;
         windows) echo cmake ninja-build ccache g++ googletest libcli11-dev nlohmann-json3-dev g++-mingw-w64-x86-64-posix \
                 libz-mingw-w64-dev wine wine64 llvm ;;
-        packages) echo binutils pkgconf gdb dpkg-dev file zip unzip g++-mingw-w64-x86-64-posix clang lld llvm lintian ;;
+        packages) echo binutils make pkgconf gdb dpkg-dev file zip unzip g++-mingw-w64-x86-64-posix clang lld llvm lintian ;;
         bench)
             echo python3 libbenchmark-dev libpugixml-dev libtinyxml2-dev libexpat1-dev libxml2-dev \
                 libicu-dev libfmt-dev libspdlog-dev
