@@ -47,7 +47,7 @@ void QuoteValues(Classes::TStrings& items) {
 
 UnicodeString TemplateString(const UnicodeString& text, TFillField fill, void* context) {
     // `fill` may change the caller's string. The text that is searched stays.
-    const UnicodeString kept(text);
+    const UnicodeString kept(text);  // NOLINT(performance-unnecessary-copy-initialization)
     if (IsTemplate(kept)) return kept;
     TFieldSpan field;
     for (const WCHAR* p = kept.t_str(); FindField(p, field); p = field.begin + 1) {
@@ -58,7 +58,8 @@ UnicodeString TemplateString(const UnicodeString& text, TFillField fill, void* c
 }
 
 UnicodeString TemplateStringFormat(const UnicodeString& text, TFillField fill, void* context) {
-    const UnicodeString kept(text);  // as above
+    // As above.
+    const UnicodeString kept(text);  // NOLINT(performance-unnecessary-copy-initialization)
     return IsTemplate(kept) ? FillFormat(kept.t_str() + 1, fill, context) : kept;
 }
 
