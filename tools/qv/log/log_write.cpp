@@ -31,7 +31,7 @@ bool NextLine(std::string& line) {
     return true;
 }
 
-std::string Joined(const std::vector<std::string>& words) {
+std::string JoinedWords(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
     return text;
@@ -110,7 +110,7 @@ void WriteLog(const WriteOptions& options) {
         if (std::ferror(stdin) != 0)
             throw Failure("cannot read standard input", ExitCode::kCannotOpen);
     } else {
-        log.Add(Joined(options.words));
+        log.Add(JoinedWords(options.words));
     }
     log.Finish();
 }
