@@ -1,5 +1,4 @@
-// The Linux side of the tool, and `qv host`: where the files lie that stand in for Windows, and its
-// registry as text.
+// The Linux side of the tool.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <qv_host.h>
@@ -14,9 +13,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 
-#include "base/commands.h"
 #include "base/console.h"
 #include "base/host.h"
 #include "qv_rtl_main/runtime_version.h"
@@ -101,31 +98,6 @@ bool HoldsLock(const std::filesystem::path& process, ino_t file) {
     const std::filesystem::directory_iterator descriptors(process / "fdinfo", ignored);
     return std::any_of(begin(descriptors), end(descriptors),
                        [&](const auto& entry) { return HasLock(entry.path(), file); });
-}
-
-void PrintRoot() {
-    const std::string root = HostRoot();
-    if (root.empty()) throw Failure("the host root is not known");
-    PrintLine(root);
-}
-
-void Import(const std::string& file) {
-    WCHAR message[kMessageSize] = {};
-    const UnicodeString name = FromUtf8(file);
-    if (QvHostImport(name.t_str(), message, kMessageSize)) return;
-    const bool is_file = FindFile(name).kind == FileKind::kFile;
-    throw Failure(OneLine(UnicodeString(message)),
-                  is_file ? ExitCode::kFailed : ExitCode::kCannotOpen);
-}
-
-void Export(const std::string& key) {
-    WCHAR message[kMessageSize] = {};
-    const UnicodeString wide_key = FromUtf8(key);
-    if (QvHostExport(key.empty() ? nullptr : wide_key.t_str(), nullptr, message, kMessageSize))
-        return;
-    // The host's code for a pipe that nobody reads, and for nothing else.
-    if (GetLastError() == ERROR_WRITE_FAULT) throw ClosedPipe();
-    throw Failure(OneLine(UnicodeString(message)));
 }
 
 }  // namespace
@@ -293,24 +265,6 @@ std::string UserDataFolder() {
     const std::string root = HostRoot();
     if (root.empty()) throw Failure("the host root is not known", ExitCode::kCannotOpen);
     return root + "/qv";
-}
-
-void AddHostCommands(CLI::App& app) {
-    CLI::App* host =
-        app.add_subcommand("host", "The registry and files that replace those of Windows");
-    host->require_subcommand(1);
-    host->add_subcommand("root", "Show the folder of the registry and files")->callback(PrintRoot);
-    auto text = std::make_shared<std::string>();
-    CLI::App* importer = host->add_subcommand("import", "Apply a .reg file to the registry");
-    importer
-        ->add_option("FILE.reg", *text,
-                     "A file that the Windows registry editor exported, or one in UTF-8")
-        ->required();
-    importer->callback([text] { Import(*text); });
-    CLI::App* exporter =
-        host->add_subcommand("export", "Write the registry, or one key, as .reg text");
-    exporter->add_option("KEY", *text, "For example HKLM\\Software\\Halvorn");
-    exporter->callback([text] { Export(*text); });
 }
 
 }  // namespace qv
