@@ -44,7 +44,8 @@ DWORD TLogFollower::Begin(const UnicodeString& fileName, const std::optional<TLo
     reader_.Assign(nullptr, 0);  // an empty file is not copied
     behind_ = behind;
     coming_ = TLogResumed();
-    return !Look() && reader_.Error().Length() > 0 ? DWORD{ERROR_INVALID_DATA} : DWORD{NO_ERROR};
+    if (Look() || reader_.Error().Length() == 0) return NO_ERROR;
+    return reader_.Copy() == TLogCopy::Failed ? ERROR_READ_FAULT : ERROR_INVALID_DATA;
 }
 
 // The newest record that can be read tells later whether the log is another one, and what is new.

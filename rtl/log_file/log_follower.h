@@ -22,7 +22,8 @@ class TLogFollower {
     // on.
     enum class TStart { Oldest, New };
 
-    // Returns a Win32 error code: ERROR_INVALID_DATA for a file that is no log.
+    // Returns a Win32 error code: ERROR_INVALID_DATA for a file that is no log, ERROR_READ_FAULT
+    // for one that cannot be read now. Reader().Error() says why, too.
     QV_API DWORD Open(const UnicodeString& fileName, TStart start);
     // Begins behind the record of the cursor.
     QV_API DWORD Open(const UnicodeString& fileName, const TLogCursor& behind);

@@ -25,7 +25,8 @@ QV_API int QVWriteLog(int level, const WCHAR* source, int line, const WCHAR* tex
 
 // Opens a log for reading; null or "" is the one in force. With `onlyNew` the first record is the
 // first that comes after this call, else the oldest one. *log is to be closed with QVCloseLog; null
-// when the call fails. ERROR_INVALID_DATA: the file is no log.
+// when the call fails. ERROR_INVALID_DATA: the file is no log. ERROR_READ_FAULT: it opens, and
+// cannot be read now.
 QV_API int QVOpenLog(const WCHAR* file, int onlyNew, QVLog** log);
 // The next record: 1, or 0 when there is none for now, which takes little time while nothing is
 // written; call again after a tenth of a second. A negative Win32 error code when it fails: no

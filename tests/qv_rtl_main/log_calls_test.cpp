@@ -115,6 +115,8 @@ TEST_F(LogCalls, WhatIsReadGoesOnBehindDamageAndFailures) {
         CreateFileW(Name().c_str(), DELETE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     EXPECT_EQ(News(), Texts{});
+    QVLog* another = nullptr;
+    EXPECT_EQ(QVOpenLog(Name().c_str(), 0, &another), ERROR_READ_FAULT);
     FileTest::Close(deleting);
     EXPECT_EQ(News(), Texts{"fourth"});
     image[7] ^= 0x40;  // the counter

@@ -29,8 +29,8 @@ class Follower {
         const std::string name = LogName(options.files.empty() ? "" : options.files[0]);
         const DWORD code = Open(FromUtf8(name));
         if (code == NO_ERROR) return;
-        const bool is_no_log = code == ERROR_INVALID_DATA;
-        CannotOpenLog(name, is_no_log ? log_.Reader().Error() : Mox::GetSysError(code, true));
+        const UnicodeString& reason = log_.Reader().Error();
+        CannotOpenLog(name, reason.Length() > 0 ? reason : Mox::GetSysError(code, true));
     }
 
     // Shows what is new, and keeps the place.
