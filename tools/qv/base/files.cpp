@@ -13,7 +13,6 @@ namespace qv {
 
 namespace {
 
-constexpr unsigned short kRead = 0x40;  // others may write meanwhile
 constexpr unsigned short kReplace = 0xFFFF;
 constexpr DWORD kPipeEnded = 109;  // Windows says so where Linux reads no bytes
 
@@ -117,7 +116,7 @@ std::string ReadAll(const std::string& name) {
     if (name == kStandardStream) return ReadStandardInput();
     CheckFileName(name);
     try {
-        return ReadToEnd(Classes::TFileStream(FromUtf8(name), kRead).GetHandle());
+        return ReadToEnd(Classes::TFileStream(FromUtf8(name), kSharedRead).GetHandle());
     } catch (const UnicodeString& message) {
         CannotOpen(name, message);
     }

@@ -14,6 +14,9 @@ namespace qv {
 // Stands for standard input or standard output where a file is expected.
 inline const std::string kStandardStream = "-";
 
+// Of a TFileStream that reads: others may write the file meanwhile.
+inline constexpr unsigned short kSharedRead = 0x40;
+
 // Throws Failure (kCannotOpen).
 [[noreturn]] void CannotOpen(const std::string& name, const UnicodeString& reason);
 

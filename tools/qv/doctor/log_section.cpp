@@ -1,6 +1,7 @@
 // The state of the log file in force.
 #include <windows.h>
 
+#include "base/files.h"
 #include "base/host.h"
 #include "doctor/examination.h"
 #include "driver_global/installation.h"
@@ -16,8 +17,7 @@ namespace qv {
 namespace {
 
 long long SizeOf(const UnicodeString& file) {
-    constexpr unsigned short kShared = 0x40;
-    return Classes::TFileStream(file, kShared).GetSize();
+    return Classes::TFileStream(file, kSharedRead).GetSize();
 }
 
 void AddLock(Json& section, const UnicodeString& file, Problems& problems) {

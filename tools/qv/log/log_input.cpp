@@ -10,7 +10,6 @@ namespace {
 
 // Of a log that others write all the time, the copy may be one of several moments.
 constexpr int kAttempts = 5;
-constexpr unsigned short kSharedRead = 0x40;  // of a file stream
 
 // Takes what can be read when the reader has refused the log.
 void StartAnyway(Mox::TLogReader& reader, const std::string& name) {

@@ -111,7 +111,6 @@ bool IsStream(const std::string& name) {
 }
 
 bool IsArchive(const std::string& name) {
-    constexpr unsigned short kSharedRead = 0x40;
     constexpr int kSignature = 4;
     if (IsStream(name)) return false;
     try {

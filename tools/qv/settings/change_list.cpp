@@ -36,10 +36,6 @@ std::string TargetName(const TargetChange& target) {
     return target.is_global ? "global settings" : OneLine(target.printer);
 }
 
-std::string ValueText(const std::optional<UnicodeString>& value) {
-    return value ? Shown(*value) : "(none)";
-}
-
 // A known field gives its own type of value, an unknown one a text.
 Json ValueJson(const std::string& field, const std::optional<UnicodeString>& value) {
     if (!value) return {};
@@ -96,8 +92,8 @@ void PrintRecord(const ChangeRecord& change) {
         if (change.IsUnknown(target))
             PrintLine(name + "what changed is not known: the command did not come to its end");
         for (const ValueChange& f : target.fields) {
-            PrintLine(name + PlainText(f.field) + ": " + ValueText(f.before) + " -> " +
-                      ValueText(f.after) + (target.undone ? " (taken back)" : ""));
+            PrintLine(name + PlainText(f.field) + ": " + Shown(f.before) + " -> " + Shown(f.after) +
+                      (target.undone ? " (taken back)" : ""));
         }
     }
 }

@@ -41,10 +41,6 @@ Json GlobalJson(const std::optional<UnicodeString>& value) {
     return value ? Text(*value) : Json();
 }
 
-std::string GlobalText(const std::optional<UnicodeString>& value) {
-    return value ? Shown(*value) : "(none)";
-}
-
 void PrintAsJson(const std::vector<PrinterChange>& changes, const RunResult& result,
                  const ReportOptions& options) {
     Json printers = Json::array();
@@ -66,8 +62,8 @@ void PrintAsJson(const std::vector<PrinterChange>& changes, const RunResult& res
 
 void PrintGlobals(const std::vector<ValueChange>& values) {
     for (const ValueChange& value : values) {
-        PrintLine("global settings: " + OneLine(FromUtf8(value.field)) + ": " +
-                  GlobalText(value.after) + " -> " + GlobalText(value.before));
+        PrintLine("global settings: " + OneLine(FromUtf8(value.field)) + ": " + Shown(value.after) +
+                  " -> " + Shown(value.before));
     }
 }
 

@@ -95,4 +95,8 @@ std::string Shown(const UnicodeString& value) {
     return value.Length() == 0 ? "\"\"" : ToValueText(value);
 }
 
+std::string Shown(const std::optional<UnicodeString>& value) {
+    return value ? Shown(*value) : "(none)";
+}
+
 }  // namespace qv

@@ -29,5 +29,7 @@ void StoreChange(PrinterChange& change);
 
 // A value as it stands in a line of text; an empty value is shown as "".
 std::string Shown(const UnicodeString& value);
+// "(none)" where there is no value.
+std::string Shown(const std::optional<UnicodeString>& value);
 
 }  // namespace qv

@@ -43,10 +43,6 @@ Json SideJson(const Field& field, const std::optional<UnicodeString>& value) {
     return value ? FieldJson(field, *value) : Json();
 }
 
-std::string SideText(const std::optional<UnicodeString>& value) {
-    return value ? Shown(*value) : "(none)";
-}
-
 Json DifferencesJson(const std::vector<Difference>& differences) {
     Json list = Json::array();
     for (const Difference& d : differences) {
@@ -60,7 +56,7 @@ Json DifferencesJson(const std::vector<Difference>& differences) {
 std::string DifferenceLines(const std::string& prefix, const std::vector<Difference>& differences) {
     std::string lines;
     for (const Difference& d : differences)
-        lines += prefix + NameOf(*d.field) + ": " + SideText(d.a) + " -> " + SideText(d.b) + "\n";
+        lines += prefix + NameOf(*d.field) + ": " + Shown(d.a) + " -> " + Shown(d.b) + "\n";
     return lines;
 }
 
