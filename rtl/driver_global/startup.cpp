@@ -97,7 +97,9 @@ void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFil
                const UnicodeString& language) {
     Mox::GetLogger()->Init();
     std::optional<UnicodeString> log_file;
-    AsFarAsPossible([&] { log_file = GetPrinterLogFile(); });
+    AsFarAsPossible([&] {
+        if (!ProgramOnlyLooks()) log_file = GetPrinterLogFile();
+    });
     AsFarAsPossible([&] {
         InitXmlRes(resourceFile.Length() > 0 ? resourceFile : GetInstalledResourceFile(),
                    kFallbackResourceFile);
@@ -106,7 +108,7 @@ void QVInitApp(const UnicodeString& moduleName, const UnicodeString& resourceFil
         TakeAvailableFields();
     });
     AsFarAsPossible([&] {
-        if (log_file && !ProgramOnlyLooks()) InstallRecorder(*log_file);
+        if (log_file) InstallRecorder(*log_file);
     });
     AsFarAsPossible([&] { Identify(moduleName); });
 }
