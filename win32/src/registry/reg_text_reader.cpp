@@ -32,7 +32,7 @@ constexpr auto kDigits = [] {
     values.fill(-1);
     for (const std::string_view digits : {"0123456789abcdef", "0123456789ABCDEF"}) {
         signed char value = 0;
-        for (const char digit : digits) values[static_cast<std::size_t>(digit)] = value++;
+        for (const char digit : digits) values[static_cast<unsigned char>(digit)] = value++;
     }
     return values;
 }();

@@ -180,7 +180,7 @@ std::string Locate(const std::string& root, const std::vector<std::string>& part
         if (is_there && i >= there && (i == there || !Exists(next))) {
             const std::string found = FindIgnoringCase(path, parts[i]);
             is_there = found != parts[i];
-            next = path + '/' + found;
+            next.replace(path.size() + 1, std::string::npos, found);
         }
         path = std::move(next);
     }
