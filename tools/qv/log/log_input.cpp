@@ -1,6 +1,7 @@
 #include "log/log_input.h"
 
 #include "base/files.h"
+#include "base/host.h"
 #include "driver_global/installation.h"
 #include "mox_classes/containers/streams.h"
 
@@ -48,7 +49,8 @@ std::string LogName(const std::string& file) {
 void CannotOpenLog(const std::string& name, const UnicodeString& reason) {
     CheckFileName(name);
     // Whoever was to replace the pattern found nothing; the system only says that it is no name.
-    const bool is_pattern = name.find_first_of("*?") != std::string::npos;
+    const bool is_pattern = name.find_first_of("*?") != std::string::npos &&
+                            FindFile(FromUtf8(name)).kind == FileKind::kNone;
     CannotOpen(name, is_pattern ? UnicodeString(TEXT("no file has such a name")) : reason);
 }
 

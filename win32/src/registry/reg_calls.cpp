@@ -145,9 +145,10 @@ LSTATUS ChangeRegistry(const CallRef<void()>& change) {
 }
 
 LSTATUS EndGroup(bool keep) {
+    std::vector<std::function<void()>> waiting;  // ends behind the lock
     RegStore& store = RegStore::Get();
     std::unique_lock lock(store.Mutex());
-    const auto waiting = std::exchange(Waiting(), {});
+    waiting.swap(Waiting());
     try {
         store.EndChanges(keep);
     } catch (const RegError& error) {
