@@ -231,6 +231,7 @@ void TChecker::CheckField(TQVDM& scratch, TView group, const TXmlNode& leaf) {
             return SayOf(leaf, TEXT("unknown field ") + Quoted(name));
         case TFieldCheck::Taken:
             if (scratch.StatedSizeFits()) return;
+            // A size beyond the block. The fields behind it are checked with the block's own.
             scratch.GetDM()->dmSize = QV_DEVMODE_EXTRA::kPublicSize;
             scratch.GetDM()->dmDriverExtra = QV_DEVMODE_EXTRA::kExtraSize;
             [[fallthrough]];
